@@ -1,0 +1,72 @@
+# libmesh_l2vpn: its objects, and the shared object made of them. Tests link the same objects, so
+# that what the shared object hides is tested all the same.
+
+set(mesh_l2vpn_includes
+  ${CMAKE_CURRENT_SOURCE_DIR}/msg/include
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_cfg/include
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_stat/include
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include)
+
+set(mesh_l2vpn_public_headers
+  ${CMAKE_CURRENT_SOURCE_DIR}/msg/include/mesh_l2vpn/operations.h
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_cfg/include/mesh_l2vpn/l2vpn_cfg.h
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_stat/include/mesh_l2vpn/l2vpn_stat.h
+  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include/mesh_l2vpn/l2vpn_sync.h)
+
+add_library(mesh_l2vpn_objects OBJECT
+  host/binding.cpp
+  host/memory.cpp
+  wire/report.cpp
+  msg/registration.cpp
+  l2vpn_cfg/receive.cpp
+  l2vpn_cfg/send.cpp
+  l2vpn_stat/receive.cpp
+  l2vpn_stat/send.cpp
+  l2vpn_sync/receive.cpp
+  l2vpn_sync/send.cpp)
+target_include_directories(mesh_l2vpn_objects PUBLIC
+  ${CMAKE_CURRENT_SOURCE_DIR} ${mesh_l2vpn_includes})
+target_compile_features(mesh_l2vpn_objects PUBLIC cxx_std_20)
+set_target_properties(mesh_l2vpn_objects PROPERTIES
+  CXX_EXTENSIONS OFF
+  CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON
+  POSITION_INDEPENDENT_CODE ON)
+# Identical operations keep addresses of their own (hosts compare the registered functions), and the
+# library can be unloaded.
+target_compile_options(mesh_l2vpn_objects PRIVATE
+  -fno-exceptions -fno-rtti -fno-threadsafe-statics $<$<CONFIG:Release>:-O2>
+  $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique>)
+mesh_l2vpn_warnings(mesh_l2vpn_objects)
+
+# The version script names what the public headers' lists of messages name, and nothing else.
+set(mesh_l2vpn_exports ${CMAKE_CURRENT_BINARY_DIR}/mesh_l2vpn.map)
+list(TRANSFORM mesh_l2vpn_includes PREPEND -I OUTPUT_VARIABLE mesh_l2vpn_include_flags)
+list(TRANSFORM mesh_l2vpn_public_headers PREPEND "-imacros;" OUTPUT_VARIABLE mesh_l2vpn_macros)
+add_custom_command(
+  OUTPUT ${mesh_l2vpn_exports}
+  COMMAND ${CMAKE_C_COMPILER} -E -P -x c ${mesh_l2vpn_include_flags} ${mesh_l2vpn_macros}
+          ${CMAKE_CURRENT_SOURCE_DIR}/cmake/mesh_l2vpn.map.in -o ${mesh_l2vpn_exports}
+  DEPENDS cmake/mesh_l2vpn.map.in ${mesh_l2vpn_public_headers}
+  VERBATIM)
+add_custom_target(mesh_l2vpn_exports DEPENDS ${mesh_l2vpn_exports})
+
+add_library(mesh_l2vpn SHARED)
+add_library(mesh_l2vpn::mesh_l2vpn ALIAS mesh_l2vpn)
+add_dependencies(mesh_l2vpn mesh_l2vpn_exports)
+target_link_libraries(mesh_l2vpn PRIVATE mesh_l2vpn_objects ${CMAKE_DL_LIBS})
+target_include_directories(mesh_l2vpn INTERFACE ${mesh_l2vpn_includes})
+set_target_properties(mesh_l2vpn PROPERTIES
+  LINKER_LANGUAGE C
+  VERSION ${MESH_L2VPN_ABI}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
+  SOVERSION ${MESH_L2VPN_ABI}
+  LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
+  LINK_DEPENDS ${mesh_l2vpn_exports})
+# Bound lazily: a process that never sends needs no middleware.
+target_link_options(mesh_l2vpn PRIVATE
+  LINKER:--version-script=${mesh_l2vpn_exports} LINKER:-z,lazy LINKER:-z,relro LINKER:--as-needed)
+if(MESH_L2VPN_MIDDLEWARE)
+  target_link_libraries(mesh_l2vpn PRIVATE ${MESH_L2VPN_MIDDLEWARE})
+else()
+  target_link_options(mesh_l2vpn INTERFACE LINKER:--allow-shlib-undefined)
+endif()

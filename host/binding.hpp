@@ -1,0 +1,28 @@
+// Late binding of the host's functions, once a module.
+#pragma once
+
+#include "host/serial_env.hpp"
+
+namespace mesh::host {
+
+// The owner id of everything that decoding allocates, and the one the host is asked about.
+inline constexpr uint32_t unpackOwner = 12;
+
+void bindHostOnce(serial_env& env);
+void bindUnpackAllocatorOnce(Module& module);
+
+// Ensures that logWrite, memAlloc and memFree are bound. logWrite may stay null.
+inline void bindHost(serial_env& env) {
+  if (env.hostBound.load(std::memory_order_acquire) == 0) [[unlikely]] {
+    bindHostOnce(env);
+  }
+}
+
+// Ensures that unpackAlloc and unpackFree are bound; the binding clears swapBytes.
+inline void bindUnpackAllocator(Module& module) {
+  if (module.env.unpackBound.load(std::memory_order_acquire) == 0) [[unlikely]] {
+    bindUnpackAllocatorOnce(module);
+  }
+}
+
+}  // namespace mesh::host

@@ -1,0 +1,89 @@
+// The door to the bounded memory functions. A process that has its own by these names is served by
+// them; where it has none, fallbacks of the same meaning serve (Annex K of C11, without a handler).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+extern "C" {
+[[gnu::weak]] int memcpy_s(void* to, size_t room, const void* from, size_t count);
+[[gnu::weak]] int memset_s(void* to, size_t room, int value, size_t count);
+[[gnu::weak]] int memcpy_sOptAsm(void* to, size_t room, const void* from, size_t count);
+}
+
+namespace mesh::host {
+
+// Zero on success. On a violation (null pointer, count above room, overlap) the destination's room
+// is cleared (copy) or filled (fill) where it is a valid one, and the result is not zero.
+int fallbackCopy(void* to, size_t room, const void* from, size_t count);
+int fallbackFill(void* to, size_t room, int value, size_t count);
+
+// Copies and fills of a size that only the running process knows. The caller has checked it, so
+// the result has nothing to tell.
+inline void copyBytes(void* to, const void* from, size_t count) {
+  if (&::memcpy_sOptAsm != nullptr) {
+    static_cast<void>(::memcpy_sOptAsm(to, count, from, count));
+  } else {
+    static_cast<void>(fallbackCopy(to, count, from, count));
+  }
+}
+
+inline void clearBytes(void* to, size_t count) {
+  if (&::memset_s != nullptr) {
+    static_cast<void>(::memset_s(to, count, 0, count));
+  } else {
+    static_cast<void>(fallbackFill(to, count, 0, count));
+  }
+}
+
+// Below this, copies and fills of a constant size are expanded in place.
+inline constexpr size_t largestInPlace = 256;
+
+// Moved sixteen bytes at a time, the last ones overlapping those before: left to themselves,
+// compilers turn some of these sizes into string instructions, which cost more than the rest of a
+// message together.
+using Chunk [[gnu::vector_size(16)]] = uint8_t;
+
+template <size_t count>
+[[gnu::always_inline]] inline void copyInPlace(uint8_t* to, const uint8_t* from) {
+  if constexpr (count <= sizeof(Chunk)) {
+    std::memcpy(to, from, count);
+  } else {
+    for (size_t at = 0; at + sizeof(Chunk) <= count; at += sizeof(Chunk)) {
+      std::memcpy(to + at, from + at, sizeof(Chunk));
+    }
+    if constexpr (count % sizeof(Chunk) != 0) {
+      std::memcpy(to + count - sizeof(Chunk), from + count - sizeof(Chunk), sizeof(Chunk));
+    }
+  }
+}
+
+template <size_t count>
+[[gnu::always_inline]] inline void copyConstant(uint8_t* to, const uint8_t* from) {
+  if constexpr (count <= largestInPlace) {
+    copyInPlace<count>(to, from);
+  } else if (&::memcpy_s != nullptr) {
+    static_cast<void>(::memcpy_s(to, count, from, count));
+  } else {
+    static_cast<void>(fallbackCopy(to, count, from, count));
+  }
+}
+
+template <size_t count>
+[[gnu::always_inline]] inline void clearConstant(uint8_t* to) {
+  if constexpr (count > largestInPlace) {
+    clearBytes(to, count);
+  } else if constexpr (count <= sizeof(Chunk)) {
+    std::memset(to, 0, count);
+  } else {
+    for (size_t at = 0; at + sizeof(Chunk) <= count; at += sizeof(Chunk)) {
+      std::memset(to + at, 0, sizeof(Chunk));
+    }
+    if constexpr (count % sizeof(Chunk) != 0) {
+      std::memset(to + count - sizeof(Chunk), 0, sizeof(Chunk));
+    }
+  }
+}
+
+}  // namespace mesh::host

@@ -1,0 +1,98 @@
+// The exact size of the compact arrangement, worked out before a byte is written.
+#pragma once
+
+#include <utility>
+
+#include "host/byte_order.hpp"
+#include "wire/schema.hpp"
+
+namespace mesh::wire {
+
+// More than any message may have, and small enough that sums with it do not wrap.
+inline constexpr uint64_t unsizable = uint64_t{1} << 62;
+
+// The bytes that a record's vtable and table take, what hangs from them included; `unsizable` or
+// more for a record that has no encoding. The buffer's root word is not counted.
+template <const Record& record>
+uint64_t tableSize(const uint8_t* from);
+
+namespace detail {
+
+// What a slot takes whatever its value.
+constexpr uint64_t constantSize(const Slot& slot) {
+  return slot.kind == Kind::Array ? 8 + slot.size : slot.kind == Kind::Table ? 4 : 0;
+}
+
+constexpr uint64_t constantSize(const Record& record) {
+  uint64_t size = vtableLength(record) + 4;
+  for (const Slot& slot : record.slots) {
+    size += constantSize(slot);
+  }
+  return size;
+}
+
+template <typename Scalar>
+[[gnu::always_inline]] inline uint64_t scalarSize(const uint8_t* field) {
+  return host::load<Scalar>(field) != 0 ? sizeof(Scalar) : 0;
+}
+
+template <const Record& record>
+uint64_t vectorSize(uint32_t count, const uint8_t* items) {
+  if (count == 0) {
+    return 0;
+  }
+  if (items == nullptr) {
+    return unsizable;
+  }
+  uint64_t size = 4 + 4 + uint64_t{4} * count;
+  for (uint32_t item = 0; item < count; ++item) {
+    size += tableSize<record>(items + uint64_t{record.size} * item);
+  }
+  return size;
+}
+
+// What a slot takes beyond its constant part.
+template <const Record& record, size_t index>
+[[gnu::always_inline]] inline uint64_t valueSize(const uint8_t* from) {
+  constexpr const Slot& slot = record.slots[index];
+  const uint8_t* const field = from + slot.recordOffset;
+  if constexpr (slot.kind == Kind::U8) {
+    return scalarSize<uint8_t>(field);
+  } else if constexpr (slot.kind == Kind::U16) {
+    return scalarSize<uint16_t>(field);
+  } else if constexpr (slot.kind == Kind::U32) {
+    return scalarSize<uint32_t>(field);
+  } else if constexpr (slot.kind == Kind::U64) {
+    return scalarSize<uint64_t>(field);
+  } else if constexpr (slot.kind == Kind::Table) {
+    return tableSize<*slot.nested>(field);
+  } else if constexpr (slot.kind == Kind::Bytes) {
+    // A pointer with a length of 0 counts here, though the writer leaves it out: receivers depend
+    // on neither, senders have always stated this size.
+    return host::load<uintptr_t>(field) != 0
+               ? uint64_t{8} + host::load<uint32_t>(from + slot.countOffset)
+               : 0;
+  } else if constexpr (slot.kind == Kind::Vector) {
+    return vectorSize<*slot.nested>(host::load<uint32_t>(from + slot.countOffset),
+                                    reinterpret_cast<const uint8_t*>(host::load<uintptr_t>(field)));
+  } else {
+    return 0;
+  }
+}
+
+}  // namespace detail
+
+template <const Record& record>
+[[gnu::always_inline]] inline uint64_t tableSize(const uint8_t* from) {
+  return [&]<size_t... index>(std::index_sequence<index...>) {
+    return (detail::constantSize(record) + ... + detail::valueSize<record, index>(from));
+  }(std::make_index_sequence<record.slots.size()>());
+}
+
+// The whole message: the root word and its table.
+template <const Record& record>
+[[gnu::always_inline]] inline uint64_t compactSize(const uint8_t* from) {
+  return 4 + tableSize<record>(from);
+}
+
+}  // namespace mesh::wire

@@ -1,0 +1,98 @@
+// A record's schema: the list of its slots, as constant data.
+//
+// Everything about a record follows from this list: its vtable, both arrangements, the reader, the
+// writers and the release. The codec reads it while the library is compiled; tools walk the same
+// data at run time.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <type_traits>
+
+namespace mesh::wire {
+
+enum class Kind : uint8_t {
+  U8,
+  U16,
+  U32,
+  U64,
+  Array,   // counted byte string of one length, held in the record
+  Bytes,   // counted byte string, held through a pointer beside its length
+  Table,   // nested table, held in the record
+  Vector,  // counted run of nested tables, held through a pointer beside its count
+};
+
+struct Record;
+
+struct Slot {
+  const char* name;
+  Kind kind;
+  // Scalar: its width. Array: its declared size. Table, Vector: the nested record's size.
+  // Bytes: 1, the size of an item.
+  uint32_t size;
+  // Where the value stands in the record; for Bytes and Vector, where the pointer stands.
+  uint32_t recordOffset;
+  // Bytes, Vector: where the u32 length or count stands in the record.
+  uint32_t countOffset;
+  const Record* nested;
+};
+
+// The order of the compact arrangement's inline part.
+enum class InlineOrder : uint8_t {
+  Slots,         // scalars and offset words as their slots come
+  ScalarsFirst,  // every scalar, then every offset word
+};
+
+// What a nested table that cannot be decoded does to the table that holds it.
+enum class NestedFailure : uint8_t {
+  FailsTheTable,
+  IsIgnored,
+};
+
+struct Style {
+  InlineOrder inlineOrder;
+  NestedFailure nestedFailure = NestedFailure::FailsTheTable;
+  // The table reader checks its own parameters, for callers other than this library's.
+  bool checksParameters = false;
+};
+
+struct Record {
+  const char* name;
+  uint32_t size;
+  Style style;
+  std::span<const Slot> slots;
+};
+
+// The schema of a record type: a specialisation stands beside each record's slots.
+template <typename RecordType>
+struct SchemaOf;
+
+template <typename RecordType>
+inline constexpr const Record& schemaOf = SchemaOf<RecordType>::record;
+
+constexpr bool isScalar(Kind kind) {
+  return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;
+}
+
+// Whether the value lies outside the record, in a block of its own.
+constexpr bool isOutOfLine(Kind kind) {
+  return kind == Kind::Bytes || kind == Kind::Vector;
+}
+
+constexpr uint32_t vtableLength(const Record& record) {
+  return 4 + 2 * static_cast<uint32_t>(record.slots.size());
+}
+
+// Whether decoding into the record can allocate.
+constexpr bool ownsMemory(const Record& record) {
+  for (const Slot& slot : record.slots) {
+    if (isOutOfLine(slot.kind) || (slot.kind == Kind::Table && ownsMemory(*slot.nested))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace mesh::wire

@@ -1,0 +1,132 @@
+// How a record's slots are written down.
+//
+//   MESH_SCHEMA(l2vpn_sync_stp, style, SLOT_U32(f0), SLOT_U32(f1), SLOT_U32(f2), SLOT_U32(f3))
+//
+// The kinds are named, and held against the C struct: a field of another type, a field left out,
+// one out of order or one more than the struct has does not compile.
+#pragma once
+
+#include "wire/schema.hpp"
+
+namespace mesh::wire {
+
+template <typename Scalar, typename Field>
+consteval Slot scalarSlot(const char* name, size_t offset) {
+  static_assert(std::is_same_v<Scalar, Field>, "the field has another width than its slot");
+  constexpr Kind kind = sizeof(Scalar) == 1   ? Kind::U8
+                        : sizeof(Scalar) == 2 ? Kind::U16
+                        : sizeof(Scalar) == 4 ? Kind::U32
+                                              : Kind::U64;
+  return {name, kind, sizeof(Scalar), static_cast<uint32_t>(offset), 0, nullptr};
+}
+
+template <size_t size, typename Field>
+consteval Slot arraySlot(const char* name, size_t offset) {
+  static_assert(std::is_same_v<uint8_t[size], Field>, "the array has another size than its slot");
+  return {name, Kind::Array, size, static_cast<uint32_t>(offset), 0, nullptr};
+}
+
+template <typename Length, typename Field>
+consteval Slot bytesSlot(const char* name, size_t lengthOffset, size_t offset) {
+  static_assert(std::is_same_v<uint32_t, Length> && std::is_same_v<uint8_t*, Field>,
+                "a byte string is a uint32_t length and a uint8_t pointer");
+  return {name,    Kind::Bytes, 1, static_cast<uint32_t>(offset), static_cast<uint32_t>(lengthOffset),
+          nullptr};
+}
+
+template <typename Field>
+consteval Slot tableSlot(const char* name, size_t offset) {
+  return {name,    Kind::Table, sizeof(Field), static_cast<uint32_t>(offset), 0,
+          &schemaOf<Field>};
+}
+
+template <typename Count, typename Field>
+consteval Slot vectorSlot(const char* name, size_t countOffset, size_t offset) {
+  static_assert(std::is_same_v<uint32_t, Count> && std::is_pointer_v<Field>,
+                "a vector is a uint32_t count and a pointer to records");
+  using Item = std::remove_pointer_t<Field>;
+  return {name,
+          Kind::Vector,
+          sizeof(Item),
+          static_cast<uint32_t>(offset),
+          static_cast<uint32_t>(countOffset),
+          &schemaOf<Item>};
+}
+
+constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
+  return (value + step - 1) / step * step;
+}
+
+// The alignment that the C struct gives a record or a slot's value.
+constexpr uint32_t alignmentOf(const Record& record);
+
+constexpr uint32_t alignmentOf(const Slot& slot) {
+  if (isScalar(slot.kind)) {
+    return slot.size;
+  }
+  if (slot.kind == Kind::Table) {
+    return alignmentOf(*slot.nested);
+  }
+  return isOutOfLine(slot.kind) ? alignof(void*) : 1;
+}
+
+constexpr uint32_t alignmentOf(const Record& record) {
+  uint32_t alignment = 1;
+  for (const Slot& slot : record.slots) {
+    const uint32_t ofSlot = alignmentOf(slot);
+    alignment = ofSlot > alignment ? ofSlot : alignment;
+  }
+  return alignment;
+}
+
+// Whether the slots, laid out one after the other with natural alignment, are the struct: nothing
+// between them, nothing after the last.
+constexpr bool slotsAreTheStruct(const Record& record) {
+  uint32_t end = 0;
+  for (const Slot& slot : record.slots) {
+    if (isOutOfLine(slot.kind)) {
+      if (slot.countOffset != roundUp(end, alignof(uint32_t))) {
+        return false;
+      }
+      end = slot.countOffset + static_cast<uint32_t>(sizeof(uint32_t));
+    }
+    if (slot.recordOffset != roundUp(end, alignmentOf(slot))) {
+      return false;
+    }
+    end = slot.recordOffset +
+          (isOutOfLine(slot.kind) ? static_cast<uint32_t>(sizeof(void*)) : slot.size);
+  }
+  return record.size == roundUp(end, alignmentOf(record));
+}
+
+}  // namespace mesh::wire
+
+// Used inside MESH_SCHEMA, where Self is the record's type.
+#define SLOT_U8(field) \
+  ::mesh::wire::scalarSlot<uint8_t, decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_U16(field) \
+  ::mesh::wire::scalarSlot<uint16_t, decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_U32(field) \
+  ::mesh::wire::scalarSlot<uint32_t, decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_U64(field) \
+  ::mesh::wire::scalarSlot<uint64_t, decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_ARRAY(size, field) \
+  ::mesh::wire::arraySlot<size, decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_BYTES(field)                                                                     \
+  ::mesh::wire::bytesSlot<decltype(Self::field##_len), decltype(Self::field)>(                \
+      #field, offsetof(Self, field##_len), offsetof(Self, field))
+#define SLOT_TABLE(field) \
+  ::mesh::wire::tableSlot<decltype(Self::field)>(#field, offsetof(Self, field))
+#define SLOT_VECTOR(field)                                                                    \
+  ::mesh::wire::vectorSlot<decltype(Self::field##_count), decltype(Self::field)>(             \
+      #field, offsetof(Self, field##_count), offsetof(Self, field))
+
+// The schema of a record: its type's name, its style, its slots in slot order.
+#define MESH_SCHEMA(record_type, record_style, ...)                                           \
+  template <>                                                                                 \
+  struct mesh::wire::SchemaOf<::record_type> {                                                \
+    using Self = ::record_type;                                                               \
+    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});             \
+    static constexpr mesh::wire::Record record{#record_type, sizeof(Self), record_style, slots}; \
+    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");          \
+  };
