@@ -16,8 +16,7 @@ inline constexpr msg::Policy fixedByTableReader{msg::Arrangement::Fixed,
 
 }  // namespace mesh::l2vpn_stat
 
-MESH_SCHEMA(l2vpn_stat_pw_stat, mesh::l2vpn_stat::scalarsFirst,
-            SLOT_U32(f0), SLOT_U32(f1), SLOT_U8(f2), SLOT_ARRAY(3, f3), SLOT_U32(f4), SLOT_U64(f5),
-            SLOT_U64(f6), SLOT_U64(f7), SLOT_U64(f8), SLOT_U64(f9), SLOT_U64(f10), SLOT_U64(f11),
-            SLOT_U64(f12))
+MESH_SCHEMA(l2vpn_stat_pw_stat, mesh::l2vpn_stat::scalarsFirst, SLOT_U32(f0), SLOT_U32(f1),
+            SLOT_U8(f2), SLOT_ARRAY(3, f3), SLOT_U32(f4), SLOT_U64(f5), SLOT_U64(f6), SLOT_U64(f7),
+            SLOT_U64(f8), SLOT_U64(f9), SLOT_U64(f10), SLOT_U64(f11), SLOT_U64(f12))
 MESH_MESSAGE(mesh::l2vpn_stat::service, l2vpn_stat_pw_stat, mesh::l2vpn_stat::fixedByTableReader)

@@ -19,8 +19,146 @@ typedef struct dbginfo_key_l2vpn {
   uint8_t* f3;
 } dbginfo_key_l2vpn;
 
+/* Parameters of a debug-information query. Sent in the compact arrangement. */
+typedef struct dbginfo_para_l2vpn {
+  uint16_t f0;
+  uint32_t f1;
+  uint32_t f2;
+  uint32_t f3;
+  uint32_t f4;
+  uint16_t f5;
+  uint32_t f6;
+  uint32_t f7_len; /* bytes at f7 */
+  uint8_t* f7;
+} dbginfo_para_l2vpn;
+
+/* Condition of a configuration query. Sent in the fixed arrangement. */
+typedef struct l2vpn_cfg_query_dfx_cond {
+  uint32_t f0;
+  uint32_t f1;
+  uint8_t f2[128];
+} l2vpn_cfg_query_dfx_cond;
+
+/* Common parameters of a configuration query. Sent in the compact arrangement. */
+typedef struct l2vpn_cfg_query_comm_param {
+  uint32_t f0;
+  uint32_t f1;
+  uint32_t f2_len; /* bytes at f2 */
+  uint8_t* f2;
+} l2vpn_cfg_query_comm_param;
+
+/* Common result of a configuration query. Sent in the compact arrangement. */
+typedef struct l2vpn_cfg_query_comm_rec {
+  uint32_t f0;
+  uint32_t f1;
+  uint32_t f2;
+  uint32_t f3_len; /* bytes at f3 */
+  uint8_t* f3;
+  uint32_t f4;
+} l2vpn_cfg_query_comm_rec;
+
+/* Debug command: its own fields, parameters and key. Sent in the compact arrangement. */
+typedef struct dbginfo_cmd_key_l2vpn {
+  uint32_t f0;
+  uint32_t f1;
+  uint16_t f2;
+  dbginfo_para_l2vpn f3;
+  dbginfo_key_l2vpn f4;
+} dbginfo_cmd_key_l2vpn;
+
+/* Debug command between processes. Sent in the fixed arrangement. */
+typedef struct dbginfo_cmd_ipc_l2vpn {
+  uint32_t f0;
+  uint32_t f1;
+  uint16_t f2;
+  uint16_t f3;
+  uint32_t f4;
+  uint32_t f5;
+  uint32_t f6;
+  uint32_t f7;
+  uint16_t f8;
+  uint32_t f9;
+  uint16_t f10;
+  uint16_t f11;
+  uint32_t f12;
+} dbginfo_cmd_ipc_l2vpn;
+
+/* Debug information with two byte strings. Sent in the compact arrangement. */
+typedef struct dbginfo_endata_l2vpn {
+  uint32_t f0;
+  uint32_t f1;
+  uint16_t f2;
+  uint16_t f3;
+  uint16_t f4;
+  uint16_t f5;
+  uint16_t f6;
+  uint16_t f7;
+  uint32_t f8;
+  uint32_t f9;
+  uint16_t f10;
+  uint32_t f11;
+  uint32_t f12_len; /* bytes at f12 */
+  uint8_t* f12;
+  uint32_t f13;
+  uint32_t f14_len; /* bytes at f14 */
+  uint8_t* f14;
+} dbginfo_endata_l2vpn;
+
+/* Debug information without byte strings. Sent in the fixed arrangement. */
+typedef struct dbginfo_dedata_l2vpn {
+  uint32_t f0;
+  uint32_t f1;
+  uint16_t f2;
+  uint16_t f3;
+  uint16_t f4;
+  uint16_t f5;
+  uint16_t f6;
+  uint16_t f7;
+  uint32_t f8;
+  uint32_t f9;
+  uint16_t f10;
+  uint32_t f11;
+  uint32_t f12;
+} dbginfo_dedata_l2vpn;
+
+/* One item of a configuration query's result. Sent in the fixed arrangement. */
+typedef struct l2vpn_cfg_query_dfx_item {
+  uint8_t f0[32];
+  uint32_t f1;
+  uint8_t f2[24];
+  uint8_t f3[128];
+  uint8_t f4[16384];
+} l2vpn_cfg_query_dfx_item;
+
+/* A configuration query: its common parameters and its condition. Sent in the compact arrangement.
+ */
+typedef struct l2vpn_cfg_query_dfx_key {
+  l2vpn_cfg_query_comm_param f0;
+  l2vpn_cfg_query_dfx_cond f1;
+} l2vpn_cfg_query_dfx_key;
+
+/* A configuration query's result: the common result and its items. Sent in the compact arrangement.
+ */
+typedef struct l2vpn_cfg_query_dfx_rec {
+  l2vpn_cfg_query_comm_rec f0;
+  uint32_t f1_count; /* records at f1 */
+  l2vpn_cfg_query_dfx_item* f1;
+} l2vpn_cfg_query_dfx_rec;
+
 /* The service's messages in registration order. */
-#define L2VPN_CFG_MESSAGES(X) X(dbginfo_key_l2vpn)
+#define L2VPN_CFG_MESSAGES(X)   \
+  X(dbginfo_key_l2vpn)          \
+  X(dbginfo_para_l2vpn)         \
+  X(l2vpn_cfg_query_dfx_cond)   \
+  X(l2vpn_cfg_query_comm_param) \
+  X(l2vpn_cfg_query_comm_rec)   \
+  X(dbginfo_cmd_key_l2vpn)      \
+  X(dbginfo_cmd_ipc_l2vpn)      \
+  X(dbginfo_endata_l2vpn)       \
+  X(dbginfo_dedata_l2vpn)       \
+  X(l2vpn_cfg_query_dfx_item)   \
+  X(l2vpn_cfg_query_dfx_key)    \
+  X(l2vpn_cfg_query_dfx_rec)
 
 L2VPN_CFG_MESSAGES(MESH_L2VPN_DECLARE)
 MESH_L2VPN_DECLARE_SERVICE(l2vpn_cfg)

@@ -1,7 +1,7 @@
 /* The statistics service.
  *
- * Its message is sent in the fixed arrangement and owns no memory: the release of an unpacked record
- * does nothing. The operations and the conventions are those of mesh_l2vpn/operations.h.
+ * Its message is sent in the fixed arrangement and owns no memory: the release of an unpacked
+ * record does nothing. The operations and the conventions are those of mesh_l2vpn/operations.h.
  */
 #ifndef MESH_L2VPN_L2VPN_STAT_H
 #define MESH_L2VPN_L2VPN_STAT_H
