@@ -7,68 +7,63 @@
 #include "msg/send.hpp"
 #include "msg/unpack.hpp"
 
-#define MESH_DEFINE_RECEIVE(message)                                                        \
-  extern "C" uint32_t message##__unpack(const uint8_t* data, uint32_t length,               \
-                                        message* record) {                                  \
-    return mesh::msg::unpack<module, mesh::msg::messageOf<message>>(data, length, record);  \
-  }                                                                                         \
-  extern "C" void message##_free__unpacked(message* record) {                               \
-    mesh::msg::freeUnpacked<module, mesh::msg::messageOf<message>>(record);                 \
+#define MESH_DEFINE_RECEIVE(message, identifier)                                                 \
+  static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");     \
+  extern "C" uint32_t message##__unpack(const uint8_t* data, uint32_t length, message* record) { \
+    return mesh::msg::unpack<module, mesh::msg::messageOf<message>>(data, length, record);       \
+  }                                                                                              \
+  extern "C" void message##_free__unpacked(message* record) {                                    \
+    mesh::msg::freeUnpacked<module, mesh::msg::messageOf<message>>(record);                      \
   }
 
 // The middleware calls every message's functions by one type, which names no record.
-#define MESH_HOOK(message)                                                                  \
-  mesh::msg::Hook{mesh::msg::messageOf<message>.id,                                         \
-                  reinterpret_cast<mesh_unpack_hook>(&message##__unpack),                   \
+#define MESH_HOOK(message, identifier)                                    \
+  mesh::msg::Hook{mesh::msg::messageOf<message>.id,                       \
+                  reinterpret_cast<mesh_unpack_hook>(&message##__unpack), \
                   reinterpret_cast<mesh_free_hook>(&message##_free__unpacked)},
 
-#define MESH_DEFINE_SEND(message)                                                           \
-  extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer,               \
-                                      uint32_t* length) {                                   \
-    return mesh::msg::pack<module, mesh::msg::messageOf<message>>(record, buffer, length);  \
-  }                                                                                         \
-  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record,    \
-                                            uint64_t, uint64_t extra) {                     \
-    return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(destination,        \
-                                                                        record, extra);     \
-  }                                                                                         \
-  extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,    \
-                                           uint32_t count, uint64_t extra) {                \
-    return mesh::msg::sendBatch<module, mesh::msg::messageOf<message>>(destination,         \
-                                                                       records, count,      \
-                                                                       extra);              \
-  }                                                                                         \
-  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,      \
-                                         uint32_t count) {                                  \
-    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records,     \
-                                                                  count, 0);                \
-  }                                                                                         \
-  extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,    \
-                                           uint32_t count, uint64_t extra) {                \
-    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records,     \
-                                                                  count, extra);            \
+#define MESH_DEFINE_SEND(message, identifier)                                                      \
+  extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) {  \
+    return mesh::msg::pack<module, mesh::msg::messageOf<message>>(record, buffer, length);         \
+  }                                                                                                \
+  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record, uint64_t, \
+                                            uint64_t extra) {                                      \
+    return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(destination, record,       \
+                                                                        extra);                    \
+  }                                                                                                \
+  extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,           \
+                                           uint32_t count, uint64_t extra) {                       \
+    return mesh::msg::sendBatch<module, mesh::msg::messageOf<message>>(destination, records,       \
+                                                                       count, extra);              \
+  }                                                                                                \
+  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,             \
+                                         uint32_t count) {                                         \
+    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records, count, 0); \
+  }                                                                                                \
+  extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,           \
+                                           uint32_t count, uint64_t extra) {                       \
+    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records, count,     \
+                                                                  extra);                          \
   }
 
 // A service's receive module: its constructor, its messages' receive operations, its registration.
-#define MESH_DEFINE_RECEIVE_MODULE(service, messages)                                       \
-  MESH_DEFINE_MODULE_CONSTRUCTOR()                                                          \
-  messages(MESH_DEFINE_RECEIVE)                                                             \
-  extern "C" uint32_t service##_recv_init() {                                               \
-    static const mesh::msg::Hook hooks[] = {messages(MESH_HOOK)};                       \
-    return mesh::msg::registerHooks(hooks);                                                 \
+#define MESH_DEFINE_RECEIVE_MODULE(service, messages)                       \
+  MESH_DEFINE_MODULE_CONSTRUCTOR()                                          \
+  messages(MESH_DEFINE_RECEIVE) extern "C" uint32_t service##_recv_init() { \
+    static const mesh::msg::Hook hooks[] = {messages(MESH_HOOK)};           \
+    return mesh::msg::registerHooks(hooks);                                 \
   }
 
 // A service's send module: its constructor, its messages' send operations, its registration.
-#define MESH_DEFINE_SEND_MODULE(service, messages)                                          \
-  MESH_DEFINE_MODULE_CONSTRUCTOR()                                                          \
-  messages(MESH_DEFINE_SEND)                                                                \
-  extern "C" uint32_t service##_send_init() {                                               \
-    return MESH_RegIDLResorceCleanFuncHook(&service##__send_resource_clean);                \
-  }                                                                                         \
+#define MESH_DEFINE_SEND_MODULE(service, messages)                           \
+  MESH_DEFINE_MODULE_CONSTRUCTOR()                                           \
+  messages(MESH_DEFINE_SEND) extern "C" uint32_t service##_send_init() {     \
+    return MESH_RegIDLResorceCleanFuncHook(&service##__send_resource_clean); \
+  }                                                                          \
   extern "C" void service##__send_resource_clean() {}
 
 // Runs when the library is loaded, the only thing that does.
-#define MESH_DEFINE_MODULE_CONSTRUCTOR()                                                    \
-  [[gnu::constructor]] static void clearSwapBytes() {                                       \
-    module.swapBytes.store(0, std::memory_order_relaxed);                                   \
+#define MESH_DEFINE_MODULE_CONSTRUCTOR()                  \
+  [[gnu::constructor]] static void clearSwapBytes() {     \
+    module.swapBytes.store(0, std::memory_order_relaxed); \
   }

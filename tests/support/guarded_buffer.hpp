@@ -18,8 +18,8 @@ class GuardedBuffer {
   explicit GuardedBuffer(std::span<const uint8_t> bytes, Edge edge = Edge::End)
       : page_(static_cast<size_t>(sysconf(_SC_PAGESIZE))),
         inner_((bytes.size() / page_ + 1) * page_) {
-    void* const map = mmap(nullptr, inner_ + 2 * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS,
-                           -1, 0);
+    void* const map =
+        mmap(nullptr, inner_ + 2 * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (map == MAP_FAILED) {
       std::abort();
     }

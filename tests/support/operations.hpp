@@ -28,7 +28,9 @@ struct Operations {
 };
 
 // For test output.
-inline void PrintTo(const Operations& operations, std::ostream* out) { *out << operations.name; }
+inline void PrintTo(const Operations& operations, std::ostream* out) {
+  *out << operations.name;
+}
 
 // All messages, service by service, in registration order.
 const std::vector<Operations>& allOperations();

@@ -107,7 +107,8 @@ uint32_t DDM_OsalMemUseFlagGet(uint32_t owner) {
 static void take(const mesh_msg_desc* descriptors, uint32_t count) {
   for (uint32_t index = 0; index < count; ++index) {
     const auto* const bytes = reinterpret_cast<const uint8_t*>(descriptors[index].data);
-    recorder().sent.push_back({descriptors[index].data, descriptors[index].msg_id,
+    recorder().sent.push_back({descriptors[index].data,
+                               descriptors[index].msg_id,
                                {bytes, bytes + descriptors[index].length}});
   }
 }
@@ -132,8 +133,8 @@ uint32_t MESH_RegIDLFuncHook(uint32_t msg_id, mesh_unpack_hook unpack, mesh_free
   if (r.refusedRegistration != 0 && r.registrations >= r.refusedRegistration) {
     return r.middlewareResult;
   }
-  r.registered.push_back({msg_id, reinterpret_cast<const void*>(unpack),
-                          reinterpret_cast<const void*>(release)});
+  r.registered.push_back(
+      {msg_id, reinterpret_cast<const void*>(unpack), reinterpret_cast<const void*>(release)});
   return 0;
 }
 

@@ -145,20 +145,20 @@ typedef struct l2vpn_cfg_query_dfx_rec {
   l2vpn_cfg_query_dfx_item* f1;
 } l2vpn_cfg_query_dfx_rec;
 
-/* The service's messages in registration order. */
-#define L2VPN_CFG_MESSAGES(X)   \
-  X(dbginfo_key_l2vpn)          \
-  X(dbginfo_para_l2vpn)         \
-  X(l2vpn_cfg_query_dfx_cond)   \
-  X(l2vpn_cfg_query_comm_param) \
-  X(l2vpn_cfg_query_comm_rec)   \
-  X(dbginfo_cmd_key_l2vpn)      \
-  X(dbginfo_cmd_ipc_l2vpn)      \
-  X(dbginfo_endata_l2vpn)       \
-  X(dbginfo_dedata_l2vpn)       \
-  X(l2vpn_cfg_query_dfx_item)   \
-  X(l2vpn_cfg_query_dfx_key)    \
-  X(l2vpn_cfg_query_dfx_rec)
+/* The service's messages in registration order, each with its identifier. */
+#define L2VPN_CFG_MESSAGES(X)               \
+  X(dbginfo_key_l2vpn, 0xFEB5D38D)          \
+  X(dbginfo_para_l2vpn, 0xF5550D12)         \
+  X(l2vpn_cfg_query_dfx_cond, 0xE11ADDEF)   \
+  X(l2vpn_cfg_query_comm_param, 0xDC5527DE) \
+  X(l2vpn_cfg_query_comm_rec, 0x345542C5)   \
+  X(dbginfo_cmd_key_l2vpn, 0x8B614502)      \
+  X(dbginfo_cmd_ipc_l2vpn, 0x110045FB)      \
+  X(dbginfo_endata_l2vpn, 0x494B03FB)       \
+  X(dbginfo_dedata_l2vpn, 0x3CF15A13)       \
+  X(l2vpn_cfg_query_dfx_item, 0x77B787DC)   \
+  X(l2vpn_cfg_query_dfx_key, 0xD5542082)    \
+  X(l2vpn_cfg_query_dfx_rec, 0xC900380B)
 
 L2VPN_CFG_MESSAGES(MESH_L2VPN_DECLARE)
 MESH_L2VPN_DECLARE_SERVICE(l2vpn_cfg)

@@ -27,8 +27,8 @@ typedef struct l2vpn_stat_pw_stat {
   uint64_t f12;
 } l2vpn_stat_pw_stat;
 
-/* The service's messages in registration order. */
-#define L2VPN_STAT_MESSAGES(X) X(l2vpn_stat_pw_stat)
+/* The service's messages in registration order, each with its identifier. */
+#define L2VPN_STAT_MESSAGES(X) X(l2vpn_stat_pw_stat, 0x98DB4DAE)
 
 L2VPN_STAT_MESSAGES(MESH_L2VPN_DECLARE)
 MESH_L2VPN_DECLARE_SERVICE(l2vpn_stat)

@@ -13,17 +13,6 @@
 
 MESH_L2VPN_BEGIN
 
-/* The two messages that carry record R: f0 is the announcing process's own, f1 the record. */
-#define L2VPN_SYNC_DEFINE_WRAPPERS(R) \
-  typedef struct R##_update {         \
-    uint16_t f0;                      \
-    R f1;                             \
-  } R##_update;                       \
-  typedef struct R##_delete {         \
-    uint16_t f0;                      \
-    R f1;                             \
-  } R##_delete;
-
 /* VPLS attachment circuit. */
 typedef struct l2vpn_sync_vpls_ac {
   uint32_t f0;
@@ -392,42 +381,54 @@ typedef struct l2vpn_sync_stp {
   uint32_t f3;
 } l2vpn_sync_stp;
 
-/* The service's records in registration order, each given to F with X. */
-#define L2VPN_SYNC_RECORDS(F, X)     \
-  F(X, l2vpn_sync_vpls_ac)           \
-  F(X, l2vpn_sync_vpls_ac_sub)       \
-  F(X, l2vpn_sync_vpls_ac_share)     \
-  F(X, l2vpn_sync_vpls_inst)         \
-  F(X, l2vpn_sync_vpls_inst_info)    \
-  F(X, l2vpn_sync_vpls_pw)           \
-  F(X, l2vpn_sync_vpls_pwred_pg)     \
-  F(X, l2vpn_sync_vpls_exp)          \
-  F(X, l2vpn_sync_vpls_ac_macdraw)   \
-  F(X, l2vpn_sync_vpls_pw_macdraw)   \
-  F(X, l2vpn_sync_vpls_inst_macdraw) \
-  F(X, l2vpn_sync_vll_ac)            \
-  F(X, l2vpn_sync_extnhp)            \
-  F(X, l2vpn_sync_vll_pw)            \
-  F(X, l2vpn_sync_vll_inst)          \
-  F(X, l2vpn_sync_glb_en)            \
-  F(X, l2vpn_sync_ifvlan)            \
-  F(X, l2vpn_sync_subpw)             \
-  F(X, l2vpn_sync_vllexp)            \
-  F(X, l2vpn_sync_vpls_vsimac)       \
-  F(X, l2vpn_sync_oam_staticmac)     \
-  F(X, l2vpn_sync_pw_pmo)            \
-  F(X, l2vpn_sync_vpls_macping)      \
-  F(X, l2vpn_sync_stp)
+/* The service's records in registration order, each given to F with X and three identifiers: of its
+ * own message, of its _update and of its _delete. */
+#define L2VPN_SYNC_RECORDS(F, X)                                         \
+  F(X, l2vpn_sync_vpls_ac, 0xC0E63FBB, 0x5EED5F0D, 0x37A63707)           \
+  F(X, l2vpn_sync_vpls_ac_sub, 0xCC9B977E, 0x284D7DF2, 0x8B1FC170)       \
+  F(X, l2vpn_sync_vpls_ac_share, 0xBCE882C7, 0xD0C2DEC9, 0xEF2FE093)     \
+  F(X, l2vpn_sync_vpls_inst, 0xAAAD3DB3, 0x2DFC6305, 0x8E52846F)         \
+  F(X, l2vpn_sync_vpls_inst_info, 0x1DA460D8, 0x10E8B734, 0xE10F4B0A)    \
+  F(X, l2vpn_sync_vpls_pw, 0xB4C15BFE, 0x96732772, 0xF9456AF0)           \
+  F(X, l2vpn_sync_vpls_pwred_pg, 0x690AF357, 0x29C3D5B9, 0x9C625083)     \
+  F(X, l2vpn_sync_vpls_exp, 0xB12EEF36, 0xB28C784A, 0x5BB1E878)          \
+  F(X, l2vpn_sync_vpls_ac_macdraw, 0x31B1FDED, 0x5254D0FF, 0x7C070DD1)   \
+  F(X, l2vpn_sync_vpls_pw_macdraw, 0x0DCBD750, 0xA35CCE8C, 0x55208772)   \
+  F(X, l2vpn_sync_vpls_inst_macdraw, 0x63243AC5, 0x03EC5657, 0x70655AB9) \
+  F(X, l2vpn_sync_vll_ac, 0x193041B6, 0x89FE5BCA, 0x3323CBF8)            \
+  F(X, l2vpn_sync_extnhp, 0x51561DCE, 0x8C8A1C62, 0xFD78BD60)            \
+  F(X, l2vpn_sync_vll_pw, 0x1D5518DB, 0x8740C8ED, 0xB8B1DDE7)            \
+  F(X, l2vpn_sync_vll_inst, 0x700AB272, 0xDAF52346, 0x0D007DA4)          \
+  F(X, l2vpn_sync_glb_en, 0x273F1BFE, 0xC8BE6772, 0x2B90AAF0)            \
+  F(X, l2vpn_sync_ifvlan, 0x11459A9B, 0x313AD5AD, 0x077944A7)            \
+  F(X, l2vpn_sync_subpw, 0x56D12CA0, 0x229FAFFC, 0xA2667B62)             \
+  F(X, l2vpn_sync_vllexp, 0x0E842F74, 0xC582AF50, 0x354F61E6)            \
+  F(X, l2vpn_sync_vpls_vsimac, 0x3A8BDEE6, 0x7BE87F9A, 0x44F1C708)       \
+  F(X, l2vpn_sync_oam_staticmac, 0xF359BAFE, 0x42FC4C72, 0xA5CE8FF0)     \
+  F(X, l2vpn_sync_pw_pmo, 0x6841D5E3, 0x330693D5, 0xE61AB2BF)            \
+  F(X, l2vpn_sync_vpls_macping, 0x3F72633A, 0x62B2992E, 0x3EBF1F5C)      \
+  F(X, l2vpn_sync_stp, 0x408A311E, 0x81733752, 0x000C98D0)
 
-/* The service's messages in registration order: every record, then each record's two wrappers. */
+/* The service's messages in registration order, each with its identifier: every record's own, then
+ * each record's two wrappers. */
 #define L2VPN_SYNC_MESSAGES(X)             \
   L2VPN_SYNC_RECORDS(L2VPN_SYNC_ITSELF, X) \
   L2VPN_SYNC_RECORDS(L2VPN_SYNC_ITS_WRAPPERS, X)
-#define L2VPN_SYNC_ITSELF(X, R) X(R)
-#define L2VPN_SYNC_ITS_WRAPPERS(X, R) X(R##_update) X(R##_delete)
+#define L2VPN_SYNC_ITSELF(X, R, id, update_id, delete_id) X(R, id)
+#define L2VPN_SYNC_ITS_WRAPPERS(X, R, id, update_id, delete_id) \
+  X(R##_update, update_id) X(R##_delete, delete_id)
 
-#define L2VPN_SYNC_DEFINE_ITS_WRAPPERS(X, R) L2VPN_SYNC_DEFINE_WRAPPERS(R)
-L2VPN_SYNC_RECORDS(L2VPN_SYNC_DEFINE_ITS_WRAPPERS, )
+/* The messages that carry record R: f0 is the announcing process's own, f1 the record. */
+#define L2VPN_SYNC_DEFINE_WRAPPERS(X, R, id, update_id, delete_id) \
+  typedef struct R##_update {                                      \
+    uint16_t f0;                                                   \
+    R f1;                                                          \
+  } R##_update;                                                    \
+  typedef struct R##_delete {                                      \
+    uint16_t f0;                                                   \
+    R f1;                                                          \
+  } R##_delete;
+L2VPN_SYNC_RECORDS(L2VPN_SYNC_DEFINE_WRAPPERS, )
 
 L2VPN_SYNC_MESSAGES(MESH_L2VPN_DECLARE)
 MESH_L2VPN_DECLARE_SERVICE(l2vpn_sync)

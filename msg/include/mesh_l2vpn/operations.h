@@ -37,7 +37,10 @@
 #define MESH_L2VPN_END
 #endif
 
-/* Declares the seven operations of message X.
+/* Declares the identifier and the seven operations of message X.
+ *
+ * X__msg_id, a uint32_t constant
+ *   By which the middleware tells X from other messages: 32-bit FNV-1a of X's name.
  *
  * uint32_t X__unpack(const uint8_t* data, uint32_t length, X* record)
  *   Verifies `length` bytes at `data` as a message X, in either arrangement, and fills *record;
@@ -74,16 +77,17 @@
  * uint32_t X__sendtomsg(uint32_t destination, const X* records, uint32_t count, uint64_t extra)
  *   The same with `extra`.
  */
-#define MESH_L2VPN_DECLARE(X)                                                                    \
-  MESH_L2VPN_API uint32_t X##__unpack(const uint8_t* data, uint32_t length, X* record);          \
-  MESH_L2VPN_API void X##_free__unpacked(X* record);                                             \
-  MESH_L2VPN_API uint32_t X##__pack(const X* record, uint8_t* buffer, uint32_t* length);         \
-  MESH_L2VPN_API uint32_t X##__sendsingle(uint32_t destination, const X* record,                 \
-                                          uint64_t unused, uint64_t extra);                      \
-  MESH_L2VPN_API uint32_t X##__sendbatch(uint32_t destination, const X* records, uint32_t count, \
-                                         uint64_t extra);                                        \
-  MESH_L2VPN_API uint32_t X##__sendmsg(uint32_t destination, const X* records, uint32_t count);  \
-  MESH_L2VPN_API uint32_t X##__sendtomsg(uint32_t destination, const X* records, uint32_t count, \
+#define MESH_L2VPN_DECLARE(X, id)                                                                 \
+  static const uint32_t X##__msg_id = id;                                                         \
+  MESH_L2VPN_API uint32_t X##__unpack(const uint8_t* data, uint32_t length, X* record);           \
+  MESH_L2VPN_API void X##_free__unpacked(X* record);                                              \
+  MESH_L2VPN_API uint32_t X##__pack(const X* record, uint8_t* buffer, uint32_t* length);          \
+  MESH_L2VPN_API uint32_t X##__sendsingle(uint32_t destination, const X* record, uint64_t unused, \
+                                          uint64_t extra);                                        \
+  MESH_L2VPN_API uint32_t X##__sendbatch(uint32_t destination, const X* records, uint32_t count,  \
+                                         uint64_t extra);                                         \
+  MESH_L2VPN_API uint32_t X##__sendmsg(uint32_t destination, const X* records, uint32_t count);   \
+  MESH_L2VPN_API uint32_t X##__sendtomsg(uint32_t destination, const X* records, uint32_t count,  \
                                          uint64_t extra);
 
 /* Declares the three functions of service S.
@@ -100,7 +104,7 @@
  * void S__send_resource_clean(void)
  *   Called by the middleware. Sending keeps nothing between calls, so it does nothing.
  */
-#define MESH_L2VPN_DECLARE_SERVICE(S)         \
+#define MESH_L2VPN_DECLARE_SERVICE(S)          \
   MESH_L2VPN_API uint32_t S##_recv_init(void); \
   MESH_L2VPN_API uint32_t S##_send_init(void); \
   MESH_L2VPN_API void S##__send_resource_clean(void);

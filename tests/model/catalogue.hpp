@@ -1,0 +1,27 @@
+// The records of the library, written out: one text per record, one word per slot.
+#ifndef MODEL_CATALOGUE_HPP
+#define MODEL_CATALOGUE_HPP
+
+#include <cstdint>
+#include <vector>
+
+namespace model {
+
+// A slot is one word of `fields`: u8, u16, u32, u64, bytes[N] (inline), bytes (a length and a
+// pointer), table:<message> or vector:<message>.
+struct CatalogueEntry {
+  const char* name;
+  const char* fields;
+  bool sentFixed;
+  bool ownRoot;
+  bool slotOrder;
+  uint64_t largestSize;
+};
+
+const std::vector<CatalogueEntry>& configurationCatalogue();
+const std::vector<CatalogueEntry>& statisticsCatalogue();
+const std::vector<CatalogueEntry>& synchronisationCatalogue();  // the 24 base records
+
+}  // namespace model
+
+#endif

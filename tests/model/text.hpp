@@ -1,0 +1,23 @@
+// Joining pieces of text.
+#ifndef MODEL_TEXT_HPP
+#define MODEL_TEXT_HPP
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace model {
+
+// Piece by piece rather than with operator+, over which GCC 12 warns without cause when it
+// optimises.
+inline std::string joined(std::initializer_list<std::string_view> pieces) {
+  std::string text;
+  for (const std::string_view piece : pieces) {
+    text.append(piece);
+  }
+  return text;
+}
+
+}  // namespace model
+
+#endif
