@@ -46,21 +46,23 @@
                                                                   extra);                          \
   }
 
-// A service's receive module: its constructor, its messages' receive operations, its registration.
-#define MESH_DEFINE_RECEIVE_MODULE(service, messages)                       \
-  MESH_DEFINE_MODULE_CONSTRUCTOR()                                          \
-  messages(MESH_DEFINE_RECEIVE) extern "C" uint32_t service##_recv_init() { \
-    static const mesh::msg::Hook hooks[] = {messages(MESH_HOOK)};           \
-    return mesh::msg::registerHooks(hooks);                                 \
-  }
+// A service's receive module: its constructor, its registration, its messages' operations.
+#define MESH_DEFINE_RECEIVE_MODULE(service, messages)             \
+  MESH_DEFINE_MODULE_CONSTRUCTOR()                                \
+  extern "C" uint32_t service##_recv_init() {                     \
+    static const mesh::msg::Hook hooks[] = {messages(MESH_HOOK)}; \
+    return mesh::msg::registerHooks(hooks);                       \
+  }                                                               \
+  messages(MESH_DEFINE_RECEIVE)
 
-// A service's send module: its constructor, its messages' send operations, its registration.
+// A service's send module: its constructor, its registration, its messages' operations.
 #define MESH_DEFINE_SEND_MODULE(service, messages)                           \
   MESH_DEFINE_MODULE_CONSTRUCTOR()                                           \
-  messages(MESH_DEFINE_SEND) extern "C" uint32_t service##_send_init() {     \
+  extern "C" uint32_t service##_send_init() {                                \
     return MESH_RegIDLResorceCleanFuncHook(&service##__send_resource_clean); \
   }                                                                          \
-  extern "C" void service##__send_resource_clean() {}
+  extern "C" void service##__send_resource_clean() {}                        \
+  messages(MESH_DEFINE_SEND)
 
 // Runs when the library is loaded, the only thing that does.
 #define MESH_DEFINE_MODULE_CONSTRUCTOR()                  \
