@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and passes every test.
+#
+#   ./test.sh [PRESET...]    presets of CMakePresets.json; release, clang, asan and tsan by default
+set -euo pipefail
+cd "$(dirname "$0")"
+
+tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev
+
+presets=("$@")
+[ ${#presets[@]} -gt 0 ] || presets=(release clang asan tsan)
+for preset in "${presets[@]}"; do
+  echo "== $preset"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset"
+  ctest --preset "$preset" --parallel "$(nproc)" --progress
+done

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are named and missing. Changes nothing when none is.
+#
+#   tools/setup.sh PACKAGE...
+set -euo pipefail
+
+missing=()
+for package in "$@"; do
+  if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$package")
+  fi
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+echo "Installing: ${missing[*]}"
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=()
+elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
+  as_root=(sudo)
+else
+  echo "This needs root, and sudo does not give it without a password. Run once, then start again:" >&2
+  echo "  sudo apt-get install ${missing[*]}" >&2
+  exit 1
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -q >/dev/null
+"${as_root[@]}" apt-get install -qy --no-install-recommends "${missing[@]}" >/dev/null
