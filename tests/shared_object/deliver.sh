@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Runs the demonstration's two processes over the real shared object and the real transport.
+#
+#   deliver.sh DIRECTORY-OF-THE-EXAMPLES RECORDS
+set -euo pipefail
+sockets=$(mktemp -d)
+trap 'rm -rf "$sockets"' EXIT
+export ZARNIMESH_RUNTIME_DIR=$sockets
+"$1/watch" "$2" &
+watcher=$!
+"$1/announce" "$2"
+wait "$watcher"
