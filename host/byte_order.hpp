@@ -37,7 +37,7 @@ constexpr Integer inOrder(Integer value) {
 // Nothing on the wire is aligned: an integer is read and written through memcpy.
 template <typename Integer, ByteOrder order = ByteOrder::Host>
 Integer load(const uint8_t* from) {
-  Integer value;
+  Integer value = 0;
   std::memcpy(&value, from, sizeof value);
   return inOrder<order>(value);
 }
@@ -46,6 +46,18 @@ template <ByteOrder order = ByteOrder::Host, typename Integer>
 void store(uint8_t* to, Integer value) {
   value = inOrder<order>(value);
   std::memcpy(to, &value, sizeof value);
+}
+
+// A record's pointer, which may stand at any alignment too.
+template <typename Pointee>
+Pointee* loadPointer(const uint8_t* from) {
+  Pointee* pointer = nullptr;
+  std::memcpy(&pointer, from, sizeof pointer);
+  return pointer;
+}
+
+inline void storePointer(uint8_t* to, const void* pointer) {
+  std::memcpy(to, &pointer, sizeof pointer);
 }
 
 }  // namespace mesh::host

@@ -83,9 +83,9 @@ consteval Message makeMessage(const Service& service, const wire::Record& record
 }  // namespace mesh::msg
 
 // The message of a record whose schema stands before it.
-#define MESH_MESSAGE(service, record_type, message_policy)                                    \
-  template <>                                                                                 \
-  struct mesh::msg::MessageOf<::record_type> {                                                \
-    static constexpr mesh::msg::Message message =                                             \
-        makeMessage(service, mesh::wire::schemaOf<::record_type>, message_policy);            \
+#define MESH_MESSAGE(service, record_type, message_policy)                         \
+  template <>                                                                      \
+  struct mesh::msg::MessageOf<::record_type> {                                     \
+    static constexpr mesh::msg::Message message =                                  \
+        makeMessage(service, mesh::wire::schemaOf<::record_type>, message_policy); \
   };

@@ -14,7 +14,8 @@ namespace detail {
 // The longest fixed image that is built on the stack.
 inline constexpr uint32_t largestOnStack = 1024;
 
-// The tables of a compact batch, back to back, lie in a region of this size; its descriptors follow.
+// The tables of a compact batch, back to back, lie in a region of this size; its descriptors
+// follow.
 inline constexpr uint32_t batchRegion = 0x10000;
 
 // A block of the host's, taken and given back under one operation's name.
@@ -70,8 +71,7 @@ template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
                                                  const uint8_t* record, uint64_t extra) {
   writeImages<module, message>(image, record, 1);
-  const mesh_msg_desc descriptor =
-      describe<message>(image, wire::fixedLength(*message.record));
+  const mesh_msg_desc descriptor = describe<message>(image, wire::fixedLength(*message.record));
   return handOver(destination, &descriptor, 1, extra);
 }
 

@@ -16,8 +16,8 @@ void freeUnpacked(void* record) {
     if (record == nullptr) {
       return;
     }
-    wire::releaseParts<module, *message.record>(static_cast<uint8_t*>(record),
-                                                wire::nameText<*message.record, "_free_unpacked">());
+    wire::releaseParts<module, *message.record>(
+        static_cast<uint8_t*>(record), wire::nameText<*message.record, "_free_unpacked">());
   }
 }
 

@@ -69,12 +69,12 @@ template <const Record& record, size_t index>
   } else if constexpr (slot.kind == Kind::Bytes) {
     // A pointer with a length of 0 counts here, though the writer leaves it out: receivers depend
     // on neither, senders have always stated this size.
-    return host::load<uintptr_t>(field) != 0
+    return host::loadPointer<const uint8_t>(field) != nullptr
                ? uint64_t{8} + host::load<uint32_t>(from + slot.countOffset)
                : 0;
   } else if constexpr (slot.kind == Kind::Vector) {
     return vectorSize<*slot.nested>(host::load<uint32_t>(from + slot.countOffset),
-                                    reinterpret_cast<const uint8_t*>(host::load<uintptr_t>(field)));
+                                    host::loadPointer<const uint8_t>(field));
   } else {
     return 0;
   }
@@ -86,7 +86,8 @@ template <const Record& record>
 [[gnu::always_inline]] inline uint64_t tableSize(const uint8_t* from) {
   return [&]<size_t... index>(std::index_sequence<index...>) {
     return (detail::constantSize(record) + ... + detail::valueSize<record, index>(from));
-  }(std::make_index_sequence<record.slots.size()>());
+  }
+  (std::make_index_sequence<record.slots.size()>());
 }
 
 // The whole message: the root word and its table.

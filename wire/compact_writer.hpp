@@ -69,7 +69,7 @@ template <const Record& record, size_t index>
 [[gnu::always_inline]] inline bool hasWord(const uint8_t* from) {
   constexpr const Slot& slot = record.slots[index];
   if constexpr (slot.kind == Kind::Bytes) {
-    return host::load<uintptr_t>(from + slot.recordOffset) != 0 &&
+    return host::loadPointer<const uint8_t>(from + slot.recordOffset) != nullptr &&
            host::load<uint32_t>(from + slot.countOffset) != 0;
   } else if constexpr (slot.kind == Kind::Vector) {
     return host::load<uint32_t>(from + slot.countOffset) != 0;
@@ -149,7 +149,7 @@ template <const Record& record, size_t index, host::ByteOrder order>
       const auto length = host::load<uint32_t>(from + slot.countOffset);
       pointAt<order>(words[index], cursor);
       writeLength<order>(cursor, length);
-      host::copyBytes(cursor, reinterpret_cast<const void*>(host::load<uintptr_t>(field)), length);
+      host::copyBytes(cursor, host::loadPointer<const uint8_t>(field), length);
       cursor += length;
     }
   } else if constexpr (slot.kind == Kind::Table) {
@@ -158,9 +158,8 @@ template <const Record& record, size_t index, host::ByteOrder order>
   } else if constexpr (slot.kind == Kind::Vector) {
     if (hasWord<record, index>(from)) {
       pointAt<order>(words[index], cursor);
-      writeVector<*slot.nested, order>(
-          cursor, host::load<uint32_t>(from + slot.countOffset),
-          reinterpret_cast<const uint8_t*>(host::load<uintptr_t>(field)));
+      writeVector<*slot.nested, order>(cursor, host::load<uint32_t>(from + slot.countOffset),
+                                       host::loadPointer<const uint8_t>(field));
       return static_cast<size_t>(cursor - start);
     }
   }
@@ -185,7 +184,8 @@ uint16_t writeTableFields(uint8_t*& cursor, const uint8_t* from, uint8_t* entrie
     }
     cursor = out.cursor;
     ((leftOut += detail::writeTarget<record, index, order>(cursor, from, words.data())), ...);
-  }(std::make_index_sequence<record.slots.size()>());
+  }
+  (std::make_index_sequence<record.slots.size()>());
   // Sixteen bits hold it for every record without byte strings; readers never look at it.
   return static_cast<uint16_t>(detail::firstField + static_cast<size_t>(cursor - start) - leftOut);
 }

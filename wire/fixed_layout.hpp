@@ -157,8 +157,7 @@ struct FixedMoves {
     const auto canJoin = [](const Move& one, const Move& next) {
       const bool adjacent =
           one.image + one.size == next.image && one.record + one.size == next.record;
-      const bool verbatim =
-          order == host::ByteOrder::Host || (!one.isInteger && !next.isInteger);
+      const bool verbatim = order == host::ByteOrder::Host || (!one.isInteger && !next.isInteger);
       return adjacent && verbatim;
     };
     for (const Move& move : std::span(result.moves)) {

@@ -22,8 +22,7 @@ inline constexpr auto framePiece = [] {
 template <const Record& record, host::ByteOrder order, uint32_t from, uint32_t to>
 [[gnu::always_inline]] inline void writeFrame(uint8_t* image) {
   if constexpr (from < to) {
-    host::copyConstant<to - from>(image + from,
-                                  framePiece<record, order, from, to>.data());
+    host::copyConstant<to - from>(image + from, framePiece<record, order, from, to>.data());
   }
 }
 
@@ -31,7 +30,8 @@ template <const Record& record, host::ByteOrder order, size_t index>
 [[gnu::always_inline]] inline void writePiece(uint8_t* image, const uint8_t* from) {
   using Moves = FixedMoves<record, order>;
   constexpr Move move = Moves::moves[index];
-  constexpr uint32_t end = index == 0 ? 0 : Moves::moves[index - 1].image + Moves::moves[index - 1].size;
+  constexpr uint32_t end =
+      index == 0 ? 0 : Moves::moves[index - 1].image + Moves::moves[index - 1].size;
   writeFrame<record, order, end, move.image>(image);
   uint8_t* const to = image + move.image;
   if constexpr (order == host::ByteOrder::Host || !move.isInteger) {
@@ -55,7 +55,8 @@ template <const Record& record, host::ByteOrder order>
   constexpr Move last = Moves::moves[Moves::count - 1];
   [&]<size_t... index>(std::index_sequence<index...>) {
     (detail::writePiece<record, order, index>(image, from), ...);
-  }(std::make_index_sequence<Moves::count>());
+  }
+  (std::make_index_sequence<Moves::count>());
   detail::writeFrame<record, order, last.image + last.size, fixedLength(record)>(image);
 }
 

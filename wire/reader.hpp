@@ -15,9 +15,9 @@
 
 namespace mesh::wire {
 
-enum class [[nodiscard]] Decoded : bool {
-  No,
-  Yes,
+enum class [[nodiscard]] Decoded : bool{
+    No,
+    Yes,
 };
 
 // Who decodes a table's slots: the message itself, at the root, or the record's table reader. They
@@ -107,7 +107,7 @@ template <typename Scalar, host::ByteOrder order>
 template <host::ByteOrder order>
 [[gnu::always_inline]] inline Decoded locateBytes(const Buffer<order>& buffer, Position word,
                                                   Position& contents, uint32_t& length) {
-  Position target;
+  Position target = 0;
   if (followOffset(buffer, word, target) == Decoded::No || !buffer.holds(target, 4)) [[unlikely]] {
     return Decoded::No;
   }
@@ -120,8 +120,8 @@ template <const Record& record, size_t index, host::ByteOrder order>
 [[gnu::always_inline]] inline Decoded decodeArray(const Buffer<order>& buffer, Position at,
                                                   uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
-  Position contents;
-  uint32_t length;
+  Position contents = 0;
+  uint32_t length = 0;
   if (locateBytes(buffer, at, contents, length) == Decoded::No || length != slot.size)
       [[unlikely]] {
     return Decoded::No;
@@ -134,8 +134,8 @@ template <host::Module& module, const Record& record, size_t index, Decoder deco
           host::ByteOrder order>
 Decoded decodeBytes(const Buffer<order>& buffer, Position at, uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
-  Position contents;
-  uint32_t length;
+  Position contents = 0;
+  uint32_t length = 0;
   if (locateBytes(buffer, at, contents, length) == Decoded::No) [[unlikely]] {
     return Decoded::No;
   }
@@ -147,7 +147,7 @@ Decoded decodeBytes(const Buffer<order>& buffer, Position at, uint8_t* into) {
   if (block == nullptr) [[unlikely]] {
     return Decoded::No;
   }
-  host::store(into + slot.recordOffset, reinterpret_cast<uintptr_t>(block));
+  host::storePointer(into + slot.recordOffset, block);
   host::copyBytes(block, buffer.data + contents, length);
   return Decoded::Yes;
 }
@@ -155,7 +155,7 @@ Decoded decodeBytes(const Buffer<order>& buffer, Position at, uint8_t* into) {
 template <host::Module& module, const Record& nested, host::ByteOrder order>
 [[gnu::always_inline]] inline Decoded decodeNested(const Buffer<order>& buffer, Position at,
                                                    uint8_t* into) {
-  Position table;
+  Position table = 0;
   if (followOffset(buffer, at, table) == Decoded::No) [[unlikely]] {
     return Decoded::No;
   }
@@ -169,7 +169,7 @@ template <host::Module& module, const Record& record, size_t index, Decoder deco
           host::ByteOrder order>
 Decoded decodeVector(const Buffer<order>& buffer, Position at, uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
-  Position vector;
+  Position vector = 0;
   if (followOffset(buffer, at, vector) == Decoded::No || !buffer.holds(vector, 4)) {
     return Decoded::No;
   }
@@ -191,10 +191,10 @@ Decoded decodeVector(const Buffer<order>& buffer, Position at, uint8_t* into) {
   }
   host::clearBytes(items, size);
   host::store(into + slot.countOffset, count);
-  host::store(into + slot.recordOffset, reinterpret_cast<uintptr_t>(items));
+  host::storePointer(into + slot.recordOffset, items);
   for (uint32_t item = 0; item < count; ++item) {
     if (decodeNested<module, *slot.nested>(buffer, words + uint64_t{4} * item,
-                                   items + uint64_t{slot.size} * item) == Decoded::No) {
+                                           items + uint64_t{slot.size} * item) == Decoded::No) {
       return Decoded::No;
     }
   }
@@ -246,8 +246,8 @@ template <host::Module& module, const Record& record, size_t index, Decoder deco
   if (entry == 0) {
     return Step::Next;
   }
-  const Decoded decoded = decodeValue<module, record, index, decoder>(
-      buffer, Position{frame.table} + entry, into);
+  const Decoded decoded =
+      decodeValue<module, record, index, decoder>(buffer, Position{frame.table} + entry, into);
   return decoded == Decoded::Yes ? Step::Next : Step::Failed;
 }
 
@@ -264,7 +264,8 @@ Decoded decodeSlots(const Buffer<order>& buffer, const TableFrame& frame, uint8_
         ((step = detail::decodeSlot<module, record, index, decoder>(buffer, frame, into),
           step == Step::Next) &&
          ...));
-  }(std::make_index_sequence<record.slots.size()>());
+  }
+  (std::make_index_sequence<record.slots.size()>());
   return step == Step::Failed ? Decoded::No : Decoded::Yes;
 }
 

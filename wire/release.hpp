@@ -26,12 +26,12 @@ template <host::Module& module, const Record& record, size_t index>
       releaseParts<module, *slot.nested>(field, function);
     }
   } else if constexpr (isOutOfLine(slot.kind)) {
-    auto* const block = reinterpret_cast<uint8_t*>(host::load<uintptr_t>(field));
+    auto* const block = host::loadPointer<uint8_t>(field);
     if constexpr (slot.kind == Kind::Vector) {
       static_assert(!ownsMemory(*slot.nested), "the items of a vector own nothing yet");
     }
     module.env.unpackFree(block, host::unpackOwner, function);
-    host::store(field, uintptr_t{0});
+    host::storePointer(field, nullptr);
   }
 }
 
@@ -41,7 +41,8 @@ template <host::Module& module, const Record& record>
 void releaseParts(uint8_t* into, const char* function) {
   [&]<size_t... index>(std::index_sequence<index...>) {
     (detail::releaseSlot<module, record, index>(into, function), ...);
-  }(std::make_index_sequence<record.slots.size()>());
+  }
+  (std::make_index_sequence<record.slots.size()>());
 }
 
 }  // namespace mesh::wire

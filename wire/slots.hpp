@@ -30,14 +30,14 @@ template <typename Length, typename Field>
 consteval Slot bytesSlot(const char* name, size_t lengthOffset, size_t offset) {
   static_assert(std::is_same_v<uint32_t, Length> && std::is_same_v<uint8_t*, Field>,
                 "a byte string is a uint32_t length and a uint8_t pointer");
-  return {name,    Kind::Bytes, 1, static_cast<uint32_t>(offset), static_cast<uint32_t>(lengthOffset),
-          nullptr};
+  return {
+      name,   Kind::Bytes, 1, static_cast<uint32_t>(offset), static_cast<uint32_t>(lengthOffset),
+      nullptr};
 }
 
 template <typename Field>
 consteval Slot tableSlot(const char* name, size_t offset) {
-  return {name,    Kind::Table, sizeof(Field), static_cast<uint32_t>(offset), 0,
-          &schemaOf<Field>};
+  return {name, Kind::Table, sizeof(Field), static_cast<uint32_t>(offset), 0, &schemaOf<Field>};
 }
 
 template <typename Count, typename Field>
@@ -112,21 +112,21 @@ constexpr bool slotsAreTheStruct(const Record& record) {
   ::mesh::wire::scalarSlot<uint64_t, decltype(Self::field)>(#field, offsetof(Self, field))
 #define SLOT_ARRAY(size, field) \
   ::mesh::wire::arraySlot<size, decltype(Self::field)>(#field, offsetof(Self, field))
-#define SLOT_BYTES(field)                                                                     \
-  ::mesh::wire::bytesSlot<decltype(Self::field##_len), decltype(Self::field)>(                \
+#define SLOT_BYTES(field)                                                      \
+  ::mesh::wire::bytesSlot<decltype(Self::field##_len), decltype(Self::field)>( \
       #field, offsetof(Self, field##_len), offsetof(Self, field))
 #define SLOT_TABLE(field) \
   ::mesh::wire::tableSlot<decltype(Self::field)>(#field, offsetof(Self, field))
-#define SLOT_VECTOR(field)                                                                    \
-  ::mesh::wire::vectorSlot<decltype(Self::field##_count), decltype(Self::field)>(             \
+#define SLOT_VECTOR(field)                                                        \
+  ::mesh::wire::vectorSlot<decltype(Self::field##_count), decltype(Self::field)>( \
       #field, offsetof(Self, field##_count), offsetof(Self, field))
 
 // The schema of a record: its type's name, its style, its slots in slot order.
-#define MESH_SCHEMA(record_type, record_style, ...)                                           \
-  template <>                                                                                 \
-  struct mesh::wire::SchemaOf<::record_type> {                                                \
-    using Self = ::record_type;                                                               \
-    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});             \
+#define MESH_SCHEMA(record_type, record_style, ...)                                              \
+  template <>                                                                                    \
+  struct mesh::wire::SchemaOf<::record_type> {                                                   \
+    using Self = ::record_type;                                                                  \
+    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});                \
     static constexpr mesh::wire::Record record{#record_type, sizeof(Self), record_style, slots}; \
-    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");          \
+    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");             \
   };

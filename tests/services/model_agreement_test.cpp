@@ -53,7 +53,7 @@ TEST_P(Agreement, OnIdentityAndSizes) {
 }
 
 TEST_P(Agreement, OnPackedBytesOfRandomRecords) {
-  for (int round = 0; round < scaled(10000); ++round) {
+  for (int round = 0; round < harness::rounds(10000); ++round) {
     const Value value = randomRecord();
     const auto size = static_cast<uint32_t>(model::compactSize(message(), value));
     const uint32_t room = size + static_cast<uint32_t>(random() % 3) - 1;
