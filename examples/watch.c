@@ -131,7 +131,6 @@ static void check_streamed(struct watcher* watcher, const mesh_received* receive
     ++watcher->damaged;
   }
   ++watcher->streamed;
-  clock_gettime(CLOCK_MONOTONIC, &watcher->last);
   show_progress(watcher);
 }
 
@@ -201,6 +200,8 @@ int main(int argc, char** argv) {
       break;
     }
   }
+
+  clock_gettime(CLOCK_MONOTONIC, &watcher.last);
 
   mesh_node_statistics statistics = {0};
   mesh_node_stats(node, &statistics);

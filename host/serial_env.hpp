@@ -42,8 +42,20 @@ struct serial_env {
   FreeFn unpackFree = &freeWrapper;
 };
 
+static_assert(sizeof(void*) == 8, "records, descriptors and this layout are those of 64-bit hosts");
 static_assert(std::is_standard_layout_v<serial_env>);
 static_assert(offsetof(serial_env, frameworkName) == 0);
+static_assert(offsetof(serial_env, moduleName) == 8);
+static_assert(offsetof(serial_env, memModuleId) == 16);
+static_assert(offsetof(serial_env, hostLock) == 24);
+static_assert(offsetof(serial_env, logWrite) == 24 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, memAlloc) == 32 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, memFree) == 40 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, hostBound) == 48 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackLock) == 56 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackBound) == 56 + 2 * sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackAlloc) == 64 + 2 * sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackFree) == 72 + 2 * sizeof(pthread_mutex_t));
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
 
 // One direction of one service. Modules share nothing.
