@@ -23,7 +23,7 @@ template <const Message& message>
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline void encode(uint8_t* buffer, const uint8_t* record) {
   host::bindUnpackAllocator(module);
-  inByteOrder(module, [&]<host::ByteOrder order>() {
+  inByteOrder(module, [=]<host::ByteOrder order>() {
     wire::writeCompact<*message.record, order>(buffer, record);
   });
 }

@@ -59,7 +59,7 @@ template <host::Module& module, const Message& message>
                                                uint32_t count) {
   constexpr uint64_t length = wire::fixedLength(*message.record);
   host::bindUnpackAllocator(module);
-  inByteOrder(module, [&]<host::ByteOrder order>() {
+  inByteOrder(module, [=]<host::ByteOrder order>() {
     for (uint64_t index = 0; index < count; ++index) {
       wire::writeFixedImage<*message.record, order>(images + index * length,
                                                     records + index * message.record->size);

@@ -67,7 +67,7 @@ template <host::Module& module, const Message& message>
                                  length, record);
     return message.record->size;
   }
-  inByteOrder(module, [&]<host::ByteOrder order>() {
+  inByteOrder(module, [=]<host::ByteOrder order>() {
     const wire::Buffer<order> buffer{data, length};
     if constexpr (message.policy.rootDecoding == RootDecoding::ByMessage) {
       detail::unpackByMessage<module, message>(buffer, static_cast<uint8_t*>(record));

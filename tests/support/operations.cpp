@@ -15,7 +15,7 @@ namespace harness {
 namespace {
 
 // The unused argument of __sendsingle is filled, to show that it is one.
-#define OPERATIONS(X, identifier)                                                                         \
+#define OPERATIONS(X, identifier)                                                                 \
   Operations{#X,                                                                                  \
              &mesh::wire::schemaOf<X>,                                                            \
              mesh::msg::messageOf<X>.id,                                                          \
