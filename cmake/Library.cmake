@@ -18,10 +18,13 @@ add_library(mesh_l2vpn_objects OBJECT
   host/memory.cpp
   wire/report.cpp
   msg/registration.cpp
+  l2vpn_cfg/proof.cpp
   l2vpn_cfg/receive.cpp
   l2vpn_cfg/send.cpp
+  l2vpn_stat/proof.cpp
   l2vpn_stat/receive.cpp
   l2vpn_stat/send.cpp
+  l2vpn_sync/proof.cpp
   l2vpn_sync/receive.cpp
   l2vpn_sync/send.cpp)
 target_include_directories(mesh_l2vpn_objects PUBLIC

@@ -1,0 +1,35 @@
+#include "osal/block.hpp"
+
+namespace ddm {
+namespace {
+
+// With the address in it, a mark means nothing in a copy of the block elsewhere.
+constexpr uint64_t inUse = 0x6B636F6C42657375;
+constexpr uint64_t givenBack = 0x656E6F676B636F6C;
+
+}  // namespace
+
+void markInUse(BlockHeader* header) {
+  header->mark.store(inUse ^ reinterpret_cast<uintptr_t>(header), std::memory_order_relaxed);
+}
+
+// Kept from the sanitizers: looking at what may be no block, or one no longer ours, is the purpose.
+__attribute__((noinline, no_sanitize("address", "thread", "undefined"))) BlockState takeBack(
+    void* bytes) {
+  if (reinterpret_cast<uintptr_t>(bytes) % alignof(BlockHeader) != 0) {
+    return BlockState::Foreign;
+  }
+  uint64_t* const mark =
+      reinterpret_cast<uint64_t*>(static_cast<unsigned char*>(bytes) - sizeof(uint64_t));
+  const auto* header = reinterpret_cast<const BlockHeader*>(
+      static_cast<const unsigned char*>(bytes) - sizeof(BlockHeader));
+  const uint64_t address = reinterpret_cast<uintptr_t>(header);
+  uint64_t found = inUse ^ address;
+  if (__atomic_compare_exchange_n(mark, &found, givenBack ^ address, false, __ATOMIC_ACQ_REL,
+                                  __ATOMIC_RELAXED)) {
+    return BlockState::InUse;
+  }
+  return found == (givenBack ^ address) ? BlockState::GivenBack : BlockState::Foreign;
+}
+
+}  // namespace ddm

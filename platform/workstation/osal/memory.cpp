@@ -1,0 +1,87 @@
+// The accounting allocator.
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "ddm/osal.h"
+#include "osal/accounts.hpp"
+#include "osal/block.hpp"
+#include "osal/export.hpp"
+#include "osal/faults.hpp"
+
+namespace ddm {
+
+constinit Faults faults;
+
+namespace {
+
+// The owner that decodes messages, and the only one the cache is meant for.
+constexpr uint32_t decodingOwner = 12;
+
+void* take(uint32_t size, uint32_t owner, const char* caller) {
+  void* const memory = std::malloc(sizeof(BlockHeader) + size);
+  if (memory == nullptr) {
+    return nullptr;
+  }
+  auto* const header = new (memory) BlockHeader{.size = size,
+                                                .owner = owner,
+                                                .ownerAccount = ownerAccountFor(owner),
+                                                .callerAccount = callerAccountFor(owner, caller),
+                                                .unused = 0,
+                                                .mark = 0};
+  ownerAccounts[header->ownerAccount].take(size);
+  callerAccounts[header->callerAccount].out.take(size);
+  markInUse(header);
+  return bytesOf(header);
+}
+
+[[gnu::cold]] void report(const void* block, uint32_t owner, const char* caller, const char* what) {
+  static const char* const env[] = {"OSAL"};
+  DDM_OsalLogWrite(env, 2, 0, "", 0, "DDM_OsalMemFree", "%s: block %p, owner 0x%X, caller %s", what,
+                   block, owner, caller != nullptr ? caller : "(no caller)");
+}
+
+void giveBack(void* block, uint32_t owner, const char* caller) {
+  switch (takeBack(block)) {
+    case BlockState::GivenBack:
+      faults.doubleFree.fetch_add(1, std::memory_order_relaxed);
+      return report(block, owner, caller, "given back twice");
+    case BlockState::Foreign:
+      faults.foreignFree.fetch_add(1, std::memory_order_relaxed);
+      return report(block, owner, caller, "not a block of this allocator");
+    case BlockState::InUse:
+      break;
+  }
+  BlockHeader* const header = headerOf(block);
+  if (header->owner != owner) {
+    faults.wrongOwner.fetch_add(1, std::memory_order_relaxed);
+    report(block, owner, caller, "given back under another owner");
+  }
+  ownerAccounts[header->ownerAccount].out.giveBack(header->size);
+  callerAccounts[header->callerAccount].out.giveBack(header->size);
+  std::free(header);
+}
+
+}  // namespace
+}  // namespace ddm
+
+DDM_OSAL_EXPORT void* DDM_OsalMemAlloc(uint32_t size, uint32_t owner, const char* caller) {
+  return ddm::take(size, owner, caller);
+}
+
+DDM_OSAL_EXPORT void* DDM_OsalMemCacheAlloc(uint32_t size, uint32_t owner, const char* caller) {
+  // The system's allocator caches small blocks by itself.
+  return ddm::take(size, owner, caller);
+}
+
+DDM_OSAL_EXPORT void DDM_OsalMemFree(void* block, uint32_t owner, const char* caller) {
+  if (block != nullptr) {
+    ddm::giveBack(block, owner, caller);
+  }
+}
+
+DDM_OSAL_EXPORT uint32_t DDM_OsalMemUseFlagGet(uint32_t owner) {
+  const char* wish = std::getenv("DDM_OSAL_CACHE");
+  const bool refused = wish != nullptr && std::strcmp(wish, "0") == 0;
+  return owner == ddm::decodingOwner && !refused ? 1 : 0;
+}

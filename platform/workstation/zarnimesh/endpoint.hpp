@@ -1,0 +1,32 @@
+// Where a node receives.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "zarnimesh/error.hpp"
+
+namespace zarnimesh {
+
+enum class Transport {
+  Ipc,
+  Inproc,
+  Tcp,
+};
+
+struct Endpoint {
+  Transport transport = Transport::Ipc;
+  std::string rest;  // behind the "//": a path, a name, or host:port
+
+  std::string text() const;
+};
+
+// Parses ipc://path, inproc://name and tcp://host:port. Returns null, or what is wrong with it.
+[[nodiscard]] const char* parseEndpoint(std::string_view text, Endpoint& out);
+
+// Turns a tcp endpoint into one that can be bound and refuses any that other machines could reach;
+// leaves the others as they are.
+[[nodiscard]] mesh_result makeBindable(Endpoint& endpoint);
+
+}  // namespace zarnimesh

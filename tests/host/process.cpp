@@ -1,0 +1,130 @@
+#include "host/process.hpp"
+
+#include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <mutex>
+#include <utility>
+
+#include "host/functions/observer.hpp"
+#include "zarnimesh/mesh.h"
+
+namespace harness {
+namespace {
+
+std::mutex notesLock;
+Lines notes;
+std::atomic<uint32_t> flag{0};
+
+void writeNotes(int pipe) {
+  std::string text;
+  for (const std::string& line : notes) {
+    text += line + "\n";
+  }
+  for (size_t at = 0; at < text.size();) {
+    const ssize_t written = write(pipe, text.data() + at, text.size() - at);
+    if (written <= 0) {
+      _exit(2);
+    }
+    at += static_cast<size_t>(written);
+  }
+}
+
+Lines readLines(int pipe) {
+  std::string text;
+  char piece[4096];
+  for (ssize_t got = 0; (got = read(pipe, piece, sizeof piece)) > 0;) {
+    text.append(piece, static_cast<size_t>(got));
+  }
+  Lines lines;
+  for (size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+    lines.push_back(text.substr(at, end - at));
+  }
+  return lines;
+}
+
+}  // namespace
+
+Lines inANewProcess(const std::function<void()>& scenario) {
+  int ends[2];
+  if (pipe(ends) != 0) {
+    return {"no pipe"};
+  }
+  std::fflush(nullptr);  // what is not written yet would be written twice
+  const pid_t child = fork();
+  if (child == 0) {
+    close(ends[0]);
+    notes.clear();
+    scenario();
+    writeNotes(ends[1]);
+    _exit(0);
+  }
+  close(ends[1]);
+  Lines lines = readLines(ends[0]);
+  close(ends[0]);
+  int status = 0;
+  if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) ||
+      WEXITSTATUS(status) != 0) {
+    lines.emplace_back("ended badly");
+  }
+  return lines;
+}
+
+void bring(unsigned functions, uint32_t useFlag) {
+  flag = useFlag;
+  for (const auto& [function, name] : std::initializer_list<std::pair<unsigned, const char*>>{
+           {LogWrite, "log_write"},
+           {MemAlloc, "mem_alloc"},
+           {MemFree, "mem_free"},
+           {MemCacheAlloc, "mem_cache_alloc"},
+           {MemUseFlagGet, "mem_use_flag_get"}}) {
+    if ((functions & function) != 0) {
+      const std::string path = std::string(HOST_FUNCTIONS_DIRECTORY "/host_") + name + ".so";
+      if (dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL) == nullptr) {
+        std::fprintf(stderr, "%s\n", dlerror());
+        _exit(3);
+      }
+    }
+  }
+}
+
+void note(const std::string& line) {
+  const std::lock_guard guard(notesLock);
+  notes.push_back(line);
+}
+
+void forgetNotes() {
+  const std::lock_guard guard(notesLock);
+  notes.clear();
+}
+
+}  // namespace harness
+
+extern "C" {
+
+void hostNote(const char* line) {
+  harness::note(line);
+}
+
+uint32_t hostUseFlag() {
+  return harness::flag;
+}
+
+// A middleware that takes everything.
+uint32_t MESH_SendMsg(uint32_t, const mesh_msg_desc*, uint32_t) {
+  return 0;
+}
+uint32_t MESH_SendToMsg(uint32_t, const mesh_msg_desc*, uint32_t, uint64_t) {
+  return 0;
+}
+uint32_t MESH_RegIDLFuncHook(uint32_t, mesh_unpack_hook, mesh_free_hook) {
+  return 0;
+}
+uint32_t MESH_RegIDLResorceCleanFuncHook(mesh_clean_hook) {
+  return 0;
+}
+
+}  // extern "C"

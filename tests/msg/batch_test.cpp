@@ -1,0 +1,133 @@
+// Compact batches: sixty-four kilobytes of tables back to back, or nothing.
+
+#include <gtest/gtest.h>
+
+#include "mesh_l2vpn/l2vpn_cfg.h"
+#include "support/bytes.hpp"
+
+namespace {
+
+using harness::Buffer;
+using harness::hex;
+using harness::Layout;
+using harness::recorder;
+using harness::Trace;
+
+constexpr uint32_t failure = 0xFFFFFFFF;
+constexpr uint32_t region = 0x10000;
+
+Buffer text(region, 'x');
+
+// A key whose message takes `size` bytes.
+dbginfo_key_l2vpn keyOf(uint32_t size) {
+  return {0, 0, 0, size - 28, text.data()};
+}
+
+std::string taken(size_t count) {
+  return "memAlloc size=" + std::to_string(region + 16 * count) +
+         " owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\" -> #1";
+}
+const std::string given = "memFree #1 owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\"";
+
+void expectSent(const std::vector<uint32_t>& sizes) {
+  std::vector<dbginfo_key_l2vpn> keys;
+  for (const uint32_t size : sizes) {
+    keys.push_back(keyOf(size));
+  }
+  const auto count = static_cast<uint32_t>(keys.size());
+  harness::resetRecorder();
+  EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, keys.data(), count, 0), 0U);
+  EXPECT_EQ(
+      harness::takeTrace(),
+      Trace({taken(count), "MESH_SendMsg destination=1 count=" + std::to_string(count), given}));
+  ASSERT_EQ(recorder().sent.size(), sizes.size());
+  uint64_t offset = 0;
+  for (size_t index = 0; index < sizes.size(); ++index) {
+    const harness::SentTable& table = recorder().sent[index];
+    EXPECT_EQ(table.address - recorder().sent[0].address, offset) << "table " << index;
+    EXPECT_EQ(hex(table.bytes), hex(Layout()
+                                        .u32(16)
+                                        .u16(12, sizes[index] - 16, 0, 0, 0, 4)
+                                        .u32(12)
+                                        .u32(4, sizes[index] - 28)
+                                        .fill(sizes[index] - 28, 'x')));
+    offset += sizes[index];
+  }
+}
+
+void expectNothingSent(const std::vector<dbginfo_key_l2vpn>& keys) {
+  const auto count = static_cast<uint32_t>(keys.size());
+  for (const uint64_t extra : {0U, 7U}) {
+    harness::resetRecorder();
+    EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, keys.data(), count, extra), failure);
+    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), given}));
+    EXPECT_TRUE(recorder().sent.empty());
+  }
+}
+
+TEST(Batch, MayFillItsRegionToTheLastByte) {
+  expectSent({30000, region - 30000});
+  expectSent({region});
+  expectSent({region - 29 - 31, 29, 31});
+}
+
+TEST(Batch, OfOneByteMoreThanItsRegionIsNotSent) {
+  expectNothingSent({keyOf(30000), keyOf(region - 30000 + 1)});
+  expectNothingSent({keyOf(region + 1)});
+  expectNothingSent({keyOf(region - 29 - 31), keyOf(29), keyOf(32)});
+}
+
+TEST(Batch, IsNotSentWhenARecordFollowsAFullRegion) {
+  expectNothingSent({keyOf(region), dbginfo_key_l2vpn{}});
+  expectNothingSent({keyOf(40000), keyOf(region - 40000), dbginfo_key_l2vpn{}, keyOf(29)});
+}
+
+TEST(Batch, PutsNothingBetweenItsTables) {
+  expectSent({29, 31, 33, 35, 29});
+}
+
+TEST(Batch, OfANullArrayIsNotSent) {
+  for (const uint32_t count : {1U, 2U, 100U}) {
+    harness::resetRecorder();
+    EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, nullptr, count, 0), failure);
+    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), given}));
+  }
+  harness::resetRecorder();
+  EXPECT_EQ(dbginfo_key_l2vpn__sendmsg(1, nullptr, 2), failure);
+  EXPECT_EQ(dbginfo_key_l2vpn__sendtomsg(1, nullptr, 2, 7), failure);
+  EXPECT_TRUE(recorder().sent.empty());
+}
+
+TEST(Batch, IsNotSentWhenARecordHasNoEncoding) {
+  // It takes 2^32 bytes, 2^32 + 20 and 2^32 + 27: small sizes to a sum of 32 bits.
+  for (const uint32_t length : {0xFFFFFFFF - 27, 0xFFFFFFFF - 7, 0xFFFFFFFF}) {
+    dbginfo_key_l2vpn bad = keyOf(29);
+    bad.f3_len = length;
+    expectNothingSent({keyOf(29), bad});
+    expectNothingSent({bad, keyOf(29)});
+  }
+}
+
+TEST(Batch, OfResultsIsBoundByItsRegionToo) {
+  static l2vpn_cfg_query_dfx_item items[4];
+  std::vector<l2vpn_cfg_query_dfx_rec> results(2);
+  results[0].f1 = items;
+  results[0].f1_count = 3;  // 46 + 3 * 16622 bytes
+  harness::resetRecorder();
+  EXPECT_EQ(l2vpn_cfg_query_dfx_rec__sendbatch(1, results.data(), 2, 0), 0U);
+  ASSERT_EQ(recorder().sent.size(), 2U);
+  EXPECT_EQ(recorder().sent[0].bytes.size(), 49912U);
+  EXPECT_EQ(recorder().sent[1].bytes.size(), 38U);
+
+  results[1].f1 = items;
+  results[1].f1_count = 1;
+  harness::resetRecorder();
+  EXPECT_EQ(l2vpn_cfg_query_dfx_rec__sendbatch(1, results.data(), 2, 0), failure);
+  EXPECT_TRUE(recorder().sent.empty());
+  results[0].f1_count = 4;
+  EXPECT_EQ(l2vpn_cfg_query_dfx_rec__sendbatch(1, results.data(), 1, 0), failure);
+  EXPECT_EQ(l2vpn_cfg_query_dfx_rec__sendsingle(1, results.data(), 0, 0), 0U);
+  EXPECT_EQ(recorder().sent.at(0).bytes.size(), 66534U);
+}
+
+}  // namespace

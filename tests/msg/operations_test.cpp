@@ -1,0 +1,171 @@
+// Unpacking and releasing, for every message: results, sizes, who owns what.
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "mesh_l2vpn/l2vpn_cfg.h"
+#include "model/generate.hpp"
+#include "model/record_image.hpp"
+#include "model/writer.hpp"
+#include "support/bytes.hpp"
+#include "support/comparison.hpp"
+
+namespace {
+
+using harness::Buffer;
+using harness::hex;
+using harness::Operations;
+using harness::recorder;
+using harness::Trace;
+
+// How many blocks a record can own, by the messages that can.
+size_t outOfLineParts(const std::string& name) {
+  if (name == "dbginfo_key_l2vpn" || name == "dbginfo_para_l2vpn" ||
+      name == "l2vpn_cfg_query_comm_param" || name == "l2vpn_cfg_query_comm_rec" ||
+      name == "l2vpn_cfg_query_dfx_key") {
+    return 1;
+  }
+  return name == "dbginfo_cmd_key_l2vpn" || name == "dbginfo_endata_l2vpn" ||
+                 name == "l2vpn_cfg_query_dfx_rec"
+             ? 2
+             : 0;
+}
+
+class EveryMessage : public testing::TestWithParam<Operations> {
+ protected:
+  size_t outOfLineParts() const { return ::outOfLineParts(GetParam().name); }
+  uint32_t size() const { return GetParam().schema->size; }
+
+  // A message with every byte string present.
+  Buffer fullMessage() const {
+    const model::Message& message = model::message(GetParam().name);
+    std::mt19937_64 random(3);
+    for (;;) {
+      const model::Value value = model::randomValue(message, random, model::Density::Full);
+      if (isFull(value)) {
+        return harness::packed(GetParam(), value);
+      }
+    }
+  }
+
+ private:
+  static bool isFull(const model::Value& value) {
+    for (const model::FieldValue& field : value.fields) {
+      const bool outOfLine = field.kind == model::Kind::Bytes || field.kind == model::Kind::Vector;
+      if ((outOfLine && field.length == 0) ||
+          (field.kind == model::Kind::Table && !isFull(field.items.at(0)))) {
+        return false;
+      }
+    }
+    return true;
+  }
+};
+
+TEST_P(EveryMessage, ReturnsItsRecordsSizeWhetherItIsAcceptedOrNot) {
+  const Buffer whole = fullMessage();
+  const size_t step = whole.size() > 4096 ? 127 : 1;
+  for (size_t length = 0; length <= whole.size(); length += step) {
+    harness::resetRecorder();
+    Buffer record = harness::marks(size());
+    const auto given = static_cast<uint32_t>(length);
+    EXPECT_EQ(GetParam().unpack(whole.data(), given, record.data()), size());
+    // A record that was not touched holds nothing that can be released.
+    if (record != harness::marks(size())) {
+      GetParam().freeUnpacked(record.data());
+    }
+    EXPECT_TRUE(recorder().blocks.empty()) << "of " << length << " bytes";
+  }
+}
+
+TEST_P(EveryMessage, ReleasesEachBlockOnce) {
+  const Buffer bytes = fullMessage();
+  harness::resetRecorder();
+  Buffer record = harness::marks(size());
+  EXPECT_EQ(GetParam().unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data()),
+            size());
+  EXPECT_EQ(recorder().blocks.size(), outOfLineParts());
+  EXPECT_EQ(harness::takeTrace().size(), outOfLineParts()) << "one allocation a block";
+
+  const std::string release =
+      " owner=12 caller=\"" + std::string(GetParam().name) + "_free_unpacked\"";
+  Trace first;
+  Trace second;
+  for (size_t block = 1; block <= outOfLineParts(); ++block) {
+    first.push_back("unpackFree #" + std::to_string(block) + release);
+    second.push_back("unpackFree null" + release);
+  }
+  GetParam().freeUnpacked(record.data());
+  EXPECT_EQ(harness::takeTrace(), first);
+  EXPECT_TRUE(recorder().blocks.empty());
+  GetParam().freeUnpacked(record.data());
+  EXPECT_EQ(harness::takeTrace(), second);
+}
+
+TEST_P(EveryMessage, ReleasesNothingOfANullRecord) {
+  harness::resetRecorder();
+  GetParam().freeUnpacked(nullptr);
+  EXPECT_EQ(harness::takeTrace(), Trace());
+}
+
+TEST_P(EveryMessage, IsReadAndNothingElseByPackAndSend) {
+  std::mt19937_64 random(4);
+  const model::Message& message = model::message(GetParam().name);
+  const model::RecordImage records(
+      message,
+      std::vector<model::Value>{model::randomValue(message, random, model::Density::Full),
+                                model::randomValue(message, random, model::Density::Sparse)});
+  const Buffer before = records.bytes();
+  Buffer buffer(size_t{1} << 17);
+  auto length = static_cast<uint32_t>(buffer.size());
+  harness::resetRecorder();
+  EXPECT_EQ(GetParam().pack(records.data(), buffer.data(), &length), 0U);
+  EXPECT_EQ(GetParam().sendSingle(1, records.data(), 0), 0U);
+  EXPECT_EQ(GetParam().sendMsg(1, records.data(), 1), 0U);
+  GetParam().sendBatch(1, records.data(), 2, 0);
+  EXPECT_EQ(hex(records.bytes()), hex(before));
+  EXPECT_TRUE(recorder().blocks.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryMessage, testing::ValuesIn(harness::allOperations()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(Messages, AreOfTheSizesThatCallersKnow) {
+  const std::vector<std::pair<const char*, uint32_t>> sizes{
+      {"dbginfo_key_l2vpn", 24},         {"dbginfo_para_l2vpn", 40},
+      {"l2vpn_cfg_query_dfx_cond", 136}, {"l2vpn_cfg_query_comm_param", 24},
+      {"l2vpn_cfg_query_comm_rec", 32},  {"dbginfo_cmd_key_l2vpn", 80},
+      {"dbginfo_cmd_ipc_l2vpn", 44},     {"dbginfo_endata_l2vpn", 64},
+      {"dbginfo_dedata_l2vpn", 40},      {"l2vpn_cfg_query_dfx_item", 16572},
+      {"l2vpn_cfg_query_dfx_key", 160},  {"l2vpn_cfg_query_dfx_rec", 48},
+      {"l2vpn_stat_pw_stat", 80},        {"l2vpn_sync_vpls_ac", 48},
+      {"l2vpn_sync_vpls_ac_update", 52}, {"l2vpn_sync_vpls_ac_delete", 52}};
+  for (const auto& [name, size] : sizes) {
+    EXPECT_EQ(harness::operationsOf(name).unpack(nullptr, 0, nullptr), size) << name;
+  }
+}
+
+TEST(Messages, WithoutBlocksAreNotLookedAtByTheirRelease) {
+  int count = 0;
+  for (const Operations& operations : harness::allOperations()) {
+    if (outOfLineParts(operations.name) == 0) {
+      Buffer record = harness::marks(operations.schema->size);
+      harness::resetRecorder();
+      operations.freeUnpacked(record.data());
+      EXPECT_EQ(hex(record), hex(harness::marks(record.size()))) << operations.name;
+      EXPECT_EQ(harness::takeTrace(), Trace()) << operations.name;
+      ++count;
+    }
+  }
+  EXPECT_EQ(count, 77);
+}
+
+TEST(Messages, AreEightyFive) {
+  std::set<std::string> names;
+  for (const Operations& operations : harness::allOperations()) {
+    names.insert(operations.name);
+  }
+  EXPECT_EQ(names.size(), 85U);
+}
+
+}  // namespace

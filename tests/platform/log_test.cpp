@@ -1,0 +1,138 @@
+// The host's log writer.
+#include <gtest/gtest.h>
+#include <regex.h>
+
+#include <cerrno>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ddm/osal.h"
+#include "ddm/osal_workstation.h"
+#include "support/child_process.hpp"
+#include "support/log_lines.hpp"
+
+namespace platform_test {
+namespace {
+
+const char* const env[] = {"FRAMEWORK", "module"};
+
+bool endsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// Whether the extended regular expression is found in the text.
+bool matches(const std::string& text, const char* expression) {
+  regex_t compiled;
+  EXPECT_EQ(regcomp(&compiled, expression, REG_EXTENDED | REG_NOSUB), 0);
+  const bool found = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+  regfree(&compiled);
+  return found;
+}
+
+TEST(Log, WritesOneReadableLine) {
+  const auto lines = logged([] {
+    DDM_OsalLogWrite(env, 2, 22, "", 123, "dbg_unpack", "[TEST]:offset(%u) of %s", 7u, "buffer");
+  });
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_TRUE(matches(lines[0],
+                      "^[0-9]{4}(-[0-9]{2}){2} ([0-9]{2}:){2}[0-9]{2}\\.[0-9]{3} FRAMEWORK level 2 "
+                      "code 22 dbg_unpack:123: \\[TEST\\]:offset\\(7\\) of buffer$"))
+      << lines[0];
+}
+
+TEST(Log, NamesTheFileWhenThereIsOne) {
+  const auto lines = logged([] { DDM_OsalLogWrite(env, 1, 2, "a.c", 3, "f", "text"); });
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_TRUE(endsWith(lines[0], "a.c f:3: text")) << lines[0];
+}
+
+TEST(Log, StandsNullTexts) {
+  const char* const nameless[] = {nullptr};
+  const auto lines = logged([&] {
+    DDM_OsalLogWrite(nullptr, 1, 2, nullptr, 3, nullptr, "a");
+    DDM_OsalLogWrite(nameless, 1, 2, nullptr, 3, nullptr, nullptr);
+  });
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_TRUE(endsWith(lines[0], " - level 1 code 2 :3: a")) << lines[0];
+}
+
+TEST(Log, CutsALongMessageAndKeepsItOnOneLine) {
+  const std::string text = "a\nb\tc" + std::string(5000, 'x');
+  const auto lines = logged([&] { DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "%s", text.c_str()); });
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_NE(lines[0].find("a b cxxx"), std::string::npos);
+  EXPECT_LT(lines[0].size(), 1024u);
+}
+
+TEST(Log, LeavesErrnoAlone) {
+  static_cast<void>(logged([] {
+    errno = 77;
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "a");
+    EXPECT_EQ(errno, 77);
+  }));
+}
+
+TEST(Log, SuppressesWhatIsAboveTheLimitAndTellsHowMuch) {
+  const auto lines = logged([] {
+    ddm_osal_log_limit(0, 2);
+    for (int i = 0; i < 10; ++i) {
+      DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "line %d", i);
+    }
+    ddm_osal_log_limit(0, 2);
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "recovered");
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "and on");
+  });
+  ASSERT_EQ(lines.size(), 5u);
+  EXPECT_TRUE(endsWith(lines[0], "line 0"));
+  EXPECT_TRUE(endsWith(lines[1], "line 1"));
+  EXPECT_TRUE(endsWith(lines[2], "8 messages suppressed"));
+  EXPECT_TRUE(endsWith(lines[3], "recovered"));
+  EXPECT_TRUE(endsWith(lines[4], "and on"));
+}
+
+TEST(Log, LetsMoreThroughAsTimePasses) {
+  const auto lines = logged([] {
+    ddm_osal_log_limit(20, 1);
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "first");
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "second");
+  });
+  EXPECT_EQ(lines.size(), 2u);
+}
+
+TEST(Log, TellsAtExitWhatItSuppressed) {
+  ChildProcess child(peer({"log", "5", "2"}), true);
+  const auto lines = linesOf(child.readAll());
+  EXPECT_EQ(child.wait(), 0);
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_TRUE(endsWith(lines[1], "line 1"));
+  EXPECT_TRUE(endsWith(lines[2], "3 messages suppressed"));
+}
+
+TEST(Log, NeitherMixesNorLosesLinesOfSeveralThreads) {
+  const auto lines = logged([] {
+    ddm_osal_log_limit(0, 300);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+      threads.emplace_back([thread] {
+        for (int i = 0; i < 100; ++i) {
+          DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "thread %d line %d.", thread, i);
+        }
+      });
+    }
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    ddm_osal_log_limit(0, 300);
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "end.");
+  });
+  ASSERT_EQ(lines.size(), 302u);
+  EXPECT_TRUE(endsWith(lines[300], "100 messages suppressed"));
+  for (size_t i = 0; i < 300; ++i) {
+    EXPECT_TRUE(matches(lines[i], "f:3: thread [0-9] line [0-9]+\\.$")) << lines[i];
+  }
+}
+
+}  // namespace
+}  // namespace platform_test

@@ -1,0 +1,207 @@
+// The host's accounting allocator.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ddm/osal.h"
+#include "ddm/osal_workstation.h"
+#include "support/log_lines.hpp"
+
+namespace platform_test {
+namespace {
+
+ddm_osal_memory_usage usageOf(uint32_t owner) {
+  ddm_osal_memory_usage usage{};
+  EXPECT_EQ(ddm_osal_memory_usage_get(owner, &usage), 0u);
+  return usage;
+}
+
+ddm_osal_memory_faults faultsNow() {
+  ddm_osal_memory_faults faults{};
+  EXPECT_EQ(ddm_osal_memory_faults_get(&faults), 0u);
+  return faults;
+}
+
+std::string report(uint64_t* blocks = nullptr) {
+  char* text = nullptr;
+  size_t size = 0;
+  FILE* stream = open_memstream(&text, &size);
+  const uint64_t out = ddm_osal_memory_report(stream);
+  if (blocks != nullptr) {
+    *blocks = out;
+  }
+  std::fclose(stream);
+  const std::string copy(text, size);
+  std::free(text);
+  return copy;
+}
+
+TEST(Memory, AccountsForEachOwner) {
+  void* one = DDM_OsalMemAlloc(100, 0x101, "one");
+  void* two = DDM_OsalMemCacheAlloc(50, 0x101, "two");
+  void* other = DDM_OsalMemAlloc(7, 0x102, "one");
+  ASSERT_TRUE(one != nullptr && two != nullptr && other != nullptr);
+  std::memset(one, 1, 100);
+  std::memset(two, 2, 50);
+  EXPECT_EQ(usageOf(0x101).blocks_out, 2u);
+  EXPECT_EQ(usageOf(0x101).bytes_out, 150u);
+  EXPECT_EQ(usageOf(0x102).bytes_out, 7u);
+  DDM_OsalMemFree(one, 0x101, "release");
+  EXPECT_EQ(usageOf(0x101).blocks_out, 1u);
+  EXPECT_EQ(usageOf(0x101).bytes_out, 50u);
+  DDM_OsalMemFree(two, 0x101, "release");
+  DDM_OsalMemFree(other, 0x102, "release");
+  const ddm_osal_memory_usage after = usageOf(0x101);
+  EXPECT_EQ(after.blocks_out, 0u);
+  EXPECT_EQ(after.bytes_out, 0u);
+  EXPECT_EQ(after.peak_bytes_out, 150u);
+  EXPECT_EQ(after.total_blocks, 2u);
+  EXPECT_EQ(after.total_bytes, 150u);
+}
+
+TEST(Memory, HasNothingToTellOfAnOwnerThatTookNone) {
+  const ddm_osal_memory_usage usage = usageOf(0x999);
+  EXPECT_EQ(usage.total_blocks, 0u);
+  EXPECT_EQ(ddm_osal_memory_usage_get(0x999, nullptr), 1u);
+  EXPECT_EQ(ddm_osal_memory_faults_get(nullptr), 1u);
+}
+
+TEST(Memory, IsAlignedForAnyType) {
+  for (uint32_t size = 0; size < 100; ++size) {
+    void* block = DDM_OsalMemAlloc(size, 1, "alignment");
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % alignof(std::max_align_t), 0u);
+    DDM_OsalMemFree(block, 1, "alignment");
+  }
+}
+
+TEST(Memory, IgnoresNull) {
+  DDM_OsalMemFree(nullptr, 1, "nothing");
+  EXPECT_EQ(faultsNow().foreign_free, 0u);
+}
+
+TEST(Memory, ReportsAReleaseUnderAnotherOwnerAndBooksItToTheTrueOne) {
+  void* block = DDM_OsalMemAlloc(10, 0x201, "taker");
+  const auto lines = logged([&] { DDM_OsalMemFree(block, 0x202, "releaser"); });
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_NE(lines[0].find("another owner"), std::string::npos) << lines[0];
+  EXPECT_NE(lines[0].find("caller releaser"), std::string::npos) << lines[0];
+  EXPECT_EQ(faultsNow().wrong_owner, 1u);
+  EXPECT_EQ(usageOf(0x201).blocks_out, 0u);
+  EXPECT_EQ(usageOf(0x202).total_blocks, 0u);
+}
+
+TEST(Memory, ReportsABlockGivenBackTwice) {
+  void* block = DDM_OsalMemAlloc(64, 0x201, "taker");
+  DDM_OsalMemFree(block, 0x201, "first");
+  const auto lines = logged([&] { DDM_OsalMemFree(block, 0x201, "second"); });
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_NE(lines[0].find("given back twice"), std::string::npos) << lines[0];
+  EXPECT_EQ(faultsNow().double_free, 1u);
+  EXPECT_EQ(usageOf(0x201).blocks_out, 0u);
+}
+
+TEST(Memory, ReportsAPointerThatIsNoBlock) {
+  alignas(16) unsigned char bytes[128] = {};
+  const auto lines = logged([&] {
+    DDM_OsalMemFree(bytes + 64, 0x201, "stranger");
+    DDM_OsalMemFree(bytes + 33, 0x201, "stranger");
+  });
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_NE(lines[0].find("not a block"), std::string::npos) << lines[0];
+  EXPECT_EQ(faultsNow().foreign_free, 2u);
+}
+
+TEST(Memory, ReportsWhatWasNotGivenBackByOwnerAndCaller) {
+  EXPECT_EQ(report().find("not given back"), std::string::npos);
+  std::vector<void*> blocks;
+  // One text at two addresses is one caller.
+  const std::string copy = "leaky_unpack";
+  for (const char* caller : {"leaky_unpack", copy.c_str(), "leaky_unpack", "other_unpack"}) {
+    blocks.push_back(DDM_OsalMemAlloc(10, 12, caller));
+  }
+  blocks.push_back(DDM_OsalMemAlloc(5, 0x6200, "leaky_unpack"));
+  blocks.push_back(DDM_OsalMemAlloc(1, 0x6200, nullptr));
+  DDM_OsalMemFree(blocks[2], 12, "leaky_free");
+  blocks.erase(blocks.begin() + 2);
+  uint64_t out = 0;
+  const std::string text = report(&out);
+  EXPECT_EQ(out, 5u);
+  for (const char* line :
+       {"owner 0xC: 3 blocks of 30 bytes out, peak 40 bytes; in all 4 of 40\n",
+        "owner 0x6200: 2 blocks of 6 bytes out, peak 6 bytes; in all 2 of 6\n",
+        "not given back: 2 blocks of 20 bytes, owner 0xC, caller leaky_unpack\n",
+        "not given back: 1 blocks of 10 bytes, owner 0xC, caller other_unpack\n",
+        "not given back: 1 blocks of 5 bytes, owner 0x6200, caller leaky_unpack\n",
+        "not given back: 1 blocks of 1 bytes, owner 0x6200, caller (no caller)\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << "is not in\n" << text;
+  }
+  for (void* block : blocks) {
+    static_cast<void>(logged([&] { DDM_OsalMemFree(block, 12, "end"); }));
+  }
+  EXPECT_EQ(report(&out).find("not given back"), std::string::npos);
+  EXPECT_EQ(out, 0u);
+}
+
+TEST(Memory, KeepsTheBooksOfSeveralThreads) {
+  const uint64_t decodedBefore = usageOf(12).total_bytes;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([] {
+      for (uint32_t i = 0; i < 5000; ++i) {
+        void* mine = DDM_OsalMemAlloc(i % 64, 0x301, "shared");
+        DDM_OsalMemFree(DDM_OsalMemAlloc(8, 12, i % 2 == 0 ? "even" : "odd"), 12, "end");
+        DDM_OsalMemFree(mine, 0x301, "end");
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(usageOf(0x301).blocks_out, 0u);
+  EXPECT_EQ(usageOf(0x301).bytes_out, 0u);
+  EXPECT_EQ(usageOf(0x301).total_blocks, 20000u);
+  EXPECT_EQ(usageOf(12).total_bytes - decodedBefore, 160000u);
+  EXPECT_EQ(report().find("not given back"), std::string::npos);
+}
+
+TEST(Memory, OffersTheCacheToTheDecodingOwnerUnlessToldOtherwise) {
+  unsetenv("DDM_OSAL_CACHE");
+  EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 1u);
+  EXPECT_EQ(DDM_OsalMemUseFlagGet(11), 0u);
+  EXPECT_EQ(DDM_OsalMemUseFlagGet(0x6200), 0u);
+  setenv("DDM_OSAL_CACHE", "0", 1);
+  EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 0u);
+  setenv("DDM_OSAL_CACHE", "1", 1);
+  EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 1u);
+}
+
+// The last, since it leaves no account free in this process.
+TEST(Memory, KeepsTheBooksOfMoreOwnersAndCallersThanItTellsApart) {
+  const uint64_t faultsBefore = faultsNow().wrong_owner;
+  std::vector<std::string> callers;
+  for (int i = 0; i < 3000; ++i) {
+    callers.push_back("caller " + std::to_string(i));
+  }
+  std::vector<void*> blocks;
+  for (uint32_t i = 0; i < 3000; ++i) {
+    blocks.push_back(DDM_OsalMemAlloc(1, i % 100, callers[i].c_str()));
+  }
+  uint64_t out = 0;
+  EXPECT_NE(report(&out).find("other owners"), std::string::npos);
+  EXPECT_EQ(out, 3000u);
+  for (uint32_t i = 0; i < 3000; ++i) {
+    DDM_OsalMemFree(blocks[i], i % 100, "end");
+  }
+  EXPECT_EQ(report(&out).find("not given back"), std::string::npos);
+  EXPECT_EQ(out, 0u);
+  EXPECT_EQ(faultsNow().wrong_owner, faultsBefore);
+}
+
+}  // namespace
+}  // namespace platform_test

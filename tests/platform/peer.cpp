@@ -1,0 +1,103 @@
+// The other process of the tests.
+//
+//   receive <address> <count>          receives so many notes and tells what it counted
+//   hold <address>                     opens a node, never reads, and waits to be killed
+//   send <address> <to> <calls> <notes a call>
+//   log <lines> <burst>                writes log lines that may not all pass
+//
+// Each tells "ready" when its node is open. The exit code is the result of what it did.
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "ddm/osal.h"
+#include "ddm/osal_workstation.h"
+#include "support/note.hpp"
+
+namespace {
+
+using namespace platform_test;
+
+uint32_t number(const char* text) {
+  return static_cast<uint32_t>(std::strtoul(text, nullptr, 0));
+}
+
+mesh_node* openAndTell(const char* address, const mesh_node_options* options) {
+  mesh_node* node = nullptr;
+  const mesh_result result = mesh_node_open(number(address), options, &node);
+  if (result != MESH_OK) {
+    std::printf("%s\n", mesh_node_last_error());
+    std::exit(result);
+  }
+  std::puts("ready");
+  std::fflush(stdout);
+  return node;
+}
+
+int receive(const char* address, const char* count) {
+  registerNotes();
+  mesh_node* node = openAndTell(address, nullptr);
+  const std::vector<Received> notes = receiveNotes(node, number(count));
+  const mesh_node_statistics counted = statisticsOf(node);
+  std::printf("notes %zu lost %" PRIu64 " missed %" PRIu64 "\n", notes.size(), counted.lost_calls,
+              counted.missed_before_first);
+  return mesh_node_close(node);
+}
+
+int hold(const char* address) {
+  mesh_node_options options;
+  mesh_node_options_default(&options);
+  openAndTell(address, &options);
+  for (;;) {
+    pause();
+  }
+}
+
+int send(const char* address, const char* to, const char* calls, const char* notes) {
+  mesh_node* node = openAndTell(address, nullptr);
+  for (uint32_t call = 0; call < number(calls); ++call) {
+    std::vector<std::string> texts;
+    for (uint32_t i = 0; i < number(notes); ++i) {
+      texts.push_back("note " + std::to_string(call) + "." + std::to_string(i));
+    }
+    if (const uint32_t result = sendNotes(number(to), texts); result != MESH_OK) {
+      std::printf("%s\n", mesh_node_last_error());
+      return static_cast<int>(result);
+    }
+  }
+  return mesh_node_close(node);
+}
+
+int log(const char* lines, const char* burst) {
+  const char* env[] = {"PEER"};
+  ddm_osal_log_limit(0, number(burst));
+  for (uint32_t i = 0; i < number(lines); ++i) {
+    DDM_OsalLogWrite(env, 2, 22, "", 1, "log", "line %u", i);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string command = argc > 1 ? argv[1] : "";
+  if (command == "receive" && argc == 4) {
+    return receive(argv[2], argv[3]);
+  }
+  if (command == "hold" && argc == 3) {
+    return hold(argv[2]);
+  }
+  if (command == "send" && argc == 6) {
+    return send(argv[2], argv[3], argv[4], argv[5]);
+  }
+  if (command == "log" && argc == 4) {
+    return log(argv[2], argv[3]);
+  }
+  std::fputs("no such command\n", stderr);
+  return 100;
+}

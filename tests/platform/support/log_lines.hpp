@@ -1,0 +1,29 @@
+// What the log writer wrote.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace platform_test {
+
+inline std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+// What the standard error was given.
+template <typename Body>
+std::vector<std::string> logged(Body&& body) {
+  ::testing::internal::CaptureStderr();
+  body();
+  return linesOf(::testing::internal::GetCapturedStderr());
+}
+
+}  // namespace platform_test

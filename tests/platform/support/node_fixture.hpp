@@ -1,0 +1,93 @@
+// What the tests of nodes start from: a private directory, registered hooks, nodes that close.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "support/note.hpp"
+#include "support/temporary_directory.hpp"
+#include "zarnimesh/mesh.h"
+#include "zarnimesh/node.h"
+
+namespace platform_test {
+
+// An open node; converts to its handle.
+class OpenNode {
+ public:
+  explicit OpenNode(mesh_node* node = nullptr) : node_(node) {}
+  OpenNode(OpenNode&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
+  OpenNode& operator=(OpenNode&& other) noexcept {
+    std::swap(node_, other.node_);
+    return *this;
+  }
+  ~OpenNode() {
+    if (node_ != nullptr) {
+      EXPECT_EQ(close(), MESH_OK);
+    }
+  }
+
+  operator mesh_node*() const { return node_; }
+  mesh_result close() { return mesh_node_close(std::exchange(node_, nullptr)); }
+
+ private:
+  mesh_node* node_;
+};
+
+inline mesh_node_options defaults() {
+  mesh_node_options options;
+  mesh_node_options_default(&options);
+  return options;
+}
+
+// As the defaults, but nothing is waited for long.
+inline mesh_node_options impatient(mesh_transport transport = MESH_TRANSPORT_IPC) {
+  mesh_node_options options = defaults();
+  options.transport = transport;
+  options.connect_timeout_ms = 300;
+  options.send_timeout_ms = 300;
+  options.linger_ms = 100;
+  return options;
+}
+
+// For suites that run over each transport that needs no configuration.
+inline const auto bothTransports = ::testing::Values(MESH_TRANSPORT_IPC, MESH_TRANSPORT_INPROC);
+
+inline std::string transportName(const ::testing::TestParamInfo<mesh_transport>& suite) {
+  return suite.param == MESH_TRANSPORT_IPC ? "ipc" : "inproc";
+}
+
+class NodeFixture : public ::testing::Test {
+ protected:
+  NodeFixture() {
+    setenv("ZARNIMESH_RUNTIME_DIR", directory_.path().c_str(), 1);
+    unsetenv("ZARNIMESH_ADDRESS_BOOK");
+    registerNotes();
+    // The attachment to a closed node outlives it.
+    EXPECT_EQ(mesh_node_attach(nullptr), MESH_OK);
+  }
+  ~NodeFixture() override { EXPECT_EQ(notesOut(), 0) << "a record was not released"; }
+
+  const std::string& directory() const { return directory_.path(); }
+
+  static OpenNode open(uint32_t address, const mesh_node_options& options = defaults()) {
+    mesh_node* node = nullptr;
+    EXPECT_EQ(mesh_node_open(address, &options, &node), MESH_OK) << mesh_node_last_error();
+    return OpenNode(node);
+  }
+
+  static mesh_result resultOfOpening(uint32_t address, const mesh_node_options& options) {
+    mesh_node* node = nullptr;
+    const mesh_result result = mesh_node_open(address, &options, &node);
+    EXPECT_EQ(node == nullptr, result != MESH_OK);
+    const OpenNode closing(node);
+    return result;
+  }
+
+ private:
+  TemporaryDirectory directory_;
+};
+
+}  // namespace platform_test

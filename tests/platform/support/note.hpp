@@ -1,0 +1,54 @@
+// A message type of the tests' own: its table is any bytes, its record a counted copy of them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "zarnimesh/mesh.h"
+#include "zarnimesh/node.h"
+
+namespace platform_test {
+
+inline constexpr uint32_t noteId = 0x1001;
+inline constexpr uint32_t otherNoteId = 0x1002;  // decoded in the same way
+
+struct Note {
+  uint32_t length;
+  uint32_t untouched;  // no decoder writes it
+  char* text;          // out of line, released by the free hook
+};
+
+// Registers the hooks of both types.
+void registerNotes();
+
+// Copies taken by decoding and not yet released, in the whole process.
+int64_t notesOut();
+
+// What a handler was given.
+struct Received {
+  uint32_t source;
+  uint32_t id;
+  uint64_t extra;
+  std::string text;
+  uint32_t untouched;
+  bool operator==(const Received&) const = default;
+};
+
+// A handler that appends to a std::vector<Received>.
+void collect(const mesh_received* received, void* user);
+
+// One call of one note each.
+uint32_t sendNotes(uint32_t destination, const std::vector<std::string>& texts, uint64_t extra = 0,
+                   uint32_t id = noteId);
+
+// Receives until so many notes were handed over, or nothing arrived for ten seconds.
+std::vector<Received> receiveNotes(mesh_node* node, size_t count);
+
+// Receives until the node's counter is `value`, or ten seconds have passed; the counter at the end.
+uint64_t receiveUntil(mesh_node* node, uint64_t mesh_node_statistics::*counter, uint64_t value,
+                      std::vector<Received>* notes = nullptr);
+
+mesh_node_statistics statisticsOf(mesh_node* node);
+
+}  // namespace platform_test

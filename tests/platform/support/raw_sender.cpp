@@ -1,0 +1,55 @@
+#include "support/raw_sender.hpp"
+
+#include <zmq.h>
+
+#include <stdexcept>
+
+#include "support/note.hpp"
+
+namespace platform_test {
+
+std::string littleEndian(uint64_t value, size_t width) {
+  std::string bytes;
+  for (size_t i = 0; i < width; ++i) {
+    bytes += static_cast<char>(value >> (8 * i) & 0xFF);
+  }
+  return bytes;
+}
+
+std::string RawHeader::bytes() const {
+  return magic + littleEndian(version, 2) + littleEndian(flags, 2) + littleEndian(source, 4) +
+         littleEndian(destination, 4) + littleEndian(incarnation, 8) + littleEndian(sequence, 8) +
+         littleEndian(extra, 8) + littleEndian(count, 4) + littleEndian(zero, 4) +
+         littleEndian(payloadBytes, 8);
+}
+
+RawSender::RawSender(const std::string& endpoint)
+    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_PUSH)) {
+  const int unlimited = 0;
+  zmq_setsockopt(socket_, ZMQ_SNDHWM, &unlimited, sizeof unlimited);
+  if (zmq_connect(socket_, endpoint.c_str()) != 0) {
+    throw std::runtime_error(endpoint + ": " + zmq_strerror(zmq_errno()));
+  }
+}
+
+RawSender::~RawSender() {
+  zmq_close(socket_);
+  zmq_ctx_term(context_);
+}
+
+void RawSender::send(const std::vector<std::string>& parts) {
+  for (size_t i = 0; i < parts.size(); ++i) {
+    const int flags = i + 1 < parts.size() ? ZMQ_SNDMORE : 0;
+    if (zmq_send(socket_, parts[i].data(), parts[i].size(), flags) < 0) {
+      throw std::runtime_error(zmq_strerror(zmq_errno()));
+    }
+  }
+}
+
+void RawSender::sendNote(RawHeader header, const std::string& text) {
+  header.count = 1;
+  header.payloadBytes = text.size();
+  send({header.bytes(), littleEndian(noteId, 4) + littleEndian(text.size(), 4), text});
+}
+
+}  // namespace platform_test

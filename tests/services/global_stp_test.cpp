@@ -1,0 +1,165 @@
+// Global, interface and STP records: glb_en, ifvlan, stp.
+
+#include "l2vpn_sync/modules.hpp"
+#include "services/behaviour.hpp"
+#include "wire/reader.hpp"
+
+namespace {
+
+using namespace harness;
+
+using Global = l2vpn_sync_glb_en;
+using Vlan = l2vpn_sync_ifvlan;
+using Stp = l2vpn_sync_stp;
+
+TEST(GlobalAndStp, AnStpOfZerosPacksTo20Bytes) {
+  const Buffer expected = Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12);
+  EXPECT_EQ(shown(compact(Stp{})), shown(expected));
+  EXPECT_EQ(expected.size(), 20U);
+}
+
+TEST(GlobalAndStp, AnStpWithOnlyF3PacksTo24Bytes) {
+  Stp record{};
+  record.f3 = 7;
+  const Buffer expected = Layout().u32(16).u16(12, 8, 0, 0, 0, 4).u32(12, 7);
+  EXPECT_EQ(shown(compact(record)), shown(expected));
+  EXPECT_EQ(expected.size(), 24U);
+  expectRead(expected, record);
+}
+
+TEST(GlobalAndStp, AGlobalOfZerosPacksTo94BytesAndBack) {
+  const Buffer expected = Layout()
+                              .u32(18)
+                              .u16(14, 76, 0, 0, 0, 4, 8)
+                              .u32(14)
+                              .u32(8, 36)
+                              .u32(28)
+                              .zeros(28)
+                              .u32(28)
+                              .zeros(28);
+  EXPECT_EQ(shown(compact(Global{})), shown(expected));
+  EXPECT_EQ(expected.size(), 94U);
+  expectRead(expected, Global{});
+}
+
+TEST(GlobalAndStp, AVlanOfZerosPacksTo24Bytes) {
+  EXPECT_EQ(shown(compact(Vlan{})), shown(Layout().u32(20).u16(16, 4).zeros(12).u32(16)));
+}
+
+TEST(GlobalAndStp, EveryScalarMakesTheLargestMessage) {
+  EXPECT_EQ(compact(full<Global>()).size(), 106U);
+  EXPECT_EQ(compact(full<Vlan>()).size(), 40U);  // 24 and three of 4, one of 2, two of 1
+  EXPECT_EQ(compact(full<Stp>()).size(), 36U);
+}
+
+TEST(GlobalAndStp, EachRecordIsSentInItsOwnLength) {
+  expectSentAs<Global>(0x273F1BFE, 112);
+  expectSentAs<Vlan>(0x11459A9B, 40);
+  expectSentAs<Stp>(0x408A311E, 40);
+}
+
+TEST(GlobalAndStp, Images) {
+  const Stp stp{.f0 = 0x10111213, .f1 = 0x20212223, .f2 = 0x30313233, .f3 = 0x40414243};
+  EXPECT_EQ(shown(sent(stp)), shown(Layout()
+                                        .u32(4, 0xFFFFFFEC)
+                                        .u32(0x10111213, 0x20212223, 0x30313233, 0x40414243)
+                                        .u16(12, 20, 4, 8, 12, 16)
+                                        .zeros(4)));
+  const Vlan vlan{.f0 = 1, .f1 = 2, .f2 = 3, .f3 = 4, .f4 = 5, .f5 = 0x0607};
+  EXPECT_EQ(shown(sent(vlan)), shown(Layout()
+                                         .u32(4, 0xFFFFFFEC)
+                                         .u32(1, 2, 3)
+                                         .u8(4, 5)
+                                         .u16(0x0607)
+                                         .u16(16, 20, 4, 8, 12, 16, 17, 18)));
+  const Buffer global = sent(full<Global>());
+  EXPECT_EQ(shown(Buffer(global.begin() + 92, global.end())),
+            shown(Layout().u16(14, 88, 4, 8, 12, 16, 52).zeros(6)));
+}
+
+TEST(GlobalAndStp, BothArrangementsAreReadBack) {
+  expectRoundTrip(Global{});
+  expectRoundTrip(full<Global>());
+  expectRoundTrip(Vlan{});
+  expectRoundTrip(full<Vlan>());
+  expectRoundTrip(Stp{});
+  expectRoundTrip(full<Stp>());
+}
+
+TEST(GlobalAndStp, AVtableOf14BytesLeavesF5OfAVlanZero) {
+  expectVtableOf<Vlan>(14, offsetof(Vlan, f5));
+  expectVtableOf<Stp>(10, offsetof(Stp, f3));
+  expectVtableOf<Global>(12, offsetof(Global, f4));
+  expectVtableOf<Global>(4, 0);
+}
+
+TEST(GlobalAndStp, AnArrayOfAnotherLengthEndsTheReading) {
+  expectArrayLengthChecked<Global>(42, 28, offsetof(Global, f3));
+  expectArrayLengthChecked<Global>(74, 28, offsetof(Global, f4));
+}
+
+TEST(GlobalAndStp, AFieldPastTheEndEndsTheReadingSilently) {
+  expectRead(firstBytes(compact(full<Stp>()), 35), upTo(offsetof(Stp, f3), full<Stp>()));
+  expectRead(firstBytes(compact(full<Vlan>()), 39), upTo(offsetof(Vlan, f5), full<Vlan>()));
+}
+
+// A call of a record's table reader, as others than this library make it.
+template <typename Record>
+void expectReaderChecksItsParameters() {
+  constexpr auto order = mesh::host::ByteOrder::Host;
+  const std::string function = nameOf<Record>() + "_unpack_non_root";
+  const Buffer good = compact(full<Record>());
+  const auto expectRefused = [&](const uint8_t* data, uint32_t length, bool hasRecord,
+                                 const std::string& text) {
+    Record record;
+    std::memset(&record, mark, sizeof record);
+    resetRecorder();
+    const mesh::wire::Buffer<order> buffer{data, length};
+    const auto decoded = mesh::wire::decodeTable<mesh::l2vpn_sync::receiveModule,
+                                                 mesh::wire::schemaOf<Record>, order>(
+        buffer, hasRecord ? reinterpret_cast<uint8_t*>(&record) : nullptr, 4);
+    EXPECT_EQ(decoded, mesh::wire::Decoded::No);
+    EXPECT_EQ(bytesOf(record), marks(sizeof record));
+    EXPECT_EQ(takeTrace(), Trace{reported(function, text)});
+  };
+  expectRefused(nullptr, 30, true, "Param invalid(null, 30, nonNull)");
+  expectRefused(good.data(), 3, true, "Param invalid(nonNull, 3, nonNull)");
+  expectRefused(good.data(), 0xFFFFFFFE, true, "Param invalid(nonNull, -2, nonNull)");
+  expectRefused(good.data(), 30, false, "Param invalid(nonNull, 30, null)");
+}
+
+TEST(GlobalAndStp, TheTableReadersOfGlobalAndStpCheckTheirOwnParameters) {
+  expectReaderChecksItsParameters<Global>();
+  expectReaderChecksItsParameters<Stp>();
+  EXPECT_TRUE(mesh::wire::schemaOf<Global>.style.checksParameters);
+  EXPECT_FALSE(mesh::wire::schemaOf<Vlan>.style.checksParameters);
+}
+
+TEST(GlobalAndStp, PackingKeepsItsLimits) {
+  expectPackLimits(Global{}, 94);
+  expectPackLimits(full<Global>(), 106);
+  expectPackLimits(Vlan{}, 24);
+  expectPackLimits(full<Vlan>(), 40);
+  expectPackLimits(Stp{}, 20);
+  expectPackLimits(full<Stp>(), 36);
+}
+
+TEST(GlobalAndStp, UnpackingChecksItsParameters) {
+  expectUnpackParameters<Global>(68);
+  expectUnpackParameters<Vlan>(16);
+  expectUnpackParameters<Stp>(16);
+}
+
+TEST(GlobalAndStp, ABadFrameIsLoggedAndLeavesAClearedRecord) {
+  expectFrameChecksByTableReader(full<Global>());
+  expectFrameChecksByTableReader(full<Vlan>());
+  expectFrameChecksByTableReader(full<Stp>());
+}
+
+TEST(GlobalAndStp, ReleasingDoesNothing) {
+  expectNothingToRelease<Global>();
+  expectNothingToRelease<Vlan>();
+  expectNothingToRelease<Stp>();
+}
+
+}  // namespace

@@ -1,0 +1,308 @@
+// The update and delete messages: one value of their own and a whole record.
+
+#include "model/writer.hpp"
+#include "services/behaviour.hpp"
+
+namespace {
+
+using namespace harness;
+
+using AcUpdate = l2vpn_sync_vll_ac_update;
+using AcDelete = l2vpn_sync_vll_ac_delete;
+
+struct Wrapped {
+  const char* record;
+  uint32_t wrapperSize;
+  uint32_t smallest;
+  uint32_t largest;
+  uint32_t baseLength;
+  uint32_t length;
+};
+
+void PrintTo(const Wrapped& wrapped, std::ostream* out) {
+  *out << wrapped.record;
+}
+
+constexpr Wrapped wrappedRecords[] = {
+    {"vpls_ac", 52, 88, 111, 96, 120},
+    {"vpls_ac_sub", 76, 116, 166, 152, 176},
+    {"vpls_ac_share", 60, 100, 134, 120, 144},
+    {"vpls_inst", 76, 118, 144, 128, 152},
+    {"vpls_inst_info", 76, 118, 144, 128, 152},
+    {"vpls_exp", 20, 42, 60, 48, 72},
+    {"vpls_pw", 124, 150, 216, 200, 224},
+    {"vpls_pwred_pg", 64, 98, 128, 112, 136},
+    {"vpls_ac_macdraw", 24, 42, 64, 48, 72},
+    {"vpls_pw_macdraw", 28, 46, 72, 56, 80},
+    {"vpls_inst_macdraw", 24, 42, 64, 48, 72},
+    {"vll_ac", 56, 96, 125, 112, 136},
+    {"extnhp", 28, 40, 63, 48, 72},
+    {"vll_pw", 124, 150, 213, 200, 224},
+    {"vll_inst", 84, 126, 144, 128, 152},
+    {"vllexp", 20, 42, 60, 48, 72},
+    {"subpw", 80, 114, 130, 120, 144},
+    {"pw_pmo", 24, 42, 64, 48, 72},
+    {"glb_en", 72, 110, 124, 112, 136},
+    {"ifvlan", 20, 40, 58, 40, 64},
+    {"stp", 20, 36, 54, 40, 64},
+    {"vpls_vsimac", 76, 116, 160, 144, 168},
+    {"oam_staticmac", 80, 126, 150, 136, 160},
+    {"vpls_macping", 48, 68, 104, 88, 112},
+};
+
+Buffer packedBy(const Operations& operations, const model::Value& value) {
+  const model::RecordImage record(*value.message, value);
+  Buffer buffer(1000);
+  uint32_t length = 1000;
+  EXPECT_EQ(operations.pack(record.data(), buffer.data(), &length), 0U);
+  return firstBytes(buffer, length);
+}
+
+Buffer sentBy(const Operations& operations, const model::Value& value) {
+  const model::RecordImage record(*value.message, value);
+  resetRecorder();
+  EXPECT_EQ(operations.sendSingle(7, record.data(), 0), 0U);
+  EXPECT_EQ(takeTrace(), Trace{"MESH_SendMsg destination=7 count=1"});
+  EXPECT_EQ(recorder().sent.at(0).id, operations.id);
+  return recorder().sent.at(0).bytes;
+}
+
+Buffer part(const Buffer& bytes, size_t begin, size_t end) {
+  return {bytes.begin() + static_cast<std::ptrdiff_t>(begin),
+          bytes.begin() + static_cast<std::ptrdiff_t>(end)};
+}
+
+class Wrappers : public testing::TestWithParam<Wrapped> {
+ protected:
+  std::string base() const { return std::string("l2vpn_sync_").append(GetParam().record); }
+  std::string update() const { return base().append("_update"); }
+  std::string deletion() const { return base().append("_delete"); }
+  const Operations& operations(const std::string& name) const { return operationsOf(name.c_str()); }
+  model::Value zero(const std::string& name) const {
+    return model::zeroValue(model::message(name));
+  }
+  model::Value filled(const std::string& name) const {
+    return golden::fullValue(model::message(name));
+  }
+};
+
+TEST_P(Wrappers, HaveTheirSizes) {
+  const Wrapped& expected = GetParam();
+  for (const std::string& name : {update(), deletion()}) {
+    EXPECT_EQ(packedBy(operations(name), zero(name)).size(), expected.smallest);
+    EXPECT_EQ(packedBy(operations(name), filled(name)).size(), expected.largest);
+    EXPECT_EQ(sentBy(operations(name), zero(name)).size(), expected.length);
+    EXPECT_EQ(sentBy(operations(name), filled(name)).size(), expected.length);
+    resetRecorder();
+    EXPECT_EQ(operations(name).unpack(nullptr, 0, nullptr), expected.wrapperSize);
+  }
+}
+
+TEST_P(Wrappers, UpdateAndDeleteDifferInTheirIdentifiersAlone) {
+  const model::Value record = filled(update());
+  EXPECT_EQ(packedBy(operations(update()), record), packedBy(operations(deletion()), record));
+  EXPECT_EQ(sentBy(operations(update()), record), sentBy(operations(deletion()), record));
+  EXPECT_NE(operations(update()).id, operations(deletion()).id);
+}
+
+TEST_P(Wrappers, CompactCarriesTheRecordsMessageLessItsRoot) {
+  const model::Value wrapper = filled(update());
+  const Buffer whole = packedBy(operations(update()), wrapper);
+  const Buffer carried = packedBy(operations(base()), model::nested(wrapper[1]));
+  // The offset word holds what the carried message's root would.
+  EXPECT_EQ(
+      shown(firstBytes(whole, 22)),
+      shown(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x4001).append(firstBytes(carried, 4))));
+  EXPECT_EQ(shown(part(whole, 22, whole.size())), shown(part(carried, 4, carried.size())));
+}
+
+TEST_P(Wrappers, ImageCarriesTheRecordsImage) {
+  const model::Value wrapper = filled(update());
+  const uint32_t length = GetParam().baseLength;
+  const Buffer whole = sentBy(operations(update()), wrapper);
+  EXPECT_EQ(shown(whole), shown(Layout()
+                                    .u32(4, 0U - (length + 8))
+                                    .u16(0x4001)
+                                    .append(sentBy(operations(base()), model::nested(wrapper[1])))
+                                    .zeros(2)
+                                    .u16(8, 6 + length, 4, 6)
+                                    .zeros(4)));
+}
+
+TEST_P(Wrappers, NameThemselvesInTheirReports) {
+  for (const std::string& name : {update(), deletion()}) {
+    const Operations& wrapper = operations(name);
+    Buffer record = marks(GetParam().wrapperSize);
+    const Buffer bytes(64, 0);
+    const std::string unpack = std::string(name).append("_unpack");
+    const auto report = [&](const uint8_t* data, uint32_t length, void* into) {
+      resetRecorder();
+      EXPECT_EQ(wrapper.unpack(data, length, into), GetParam().wrapperSize);
+      EXPECT_EQ(record, marks(GetParam().wrapperSize));
+      return takeTrace();
+    };
+    EXPECT_EQ(report(nullptr, 64, record.data()),
+              Trace{reported(unpack, "Param invalid(null, 64, nonNull)")});
+    EXPECT_EQ(report(bytes.data(), 0xFFFFFFFF, record.data()),
+              Trace{reported(unpack, "Param invalid(nonNull, -1, nonNull)")});
+    EXPECT_EQ(report(bytes.data(), 64, nullptr),
+              Trace{reported(unpack, "Param invalid(nonNull, 64, null)")});
+
+    const std::vector<uint8_t> zeros(GetParam().wrapperSize, 0);
+    uint32_t length = 500;
+    resetRecorder();
+    EXPECT_EQ(wrapper.pack(zeros.data(), nullptr, &length), 0U);
+    EXPECT_EQ(length, GetParam().smallest);
+    EXPECT_EQ(takeTrace(), Trace{reported(std::string(name).append("_pack"),
+                                          "Param invalid(null, 500, nonNull)")});
+    length = GetParam().smallest - 1;
+    EXPECT_EQ(wrapper.pack(zeros.data(), record.data(), &length), failure);
+    EXPECT_EQ(wrapper.pack(nullptr, record.data(), &length), failure);
+    EXPECT_EQ(length, GetParam().smallest - 1);
+    EXPECT_EQ(takeTrace(), Trace{});
+  }
+}
+
+TEST_P(Wrappers, ADamagedRecordKeepsF0) {
+  const Buffer good = packedBy(operations(deletion()), filled(deletion()));
+  const auto size = static_cast<uint32_t>(good.size());
+  const uint32_t table = 18 + good[18];
+  model::RecordImage record(model::message(deletion()), 0xA5);
+  resetRecorder();
+  const Buffer bad = withU32(good, table, table - 3);  // its vtable at 3
+  operations(deletion()).unpack(bad.data(), size, record.data());
+  model::Value expected = zero(deletion());
+  expected[0].scalar = 0x4001;
+  EXPECT_EQ(model::difference(model::load(model::message(deletion()), record.data()), expected),
+            "");
+  EXPECT_EQ(takeTrace(),
+            Trace{reported(base().append("_unpack_non_root"), std::string("Vtable offset(")
+                                                                  .append(std::to_string(table))
+                                                                  .append(") is out of range(4 - ")
+                                                                  .append(std::to_string(size - 4))
+                                                                  .append(")"))});
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Wrappers, testing::ValuesIn(wrappedRecords),
+                         [](const auto& test) { return std::string(test.param.record); });
+
+TEST(Wrapper, OfAnExpOfZerosPacksTo42Bytes) {
+  const Buffer expected =
+      Layout().u32(12).u16(8, 8, 0, 4).u32(8).u32(22).u16(18, 4).zeros(14).u32(18);
+  EXPECT_EQ(shown(compact(l2vpn_sync_vllexp_update{})), shown(expected));
+  EXPECT_EQ(expected.size(), 42U);
+}
+
+TEST(Wrapper, OfAnAcTakes96BytesAnd98WithF0) {
+  AcUpdate record{};
+  EXPECT_EQ(compact(record).size(), 96U);
+  EXPECT_EQ(shown(firstBytes(compact(record), 20)),
+            shown(Layout().u32(12).u16(8, 8, 0, 4).u32(8).u32(36)));
+  record.f0 = 0x0102;
+  EXPECT_EQ(compact(record).size(), 98U);
+  EXPECT_EQ(shown(firstBytes(compact(record), 22)),
+            shown(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x0102).u32(36)));
+  expectRoundTrip(record);
+}
+
+TEST(Wrapper, OfAnAcIsSentAs136Bytes) {
+  expectSentAs<AcUpdate>(0x89FE5BCA, 136);
+  expectSentAs<AcDelete>(0x3323CBF8, 136);
+  const Buffer image = sent(full<AcUpdate>());
+  EXPECT_EQ(shown(firstBytes(image, 8)), shown(Layout().u32(4, 0xFFFFFF88)));
+  EXPECT_EQ(shown(part(image, 122, 136)), shown(Layout().zeros(2).u16(8, 118, 4, 6).zeros(4)));
+}
+
+TEST(Wrapper, OfAVplsAcIsSentAs120Bytes) {
+  expectSentAs<l2vpn_sync_vpls_ac_update>(0x5EED5F0D, 120);
+  expectSentAs<l2vpn_sync_vpls_ac_delete>(0x37A63707, 120);
+  const Buffer image = sent(full<l2vpn_sync_vpls_ac_update>());
+  EXPECT_EQ(shown(firstBytes(image, 18)),
+            shown(Layout().u32(4, 0xFFFFFF98).u16(0x4001).u32(4, 0xFFFFFFBC)));
+  EXPECT_EQ(shown(part(image, 106, 120)), shown(Layout().zeros(2).u16(8, 102, 4, 6).zeros(4)));
+}
+
+TEST(Wrapper, OfAVlanIsSentAs64BytesWhateverItsValues) {
+  expectSentAs<l2vpn_sync_ifvlan_update>(0x313AD5AD, 64);
+}
+
+TEST(Wrapper, AVtableWithOnlySlot0ReadsF0) {
+  AcUpdate expected{};
+  expected.f0 = 0x4001;
+  const Buffer good = compact(full<AcUpdate>());
+  expectRead(withU16(good, 4, 6), expected);
+  expectRead(withU16(good, 4, 7), expected);
+  expectRead(withU16(good, 4, 5), AcUpdate{});
+  expectRead(withU16(good, 4, 4), AcUpdate{});
+}
+
+TEST(Wrapper, ABadFrameIsLoggedAndLeavesTheRecordAsItWas) {
+  expectFrameChecksByMessage(full<AcUpdate>());
+  expectFrameChecksByMessage(full<AcDelete>());
+  expectFrameChecksByMessage(full<l2vpn_sync_stp_update>());
+}
+
+TEST(Wrapper, OfABadRootKeepsTheRecordWhereTheRecordsOwnMessageClearsIt) {
+  const Unpacked<AcUpdate> wrapper(withU32(compact(full<AcUpdate>()), 0, 2));
+  EXPECT_EQ(bytesOf(wrapper.record), marks(56));
+  EXPECT_EQ(wrapper.trace, Trace{reported("l2vpn_sync_vll_ac_update_unpack",
+                                          "Table offset(2) is out of range(4 - 125)")});
+  const Unpacked<l2vpn_sync_vll_ac> record(withU32(compact(full<l2vpn_sync_vll_ac>()), 0, 2));
+  EXPECT_EQ(bytesOf(record.record), Buffer(52, 0));
+  EXPECT_EQ(record.trace, Trace{reported("l2vpn_sync_vll_ac_unpack_non_root",
+                                         "Table offset(2) is out of range(4 - 107)")});
+}
+
+TEST(Wrapper, ARecordThatIsAbsentOrPastTheEndIsZeroWithoutALog) {
+  AcUpdate expected{};
+  expected.f0 = 0x4001;
+  const Buffer good = compact(full<AcUpdate>());
+  ASSERT_EQ(good.size(), 125U);
+  expectRead(withU16(good, 10, 0), expected);
+  expectRead(withU16(good, 10, 125 - 12 - 3), expected);
+  expectRead(withU16(good, 10, 0xFFFF), expected);
+  expectRead(withU32(good, 18, 0xFFFFFFFF), expected);  // the target wraps
+}
+
+TEST(Wrapper, ARecordOutsideTheBufferIsLoggedByTheRecordsReader) {
+  AcUpdate expected{};
+  expected.f0 = 0x4001;
+  const Unpacked<AcUpdate> unpacked(withU32(compact(full<AcUpdate>()), 18, 200));
+  EXPECT_EQ(bytesOf(unpacked.record), bytesOf(expected));
+  EXPECT_EQ(unpacked.trace, Trace{reported("l2vpn_sync_vll_ac_unpack_non_root",
+                                           "Table offset(218) is out of range(4 - 125)")});
+}
+
+TEST(Wrapper, F0PastTheEndEndsTheReading) {
+  expectRead(withU16(compact(full<AcUpdate>()), 8, 125 - 12 - 1), AcUpdate{});
+}
+
+TEST(Wrapper, ARecordDamagedPartWayKeepsWhatWasReadBefore) {
+  const Buffer good = compact(full<AcUpdate>());
+  // The record's first array: its offset word is at 85, its length word 8 bytes on.
+  ASSERT_EQ(good[93], 12);
+  const auto record = full<AcUpdate>();
+  expectRead(withU32(good, 93, 11), upTo(4 + offsetof(l2vpn_sync_vll_ac, f12), record));
+  expectRead(firstBytes(good, 124), upTo(4 + offsetof(l2vpn_sync_vll_ac, f13), record));
+}
+
+TEST(Wrapper, PackingKeepsItsLimits) {
+  expectPackLimits(AcUpdate{}, 96);
+  expectPackLimits(full<AcUpdate>(), 125);
+  expectPackLimits(AcDelete{}, 96);
+  expectPackLimits(full<AcDelete>(), 125);
+}
+
+TEST(Wrapper, BothArrangementsAreReadBack) {
+  expectRoundTrip(full<AcUpdate>());
+  expectRoundTrip(full<AcDelete>());
+  expectRoundTrip(full<l2vpn_sync_vpls_macping_delete>());
+  expectRoundTrip(full<l2vpn_sync_oam_staticmac_update>());
+}
+
+TEST(Wrapper, ReleasingDoesNothing) {
+  expectNothingToRelease<AcUpdate>();
+  expectNothingToRelease<AcDelete>();
+}
+
+}  // namespace

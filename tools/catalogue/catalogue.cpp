@@ -1,0 +1,77 @@
+#include "catalogue.hpp"
+
+#include <string_view>
+
+#include "l2vpn_cfg/schema.hpp"
+#include "l2vpn_stat/schema.hpp"
+#include "l2vpn_sync/schema.hpp"
+#include "wire/compact_size.hpp"
+
+namespace catalogue {
+
+using mesh::wire::Kind;
+using mesh::wire::Record;
+using mesh::wire::Slot;
+
+#define MESSAGE(message, ...) &mesh::msg::messageOf<message>,
+
+std::vector<Service> services() {
+  return {{"l2vpn_cfg", {L2VPN_CFG_MESSAGES(MESSAGE)}},
+          {"l2vpn_stat", {L2VPN_STAT_MESSAGES(MESSAGE)}},
+          {"l2vpn_sync", {L2VPN_SYNC_MESSAGES(MESSAGE)}}};
+}
+
+namespace {
+
+// A table and its vtable, without a root word.
+Range tableRange(const Record& record) {
+  const uint64_t constant = mesh::wire::detail::constantSize(record);
+  Range range{constant, constant, false};
+  for (const Slot& slot : record.slots) {
+    if (slot.kind == Kind::Table) {
+      const Range nested = tableRange(*slot.nested);
+      range = {range.from + nested.from, range.to + nested.to, range.isOpen || nested.isOpen};
+    } else if (mesh::wire::isOutOfLine(slot.kind)) {
+      range.isOpen = true;
+    } else if (mesh::wire::isScalar(slot.kind)) {
+      range.to += slot.size;
+    }
+  }
+  return range;
+}
+
+}  // namespace
+
+Range compactRange(const Record& record) {
+  const Range table = tableRange(record);
+  return {4 + table.from, 4 + table.to, table.isOpen};
+}
+
+std::string kindOf(const Slot& slot) {
+  switch (slot.kind) {
+    case Kind::U8:
+      return "u8";
+    case Kind::U16:
+      return "u16";
+    case Kind::U32:
+      return "u32";
+    case Kind::U64:
+      return "u64";
+    case Kind::Array:
+      return "bytes[" + std::to_string(slot.size) + "]";
+    case Kind::Bytes:
+      return "bytes";
+    case Kind::Table:
+      return std::string("table of ").append(slot.nested->name);
+    case Kind::Vector:
+      return std::string("vector of ").append(slot.nested->name);
+  }
+  return "";
+}
+
+bool isWrapper(const Record& record) {
+  const std::string_view name = record.name;
+  return name.ends_with("_update") || name.ends_with("_delete");
+}
+
+}  // namespace catalogue
