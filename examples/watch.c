@@ -22,11 +22,15 @@
 /* Without a message for this long, the sender is taken for gone. */
 enum { patience_ms = 20000 };
 
+/* How many records the tour has: an update, a batch of four, statistics, a key, a delete. */
+enum { messages_shown = 8 };
+
 struct watcher {
   uint64_t expected;
   uint64_t streamed;
   uint64_t damaged;
   uint64_t batch_records;
+  size_t shown;
   size_t samples;
   struct timespec first;
   struct timespec last;
@@ -68,6 +72,7 @@ static void show_circuit(const l2vpn_sync_vpls_ac* circuit) {
 
 /* One message of each kind that the tour shows. */
 static void show(struct watcher* watcher, const mesh_received* received) {
+  ++watcher->shown;
   if (received->msg_id == l2vpn_sync_vpls_ac_update__msg_id) {
     const l2vpn_sync_vpls_ac_update* const update = received->record;
     printf("   watch | l2vpn_sync_vpls_ac_update from node %u: %u bytes on the wire\n",
@@ -91,6 +96,8 @@ static void show(struct watcher* watcher, const mesh_received* received) {
   } else if (received->msg_id == l2vpn_sync_vpls_ac_delete__msg_id) {
     const l2vpn_sync_vpls_ac_delete* const gone = received->record;
     printf("   watch | l2vpn_sync_vpls_ac_delete: circuit %u is gone\n", gone->f1.f0);
+  } else {
+    ++watcher->damaged;
   }
 }
 
@@ -161,7 +168,8 @@ static bool register_services(void) {
 static bool report(const struct watcher* watcher, const mesh_node_statistics* statistics) {
   const double seconds = seconds_between(&watcher->first, &watcher->last);
   const bool complete = watcher->streamed == watcher->expected && watcher->damaged == 0 &&
-                        watcher->samples == sample_message_count;
+                        watcher->samples == sample_message_count &&
+                        watcher->shown == messages_shown;
   printf("   watch | %" PRIu64 " records in %.2f s, %.2f million a second: %s\n", watcher->streamed,
          seconds, (double)watcher->streamed / seconds / 1e6,
          complete ? "every one equal and in order" : "NOT what was sent");

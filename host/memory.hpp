@@ -43,18 +43,18 @@ inline constexpr size_t largestInPlace = 256;
 // Moved sixteen bytes at a time, the last ones overlapping those before: left to themselves,
 // compilers turn some of these sizes into string instructions, which cost more than the rest of a
 // message together.
-using Chunk [[gnu::vector_size(16)]] = uint8_t;
+inline constexpr size_t chunk = 16;
 
 template <size_t count>
 [[gnu::always_inline]] inline void copyInPlace(uint8_t* to, const uint8_t* from) {
-  if constexpr (count <= sizeof(Chunk)) {
+  if constexpr (count <= chunk) {
     std::memcpy(to, from, count);
   } else {
-    for (size_t at = 0; at + sizeof(Chunk) <= count; at += sizeof(Chunk)) {
-      std::memcpy(to + at, from + at, sizeof(Chunk));
+    for (size_t at = 0; at + chunk <= count; at += chunk) {
+      std::memcpy(to + at, from + at, chunk);
     }
-    if constexpr (count % sizeof(Chunk) != 0) {
-      std::memcpy(to + count - sizeof(Chunk), from + count - sizeof(Chunk), sizeof(Chunk));
+    if constexpr (count % chunk != 0) {
+      std::memcpy(to + count - chunk, from + count - chunk, chunk);
     }
   }
 }
@@ -74,14 +74,14 @@ template <size_t count>
 [[gnu::always_inline]] inline void clearConstant(uint8_t* to) {
   if constexpr (count > largestInPlace) {
     clearBytes(to, count);
-  } else if constexpr (count <= sizeof(Chunk)) {
+  } else if constexpr (count <= chunk) {
     std::memset(to, 0, count);
   } else {
-    for (size_t at = 0; at + sizeof(Chunk) <= count; at += sizeof(Chunk)) {
-      std::memset(to + at, 0, sizeof(Chunk));
+    for (size_t at = 0; at + chunk <= count; at += chunk) {
+      std::memset(to + at, 0, chunk);
     }
-    if constexpr (count % sizeof(Chunk) != 0) {
-      std::memset(to + count - sizeof(Chunk), 0, sizeof(Chunk));
+    if constexpr (count % chunk != 0) {
+      std::memset(to + count - chunk, 0, chunk);
     }
   }
 }

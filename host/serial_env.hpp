@@ -12,6 +12,7 @@ namespace mesh::host {
 
 using LogWriteFn = void (*)(const void* env, uint32_t level, uint32_t code, const char* file,
                             uint32_t line, const char* function, const char* format, ...);
+// Blocks are aligned for any type, as malloc's are.
 using AllocFn = void* (*)(uint32_t size, uint32_t owner, const char* caller);
 using FreeFn = void (*)(void* block, uint32_t owner, const char* caller);
 using MemUseFlagGetFn = uint32_t (*)(uint32_t owner);

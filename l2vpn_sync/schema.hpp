@@ -11,7 +11,7 @@ inline constexpr msg::Service service{"l2vpn_sync", msg::Naming::Qualified};
 
 inline constexpr wire::Style plain{.inlineOrder = wire::InlineOrder::ScalarsFirst};
 
-// These records' table readers are offered to others than this library.
+// These records' table readers guard against a direct call with parameters that __unpack refuses.
 inline constexpr wire::Style checked{.inlineOrder = wire::InlineOrder::ScalarsFirst,
                                      .checksParameters = true};
 

@@ -29,7 +29,7 @@ template <host::Module& module, const Message& message>
 }
 
 // `length` holds the buffer's room, and on success the message's exact size. A null buffer with
-// room enough is logged, written nothing to, and counts as success: so callers ask for the size.
+// room enough is logged and counts as success: so callers ask for the size.
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length) {
   if (record == nullptr || length == nullptr) [[unlikely]] {

@@ -25,8 +25,7 @@ namespace detail {
 
 // The record is untouched until the frame has been found good.
 template <host::Module& module, const Message& message, host::ByteOrder order>
-[[gnu::always_inline]] inline void unpackByMessage(const wire::Buffer<order>& buffer,
-                                                   uint8_t* into) {
+[[gnu::always_inline]] inline void unpackByMessage(wire::Buffer<order> buffer, uint8_t* into) {
   constexpr const wire::Record& record = *message.record;
   constexpr const char* function = wire::decoderName<record, wire::Decoder::Root>();
   const auto table = buffer.template read<uint32_t>(0);
@@ -45,8 +44,7 @@ template <host::Module& module, const Message& message, host::ByteOrder order>
 
 // The record comes back cleared where the frame is bad.
 template <host::Module& module, const Message& message, host::ByteOrder order>
-[[gnu::always_inline]] inline void unpackByTableReader(const wire::Buffer<order>& buffer,
-                                                       uint8_t* into) {
+[[gnu::always_inline]] inline void unpackByTableReader(wire::Buffer<order> buffer, uint8_t* into) {
   constexpr const wire::Record& record = *message.record;
   const auto table = buffer.template read<uint32_t>(0);
   host::bindUnpackAllocator(module);

@@ -11,7 +11,7 @@ git ls-files -z -- '*.c' '*.h' '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run
 
 if [ "${1:-}" = --lint ]; then
   tools/setup.sh clang-tidy clang cmake ninja-build
-  cmake --preset clang -DBUILD_TESTING=OFF >/dev/null
+  cmake --preset clang -B build/lint -DBUILD_TESTING=OFF >/dev/null
   git ls-files -z -- 'host/*.cpp' 'wire/*.cpp' 'msg/*.cpp' 'l2vpn_*/*.cpp' |
-    xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/clang --quiet
+    xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/lint --quiet
 fi

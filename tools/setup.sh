@@ -4,6 +4,11 @@
 #   tools/setup.sh PACKAGE...
 set -euo pipefail
 
+if ! command -v dpkg-query >/dev/null; then
+  echo "Not a Debian: make sure that what these packages hold is there: $*" >&2
+  exit 0
+fi
+
 missing=()
 for package in "$@"; do
   if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed'; then
@@ -14,14 +19,14 @@ done
 
 echo "Installing: ${missing[*]}"
 if [ "$(id -u)" -eq 0 ]; then
-  as_root=()
+  as_root=(env)
 elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
-  as_root=(sudo)
+  as_root=(sudo env)
 else
   echo "This needs root, and sudo does not give it without a password. Run once, then start again:" >&2
-  echo "  sudo apt-get install ${missing[*]}" >&2
+  echo "  sudo apt-get update && sudo apt-get install ${missing[*]}" >&2
   exit 1
 fi
-export DEBIAN_FRONTEND=noninteractive
-"${as_root[@]}" apt-get update -q >/dev/null
-"${as_root[@]}" apt-get install -qy --no-install-recommends "${missing[@]}" >/dev/null
+as_root+=(DEBIAN_FRONTEND=noninteractive)
+"${as_root[@]}" apt-get update -q </dev/null >/dev/null
+"${as_root[@]}" apt-get install -qy --no-install-recommends "${missing[@]}" </dev/null >/dev/null

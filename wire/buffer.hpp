@@ -9,6 +9,7 @@ namespace mesh::wire {
 // buffer can state, so no sum of positions and lengths wraps before it is compared.
 using Position = uint64_t;
 
+// Passed by value: behind a reference, every store into a record might change it.
 template <host::ByteOrder order>
 struct Buffer {
   const uint8_t* data;

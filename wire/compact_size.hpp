@@ -16,9 +16,7 @@ inline constexpr uint64_t unsizable = uint64_t{1} << 62;
 template <const Record& record>
 uint64_t tableSize(const uint8_t* from);
 
-namespace detail {
-
-// What a slot takes whatever its value.
+namespace detail {  // What a slot takes whatever its value.
 constexpr uint64_t constantSize(const Slot& slot) {
   return slot.kind == Kind::Array ? 8 + slot.size : slot.kind == Kind::Table ? 4 : 0;
 }
@@ -31,6 +29,19 @@ constexpr uint64_t constantSize(const Record& record) {
   return size;
 }
 
+}  // namespace detail
+
+// A table with its vtable, every scalar zero and every pointer null.
+constexpr uint64_t smallestTableSize(const Record& record) {
+  uint64_t size = detail::constantSize(record);
+  for (const Slot& slot : record.slots) {
+    size += slot.kind == Kind::Table ? smallestTableSize(*slot.nested) : 0;
+  }
+  return size;
+}
+
+namespace detail {
+
 template <typename Scalar>
 [[gnu::always_inline]] inline uint64_t scalarSize(const uint8_t* field) {
   return host::load<Scalar>(field) != 0 ? sizeof(Scalar) : 0;
@@ -41,7 +52,8 @@ uint64_t vectorSize(uint32_t count, const uint8_t* items) {
   if (count == 0) {
     return 0;
   }
-  if (items == nullptr) {
+  // Items that could not be encoded anyway are not looked at: a wrong count leads astray.
+  if (items == nullptr || count * (4 + smallestTableSize(record)) > UINT32_MAX) {
     return unsizable;
   }
   uint64_t size = 4 + 4 + uint64_t{4} * count;

@@ -78,6 +78,19 @@ template <const Record& record, size_t index>
   }
 }
 
+// The place of a slot among those that are written as offset words; for the slot past the last, how
+// many of them there are.
+constexpr size_t countWords(const Record& record, size_t before) {
+  size_t words = 0;
+  for (const Slot& slot : record.slots.first(before)) {
+    words += isScalar(slot.kind) ? 0 : 1;
+  }
+  return words;
+}
+
+template <const Record& record, size_t index>
+inline constexpr size_t wordIndex = countWords(record, index);
+
 enum class Pass {
   Everything,
   Scalars,
@@ -104,7 +117,7 @@ template <const Record& record, size_t index, Pass pass, host::ByteOrder order>
   } else if constexpr (pass != Pass::Scalars) {
     if (hasWord<record, index>(from)) {
       out.template enter<index, order>();
-      words[index] = out.cursor;
+      words[wordIndex<record, index>] = out.cursor;
       out.cursor += 4;
     }
   }
@@ -140,24 +153,28 @@ template <const Record& record, size_t index, host::ByteOrder order>
   const uint8_t* const field = from + slot.recordOffset;
   uint8_t* const start = cursor;
   if constexpr (slot.kind == Kind::Array) {
-    pointAt<order>(words[index], cursor);
+    pointAt<order>(words[wordIndex<record, index>], cursor);
     writeLength<order>(cursor, slot.size);
-    host::copyConstant<slot.size>(cursor, field);
+    if constexpr (slot.size <= host::largestInPlace) {
+      host::copyConstant<slot.size>(cursor, field);
+    } else {
+      host::copyBytes(cursor, field, slot.size);
+    }
     cursor += slot.size;
   } else if constexpr (slot.kind == Kind::Bytes) {
     if (hasWord<record, index>(from)) {
       const auto length = host::load<uint32_t>(from + slot.countOffset);
-      pointAt<order>(words[index], cursor);
+      pointAt<order>(words[wordIndex<record, index>], cursor);
       writeLength<order>(cursor, length);
       host::copyBytes(cursor, host::loadPointer<const uint8_t>(field), length);
       cursor += length;
     }
   } else if constexpr (slot.kind == Kind::Table) {
-    pointAt<order>(words[index], writeTable<*slot.nested, order>(cursor, field));
+    pointAt<order>(words[wordIndex<record, index>], writeTable<*slot.nested, order>(cursor, field));
     return static_cast<size_t>(cursor - start);
   } else if constexpr (slot.kind == Kind::Vector) {
     if (hasWord<record, index>(from)) {
-      pointAt<order>(words[index], cursor);
+      pointAt<order>(words[wordIndex<record, index>], cursor);
       writeVector<*slot.nested, order>(cursor, host::load<uint32_t>(from + slot.countOffset),
                                        host::loadPointer<const uint8_t>(field));
       return static_cast<size_t>(cursor - start);
@@ -173,7 +190,7 @@ uint16_t writeTableFields(uint8_t*& cursor, const uint8_t* from, uint8_t* entrie
   using detail::Pass;
   uint8_t* const start = cursor;
   detail::Inline out{start, entries, start};
-  std::array<uint8_t*, record.slots.size()> words{};
+  std::array<uint8_t*, detail::wordIndex<record, record.slots.size()>> words{};
   size_t leftOut = 0;
   [&]<size_t... index>(std::index_sequence<index...>) {
     if constexpr (record.style.inlineOrder == InlineOrder::Slots) {

@@ -1,4 +1,4 @@
-// Writes the fixed arrangement: a record's whole image, from front to back, each byte once.
+// Writes the fixed arrangement: a record's whole image, from front to back.
 #pragma once
 
 #include <utility>

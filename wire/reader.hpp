@@ -37,7 +37,7 @@ constexpr const char* decoderName() {
 // length. A failure is logged under `function`. The buffer is at least 4 bytes long.
 template <host::ByteOrder order>
 [[gnu::always_inline]] inline Decoded locateTable(host::serial_env& env, const char* function,
-                                                  const Buffer<order>& buffer, uint32_t table,
+                                                  Buffer<order> buffer, uint32_t table,
                                                   TableFrame& frame) {
   const uint32_t largest = buffer.length - 4;
   if (table < 4 || table > largest) [[unlikely]] {
@@ -62,14 +62,14 @@ template <host::ByteOrder order>
 // The table reader of a record: decodes the table at `table` into `into`, which the caller has
 // cleared. On failure what was decoded stays, blocks included: releasing them is the caller's.
 template <host::Module& module, const Record& record, host::ByteOrder order>
-Decoded decodeTable(const Buffer<order>& buffer, uint8_t* into, uint32_t table);
+Decoded decodeTable(Buffer<order> buffer, uint8_t* into, uint32_t table);
 
 namespace detail {
 
 // The target of the offset word at `word`. Fails where the word is not inside the buffer or its
 // target not within 32 bits; whether the target is inside is the caller's to see.
 template <host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded followOffset(const Buffer<order>& buffer, Position word,
+[[gnu::always_inline]] inline Decoded followOffset(Buffer<order> buffer, Position word,
                                                    Position& target) {
   if (!buffer.holds(word, 4)) {
     return Decoded::No;
@@ -94,7 +94,7 @@ uint8_t* allocatePart(uint32_t size) {
 }
 
 template <typename Scalar, host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded decodeScalar(const Buffer<order>& buffer, Position at,
+[[gnu::always_inline]] inline Decoded decodeScalar(Buffer<order> buffer, Position at,
                                                    uint8_t* field) {
   if (!buffer.holds(at, sizeof(Scalar))) [[unlikely]] {
     return Decoded::No;
@@ -105,7 +105,7 @@ template <typename Scalar, host::ByteOrder order>
 
 // The length word and the contents of the byte string whose offset word is at `word`.
 template <host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded locateBytes(const Buffer<order>& buffer, Position word,
+[[gnu::always_inline]] inline Decoded locateBytes(Buffer<order> buffer, Position word,
                                                   Position& contents, uint32_t& length) {
   Position target = 0;
   if (followOffset(buffer, word, target) == Decoded::No || !buffer.holds(target, 4)) [[unlikely]] {
@@ -117,7 +117,7 @@ template <host::ByteOrder order>
 }
 
 template <const Record& record, size_t index, host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded decodeArray(const Buffer<order>& buffer, Position at,
+[[gnu::always_inline]] inline Decoded decodeArray(Buffer<order> buffer, Position at,
                                                   uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
   Position contents = 0;
@@ -132,7 +132,7 @@ template <const Record& record, size_t index, host::ByteOrder order>
 
 template <host::Module& module, const Record& record, size_t index, Decoder decoder,
           host::ByteOrder order>
-Decoded decodeBytes(const Buffer<order>& buffer, Position at, uint8_t* into) {
+Decoded decodeBytes(Buffer<order> buffer, Position at, uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
   Position contents = 0;
   uint32_t length = 0;
@@ -153,7 +153,7 @@ Decoded decodeBytes(const Buffer<order>& buffer, Position at, uint8_t* into) {
 }
 
 template <host::Module& module, const Record& nested, host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded decodeNested(const Buffer<order>& buffer, Position at,
+[[gnu::always_inline]] inline Decoded decodeNested(Buffer<order> buffer, Position at,
                                                    uint8_t* into) {
   Position table = 0;
   if (followOffset(buffer, at, table) == Decoded::No) [[unlikely]] {
@@ -167,7 +167,7 @@ inline constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
 
 template <host::Module& module, const Record& record, size_t index, Decoder decoder,
           host::ByteOrder order>
-Decoded decodeVector(const Buffer<order>& buffer, Position at, uint8_t* into) {
+Decoded decodeVector(Buffer<order> buffer, Position at, uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
   Position vector = 0;
   if (followOffset(buffer, at, vector) == Decoded::No || !buffer.holds(vector, 4)) {
@@ -204,7 +204,7 @@ Decoded decodeVector(const Buffer<order>& buffer, Position at, uint8_t* into) {
 // The value of one present slot, at `at`.
 template <host::Module& module, const Record& record, size_t index, Decoder decoder,
           host::ByteOrder order>
-[[gnu::always_inline]] inline Decoded decodeValue(const Buffer<order>& buffer, Position at,
+[[gnu::always_inline]] inline Decoded decodeValue(Buffer<order> buffer, Position at,
                                                   uint8_t* into) {
   constexpr const Slot& slot = record.slots[index];
   uint8_t* const field = into + slot.recordOffset;
@@ -236,7 +236,7 @@ enum class Step : uint8_t {
 
 template <host::Module& module, const Record& record, size_t index, Decoder decoder,
           host::ByteOrder order>
-[[gnu::always_inline]] inline Step decodeSlot(const Buffer<order>& buffer, const TableFrame& frame,
+[[gnu::always_inline]] inline Step decodeSlot(Buffer<order> buffer, const TableFrame& frame,
                                               uint8_t* into) {
   constexpr uint32_t entryOffset = 4 + 2 * index;
   if (frame.vtableLength < entryOffset + 2) {
@@ -256,7 +256,7 @@ template <host::Module& module, const Record& record, size_t index, Decoder deco
 // Decodes a verified table's slots in slot order. What the table does not carry keeps the zero that
 // the caller has stored. The first value that does not fit ends the decoding, unlogged.
 template <host::Module& module, const Record& record, Decoder decoder, host::ByteOrder order>
-Decoded decodeSlots(const Buffer<order>& buffer, const TableFrame& frame, uint8_t* into) {
+Decoded decodeSlots(Buffer<order> buffer, const TableFrame& frame, uint8_t* into) {
   using detail::Step;
   Step step = Step::Next;
   [&]<size_t... index>(std::index_sequence<index...>) {
@@ -270,7 +270,7 @@ Decoded decodeSlots(const Buffer<order>& buffer, const TableFrame& frame, uint8_
 }
 
 template <host::Module& module, const Record& record, host::ByteOrder order>
-Decoded decodeTable(const Buffer<order>& buffer, uint8_t* into, uint32_t table) {
+Decoded decodeTable(Buffer<order> buffer, uint8_t* into, uint32_t table) {
   constexpr const char* function = decoderName<record, Decoder::Table>();
   if constexpr (record.style.checksParameters) {
     if (buffer.data == nullptr || static_cast<int32_t>(buffer.length) < 4 || into == nullptr) {

@@ -54,7 +54,7 @@ enum class NestedFailure : uint8_t {
 struct Style {
   InlineOrder inlineOrder;
   NestedFailure nestedFailure = NestedFailure::FailsTheTable;
-  // The table reader checks its own parameters, for callers other than this library's.
+  // The table reader checks its own parameters. No caller in this library passes bad ones.
   bool checksParameters = false;
 };
 

@@ -204,6 +204,8 @@ TEST_F(Frame, IsNotTakenFromTheTransportAboveTheLimit) {
   sender.sendNote(header(), "good");
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
   EXPECT_EQ(statisticsOf(node).received_calls, 1u);
+  // Not even looked at.
+  EXPECT_EQ(statisticsOf(node).malformed, 0u);
 }
 
 TEST_F(Node, CountsAGapWhenASequenceNumberIsMissing) {

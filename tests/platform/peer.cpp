@@ -4,6 +4,7 @@
 //   hold <address>                     opens a node, never reads, and waits to be killed
 //   send <address> <to> <calls> <notes a call>
 //   log <lines> <burst>                writes log lines that may not all pass
+//   crowd <owners> <callers>           takes a block as each caller, gives it back, reports twice
 //
 // Each tells "ready" when its node is open. The exit code is the result of what it did.
 #include <unistd.h>
@@ -82,6 +83,30 @@ int log(const char* lines, const char* burst) {
   return 0;
 }
 
+void report() {
+  const uint64_t out = ddm_osal_memory_report(stdout);
+  std::printf("%" PRIu64 " blocks out\n", out);
+}
+
+int crowd(const char* owners, const char* callers) {
+  std::vector<std::string> names;
+  for (uint32_t i = 0; i < number(callers); ++i) {
+    names.push_back("caller " + std::to_string(i));
+  }
+  std::vector<void*> blocks;
+  for (const std::string& name : names) {
+    const auto owner = static_cast<uint32_t>(blocks.size() % number(owners));
+    blocks.push_back(DDM_OsalMemAlloc(1, owner, name.c_str()));
+  }
+  report();
+  for (size_t i = 0; i < blocks.size(); ++i) {
+    DDM_OsalMemFree(blocks[i], static_cast<uint32_t>(i % number(owners)), "crowd");
+  }
+  std::puts("all given back");
+  report();
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -97,6 +122,9 @@ int main(int argc, char** argv) {
   }
   if (command == "log" && argc == 4) {
     return log(argv[2], argv[3]);
+  }
+  if (command == "crowd" && argc == 4) {
+    return crowd(argv[2], argv[3]);
   }
   std::fputs("no such command\n", stderr);
   return 100;

@@ -13,7 +13,7 @@ TEST(Pseudowires, APwOfZerosPacksTo134Bytes) {
   const Buffer expected = Layout()
                               .u32(58)
                               .u16(54, 76)
-                              .zeros(2 * 23)
+                              .zeros(46)
                               .u16(4, 8)
                               .u32(54)
                               .u32(8, 36)

@@ -159,7 +159,7 @@ TEST(QueryResult, ItemsAreReadIntoOneBlock) {
   Unpacked<Result> unpacked(twoItems());
   EXPECT_EQ(unpacked.trace, Trace{allocated(2 * itemSize, "#1")});
   ASSERT_EQ(unpacked.record.f1_count, 2U);
-  EXPECT_EQ(std::memcmp(unpacked.record.f1, items.items.data(), 2 * itemSize), 0);
+  EXPECT_EQ(std::memcmp(unpacked.record.f1, items.items.data(), size_t{2} * itemSize), 0);
   EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("#1")}));
   EXPECT_EQ(unpacked.record.f1_count, 2U);
 }

@@ -150,6 +150,18 @@ TEST(LargestSize, OfAResultIsThirtyTwoBits) {
   EXPECT_EQ(statedSize(result), std::nullopt);
 }
 
+TEST(LargestSize, IsPassedByACountAloneWithoutALookAtItsItems) {
+  static l2vpn_cfg_query_dfx_item only{};
+  l2vpn_cfg_query_dfx_rec result{};
+  result.f1 = &only;
+  result.f1_count = 1;
+  EXPECT_EQ(statedSize(result), Size(18 + 28 + 4 + 16618));
+  for (const uint32_t count : {258'400U, 0x10000000U, 0x80000000U, 0xFFFFFFFFU}) {
+    result.f1_count = count;
+    EXPECT_EQ(statedSize(result), std::nullopt) << count << " items, of which one is there";
+  }
+}
+
 TEST(LargestSize, DoesNotExistForItemsBehindANullPointer) {
   l2vpn_cfg_query_dfx_rec result{};
   for (const uint32_t count : {1U, 2U, 0x3FFFFFFFU, 0x40000000U, 0xFFFFFFFFU}) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "ddm/osal_workstation.h"
+
 namespace platform_test {
 
 inline std::vector<std::string> linesOf(const std::string& text) {
@@ -18,9 +20,10 @@ inline std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-// What the standard error was given.
+// What the standard error was given. Starts with the log's limit as it is by default, full.
 template <typename Body>
 std::vector<std::string> logged(Body&& body) {
+  ddm_osal_log_limit(100, 200);
   ::testing::internal::CaptureStderr();
   body();
   return linesOf(::testing::internal::GetCapturedStderr());
