@@ -88,7 +88,7 @@ TEST(BoundedMemory, CopiesAnItemsLargeArray) {
   uint32_t length = 16622;
   calls.clear();
   EXPECT_EQ(l2vpn_cfg_query_dfx_item__pack(item.get(), buffer.data(), &length), 0U);
-  EXPECT_EQ(calls, std::vector<Call>({copy(buffer.data() + 238, item->f4, 16384)}));
+  EXPECT_EQ(calls, std::vector<Call>({fastCopy(buffer.data() + 238, item->f4, 16384)}));
 
   const auto read = std::make_unique<l2vpn_cfg_query_dfx_item>();
   calls.clear();
