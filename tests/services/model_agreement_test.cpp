@@ -86,10 +86,11 @@ TEST_P(Agreement, OnUnpackingRandomMessages) {
 }
 
 TEST_P(Agreement, OnEveryTruncation) {
-  for (const bool reversed : {false, true}) {
-    for (int round = 0; round < 4; ++round) {
+  for (int round = 0; round < 4; ++round) {
+    for (const bool reversed : {false, true}) {
       const std::vector<uint8_t> bytes = randomMessage(reversed);
-      const size_t step = bytes.size() > 4096 ? 61 : 1;
+      // Every length of a message of many KiB is tried once, later on some of them.
+      const size_t step = bytes.size() > 4096 && (round > 0 || reversed) ? 61 : 1;
       for (size_t length = 0; length <= bytes.size(); length += step) {
         ASSERT_EQ(harness::compareUnpack(operations(), {bytes.data(), length}, reversed, 0,
                                          length % 16 == 0),
