@@ -7,10 +7,11 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-records=${1:-1000000}
-case "$records" in
-  '' | *[!0-9]* | 0) echo "demo.sh: RECORDS is a number above 0, not '$records'" >&2; exit 2 ;;
-esac
+records=${1-1000000}
+if [ $# -gt 1 ] || ! [[ $records =~ ^[1-9][0-9]{0,9}$ ]]; then
+  echo "demo.sh: RECORDS is one number from 1 to 9999999999, not '$*'" >&2
+  exit 2
+fi
 
 tools/setup.sh g++ cmake ninja-build libzmq3-dev
 

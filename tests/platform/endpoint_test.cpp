@@ -60,6 +60,16 @@ TEST_F(AddressBook, ReadsAddressesCommentsAndBlanks) {
   }
 }
 
+TEST_F(AddressBook, NeverReplacesAFileThatIsNoSocket) {
+  const std::string precious = directory() + "/precious";
+  std::ofstream(precious) << "kept";
+  const std::string error = errorOfBook("1 ipc://" + precious);
+  EXPECT_NE(error.find(precious), std::string::npos) << error;
+  std::string left;
+  std::ifstream(precious) >> left;
+  EXPECT_EQ(left, "kept");
+}
+
 TEST_F(AddressBook, LeavesOtherAddressesToTheDefault) {
   const std::string book = "1 inproc://one\n";
   const OpenNode named = open(1, withBook(book));

@@ -188,6 +188,19 @@ TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsLimit) {
   EXPECT_EQ(statisticsOf(receiver).received_records, 0u);
 }
 
+TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsCountOfTables) {
+  mesh_node_options small = defaults();
+  small.transport = MESH_TRANSPORT_INPROC;
+  small.payload_limit = 100;
+  mesh_node_options large = small;
+  large.payload_limit = 1000;
+  const OpenNode sender = open(1, large);
+  const OpenNode receiver = open(2, small);
+  ASSERT_EQ(sendNotes(2, std::vector<std::string>(13)), MESH_OK);
+  EXPECT_EQ(receiveUntil(receiver, &mesh_node_statistics::malformed, 1), 1u);
+  EXPECT_EQ(statisticsOf(receiver).received_records, 0u);
+}
+
 TEST_F(Frame, IsNotTakenFromTheTransportAboveTheLimit) {
   mesh_node_options small = defaults();
   small.payload_limit = 1000;

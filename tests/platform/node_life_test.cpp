@@ -145,7 +145,9 @@ TEST_F(NodeLife, IsNotOpenInAForkedChild) {
   ASSERT_GE(child, 0);
   if (child == 0) {
     mesh_node_statistics statistics;
-    const bool refused = sendNotes(1, {"a"}) == MESH_NOT_OPEN &&
+    mesh_node* own = nullptr;
+    const bool refused = mesh_node_open(2, nullptr, &own) == MESH_NOT_OPEN && own == nullptr &&
+                         sendNotes(1, {"a"}) == MESH_NOT_OPEN &&
                          mesh_node_stats(node, &statistics) == MESH_NOT_OPEN &&
                          mesh_node_close(node) == MESH_NOT_OPEN;
     _exit(refused ? 0 : 1);

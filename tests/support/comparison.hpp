@@ -19,9 +19,9 @@ namespace harness {
 // Puts a message's modules into one byte order, after their bindings have been made.
 void useByteOrder(const Operations& operations, bool reversed);
 
-// __unpack of the bytes (copied to memory of their own, at the end of an unreadable page when
-// `guarded`) and then _free__unpacked twice: record, result, logs, allocations, releases, leaks.
-// `failingAllocation` (from 1) is refused; 0: none is.
+// __unpack of the bytes (copied to a block that ends with them, or when `guarded` to the end of a
+// page with an unreadable one behind it) and then _free__unpacked twice: record, result, logs,
+// allocations, releases, leaks. `failingAllocation` (from 1) is refused; 0: none is.
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           bool reversed, int failingAllocation = 0, bool guarded = false);
 

@@ -66,11 +66,11 @@
  *   Encodes *record in the compact arrangement, which leaves out what is zero. *length is the room
  *   at `buffer` in bytes on entry, and the message's exact size on success. 0xFFFFFFFF, with
  *   *length and the buffer unchanged, when `record` or `length` is null, when the room is too
- *   small, when the record's size passes 32 bits (a few bytes earlier in dbginfo_cmd_key_l2vpn
- *   and l2vpn_cfg_query_dfx_key), or when a run has a count and a null pointer. A null `buffer`
- *   with room enough claimed stores the size, logs, and returns 0: so one asks for the size. A
- *   byte string whose pointer is not null and whose length is 0 counts 8 bytes at the end that
- *   are not written.
+ *   small, when the record's size passes 32 bits (0xFFFFFFF7 in dbginfo_cmd_key_l2vpn,
+ *   0xFFFFFFFE in l2vpn_cfg_query_dfx_key), or when a run has a count and a null pointer. A
+ *   null `buffer` with room enough claimed, UINT32_MAX say, stores the size, logs, and returns 0:
+ *   so one asks for the size. A byte string whose pointer is not null and whose length is 0
+ *   counts 8 bytes at the end that are not written.
  *
  * uint32_t X__sendsingle(uint32_t destination, const X* record, uint64_t unused, uint64_t extra)
  *   Encodes *record in the message's own arrangement and hands it to the middleware as one

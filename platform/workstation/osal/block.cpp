@@ -14,8 +14,12 @@ void markInUse(BlockHeader* header) {
 }
 
 // Kept from the sanitizers: looking at what may be no block, or one no longer ours, is the purpose.
-__attribute__((noinline, no_sanitize("address", "thread", "undefined"))) BlockState takeBack(
-    void* bytes) {
+// clang's no_sanitize leaves atomics watched.
+#if __has_attribute(disable_sanitizer_instrumentation)
+__attribute__((disable_sanitizer_instrumentation))
+#endif
+__attribute__((noinline, no_sanitize("address", "thread", "undefined"))) BlockState
+takeBack(void* bytes) {
   if (reinterpret_cast<uintptr_t>(bytes) % alignof(BlockHeader) != 0) {
     return BlockState::Foreign;
   }

@@ -145,5 +145,5 @@ DDM_OSAL_EXPORT void DDM_OsalLogWrite(const void* env, uint32_t level, uint32_t 
 }
 
 DDM_OSAL_EXPORT void ddm_osal_log_limit(uint32_t per_second, uint32_t burst) {
-  ddm::limit.set(ddm::TokenBucket(per_second, burst));
+  ddm::limit.set(ddm::TokenBucket(per_second, burst == 0 ? 1 : burst));
 }

@@ -59,6 +59,8 @@ mesh_result Destination::sendLocked(Connection::Parts& parts,
         case Connection::Attempt::Sent:
           return MESH_OK;
         case Connection::Attempt::Failed:
+          // Perhaps in the middle of a message, which the next one must not continue.
+          connection_.close();
           return MESH_SYSTEM_ERROR;
         case Connection::Attempt::Broken:
           connection_.close();

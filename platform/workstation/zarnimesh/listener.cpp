@@ -18,6 +18,16 @@ namespace {
 // has come to a halt.
 constexpr std::chrono::milliseconds closingTime{1000};
 
+// The transport replaces whatever is at the path it binds. Only a socket may be, that of a node
+// that has ended without taking it away.
+mesh_result makeSureNothingElseIsThere(const std::string& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) == 0 && !S_ISSOCK(status.st_mode)) {
+    return fail(MESH_BAD_CONFIGURATION, "%s: there is something that is no socket", path.c_str());
+  }
+  return MESH_OK;
+}
+
 }  // namespace
 
 mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& settings,
@@ -32,6 +42,11 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
   endpoint_ = settings.endpointOf(address);
   if (const mesh_result result = makeBindable(endpoint_); result != MESH_OK) {
     return result;
+  }
+  if (endpoint_.transport == Transport::Ipc) {
+    if (const auto result = makeSureNothingElseIsThere(endpoint_.rest); result != MESH_OK) {
+      return result;
+    }
   }
   if (const mesh_result result = claim(); result != MESH_OK) {
     return result;

@@ -20,6 +20,9 @@ using namespace zarnimesh;
 
 [[nodiscard]] mesh_result openNode(uint32_t address, const mesh_node_options& options,
                                    mesh_node** out) {
+  if (hasNodesOfAnotherProcess()) {
+    return fail(MESH_NOT_OPEN, "a forked child of a process with open nodes: exec first");
+  }
   auto node = std::make_shared<Node>(address);
   if (const mesh_result result = node->open(options); result != MESH_OK) {
     return result;

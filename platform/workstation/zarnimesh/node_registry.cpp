@@ -41,6 +41,12 @@ mesh_node* handleOf(const Node& node) {
   return reinterpret_cast<mesh_node*>(const_cast<Node*>(&node));
 }
 
+bool hasNodesOfAnotherProcess() {
+  const std::lock_guard lock(registry().mutex);
+  const auto& nodes = registry().nodes;
+  return !nodes.empty() && nodes.front()->process() != getpid();
+}
+
 void addNode(std::shared_ptr<Node> node) {
   const std::lock_guard lock(registry().mutex);
   registry().nodes.push_back(std::move(node));

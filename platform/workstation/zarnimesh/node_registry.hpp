@@ -12,6 +12,9 @@ namespace zarnimesh {
 // What a caller holds of a node. It is never dereferenced before it was found among the open ones.
 mesh_node* handleOf(const Node& node);
 
+// Whether this is a forked child of a process with open nodes, whose transport it must not touch.
+bool hasNodesOfAnotherProcess();
+
 void addNode(std::shared_ptr<Node> node);
 
 // The open node of the handle; null when there is none, or when it is a parent process's.

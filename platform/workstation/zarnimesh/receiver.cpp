@@ -86,7 +86,7 @@ int64_t Receiver::handle(Message& first, const Handler& handler) {
   const bool complete = takeRest(listener_.socket(), first, index, payload);
   const std::optional<FrameHeader> header = decodeHeader(bytesOf(first));
   if (!complete || !header || header->destination != address_ ||
-      header->payloadBytes > settings_.payloadLimit ||
+      header->payloadBytes > settings_.payloadLimit || header->count > settings_.countLimit() ||
       !lengthsAgree(*header, bytesOf(index), payload.size())) {
     statistics_.malformed.add(1);
     return 0;

@@ -9,10 +9,11 @@
  *    A tcp endpoint to receive at must be a loopback one with its port: 127.x.y.z, [::1] or
  *    localhost.
  * 3. Functions return a mesh_result. mesh_node_last_error tells more about the latest failure.
- * 4. Any function may be called from any thread, with two limits: one thread at a time receives on
- * a node, and a node is not closed while a thread receives on it; the second comer gets MESH_BUSY.
- * 5. A forked child must not use its parent's nodes: every function tells it that they are not
- * open. It may exec.
+ * 4. Any function may be called from any thread, with two limits: one thread at a time receives
+ *    on a node, and a node is not closed while a thread receives on it; the second comer gets
+ *    MESH_BUSY.
+ * 5. A forked child must not use its parent's nodes, nor open one while it has them: every
+ *    function returns MESH_NOT_OPEN to it. It may exec.
  * 6. Hooks, handlers and callbacks must not throw. */
 #ifndef ZARNIMESH_NODE_H
 #define ZARNIMESH_NODE_H
