@@ -52,19 +52,6 @@ struct FixedNumbers {
   std::initializer_list<uint32_t> entries;
 };
 
-// What the scalars of a record and of its nested records take when none is zero.
-constexpr uint64_t scalarWidths(const wire::Record& record) {
-  uint64_t size = 0;
-  for (const wire::Slot& slot : record.slots) {
-    if (slot.kind == wire::Kind::Table) {
-      size += scalarWidths(*slot.nested);
-    } else if (wire::isScalar(slot.kind)) {
-      size += slot.size;
-    }
-  }
-  return size;
-}
-
 consteval void prove(const Message& message, const Numbers& expected) {
   const wire::Record& record = *message.record;
   require(message.id == expected.id, theIdentifierDiffers);
@@ -90,7 +77,8 @@ consteval bool fixedMessage(const Message& message, const Numbers& expected,
   const wire::Record& record = *message.record;
   prove(message, expected);
   require(message.policy.arrangement == Arrangement::Fixed, theArrangementDiffers);
-  require(expected.smallest + scalarWidths(record) == fixed.largest, theLargestMessageDiffers);
+  require(expected.smallest + wire::scalarWidths(record) == fixed.largest,
+          theLargestMessageDiffers);
   require(wire::fixedTableLength(record) == fixed.tableLength, theFixedTableLengthDiffers);
   require(wire::fixedVtable(record) == fixed.vtableAt, theFixedVtableStandsElsewhere);
   require(wire::fixedLength(record) == fixed.length, theFixedLengthDiffers);

@@ -40,6 +40,19 @@ constexpr uint64_t smallestTableSize(const Record& record) {
   return size;
 }
 
+// What the scalars of a record and of its nested records take when none is zero.
+constexpr uint64_t scalarWidths(const Record& record) {
+  uint64_t size = 0;
+  for (const Slot& slot : record.slots) {
+    if (slot.kind == Kind::Table) {
+      size += scalarWidths(*slot.nested);
+    } else if (isScalar(slot.kind)) {
+      size += slot.size;
+    }
+  }
+  return size;
+}
+
 namespace detail {
 
 template <typename Scalar>

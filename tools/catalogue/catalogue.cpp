@@ -21,30 +21,9 @@ std::vector<Service> services() {
           {"l2vpn_sync", {L2VPN_SYNC_MESSAGES(MESSAGE)}}};
 }
 
-namespace {
-
-// A table and its vtable, without a root word.
-Range tableRange(const Record& record) {
-  const uint64_t constant = mesh::wire::detail::constantSize(record);
-  Range range{constant, constant, false};
-  for (const Slot& slot : record.slots) {
-    if (slot.kind == Kind::Table) {
-      const Range nested = tableRange(*slot.nested);
-      range = {range.from + nested.from, range.to + nested.to, range.isOpen || nested.isOpen};
-    } else if (mesh::wire::isOutOfLine(slot.kind)) {
-      range.isOpen = true;
-    } else if (mesh::wire::isScalar(slot.kind)) {
-      range.to += slot.size;
-    }
-  }
-  return range;
-}
-
-}  // namespace
-
 Range compactRange(const Record& record) {
-  const Range table = tableRange(record);
-  return {4 + table.from, 4 + table.to, table.isOpen};
+  const uint64_t smallest = 4 + mesh::wire::smallestTableSize(record);
+  return {smallest, smallest + mesh::wire::scalarWidths(record), mesh::wire::ownsMemory(record)};
 }
 
 std::string kindOf(const Slot& slot) {
