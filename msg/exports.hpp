@@ -26,10 +26,10 @@
   extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) {  \
     return mesh::msg::pack<module, mesh::msg::messageOf<message>>(record, buffer, length);         \
   }                                                                                                \
-  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record, uint64_t, \
-                                            uint64_t extra) {                                      \
+  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record,           \
+                                            uint64_t unused, uint64_t extra) {                     \
     return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(destination, record,       \
-                                                                        extra);                    \
+                                                                        unused, extra);            \
   }                                                                                                \
   extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,           \
                                            uint32_t count, uint64_t extra) {                       \

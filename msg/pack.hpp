@@ -2,12 +2,12 @@
 #pragma once
 
 #include "host/binding.hpp"
-#include "msg/in_byte_order.hpp"
 #include "msg/message.hpp"
 #include "msg/result.hpp"
 #include "wire/compact_size.hpp"
 #include "wire/compact_writer.hpp"
 #include "wire/report.hpp"
+#include "wire/reverse.hpp"
 #include "wire/text.hpp"
 
 namespace mesh::msg {
@@ -19,13 +19,15 @@ template <const Message& message>
   return size <= message.policy.largestSize ? static_cast<uint32_t>(size) : 0;
 }
 
-// Writes a compact message into a buffer of its exact size.
+// Writes a compact message into a buffer that has room for it. Returns what was written.
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline void encode(uint8_t* buffer, const uint8_t* record) {
+[[gnu::always_inline]] inline size_t encode(uint8_t* buffer, const uint8_t* record) {
   host::bindUnpackAllocator(module);
-  inByteOrder(module, [=]<host::ByteOrder order>() {
-    wire::writeCompact<*message.record, order>(buffer, record);
-  });
+  const size_t written = wire::writeCompact<*message.record>(buffer, record);
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
+    wire::reverseMessage(*message.record, buffer);
+  }
+  return written;
 }
 
 // `length` holds the buffer's room, and on success the message's exact size. A null buffer with
@@ -36,6 +38,13 @@ template <host::Module& module, const Message& message>
     return failure;
   }
   const auto* const from = static_cast<const uint8_t*>(record);
+  // A buffer that holds the message whatever its values needs no size worked out beforehand.
+  constexpr bool isBounded = !wire::ownsMemory(*message.record);
+  if (isBounded && buffer != nullptr && *length >= wire::largestCompactSize(*message.record))
+      [[likely]] {
+    *length = static_cast<uint32_t>(encode<module, message>(buffer, from));
+    return success;
+  }
   const uint32_t size = encodedSize<message>(from);
   if (size == 0 || *length < size) [[unlikely]] {
     return failure;

@@ -57,14 +57,17 @@ mesh_msg_desc describe(const uint8_t* table, uint32_t length) {
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline void writeImages(uint8_t* images, const uint8_t* records,
                                                uint32_t count) {
-  constexpr uint64_t length = wire::fixedLength(*message.record);
+  constexpr const wire::Record& record = *message.record;
+  constexpr uint64_t length = wire::fixedLength(record);
   host::bindUnpackAllocator(module);
-  inByteOrder(module, [=]<host::ByteOrder order>() {
+  for (uint64_t index = 0; index < count; ++index) {
+    wire::writeFixedImage<record>(images + index * length, records + index * record.size);
+  }
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
     for (uint64_t index = 0; index < count; ++index) {
-      wire::writeFixedImage<*message.record, order>(images + index * length,
-                                                    records + index * message.record->size);
+      wire::reverseMessage(record, images + index * length);
     }
-  });
+  }
 }
 
 template <host::Module& module, const Message& message>
@@ -92,7 +95,8 @@ template <host::Module& module, const Message& message>
 }
 
 template <host::Module& module, const Message& message>
-uint32_t sendOneCompact(uint32_t destination, const uint8_t* record, uint64_t extra) {
+[[gnu::always_inline]] inline uint32_t sendOneCompact(uint32_t destination, const uint8_t* record,
+                                                      uint64_t extra) {
   if (record == nullptr) {
     return failure;
   }
@@ -110,8 +114,8 @@ uint32_t sendOneCompact(uint32_t destination, const uint8_t* record, uint64_t ex
 }
 
 template <host::Module& module, const Message& message>
-uint32_t sendManyFixed(uint32_t destination, const uint8_t* records, uint32_t count,
-                       uint64_t extra) {
+[[gnu::always_inline]] inline uint32_t sendManyFixed(uint32_t destination, const uint8_t* records,
+                                                     uint32_t count, uint64_t extra) {
   constexpr uint32_t length = wire::fixedLength(*message.record);
   static_assert(length % alignof(mesh_msg_desc) == 0);
   const uint64_t size = uint64_t{count} * (length + sizeof(mesh_msg_desc));
@@ -155,8 +159,8 @@ bool encodeBatch(uint8_t* region, mesh_msg_desc* descriptors, const uint8_t* rec
 }
 
 template <host::Module& module, const Message& message>
-uint32_t sendManyCompact(uint32_t destination, const uint8_t* records, uint32_t count,
-                         uint64_t extra) {
+[[gnu::always_inline]] inline uint32_t sendManyCompact(uint32_t destination, const uint8_t* records,
+                                                       uint32_t count, uint64_t extra) {
   const uint64_t size = uint64_t{count} * sizeof(mesh_msg_desc) + batchRegion;
   const SendBlock<module> block(static_cast<uint32_t>(size),
                                 wire::nameText<*message.record, "__sendbatch">());
@@ -174,8 +178,8 @@ uint32_t sendManyCompact(uint32_t destination, const uint8_t* records, uint32_t 
 
 // One record. In the fixed arrangement the record must not be null.
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const void* record,
-                                                  uint64_t extra) {
+[[gnu::noinline]] uint32_t sendSingle(uint32_t destination, const void* record, uint64_t /*unused*/,
+                                      uint64_t extra) {
   const auto* const from = static_cast<const uint8_t*>(record);
   if constexpr (message.policy.arrangement == Arrangement::Fixed) {
     return detail::sendOneFixed<module, message>(destination, from, extra);
@@ -186,8 +190,8 @@ template <host::Module& module, const Message& message>
 
 // `count` contiguous records: one allocation, one middleware call, one descriptor each.
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendBatch(uint32_t destination, const void* records,
-                                                 uint32_t count, uint64_t extra) {
+[[gnu::noinline]] uint32_t sendBatch(uint32_t destination, const void* records, uint32_t count,
+                                     uint64_t extra) {
   const auto* const from = static_cast<const uint8_t*>(records);
   if constexpr (message.policy.arrangement == Arrangement::Fixed) {
     return detail::sendManyFixed<module, message>(destination, from, count, extra);
@@ -203,7 +207,7 @@ template <host::Module& module, const Message& message>
   if (count == 0) {
     return failure;
   }
-  return count == 1 ? sendSingle<module, message>(destination, records, extra)
+  return count == 1 ? sendSingle<module, message>(destination, records, 0, extra)
                     : sendBatch<module, message>(destination, records, count, extra);
 }
 

@@ -27,7 +27,8 @@ enum class Kind : uint8_t {
 struct Record;
 
 struct Slot {
-  const char* name;
+  // Held in place: a thousand pointers to names would be as many relocations at load.
+  std::array<char, 8> name;
   Kind kind;
   // Scalar: its width. Array: its declared size. Table, Vector: the nested record's size.
   // Bytes: 1, the size of an item.
@@ -60,6 +61,10 @@ struct Style {
 
 struct Record {
   const char* name;
+  // The names that decoding logs and allocates under: the message's own root decoder, and the
+  // record's table reader.
+  const char* rootReader;
+  const char* tableReader;
   uint32_t size;
   Style style;
   std::span<const Slot> slots;

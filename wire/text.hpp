@@ -9,6 +9,15 @@
 
 namespace mesh::wire {
 
+// With its terminator.
+template <size_t one, size_t other>
+consteval std::array<char, one + other - 1> joinTexts(const char (&text)[one],
+                                                      const char (&suffix)[other]) {
+  std::array<char, one + other - 1> joined{};
+  std::copy_n(suffix, other, std::copy_n(text, one - 1, joined.begin()));
+  return joined;
+}
+
 template <size_t size>
 struct Suffix {
   char chars[size];

@@ -94,12 +94,12 @@ void writeFields(const Record& record) {
     std::cout << "| " << index << " | ";
     if (mesh::wire::isOutOfLine(slot.kind)) {
       const char* const count = slot.kind == mesh::wire::Kind::Bytes ? "_len" : "_count";
-      std::cout << '`' << slot.name << count << "`, `" << slot.name << "` | "
+      std::cout << '`' << slot.name.data() << count << "`, `" << slot.name.data() << "` | "
                 << catalogue::kindOf(slot) << " | 4 + pointer | " << slot.countOffset << ", "
                 << slot.recordOffset;
     } else {
-      std::cout << '`' << slot.name << "` | " << catalogue::kindOf(slot) << " | " << slot.size
-                << " | " << slot.recordOffset;
+      std::cout << '`' << slot.name.data() << "` | " << catalogue::kindOf(slot) << " | "
+                << slot.size << " | " << slot.recordOffset;
     }
     if (hasFixed) {
       std::cout << " | " << mesh::wire::fixedTable + mesh::wire::fixedEntry(record, index);
