@@ -8,7 +8,6 @@
 #include "wire/compact_writer.hpp"
 #include "wire/report.hpp"
 #include "wire/reverse.hpp"
-#include "wire/text.hpp"
 
 namespace mesh::msg {
 
@@ -20,44 +19,73 @@ template <const Message& message>
 }
 
 // Writes a compact message into a buffer that has room for it. Returns what was written.
-template <host::Module& module, const Message& message>
+template <host::Module& module, const Message& model>
 [[gnu::always_inline]] inline size_t encode(uint8_t* buffer, const uint8_t* record) {
   host::bindUnpackAllocator(module);
-  const size_t written = wire::writeCompact<*message.record>(buffer, record);
+  const size_t written = wire::writeCompact<*model.record>(buffer, record);
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    wire::reverseMessage(*message.record, buffer);
+    wire::reverseMessage(*model.record, buffer);
   }
   return written;
 }
 
-// `length` holds the buffer's room, and on success the message's exact size. A null buffer with
-// room enough is logged and counts as success: so callers ask for the size.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length) {
-  if (record == nullptr || length == nullptr) [[unlikely]] {
-    return failure;
-  }
-  const auto* const from = static_cast<const uint8_t*>(record);
-  // A buffer that holds the message whatever its values needs no size worked out beforehand.
-  constexpr bool isBounded = !wire::ownsMemory(*message.record);
-  if (isBounded && buffer != nullptr && *length >= wire::largestCompactSize(*message.record))
-      [[likely]] {
-    *length = static_cast<uint32_t>(encode<module, message>(buffer, from));
-    return success;
-  }
-  const uint32_t size = encodedSize<message>(from);
+// The same, once for all operations of a message that is sent in the compact arrangement.
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] void encodeCompact(uint8_t* buffer, const uint8_t* record) {
+  encode<module, model>(buffer, record);
+}
+
+namespace detail {
+
+// What pack comes to without writing, or `mayWrite`, with the message's exact size as the length.
+inline constexpr uint32_t mayWrite = 1;
+
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t settleSize(const uint8_t* record, const uint8_t* buffer,
+                                      uint32_t* length, const char* function) {
+  const uint32_t size = encodedSize<model>(record);
   if (size == 0 || *length < size) [[unlikely]] {
     return failure;
   }
   // Room below 4 cannot come here: no message is that small.
   if (buffer == nullptr) [[unlikely]] {
-    wire::reportPackParameters(module.env, wire::nameText<*message.record, "_pack">(), buffer,
-                               *length, record);
-  } else {
-    encode<module, message>(buffer, from);
+    wire::reportPackParameters(module.env, function, buffer, *length, record);
+    *length = size;
+    return success;
   }
   *length = size;
-  return success;
+  return mayWrite;
+}
+
+}  // namespace detail
+
+// `length` holds the buffer's room, and on success the message's exact size. A null buffer with
+// room enough is logged, under `function`, and counts as success: so callers ask for the size.
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length,
+                                const char* function) {
+  if (record == nullptr || length == nullptr) [[unlikely]] {
+    return failure;
+  }
+  const auto* const from = static_cast<const uint8_t*>(record);
+  // A buffer that holds the message whatever its values needs no size worked out beforehand.
+  if constexpr (!wire::ownsMemory(*model.record)) {
+    if (buffer == nullptr || *length < wire::largestCompactSize(*model.record)) [[unlikely]] {
+      const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
+      if (result != detail::mayWrite) {
+        return result;
+      }
+    }
+    *length = static_cast<uint32_t>(encode<module, model>(buffer, from));
+    return success;
+  } else {
+    const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
+    if (result != detail::mayWrite) {
+      return result;
+    }
+    encodeCompact<module, model>(buffer, from);
+    return success;
+  }
 }
 
 }  // namespace mesh::msg

@@ -6,7 +6,6 @@
 #include "wire/fixed_reader.hpp"
 #include "wire/release.hpp"
 #include "wire/report.hpp"
-#include "wire/text.hpp"
 
 namespace mesh::msg {
 
@@ -18,8 +17,8 @@ template <host::Module& module, const Message& message>
     if (record == nullptr) {
       return;
     }
-    wire::releaseParts<module, *message.record>(
-        static_cast<uint8_t*>(record), wire::nameText<*message.record, "_free_unpacked">());
+    wire::releaseParts<module, *message.record>(static_cast<uint8_t*>(record),
+                                                message.record->releaser);
   }
 }
 
@@ -31,26 +30,25 @@ wire::Decoded decodeAny(host::Module& module, const Message& message, host::Byte
 
 namespace detail {
 
-// The short ways, for buffers in the host's byte order that are in order.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline wire::Decoded decode(const uint8_t* data, uint32_t length,
-                                                   uint8_t* into) {
-  constexpr const wire::Record& record = *message.record;
+// The short ways, for buffers in the host's byte order that are in order, in a module that is bound
+// already: nothing here has to outlive a call. `model` gives the layout, `message` the names.
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline wire::Decoded decode(const Message& message, const uint8_t* data,
+                                                   uint32_t length, uint8_t* into) {
+  constexpr const wire::Record& record = *model.record;
   const host::ByteOrder order = host::byteOrder(module);
-  if (order == host::ByteOrder::Host) [[likely]] {
+  if (order == host::ByteOrder::Host && host::isUnpackAllocatorBound(module)) [[likely]] {
     const wire::HostBuffer buffer{data, length};
     if constexpr (wire::hasFixedArrangement(record)) {
       if (wire::hasFixedFrame<record>(buffer)) {
-        host::bindUnpackAllocator(module);
         wire::readFixedImage<record>(into, data);
         return wire::Decoded::Yes;
       }
     }
     if constexpr (wire::hasQuickReader(record)) {
-      wire::SoundParts<*message.record> parts;
+      wire::SoundParts<*model.record> parts;
       if (wire::verifySound<record>(buffer, parts)) [[likely]] {
-        host::bindUnpackAllocator(module);
-        constexpr auto decoder = message.policy.rootDecoding == RootDecoding::ByMessage
+        constexpr auto decoder = model.policy.rootDecoding == RootDecoding::ByMessage
                                      ? wire::Decoder::Root
                                      : wire::Decoder::Table;
         return wire::fillRecord<module, record, decoder>(data, parts, into);
@@ -64,15 +62,16 @@ template <host::Module& module, const Message& message>
 
 // Verifies the buffer as a table of the message and fills the record. Returns the record's size,
 // whatever happened: a rejection shows in the log and in a record without out-of-line parts.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t unpack(const uint8_t* data, uint32_t length, void* record) {
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t unpack(const uint8_t* data, uint32_t length, void* record,
+                                  const Message& message) {
   if (data == nullptr || static_cast<int32_t>(length) < 4 || record == nullptr) [[unlikely]] {
     wire::reportUnpackParameters(module.env, message.record->rootReader, data, length, record);
-  } else if (detail::decode<module, message>(data, length, static_cast<uint8_t*>(record)) ==
+  } else if (detail::decode<module, model>(message, data, length, static_cast<uint8_t*>(record)) ==
              wire::Decoded::No) {
-    freeUnpacked<module, message>(record);
+    freeUnpacked<module, model>(record);
   }
-  return message.record->size;
+  return model.record->size;
 }
 
 }  // namespace mesh::msg

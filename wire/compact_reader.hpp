@@ -77,14 +77,14 @@ inline constexpr auto footprints = [] {
   return widths;
 }();
 
-// All ones in the lane of each entry that ends behind `limit`, counted from the table.
+// All ones in the lane of each entry whose footprint ends before `limit`, counted from the table.
 template <const Record& record, size_t start>
-[[gnu::always_inline]] inline Lanes entriesBehind(const uint8_t* entries, Lanes limit) {
+[[gnu::always_inline]] inline Lanes entriesBefore(const uint8_t* entries, Lanes limit) {
   Lanes entry;
   Lanes widths;
   std::memcpy(&entry, entries + 2 * start, sizeof entry);
   std::memcpy(&widths, footprints<record, start>.data(), sizeof widths);
-  return reinterpret_cast<Lanes>(entry > limit - widths);
+  return reinterpret_cast<Lanes>(entry <= limit - widths);
 }
 
 // Whether every slot's position and footprint lie within `left` bytes from the table on. Zero, the
@@ -107,15 +107,15 @@ template <const Record& record>
   } else {
     // A position that sixteen bits cannot hold is left to the other reader.
     const Lanes limit = Lanes{} + static_cast<uint16_t>(left < UINT16_MAX ? left : UINT16_MAX);
-    const Lanes behind = [&]<size_t... block>(std::index_sequence<block...>)
+    const Lanes inside = [&]<size_t... block>(std::index_sequence<block...>)
         __attribute__((always_inline)) {
-      return (entriesBehind<record, count - laneCount>(entries, limit) | ... |
-              entriesBehind<record, laneCount * block>(entries, limit));
+      return (entriesBefore<record, count - laneCount>(entries, limit) & ... &
+              entriesBefore<record, laneCount * block>(entries, limit));
     }
     (std::make_index_sequence<count / laneCount>());
     std::array<uint64_t, 2> halves;
-    std::memcpy(halves.data(), &behind, sizeof behind);
-    return (halves[0] | halves[1]) == 0;
+    std::memcpy(halves.data(), &inside, sizeof inside);
+    return (halves[0] & halves[1]) == UINT64_MAX;
   }
 }
 

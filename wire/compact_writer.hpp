@@ -39,13 +39,12 @@ TableExtent writeTableFields(TableOut out, const uint8_t* from);
 
 // Writes a vtable at `vtable` and its table behind it. Returns the end of all of it.
 template <const Record& record>
-uint8_t* writeTable(uint8_t* vtable, const uint8_t* from) {
+[[gnu::always_inline]] inline uint8_t* writeTable(uint8_t* vtable, const uint8_t* from) {
   constexpr uint32_t length = vtableLength(record);
   const TableOut out{vtable + length, vtable + 4};
   const auto [end, leftOut] = writeTableFields<record>(out, from);
-  host::store(vtable, static_cast<uint16_t>(length));
-  // Sixteen bits hold it for every record without byte strings; readers never look at it.
-  host::store(vtable + 2, static_cast<uint16_t>(end - leftOut));
+  // Sixteen bits hold the table length of every record without byte strings; readers do not look.
+  host::store(vtable, length | static_cast<uint32_t>(end - leftOut) << 16);
   host::store(out.table, length);
   return out.table + end;
 }

@@ -148,11 +148,11 @@ inline constexpr auto imageStretches = [] {
   Stretches<2 * detail::leafCount(record) + 1> image;
   uint32_t end = 0;
   for (const detail::Leaf& leaf : detail::leaves<record>) {
-    image.append({end, end, leaf.image - end, true});
-    image.append({leaf.image, leaf.record, leaf.size, false});
+    image.append({end, leaf.image - end, {end, true}});
+    image.append({leaf.image, leaf.size, {leaf.record, false}});
     end = leaf.image + leaf.size;
   }
-  image.append({end, end, fixedLength(record) - end, true});
+  image.append({end, fixedLength(record) - end, {end, true}});
   return image;
 }();
 
@@ -162,11 +162,11 @@ inline constexpr auto recordStretches = [] {
   Stretches<2 * detail::leafCount(record) + 1> stretches;
   uint32_t end = 0;
   for (const detail::Leaf& leaf : detail::leaves<record>) {
-    stretches.append({end, 0, leaf.record - end, true});
-    stretches.append({leaf.record, leaf.image, leaf.size, false});
+    stretches.append({end, leaf.record - end, {0, true}});
+    stretches.append({leaf.record, leaf.size, {leaf.image, false}});
     end = leaf.record + leaf.size;
   }
-  stretches.append({end, 0, record.size - end, true});
+  stretches.append({end, record.size - end, {0, true}});
   return stretches;
 }();
 

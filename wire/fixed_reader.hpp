@@ -84,20 +84,26 @@ template <const Record& record, size_t index>
   }
 }
 
+// The record's padding is made of zeros.
+inline constexpr std::array<uint8_t, host::chunk> zeros{};
+
 template <const Record& record>
-inline constexpr auto recordPlan = planStores<4 + record.size / 2>(recordStretches<record>.all(),
-                                                                   {.destination = record.size,
-                                                                    .source = fixedVtable(record) +
-                                                                              vtableLength(record),
-                                                                    .constants = host::chunk});
+inline constexpr StorePlan recordPlan = planStores<record.size>(
+    recordStretches<record>.all(),
+    {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
+
+template <Origin origin>
+[[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* image) {
+  return (origin.isConstant ? zeros.data() : image) + origin.from;
+}
 
 template <const Record& record, size_t index>
 [[gnu::always_inline]] inline void fillPiece(uint8_t* into, const uint8_t* image) {
-  constexpr Stretch store = recordPlan<record>.list[index];
-  if constexpr (store.isConstant) {
-    host::clearConstant<store.size>(into + store.to);
+  constexpr Store store = recordPlan<record>.stores[index];
+  if constexpr (store.isPair) {
+    storePair(into + store.to, bytesOf<store.low>(image), bytesOf<store.high>(image));
   } else {
-    host::copyConstant<store.size>(into + store.to, image + store.from);
+    host::copyConstant<store.size>(into + store.to, bytesOf<store.low>(image));
   }
 }
 

@@ -7,9 +7,8 @@ namespace mesh::wire {
 namespace detail {
 
 template <const Record& record>
-inline constexpr auto imagePlan = planStores<4 + fixedLength(record) / 4>(
-    imageStretches<record>.all(),
-    {.destination = fixedLength(record), .source = record.size, .constants = fixedLength(record)});
+inline constexpr StorePlan imagePlan = planStores<fixedLength(record)>(
+    imageStretches<record>.all(), {.source = record.size, .constants = fixedLength(record)});
 
 // A piece of the frame, as an object of its own: small ones become immediate values in the code.
 template <const Record& record, uint32_t from, uint32_t size>
@@ -19,14 +18,23 @@ inline constexpr auto framePiece = [] {
   return piece;
 }();
 
+template <const Record& record, Origin origin, uint32_t size>
+[[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* from) {
+  if constexpr (origin.isConstant) {
+    return framePiece<record, origin.from, size>.data();
+  } else {
+    return from + origin.from;
+  }
+}
+
 template <const Record& record, size_t index>
 [[gnu::always_inline]] inline void writePiece(uint8_t* image, const uint8_t* from) {
-  constexpr Stretch store = imagePlan<record>.list[index];
-  if constexpr (store.isConstant) {
-    host::copyConstant<store.size>(image + store.to,
-                                   framePiece<record, store.from, store.size>.data());
+  constexpr Store store = imagePlan<record>.stores[index];
+  if constexpr (store.isPair) {
+    storePair(image + store.to, bytesOf<record, store.low, 8>(from),
+              bytesOf<record, store.high, 8>(from));
   } else {
-    host::copyConstant<store.size>(image + store.to, from + store.from);
+    host::copyConstant<store.size>(image + store.to, bytesOf<record, store.low, store.size>(from));
   }
 }
 

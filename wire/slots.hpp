@@ -6,8 +6,10 @@
 // one out of order or one more than the struct has does not compile.
 #pragma once
 
+#include <algorithm>
+#include <string_view>
+
 #include "wire/schema.hpp"
-#include "wire/text.hpp"
 
 namespace mesh::wire {
 
@@ -139,14 +141,17 @@ constexpr bool slotsAreTheStruct(const Record& record) {
       #field, offsetof(Self, field##_count), offsetof(Self, field))
 
 // The schema of a record: its type's name, its style, its slots in slot order.
-#define MESH_SCHEMA(record_type, record_style, ...)                                              \
-  template <>                                                                                    \
-  struct mesh::wire::SchemaOf<::record_type> {                                                   \
-    using Self = ::record_type;                                                                  \
-    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});                \
-    static constexpr auto rootReader = joinTexts(#record_type, "_unpack");                       \
-    static constexpr auto tableReader = joinTexts(#record_type, "_unpack_non_root");             \
-    static constexpr mesh::wire::Record record{                                                  \
-        #record_type, rootReader.data(), tableReader.data(), sizeof(Self), record_style, slots}; \
-    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");             \
+#define MESH_SCHEMA(record_type, record_style, ...)                                  \
+  template <>                                                                        \
+  struct mesh::wire::SchemaOf<::record_type> {                                       \
+    using Self = ::record_type;                                                      \
+    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});    \
+    static constexpr mesh::wire::Record record{#record_type,                         \
+                                               #record_type "_unpack",               \
+                                               #record_type "_unpack_non_root",      \
+                                               #record_type "_free_unpacked",        \
+                                               sizeof(Self),                         \
+                                               record_style,                         \
+                                               slots};                               \
+    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ"); \
   };
