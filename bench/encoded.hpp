@@ -32,7 +32,7 @@ class Encoded {
   }
 
  private:
-  std::vector<uint8_t> bytes_;
+  Placed<uint8_t> bytes_;
   std::vector<uint32_t> ends_;
 };
 

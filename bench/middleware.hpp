@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "bench/placement.hpp"
+
 namespace bench {
 
 // Messages to this node are dropped.
@@ -15,7 +17,7 @@ inline constexpr uint32_t capturingDestination = 2;
 // The tables that this thread has sent to the capturing node since the last call, one after the
 // other, and where each ends.
 struct Captured {
-  std::vector<uint8_t> bytes;
+  Placed<uint8_t> bytes;
   std::vector<uint32_t> ends;
 };
 Captured takeCaptured();

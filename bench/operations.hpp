@@ -7,15 +7,16 @@
 #include <bit>
 
 #include "bench/encoded.hpp"
+#include "bench/placement.hpp"
 #include "bench/plain_copy.hpp"
 
 namespace bench {
 
-// Nanoseconds of a pass become nanoseconds a record.
+// Nanoseconds of a pass become nanoseconds a record, of all threads together.
 inline void report(benchmark::State& state, uint32_t records, double bytesPerRecord) {
   using benchmark::Counter;
-  state.counters["ns_per_record"] =
-      Counter(records * 1e-9, Counter::kIsIterationInvariantRate | Counter::kInvert);
+  state.counters["ns_per_record"] = Counter(
+      records * 1e-9, Counter::kIsIterationInvariantRate | Counter::kAvgThreads | Counter::kInvert);
   state.counters["bytes_per_record"] = Counter(bytesPerRecord, Counter::kAvgThreads);
   state.counters["records"] = Counter(records, Counter::kAvgThreads);
 }
@@ -29,15 +30,14 @@ inline Shape ofThread(Shape shape, const benchmark::State& state) {
 template <typename Record>
 void copyCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
-  std::vector<uint8_t> room(records.partsBytes());
+  Placed<uint8_t> room(records.partsBytes());
   const CopyFunction copy = opaqueCopy();
-  Record into{};
-  for (auto _ : state) {
+  Placed<Record> into(1);
+  timePasses(state, [&records, copy, to = into.data(), parts = room.data()] {
     for (const Record& record : records) {
-      copyRecord(copy, &into, &record, room.data());
+      copyRecord(copy, to, &record, parts);
     }
-    benchmark::ClobberMemory();
-  }
+  });
   report(state, records.size(), static_cast<double>(sizeof(Record) + records.partsBytes()));
 }
 
@@ -47,30 +47,28 @@ void packCase(benchmark::State& state, Shape shape) {
   const Encoded encoded = encodeCompact(records);
   uint32_t largest = 0;
   encoded.each([&](const uint8_t*, uint32_t length) { largest = std::max(largest, length); });
-  std::vector<uint8_t> buffer(largest);
-  for (auto _ : state) {
+  Placed<uint8_t> buffer(largest);
+  timePasses(state, [&records, largest, to = buffer.data()] {
     for (const Record& record : records) {
       uint32_t length = largest;
-      Exported<Record>::pack(&record, buffer.data(), &length);
+      Exported<Record>::pack(&record, to, &length);
     }
-    benchmark::ClobberMemory();
-  }
+  });
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
 // Where the record owns memory, each one is given back at once.
 template <typename Record>
 void unpackAll(benchmark::State& state, const Encoded& encoded, uint32_t records) {
-  Record into{};
-  for (auto _ : state) {
-    encoded.each([&](const uint8_t* data, uint32_t length) {
-      Exported<Record>::unpack(data, length, &into);
+  Placed<Record> into(1);
+  timePasses(state, [&encoded, to = into.data()] {
+    encoded.each([to](const uint8_t* data, uint32_t length) {
+      Exported<Record>::unpack(data, length, to);
       if constexpr (owns<Record>) {
-        Exported<Record>::release(&into);
+        Exported<Record>::release(to);
       }
     });
-    benchmark::ClobberMemory();
-  }
+  });
   report(state, records, encoded.bytesPerRecord());
 }
 
@@ -113,12 +111,11 @@ template <typename Record>
 void singleCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
   const Encoded encoded = encodeAsSent(records);
-  for (auto _ : state) {
+  timePasses(state, [&records] {
     for (const Record& record : records) {
       Exported<Record>::sendSingle(anyDestination, &record);
     }
-    benchmark::ClobberMemory();
-  }
+  });
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
@@ -146,13 +143,12 @@ void batchCase(benchmark::State& state, Shape shape, uint32_t wanted) {
       takeCaptured().ends.size() != batch) {
     failRoundTrip(Exported<Record>::name, "__sendbatch fails");
   }
-  for (auto _ : state) {
-    const Record* first = records.begin();
-    for (uint32_t index = 0; index < batches; ++index, first += batch) {
-      Exported<Record>::sendBatch(anyDestination, first, batch);
+  timePasses(state, [first = records.begin(), batch, batches] {
+    const Record* next = first;
+    for (uint32_t index = 0; index < batches; ++index, next += batch) {
+      Exported<Record>::sendBatch(anyDestination, next, batch);
     }
-    benchmark::ClobberMemory();
-  }
+  });
   report(state, batches * batch, encoded.bytesPerRecord());
   state.counters["batch"] = benchmark::Counter(batch, benchmark::Counter::kAvgThreads);
 }

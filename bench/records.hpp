@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <vector>
 
 #include "bench/exported.hpp"
+#include "bench/placement.hpp"
 #include "bench/random.hpp"
 
 namespace bench {
@@ -61,8 +61,8 @@ class Records {
   }
 
  private:
-  std::vector<Record> records_;
-  std::vector<uint64_t> parts_;  // words, so that runs of records are aligned
+  Placed<Record> records_;
+  Placed<uint64_t> parts_;  // words, so that runs of records are aligned
 };
 
 }  // namespace bench

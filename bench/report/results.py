@@ -11,7 +11,8 @@ class Result:
     message: str
     operation: str
     number: int | None  # the batch, the length, the threads, where one of them is varied
-    ns: float  # a record
+    ns: float  # a record, of all threads together
+    cpu_ns: float  # a record, of one thread's processor
     bytes: float  # a record
     spread: float | None  # standard deviation over mean, of the repetitions
 
@@ -64,4 +65,5 @@ def _results_of(entries):
         group, message, operation, *rest = entry["run_name"].split("/")
         number = int(rest[0]) if rest and rest[0].isdigit() else None
         yield Result(group, message, operation, number, entry["ns_per_record"],
-                     entry["bytes_per_record"], spreads.get(entry["run_name"]))
+                     entry["cpu_time"] / entry["records"], entry["bytes_per_record"],
+                     spreads.get(entry["run_name"]))

@@ -21,6 +21,14 @@ _ROWS = {
     "l2vpn_stat_pw_stat": (2.4, 1.5, 2.3, 5, 8, 6, 10),
 }
 
+MESSAGES = tuple(_ROWS)
+
+# How far apart the costs of a record may lie over batches of 16 to 4,096 records.
+FLATNESS = 0.20
+
+# How far two threads may stay behind twice the work of one.
+THREAD_LOSS = 0.10
+
 
 def target(message, operation):
     """None where none is set."""
