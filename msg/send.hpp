@@ -102,7 +102,8 @@ template <host::Module& module, const Message& message>
                                                     [[maybe_unused]] const char* operation) {
   constexpr uint32_t length = wire::fixedLength(*message.record);
   if constexpr (length <= largestOnStack) {
-    alignas(16) uint8_t image[length];
+    // Never across two pages: a store that is costs as much as all others together.
+    alignas(std::bit_ceil(length)) uint8_t image[length];
     return sendImage<module, message>(image, destination, record, extra);
   } else {
     const SendBlock<module> block(length, operation);
