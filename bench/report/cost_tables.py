@@ -51,5 +51,6 @@ def spread(results):
     spreads = sorted(r.spread for r in results.of_group("target") if r.spread is not None)
     if not spreads:
         return "Measured once: the figures are a first look."
-    return (f"Spread of the repetitions (standard deviation over mean): half of the cases below "
-            f"{100 * spreads[len(spreads) // 2]:.1f} %, the worst {100 * spreads[-1]:.0f} %.")
+    return (f"Medians of {results.context['runs']} runs; within one, the repetitions' standard "
+            f"deviation is {100 * spreads[len(spreads) // 2]:.1f} % of their mean in half of the "
+            f"cases, {100 * spreads[-1]:.0f} % in the worst.")
