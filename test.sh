@@ -5,7 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev
+tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev \
+  libbenchmark-dev python3
 
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release asan tsan)

@@ -29,6 +29,7 @@ with probability one half.
 def page(measured):
     parts = [_plot("Against what is aimed at", "How many plain copies an operation costs.",
                    bars.against_targets(measured.results))]
+    parts += [table.as_html(made) for made in all_tables.of_the_targets(measured)]
     for fill, what in (("full", "no scalar is zero"), ("sparse", "half of the scalars are zero")):
         parts.append(_plot(
             f"Against other libraries, {fill} records",
@@ -44,7 +45,7 @@ def page(measured):
               lines.against_length(measured.results)),
         _plot("Two threads", "l2vpn_sync_vll_pw, by the clock on the wall.",
               bars.with_threads(measured.results))]
-    parts += [table.as_html(made) for made in all_tables.of_the_page(measured)]
+    parts += [table.as_html(made) for made in all_tables.of_the_details(measured)]
     return (f"<!doctype html><html lang=en><meta charset=utf-8>"
             f"<meta name=viewport content='width=device-width'><title>libmesh_l2vpn: costs</title>"
             f"<style>{_STYLE}</style><h1>What libmesh_l2vpn costs</h1>"

@@ -35,8 +35,11 @@ class Results:
         result = self.find(group, message, operation, number)
         return None if result is None else result.ns
 
+    def all(self):
+        return list(self._by_case.values())
+
     def of_group(self, group):
-        return [r for r in self._by_case.values() if r.group == group]
+        return [r for r in self.all() if r.group == group]
 
     def messages(self, group):
         return list(dict.fromkeys(r.message for r in self.of_group(group)))
