@@ -38,7 +38,6 @@ constexpr void listFrame(const Record& record, uint32_t image, FramePart*& out) 
   *out++ = {image + fixedVtable(record), vtableLength(record)};
 }
 
-// The root word and the table's vtable offset come first, the vtable last.
 template <const Record& record>
 inline constexpr auto frameParts = [] {
   std::array<FramePart, framePartCount(record)> parts{};
@@ -88,9 +87,9 @@ template <const Record& record, size_t index>
 inline constexpr std::array<uint8_t, host::chunk> zeros{};
 
 template <const Record& record>
-inline constexpr StorePlan recordPlan = planStores<record.size>(
-    recordStretches<record>.all(),
-    {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
+inline constexpr StorePlan recordPlan =
+    planStores(recordStretches<record>.all(),
+               {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
 
 template <Origin origin>
 [[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* image) {
@@ -113,15 +112,15 @@ template <const Record& record, size_t index>
 // and what stands behind it, may be anything.
 template <const Record& record>
 [[gnu::always_inline]] inline bool hasFixedFrame(Buffer<host::ByteOrder::Host> buffer) {
-  // One comparison tells most other buffers apart.
+  // The root word tells most other buffers apart, and of those it is all that is looked at here.
   if (buffer.length < fixedVtable(record) + vtableLength(record) ||
-      detail::partDiffers<record, 0>(buffer.data) != 0) {
+      buffer.read<uint32_t>(0) != fixedTable) {
     return false;
   }
   return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    return (detail::partDiffers<record, index + 1>(buffer.data) | ...) == 0;
+    return (detail::partDiffers<record, index>(buffer.data) | ...) == 0;
   }
-  (std::make_index_sequence<detail::frameParts<record>.size() - 1>());
+  (std::make_index_sequence<detail::frameParts<record>.size()>());
 }
 
 // Fills the record, its padding with zeros, from an image that has the fixed frame.

@@ -7,8 +7,9 @@ namespace mesh::wire {
 namespace detail {
 
 template <const Record& record>
-inline constexpr StorePlan imagePlan = planStores<fixedLength(record)>(
-    imageStretches<record>.all(), {.source = record.size, .constants = fixedLength(record)});
+inline constexpr StorePlan imagePlan = planStores(imageStretches<record>.all(),
+                                                  {.source = record.size,
+                                                   .constants = fixedLength(record)});
 
 // A piece of the frame, as an object of its own: small ones become immediate values in the code.
 template <const Record& record, uint32_t from, uint32_t size>

@@ -75,38 +75,41 @@ struct PlanLimits {
 
 namespace detail {
 
-// Looks for the shortest plan over all ways to lay down the destination's first bytes.
-template <uint32_t destination>
+constexpr bool isCopiedAsAWhole(const Stretch& stretch) {
+  return stretch.size > host::largestInPlace;
+}
+
+// Looks for the shortest plan over all ways to lay down neighbouring stretches.
 class StorePlanner {
  public:
   constexpr StorePlanner(std::span<const Stretch> stretches, const PlanLimits& limits)
-      : limits_(limits) {
+      : limits_(limits), begin_(stretches.front().to), size_(0) {
     for (const Stretch& stretch : stretches) {
       for (uint32_t at = 0; at < stretch.size; ++at) {
-        stretchAt_[stretch.to + at] = &stretch;
+        stretchAt_[size_++] = &stretch;
       }
     }
   }
 
-  constexpr StorePlan plan() {
+  constexpr void addTo(StorePlan& plan) {
     best_[0].cost = 0;
-    for (uint32_t laid = 0; laid < destination; ++laid) {
+    for (uint32_t laid = 0; laid < size_; ++laid) {
       if (best_[laid].cost != unreached) {
         tryStores(laid);
       }
     }
-    StorePlan plan;
-    for (uint32_t laid = destination; laid > 0; laid = best_[laid].before) {
+    for (uint32_t laid = size_; laid > 0; laid = best_[laid].before) {
       ++plan.count;
     }
     size_t index = plan.count;
-    for (uint32_t laid = destination; laid > 0; laid = best_[laid].before) {
+    for (uint32_t laid = size_; laid > 0; laid = best_[laid].before) {
       plan.stores[--index] = best_[laid].store;
+      plan.stores[index].to += begin_;
     }
-    return plan;
   }
 
  private:
+  static constexpr uint32_t largest = 512;
   static constexpr uint32_t unreached = UINT32_MAX;
   static constexpr uint32_t chunk = host::chunk;
   static constexpr uint32_t pairHalf = chunk / 2;
@@ -130,31 +133,24 @@ class StorePlanner {
 
   constexpr Origin originAt(uint32_t to) const {
     const Stretch& stretch = *stretchAt_[to];
-    return {stretch.origin.from + to - stretch.to, stretch.origin.isConstant};
+    return {stretch.origin.from + begin_ + to - stretch.to, stretch.origin.isConstant};
   }
 
-  constexpr uint32_t endAt(uint32_t to) const { return stretchAt_[to]->to + stretchAt_[to]->size; }
-
-  constexpr bool isWhole(uint32_t to) const { return stretchAt_[to]->size > host::largestInPlace; }
+  constexpr uint32_t endAt(uint32_t to) const {
+    return stretchAt_[to]->to + stretchAt_[to]->size - begin_;
+  }
 
   constexpr void consider(uint32_t laid, uint32_t end, const Store& store) {
     const uint32_t cost = best_[laid].cost + costOfStore + (store.isPair ? costOfPair : 0) +
-                          (store.to % pairHalf != 0 ? costOfCrossing : 0);
+                          ((begin_ + store.to) % pairHalf != 0 ? costOfCrossing : 0);
     if (end > laid && cost < best_[end].cost) {
       best_[end] = {cost, laid, store};
     }
   }
 
   constexpr void tryStores(uint32_t laid) {
-    if (isWhole(laid)) {
-      consider(laid, endAt(laid), {laid, stretchAt_[laid]->size, originAt(laid), {}, false});
-      return;
-    }
     const uint32_t first = laid < chunk ? 0 : laid + 1 - chunk;
     for (uint32_t to = laid + 1; to-- > first;) {
-      if (isWhole(to)) {
-        break;
-      }
       for (uint32_t size = 1; size <= chunk; size *= 2) {
         tryPlain(laid, to, size);
       }
@@ -164,7 +160,7 @@ class StorePlanner {
 
   constexpr void tryPlain(uint32_t laid, uint32_t to, uint32_t size) {
     const Origin origin = originAt(to);
-    if (to + size <= destination && mayRead(origin, size)) {
+    if (to + size <= size_ && mayRead(origin, size)) {
       const uint32_t end = endAt(to) < to + size ? endAt(to) : to + size;
       consider(laid, end, {to, size, origin, {}, false});
     }
@@ -172,28 +168,45 @@ class StorePlanner {
 
   constexpr void tryPair(uint32_t laid, uint32_t to) {
     const uint32_t middle = to + pairHalf;
-    if (to + chunk > destination || endAt(to) < middle || isWhole(middle)) {
+    const uint32_t end = to + chunk;
+    if (end > size_ || endAt(to) < middle) {
       return;
     }
     const Origin low = originAt(to);
     const Origin high = originAt(middle);
     if (mayRead(low, pairHalf) && mayRead(high, pairHalf)) {
-      const uint32_t end = to + chunk;
       consider(laid, endAt(middle) < end ? endAt(middle) : end, {to, chunk, low, high, true});
     }
   }
 
   const PlanLimits limits_;
-  std::array<const Stretch*, destination> stretchAt_{};
-  std::array<Way, destination + 1> best_{};
+  const uint32_t begin_;
+  uint32_t size_;
+  std::array<const Stretch*, largest> stretchAt_{};
+  std::array<Way, largest + 1> best_{};
 };
 
 }  // namespace detail
 
 // `stretches` cover the destination's bytes from front to back without a gap.
-template <uint32_t destination>
-consteval StorePlan planStores(std::span<const Stretch> stretches, const PlanLimits& limits) {
-  return detail::StorePlanner<destination>(stretches, limits).plan();
+constexpr StorePlan planStores(std::span<const Stretch> stretches, const PlanLimits& limits) {
+  StorePlan plan;
+  size_t first = 0;
+  while (first < stretches.size()) {
+    size_t end = first;
+    while (end < stretches.size() && !detail::isCopiedAsAWhole(stretches[end])) {
+      ++end;
+    }
+    if (end > first) {
+      detail::StorePlanner(stretches.subspan(first, end - first), limits).addTo(plan);
+    }
+    if (end < stretches.size()) {
+      const Stretch& whole = stretches[end++];
+      plan.stores[plan.count++] = {whole.to, whole.size, whole.origin, {}, false};
+    }
+    first = end;
+  }
+  return plan;
 }
 
 // Eight bytes for each half. As doubles, which are moved and never calculated with: compilers load

@@ -12,17 +12,12 @@ namespace {
 
 using mesh::wire::Origin;
 using mesh::wire::PlanLimits;
+using mesh::wire::planStores;
 using mesh::wire::Store;
 using mesh::wire::StorePlan;
 using mesh::wire::Stretch;
 
 using Bytes = std::vector<uint8_t>;
-
-// Planning is for the compiler; here the planner itself runs.
-template <uint32_t destination>
-StorePlan planned(const std::vector<Stretch>& stretches, const PlanLimits& limits) {
-  return mesh::wire::detail::StorePlanner<destination>(stretches, limits).plan();
-}
 
 class Memory {
  public:
@@ -98,29 +93,31 @@ TEST(StorePlan, LaysDownEveryByteFromItsOriginAndReachesPastNoEnd) {
     const uint32_t longest = 1 + static_cast<uint32_t>(random()) % 40;
     const std::vector<Stretch> stretches = randomStretches(random, longest);
     Memory memory(size, limits);
-    ASSERT_NO_THROW(memory.carryOut(planned<size>(stretches, limits)));
+    ASSERT_NO_THROW(memory.carryOut(planStores(stretches, limits)));
     ASSERT_EQ(memory.destination(), memory.expected(stretches)) << "round " << round;
   }
 }
 
 TEST(StorePlan, TakesTwoStoresForTwentyFiveBytes) {
-  const StorePlan plan =
-      planned<25>({{0, 25, {0, false}}}, PlanLimits{.source = 25, .constants = 0});
+  const std::vector<Stretch> stretches{{0, 25, {0, false}}};
+  const StorePlan plan = planStores(stretches, {.source = 25, .constants = 0});
   EXPECT_EQ(plan.count, 2U);
 }
 
 TEST(StorePlan, PutsEightBytesAndEightConstantsIntoOneStore) {
-  const StorePlan plan =
-      planned<16>({{0, 8, {0, false}}, {8, 8, {0, true}}}, PlanLimits{.source = 8, .constants = 8});
+  const std::vector<Stretch> stretches{{0, 8, {0, false}}, {8, 8, {0, true}}};
+  const StorePlan plan = planStores(stretches, {.source = 8, .constants = 8});
   EXPECT_EQ(plan.count, 1U);
 }
 
 TEST(StorePlan, CopiesWhatIsLargeAsAWhole) {
-  const StorePlan plan = planned<304>({{0, 4, {0, true}}, {4, 300, {0, false}}},
-                                      PlanLimits{.source = 300, .constants = 16});
-  ASSERT_EQ(plan.count, 2U);
+  const std::vector<Stretch> stretches{
+      {0, 4, {0, true}}, {4, 300, {0, false}}, {304, 4, {8, true}}};
+  const StorePlan plan = planStores(stretches, {.source = 300, .constants = 16});
+  ASSERT_EQ(plan.count, 3U);
   EXPECT_EQ(plan.stores[1].to, 4U);
   EXPECT_EQ(plan.stores[1].size, 300U);
+  EXPECT_EQ(plan.stores[2].to, 304U);
 }
 
 }  // namespace
