@@ -1,11 +1,15 @@
 // Where nodes are found: address book, tcp, the private directory.
+#include <dlfcn.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <fstream>
+#include <vector>
 
+#include "support/free_port.hpp"
 #include "support/node_fixture.hpp"
 
 namespace platform_test {
@@ -14,19 +18,6 @@ namespace {
 using AddressBook = NodeFixture;
 using Tcp = NodeFixture;
 using RuntimeDirectory = NodeFixture;
-
-// A port that was free a moment ago.
-std::string freePort() {
-  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr*>(&address), length), 0);
-  EXPECT_EQ(getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length), 0);
-  close(socket);
-  return std::to_string(ntohs(address.sin_port));
-}
 
 mesh_node_options withBook(const std::string& text) {
   mesh_node_options options = impatient();
@@ -58,6 +49,19 @@ TEST_F(AddressBook, ReadsAddressesCommentsAndBlanks) {
     ASSERT_EQ(sendNotes(node == ten ? 10 : 0xFFFFFFFF, {"a"}), MESH_OK) << mesh_node_last_error();
     EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
   }
+}
+
+// The modes of Unix sockets at the moment they began to listen; filled by our listen() below.
+std::vector<mode_t> modesWhenListening;
+
+// Whoever may connect to it may do so from that moment on.
+TEST_F(AddressBook, NamesSocketsThatAreClosedToOthersFromTheirFirstMoment) {
+  const std::string book = "1 ipc://" + directory() + "/one";
+  modesWhenListening.clear();
+  const mode_t before = umask(0);
+  const OpenNode node = open(1, withBook(book));
+  umask(before);
+  EXPECT_EQ(modesWhenListening, std::vector<mode_t>({0600}));
 }
 
 TEST_F(AddressBook, NeverReplacesAFileThatIsNoSocket) {
@@ -137,8 +141,8 @@ TEST_F(AddressBook, RefusesBadLines) {
 }
 
 TEST_F(Tcp, CarriesCallsOverLoopback) {
-  const std::string book =
-      "1 tcp://127.0.0.1:" + freePort() + "\n2 tcp://localhost:" + freePort() + "\n";
+  const std::string book = "1 tcp://127.0.0.1:" + std::to_string(freePort()) +
+                           "\n2 tcp://localhost:" + std::to_string(freePort()) + "\n";
   const OpenNode one = open(1, withBook(book));
   const OpenNode two = open(2, withBook(book));
   ASSERT_EQ(sendNotes(2, {"a", "b"}, 9), MESH_OK) << mesh_node_last_error();
@@ -160,20 +164,20 @@ TEST_F(Tcp, CarriesCallsOverLoopbackOfTheSixthVersion) {
   if (!possible) {
     GTEST_SKIP() << "this machine has no [::1]";
   }
-  const std::string book = "1 tcp://[::1]:" + freePort() + "\n";
+  const std::string book = "1 tcp://[::1]:" + std::to_string(freePort()) + "\n";
   const OpenNode node = open(1, withBook(book));
   ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
 }
 
 TEST_F(Tcp, FindsNoDestinationWhenNobodyListens) {
-  const std::string book = "2 tcp://127.0.0.1:" + freePort() + "\n";
+  const std::string book = "2 tcp://127.0.0.1:" + std::to_string(freePort()) + "\n";
   const OpenNode node = open(1, withBook(book));
   EXPECT_EQ(sendNotes(2, {"a"}), MESH_NO_DESTINATION);
 }
 
 TEST_F(Tcp, RefusesAPortInUseAndFreesItOnClosing) {
-  const std::string book = "1 tcp://127.0.0.1:" + freePort() + "\n";
+  const std::string book = "1 tcp://127.0.0.1:" + std::to_string(freePort()) + "\n";
   for (int round = 0; round < 5; ++round) {
     const OpenNode node = open(1, withBook(book));
     EXPECT_EQ(resultOfOpening(1, withBook(book)), MESH_ADDRESS_IN_USE);
@@ -242,3 +246,16 @@ TEST_F(RuntimeDirectory, IsRefusedWhenItIsNone) {
 
 }  // namespace
 }  // namespace platform_test
+
+// Stands before the system's, for the middleware and its transport too.
+extern "C" int listen(int file, int backlog) {
+  sockaddr_un address{};
+  socklen_t length = sizeof address;
+  struct stat status {};
+  if (getsockname(file, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+      address.sun_family == AF_UNIX && stat(address.sun_path, &status) == 0) {
+    platform_test::modesWhenListening.push_back(status.st_mode & 0777);
+  }
+  static const auto system = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "listen"));
+  return system(file, backlog);
+}

@@ -1,6 +1,7 @@
 // The host's accounting allocator.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -184,6 +185,93 @@ TEST(Memory, OffersTheCacheToTheDecodingOwnerUnlessToldOtherwise) {
   EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 0u);
   setenv("DDM_OSAL_CACHE", "1", 1);
   EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 1u);
+}
+
+// The owner limit as long as a test lives.
+class OwnerLimit {
+ public:
+  explicit OwnerLimit(uint64_t bytes) { ddm_osal_owner_limit(bytes); }
+  ~OwnerLimit() { ddm_osal_owner_limit(usual); }
+  OwnerLimit(const OwnerLimit&) = delete;
+  OwnerLimit& operator=(const OwnerLimit&) = delete;
+
+  static constexpr uint64_t usual = 256 << 20;
+};
+
+TEST(MemoryLimit, IsOfEachOwnerAndOfWhatIsOutAtOnce) {
+  const OwnerLimit limit(100);
+  void* first = DDM_OsalMemAlloc(60, 0x501, "limit");
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(DDM_OsalMemAlloc(41, 0x501, "limit"), nullptr);
+  EXPECT_EQ(DDM_OsalMemCacheAlloc(UINT32_MAX, 0x501, "limit"), nullptr);
+  void* second = DDM_OsalMemCacheAlloc(40, 0x501, "limit");
+  EXPECT_NE(second, nullptr) << "the refused ones took nothing";
+  void* other = DDM_OsalMemAlloc(100, 0x502, "limit");
+  EXPECT_NE(other, nullptr) << "another owner has its own";
+  DDM_OsalMemFree(first, 0x501, "limit");
+  first = DDM_OsalMemAlloc(60, 0x501, "limit");
+  EXPECT_NE(first, nullptr);
+  const ddm_osal_memory_usage usage = usageOf(0x501);
+  EXPECT_EQ(usage.bytes_out, 100u);
+  EXPECT_EQ(usage.blocks_out, 2u);
+  EXPECT_EQ(usage.peak_bytes_out, 100u);
+  EXPECT_EQ(usage.total_blocks, 3u);
+  EXPECT_EQ(usage.refusals, 2u);
+  EXPECT_EQ(usageOf(0x502).refusals, 0u);
+  EXPECT_NE(report().find("owner 0x501: refused 2 times for its limit\n"), std::string::npos);
+  DDM_OsalMemFree(first, 0x501, "limit");
+  DDM_OsalMemFree(second, 0x501, "limit");
+  DDM_OsalMemFree(other, 0x502, "limit");
+}
+
+TEST(MemoryLimit, HoldsForSeveralThreadsTogether) {
+  const OwnerLimit limit(1000);
+  std::vector<std::thread> threads;
+  std::atomic<uint64_t> given = 0;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 2000; ++i) {
+        void* block = DDM_OsalMemAlloc(400, 0x503, "limit");
+        given += block != nullptr ? 1 : 0;
+        DDM_OsalMemFree(block, 0x503, "limit");
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  const ddm_osal_memory_usage usage = usageOf(0x503);
+  EXPECT_EQ(usage.bytes_out, 0u);
+  EXPECT_EQ(usage.total_blocks, given);
+  EXPECT_EQ(usage.total_blocks + usage.refusals, 8000u);
+  EXPECT_GT(given, 0u);
+}
+
+// Just under 1 MiB asks for all that one request can be.
+TEST(MemoryLimit, BoundsWhatAMessageCanMakeDecodingAskFor) {
+  ChildProcess small(peer({"amplify", "1000"}));
+  EXPECT_EQ(small.readLine(), "4036 bytes: decoded, refused 0 times, peak 16572000");
+  EXPECT_EQ(small.wait(), 0);
+  ChildProcess large(peer({"amplify", std::to_string(UINT32_MAX / 16572)}));
+  EXPECT_EQ(large.readLine(), "1036712 bytes: nothing, refused 1 times, peak 0");
+  EXPECT_EQ(large.wait(), 0);
+}
+
+TEST(MemoryLimit, ComesFromTheEnvironment) {
+  const auto largest = [](const char* mebibytes) {
+    setenv("DDM_OSAL_OWNER_LIMIT_MIB", mebibytes, 1);
+    ChildProcess child(peer({"largest"}));
+    unsetenv("DDM_OSAL_OWNER_LIMIT_MIB");
+    const std::string line = child.readLine();
+    EXPECT_EQ(child.wait(), 0);
+    return line;
+  };
+  EXPECT_EQ(largest("1"), "1 MiB");
+  EXPECT_EQ(largest("512"), "512 MiB");
+  EXPECT_EQ(largest("0"), "1024 MiB");
+  for (const char* nonsense : {"", "x", "-1", "1x", "4294967296"}) {
+    EXPECT_EQ(largest(nonsense), "256 MiB") << nonsense;
+  }
 }
 
 TEST(Memory, KeepsTheBooksOfMoreOwnersAndCallersThanItTellsApart) {

@@ -1,8 +1,10 @@
 // Opening, attaching and closing nodes; hooks.
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
 #include <cstring>
 #include <thread>
 
@@ -116,7 +118,8 @@ TEST_F(NodeLife, TurnsASecondReceiverAway) {
     }
   });
   int64_t second = 0;
-  while (second == 0) {
+  const Deadline deadline;
+  while (second == 0 && !deadline.passed()) {
     second = mesh_node_receive(node, 0, nullptr, nullptr);
   }
   done = true;
@@ -210,6 +213,11 @@ TEST_F(Registration, CallsEachCleanHookOnceWhenTheLastNodeCloses) {
   EXPECT_EQ(firstCleaned, 2);
 }
 
+// By the signal of a touched page, or (a sanitizer's report) by an exit code that is not 0.
+bool diedAtATrap(int status) {
+  return WIFSIGNALED(status) ? WTERMSIG(status) == SIGSEGV : WEXITSTATUS(status) != 0;
+}
+
 TEST_F(Registration, GivesDecodersAZeroedMebibyteThatEndsAtATrap) {
   constexpr uint32_t areaSize = 1 << 20;
   const mesh_free_hook release = [](void*) {};
@@ -225,6 +233,7 @@ TEST_F(Registration, GivesDecodersAZeroedMebibyteThatEndsAtATrap) {
     }
     std::memset(bytes, 0xFF, areaSize);
     if (length > 1) {
+      std::fputs("decoding\n", stderr);
       *static_cast<volatile unsigned char*>(bytes + areaSize) = 1;
     }
     return areaSize;
@@ -240,7 +249,9 @@ TEST_F(Registration, GivesDecodersAZeroedMebibyteThatEndsAtATrap) {
     static_cast<void>(sendNotes(1, {"over"}, 0, 0x2002));
     static_cast<void>(mesh_node_receive(node, 10000, nullptr, nullptr));
   };
-  EXPECT_DEATH(overrun(), "");
+  // Nothing but the trap ends the child this way, and not before the decoder has the record. Under
+  // a sanitizer, which handles the signal itself, the child says so instead.
+  EXPECT_EXIT(overrun(), diedAtATrap, "decoding|SEGV");
 }
 
 TEST(ResultText, NamesEveryResultDifferently) {

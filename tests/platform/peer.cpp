@@ -1,12 +1,17 @@
 // The other process of the tests.
 //
 //   receive <address> <count>          receives so many notes and tells what it counted
+//   count <address>                    receives until its input ends and tells what it counted
+//   stream <address> <to> <notes a call>   sends without end, and waits to be killed
 //   hold <address>                     opens a node, never reads, and waits to be killed
 //   send <address> <to> <calls> <notes a call>
 //   log <lines> <burst>                writes log lines that may not all pass
 //   crowd <owners> <callers>           takes a block as each caller, gives it back, reports twice
+//   largest                            tells the largest block of 2^n MiB, up to 1024, that it gets
+//   amplify <items>                    decodes a message whose every item is four bytes
 //
 // Each tells "ready" when its node is open. The exit code is the result of what it did.
+#include <poll.h>
 #include <unistd.h>
 
 #include <cinttypes>
@@ -18,7 +23,9 @@
 
 #include "ddm/osal.h"
 #include "ddm/osal_workstation.h"
+#include "mesh_l2vpn/l2vpn_cfg.h"
 #include "support/note.hpp"
+#include "support/raw_sender.hpp"
 
 namespace {
 
@@ -48,6 +55,31 @@ int receive(const char* address, const char* count) {
   std::printf("notes %zu lost %" PRIu64 " missed %" PRIu64 "\n", notes.size(), counted.lost_calls,
               counted.missed_before_first);
   return mesh_node_close(node);
+}
+
+int count(const char* address) {
+  registerNotes();
+  mesh_node* node = openAndTell(address, nullptr);
+  pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+  while (poll(&input, 1, 0) == 0) {
+    static_cast<void>(mesh_node_receive(node, 50, nullptr, nullptr));
+  }
+  while (mesh_node_receive(node, 200, nullptr, nullptr) > 0) {
+  }
+  const mesh_node_statistics counted = statisticsOf(node);
+  std::printf("calls %" PRIu64 " lost %" PRIu64 " missed %" PRIu64 " malformed %" PRIu64 "\n",
+              counted.received_calls, counted.lost_calls, counted.missed_before_first,
+              counted.malformed);
+  return mesh_node_close(node);
+}
+
+int stream(const char* address, const char* to, const char* notes) {
+  openAndTell(address, nullptr);
+  const std::vector<std::string> texts(number(notes), std::string(100, 'n'));
+  while (sendNotes(number(to), texts) == MESH_OK) {
+  }
+  std::printf("%s\n", mesh_node_last_error());
+  return 1;
 }
 
 int hold(const char* address) {
@@ -107,12 +139,54 @@ int crowd(const char* owners, const char* callers) {
   return 0;
 }
 
+int largest() {
+  uint32_t mebibytes = 1024;
+  void* block = nullptr;
+  while (mebibytes > 0 && (block = DDM_OsalMemAlloc(mebibytes << 20, 12, "largest")) == nullptr) {
+    mebibytes /= 2;
+  }
+  DDM_OsalMemFree(block, 12, "largest");
+  std::printf("%u MiB\n", mebibytes);
+  return 0;
+}
+
+// A message of l2vpn_cfg_query_dfx_rec whose items are all one table without fields.
+std::string manyItemsOfOneTable(uint32_t count) {
+  std::string bytes = littleEndian(12, 4) + littleEndian(8, 2) + littleEndian(8, 2) +
+                      littleEndian(0, 2) + littleEndian(4, 2) + littleEndian(8, 4) +
+                      littleEndian(4, 4) + littleEndian(count, 4);
+  // Each word counts from itself to the table: 4 bytes of vtable lie between the last and it.
+  for (uint32_t item = 0; item < count; ++item) {
+    bytes += littleEndian(4 * (count - item) + 4, 4);
+  }
+  return bytes + littleEndian(4, 2) + littleEndian(4, 2) + littleEndian(4, 4);
+}
+
+int amplify(const char* items) {
+  const std::string bytes = manyItemsOfOneTable(number(items));
+  l2vpn_cfg_query_dfx_rec record{};
+  l2vpn_cfg_query_dfx_rec__unpack(reinterpret_cast<const uint8_t*>(bytes.data()),
+                                  static_cast<uint32_t>(bytes.size()), &record);
+  ddm_osal_memory_usage usage;
+  ddm_osal_memory_usage_get(12, &usage);
+  std::printf("%zu bytes: %s, refused %" PRIu64 " times, peak %" PRIu64 "\n", bytes.size(),
+              record.f1 == nullptr ? "nothing" : "decoded", usage.refusals, usage.peak_bytes_out);
+  l2vpn_cfg_query_dfx_rec_free__unpacked(&record);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::string command = argc > 1 ? argv[1] : "";
   if (command == "receive" && argc == 4) {
     return receive(argv[2], argv[3]);
+  }
+  if (command == "count" && argc == 3) {
+    return count(argv[2]);
+  }
+  if (command == "stream" && argc == 5) {
+    return stream(argv[2], argv[3], argv[4]);
   }
   if (command == "hold" && argc == 3) {
     return hold(argv[2]);
@@ -125,6 +199,12 @@ int main(int argc, char** argv) {
   }
   if (command == "crowd" && argc == 4) {
     return crowd(argv[2], argv[3]);
+  }
+  if (command == "largest" && argc == 2) {
+    return largest();
+  }
+  if (command == "amplify" && argc == 3) {
+    return amplify(argv[2]);
   }
   std::fputs("no such command\n", stderr);
   return 100;

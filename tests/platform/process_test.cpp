@@ -78,7 +78,8 @@ TEST_F(Processes, LearnHowManyCallsDiedWithTheirPredecessor) {
   killed.wait();
   // Until the connection's end is known, further calls go the way of the first ten.
   uint32_t result = MESH_OK;
-  while (result == MESH_OK) {
+  const Deadline deadline;
+  while (result == MESH_OK && !deadline.passed()) {
     result = sendNotes(2, {"nobody there"});
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }

@@ -30,8 +30,17 @@ bool isOf(const CallerAccount& account, uint32_t owner, const char* caller) {
 
 }  // namespace
 
-void OwnerAccount::take(uint64_t bytes) {
-  const uint64_t now = out.take(bytes);
+bool OwnerAccount::reserve(uint64_t bytes, uint64_t limit) {
+  if (out.take(bytes) <= limit) {
+    return true;
+  }
+  out.giveBack(bytes);
+  refusals.fetch_add(1, std::memory_order_relaxed);
+  return false;
+}
+
+void OwnerAccount::noteTaken(uint64_t bytes) {
+  const uint64_t now = out.bytes();
   uint64_t peak = peakBytes.load(std::memory_order_relaxed);
   while (now > peak && !peakBytes.compare_exchange_weak(peak, now, std::memory_order_relaxed)) {
   }

@@ -36,8 +36,14 @@ struct alignas(64) OwnerAccount {
   std::atomic<uint64_t> peakBytes = 0;
   std::atomic<uint64_t> totalBlocks = 0;
   std::atomic<uint64_t> totalBytes = 0;
+  std::atomic<uint64_t> refusals = 0;
 
-  void take(uint64_t bytes);
+  // Books the bytes as out. False, and a refusal counted instead, when more than `limit` would be.
+  // Where threads meet at the limit, one that would have fitted may be refused too.
+  [[nodiscard]] bool reserve(uint64_t bytes, uint64_t limit);
+
+  // The bytes that were reserved are a block now.
+  void noteTaken(uint64_t bytes);
 };
 
 struct CallerAccount {
@@ -62,6 +68,10 @@ inline constexpr uint32_t sharedAccount = 0;
 
 extern std::array<OwnerAccount, ownerCapacity> ownerAccounts;
 extern std::array<CallerAccount, callerCapacity> callerAccounts;
+
+inline uint32_t indexOf(const OwnerAccount& account) {
+  return static_cast<uint32_t>(&account - ownerAccounts.data());
+}
 
 // The index of the account, which is made when there is none.
 uint32_t ownerAccountFor(uint32_t owner);

@@ -1,9 +1,13 @@
 // The accounting allocator.
+#include <algorithm>
+#include <atomic>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
 #include "ddm/osal.h"
+#include "ddm/osal_workstation.h"
 #include "osal/accounts.hpp"
 #include "osal/block.hpp"
 #include "osal/export.hpp"
@@ -18,18 +22,59 @@ namespace {
 // The owner that decodes messages, and the only one the cache is meant for.
 constexpr uint32_t decodingOwner = 12;
 
+constexpr uint64_t mebibyte = uint64_t{1} << 20;
+constexpr uint64_t usualLimit = 256 * mebibyte;
+
+// $DDM_OSAL_OWNER_LIMIT_MIB; what is not a number leaves the usual limit.
+uint64_t limitByEnvironment() {
+  const char* wish = std::getenv("DDM_OSAL_OWNER_LIMIT_MIB");
+  uint32_t number = 0;
+  if (wish == nullptr) {
+    return usualLimit;
+  }
+  const char* const last = wish + std::strlen(wish);
+  const auto [end, error] = std::from_chars(wish, last, number);
+  if (error != std::errc{} || end != last) {
+    return usualLimit;
+  }
+  return number == 0 ? UINT64_MAX : number * mebibyte;
+}
+
+// What one owner may have out. Read when first asked for: other libraries may take memory while
+// they are loaded.
+constexpr uint64_t notRead = 0;
+constinit std::atomic<uint64_t> ownerLimit = notRead;
+
+uint64_t currentLimit() {
+  uint64_t limit = ownerLimit.load(std::memory_order_relaxed);
+  if (limit == notRead) {
+    const uint64_t read = limitByEnvironment();
+    // Unless someone has just set another.
+    if (ownerLimit.compare_exchange_strong(limit, read, std::memory_order_relaxed)) {
+      return read;
+    }
+  }
+  return limit;
+}
+
 void* take(uint32_t size, uint32_t owner, const char* caller) {
-  void* const memory = std::malloc(sizeof(BlockHeader) + size);
-  if (memory == nullptr) {
+  OwnerAccount& account = ownerAccounts[ownerAccountFor(owner)];
+  // Before the system is asked, so that what is over the limit is not even tried.
+  if (!account.reserve(size, currentLimit())) {
     return nullptr;
   }
+  void* const memory = std::malloc(sizeof(BlockHeader) + size);
+  if (memory == nullptr) {
+    account.out.giveBack(size);
+    return nullptr;
+  }
+  account.noteTaken(size);
   auto* const header = new (memory) BlockHeader{.size = size,
                                                 .owner = owner,
-                                                .ownerAccount = ownerAccountFor(owner),
+                                                .ownerAccount = indexOf(account),
                                                 .callerAccount = callerAccountFor(owner, caller),
                                                 .unused = 0,
                                                 .mark = 0};
-  ownerAccounts[header->ownerAccount].take(size);
   callerAccounts[header->callerAccount].out.take(size);
   markInUse(header);
   return bytesOf(header);
@@ -78,6 +123,10 @@ DDM_OSAL_EXPORT void DDM_OsalMemFree(void* block, uint32_t owner, const char* ca
   if (block != nullptr) {
     ddm::giveBack(block, owner, caller);
   }
+}
+
+DDM_OSAL_EXPORT void ddm_osal_owner_limit(uint64_t bytes) {
+  ddm::ownerLimit.store(std::max<uint64_t>(bytes, 1), std::memory_order_relaxed);
 }
 
 DDM_OSAL_EXPORT uint32_t DDM_OsalMemUseFlagGet(uint32_t owner) {

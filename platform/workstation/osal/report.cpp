@@ -25,7 +25,8 @@ ddm_osal_memory_usage usageOf(const OwnerAccount& account) {
           .bytes_out = account.out.bytes(),
           .peak_bytes_out = account.peakBytes.load(std::memory_order_relaxed),
           .total_blocks = account.totalBlocks.load(std::memory_order_relaxed),
-          .total_bytes = account.totalBytes.load(std::memory_order_relaxed)};
+          .total_bytes = account.totalBytes.load(std::memory_order_relaxed),
+          .refusals = account.refusals.load(std::memory_order_relaxed)};
 }
 
 std::string ownerName(uint64_t key) {
@@ -41,7 +42,7 @@ uint64_t reportOwners(FILE* to) {
   uint64_t blocksOut = 0;
   for (const OwnerAccount& account : ownerAccounts) {
     const ddm_osal_memory_usage usage = usageOf(account);
-    if (usage.total_blocks == 0) {
+    if (usage.total_blocks == 0 && usage.refusals == 0) {
       continue;
     }
     blocksOut += usage.blocks_out;
@@ -50,6 +51,10 @@ uint64_t reportOwners(FILE* to) {
                  name.c_str(), number(usage.blocks_out), number(usage.bytes_out),
                  number(usage.peak_bytes_out), number(usage.total_blocks),
                  number(usage.total_bytes));
+    if (usage.refusals != 0) {
+      std::fprintf(to, "%s: refused %llu times for its limit\n", name.c_str(),
+                   number(usage.refusals));
+    }
   }
   return blocksOut;
 }

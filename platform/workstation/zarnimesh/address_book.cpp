@@ -1,49 +1,16 @@
 #include "zarnimesh/address_book.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
-#include <charconv>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <utility>
 
+#include "zarnimesh/text.hpp"
+
 namespace zarnimesh {
-namespace {
-
-constexpr std::string_view blanks = " \t\r";
-
-// Cuts the next line off `text`.
-std::string_view takeLine(std::string_view& text) {
-  const size_t end = text.find('\n');
-  const std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  return line;
-}
-
-// Cuts the next word off `line`; empty when there is none.
-std::string_view takeWord(std::string_view& line) {
-  line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-  const std::string_view word = line.substr(0, line.find_first_of(blanks));
-  line.remove_prefix(word.size());
-  return word;
-}
-
-std::optional<uint32_t> parseAddress(std::string_view word) {
-  const bool hex = word.starts_with("0x") || word.starts_with("0X");
-  if (hex) {
-    word.remove_prefix(2);
-  }
-  uint32_t address = 0;
-  const char* last = word.data() + word.size();
-  const auto [end, error] = std::from_chars(word.data(), last, address, hex ? 16 : 10);
-  if (error != std::errc{} || end != last) {
-    return std::nullopt;
-  }
-  return address;
-}
-
-}  // namespace
 
 mesh_result AddressBook::parse(std::string_view text, const std::string& name) {
   std::unordered_map<uint32_t, Endpoint> entries;
@@ -81,22 +48,16 @@ mesh_result AddressBook::parse(std::string_view text, const std::string& name) {
 }
 
 mesh_result AddressBook::readFile(const std::string& path) {
-  const auto cannotRead = [&] {
-    return fail(MESH_BAD_CONFIGURATION, "address book %s: %s", path.c_str(), std::strerror(errno));
-  };
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
-  if (file == nullptr) {
-    return cannotRead();
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const std::optional<std::string> text = file >= 0 ? contentsOf(file) : std::nullopt;
+  const int error = errno;
+  if (file >= 0) {
+    close(file);
   }
-  std::string text;
-  char piece[4096];
-  while (const size_t got = std::fread(piece, 1, sizeof piece, file.get())) {
-    text.append(piece, got);
+  if (!text) {
+    return fail(MESH_BAD_CONFIGURATION, "address book %s: %s", path.c_str(), std::strerror(error));
   }
-  if (std::ferror(file.get()) != 0) {
-    return cannotRead();
-  }
-  return parse(text, "address book " + path);
+  return parse(*text, "address book " + path);
 }
 
 const Endpoint* AddressBook::find(uint32_t address) const {

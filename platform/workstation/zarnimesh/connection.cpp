@@ -41,13 +41,20 @@ mesh_result Connection::openSocket(Context& context, const std::string& endpoint
                socket.set(ZMQ_IMMEDIATE, inproc ? 0 : 1) &&
                socket.set(ZMQ_RECONNECT_IVL, reconnectMs) &&
                socket.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0);
+  if (ready && endpoint_.transport == Transport::Tcp && settings_.keys) {
+    if (const mesh_result result = secure(socket); result != MESH_OK) {
+      return result;
+    }
+  }
   Socket watcher;
   if (ready && !inproc) {
     watcher = watchEvents(context, socket, watchedEvents);
     ready = static_cast<bool>(watcher);
   }
   if (!ready || zmq_connect(socket.handle(), endpoint.c_str()) != 0) {
-    return failFromTransport(endpoint.c_str());
+    const mesh_result result = failFromTransport(endpoint.c_str());
+    stopWatching(socket, watcher);
+    return result;
   }
   socket_ = std::move(socket);
   watcher_ = std::move(watcher);
@@ -55,9 +62,24 @@ mesh_result Connection::openSocket(Context& context, const std::string& endpoint
   return MESH_OK;
 }
 
+mesh_result Connection::secure(Socket& socket) {
+  const KeyRing& keys = *settings_.keys;
+  const std::string* theirs = keys.publicKeyOf(destination_);
+  if (theirs == nullptr) {
+    return fail(MESH_BAD_CONFIGURATION, "%s: the keys do not name node %u",
+                endpoint_.text().c_str(), destination_);
+  }
+  if (!socket.set(ZMQ_CURVE_SERVERKEY, *theirs) ||
+      !socket.set(ZMQ_CURVE_PUBLICKEY, keys.ownPublic()) ||
+      !socket.set(ZMQ_CURVE_SECRETKEY, keys.ownSecret())) {
+    return failFromTransport("keys");
+  }
+  return MESH_OK;
+}
+
 void Connection::close() {
+  stopWatching(socket_, watcher_);
   socket_.close();
-  watcher_.close();
   peerPresent_ = false;
 }
 
@@ -77,8 +99,8 @@ bool Connection::answered() {
 }
 
 void Connection::readEvents() {
-  while (const int event = nextEvent(watcher_)) {
-    peerPresent_ = event == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
+  while (const auto event = nextEvent(watcher_)) {
+    peerPresent_ = event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
   }
 }
 

@@ -23,8 +23,13 @@ class Connection {
     Failed,  // by the transport; the text is kept
   };
 
-  Connection(const Settings& settings, Endpoint endpoint)
-      : settings_(settings), endpoint_(std::move(endpoint)) {}
+  Connection(const Settings& settings, uint32_t destination)
+      : settings_(settings),
+        destination_(destination),
+        endpoint_(settings.endpointOf(destination)) {}
+  ~Connection() { close(); }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
 
   bool isOpen() const { return static_cast<bool>(socket_); }
 
@@ -49,9 +54,11 @@ class Connection {
  private:
   [[nodiscard]] mesh_result openInproc(Context& context);
   [[nodiscard]] mesh_result openSocket(Context& context, const std::string& endpoint);
+  [[nodiscard]] mesh_result secure(Socket& socket);
   void readEvents();
 
   const Settings& settings_;
+  const uint32_t destination_;
   Endpoint endpoint_;
   Socket socket_;
   Socket watcher_;            // ipc and tcp: tells when a receiver has come or gone

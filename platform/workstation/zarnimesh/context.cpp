@@ -6,6 +6,8 @@
 #include <cstring>
 #include <mutex>
 
+#include "zarnimesh/authenticator.hpp"
+
 namespace zarnimesh {
 namespace {
 
@@ -33,9 +35,23 @@ std::shared_ptr<Context> Context::shared() {
   return context;
 }
 
+Context::Context(void* handle) : handle_(handle) {}
+
 Context::~Context() {
   while (zmq_ctx_term(handle_) != 0 && errno == EINTR) {
   }
+}
+
+Authenticator* Context::authenticator() {
+  const std::lock_guard lock(mutex_);
+  if (authenticator_ == nullptr) {
+    auto starting = std::make_unique<Authenticator>();
+    if (starting->start(handle_) != MESH_OK) {
+      return nullptr;
+    }
+    authenticator_ = std::move(starting);
+  }
+  return authenticator_.get();
 }
 
 mesh_result failFromTransport(const char* what) {
@@ -62,18 +78,26 @@ Socket watchEvents(Context& context, Socket& watched, int events) {
   // never wait for that.
   if (!watcher || !watcher.set(ZMQ_RCVHWM, 0) || !watcher.set(ZMQ_LINGER, 0) ||
       zmq_connect(watcher.handle(), endpoint) != 0) {
+    zmq_socket_monitor(watched.handle(), nullptr, 0);
     return {};
   }
   return watcher;
 }
 
-int nextEvent(Socket& watcher) {
-  // An event is two parts: its number (16 bits, then a value of 32) and an endpoint.
-  Message number;
-  if (zmq_msg_recv(number.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
-    return 0;
+void stopWatching(Socket& watched, Socket& watcher) {
+  if (watcher) {
+    zmq_socket_monitor(watched.handle(), nullptr, 0);
+    watcher.close();
   }
-  bool more = number.more();
+}
+
+std::optional<TransportEvent> nextEvent(Socket& watcher) {
+  // An event is two parts: its number and value (16 and 32 bits), and an endpoint.
+  Message first;
+  if (zmq_msg_recv(first.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
+    return std::nullopt;
+  }
+  bool more = first.more();
   while (more) {
     Message rest;
     if (zmq_msg_recv(rest.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
@@ -81,9 +105,10 @@ int nextEvent(Socket& watcher) {
     }
     more = rest.more();
   }
-  uint16_t event = 0;
-  if (number.size() >= sizeof event) {
-    std::memcpy(&event, number.data(), sizeof event);
+  TransportEvent event{};
+  if (first.size() >= sizeof event.number + sizeof event.value) {
+    std::memcpy(&event.number, first.data(), sizeof event.number);
+    std::memcpy(&event.value, first.data() + sizeof event.number, sizeof event.value);
   }
   return event;
 }

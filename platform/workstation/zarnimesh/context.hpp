@@ -6,11 +6,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "zarnimesh/error.hpp"
 
 namespace zarnimesh {
+
+class Authenticator;
 
 // Made with the first node and ended with the last: ending waits until the lingering sockets have
 // handed over what they hold.
@@ -19,15 +24,22 @@ class Context {
   // The context that the open nodes share, or a new one. Null when the system refuses.
   static std::shared_ptr<Context> shared();
 
-  explicit Context(void* handle) : handle_(handle) {}
+  explicit Context(void* handle);
+  // Ends the transport, and with it the authenticator's thread.
   ~Context();
   Context(const Context&) = delete;
   Context& operator=(const Context&) = delete;
 
   void* handle() const { return handle_; }
 
+  // Who answers for nodes that ask for keys: started when first asked for. Null, and a text kept,
+  // when it cannot be.
+  Authenticator* authenticator();
+
  private:
   void* handle_;
+  std::mutex mutex_;  // guards the starting
+  std::unique_ptr<Authenticator> authenticator_;
 };
 
 // Used by one thread at a time.
@@ -50,6 +62,9 @@ class Socket {
   }
   [[nodiscard]] bool set(int option, int64_t value) {
     return zmq_setsockopt(handle_, option, &value, sizeof value) == 0;
+  }
+  [[nodiscard]] bool set(int option, const std::string& value) {
+    return zmq_setsockopt(handle_, option, value.data(), value.size()) == 0;
   }
 
   void close() {
@@ -97,7 +112,16 @@ class Message {
 // A PAIR socket that reads the `events` of `watched`; closed on failure.
 [[nodiscard]] Socket watchEvents(Context& context, Socket& watched, int events);
 
-// Takes one event without waiting: its number, or 0 when there is none.
-[[nodiscard]] int nextEvent(Socket& watcher);
+// Ends watchEvents, if it is going on, before `watched` is closed: the transport's own thread would
+// wait for ever to tell an event to a watcher that is gone.
+void stopWatching(Socket& watched, Socket& watcher);
+
+struct TransportEvent {
+  uint16_t number;
+  uint32_t value;  // a file's number, or an error's
+};
+
+// Takes one event without waiting, when there is one.
+[[nodiscard]] std::optional<TransportEvent> nextEvent(Socket& watcher);
 
 }  // namespace zarnimesh

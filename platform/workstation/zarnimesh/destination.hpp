@@ -13,7 +13,7 @@ namespace zarnimesh {
 class Destination {
  public:
   Destination(const Settings& settings, uint32_t address)
-      : settings_(settings), connection_(settings, settings.endpointOf(address)) {}
+      : settings_(settings), connection_(settings, address) {}
 
   // Numbers the call and sends it, waiting within the timeouts. `parts` hold index and payload and
   // an empty header. Ends early in MESH_NOT_OPEN once `closing` is set.

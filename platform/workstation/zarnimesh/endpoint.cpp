@@ -81,7 +81,7 @@ const char* parseEndpoint(std::string_view text, Endpoint& out) {
   return "an endpoint starts with ipc://, inproc:// or tcp://";
 }
 
-mesh_result makeBindable(Endpoint& endpoint) {
+mesh_result makeBindable(Endpoint& endpoint, bool asksForKeys) {
   if (endpoint.transport != Transport::Tcp) {
     return MESH_OK;
   }
@@ -91,9 +91,10 @@ mesh_result makeBindable(Endpoint& endpoint) {
     endpoint.rest.replace(0, host.size(), "127.0.0.1");
     return MESH_OK;
   }
-  if (!isLoopback(host)) {
+  if (!asksForKeys && !isLoopback(host)) {
     return fail(MESH_BAD_CONFIGURATION,
-                "%s: a node receives only at a loopback address (127.x.y.z, [::1], localhost)",
+                "%s: without keys a node receives only at a loopback address (127.x.y.z, [::1], "
+                "localhost)",
                 endpoint.text().c_str());
   }
   return MESH_OK;

@@ -25,8 +25,8 @@ struct Endpoint {
 // Parses ipc://path, inproc://name and tcp://host:port. Returns null, or what is wrong with it.
 [[nodiscard]] const char* parseEndpoint(std::string_view text, Endpoint& out);
 
-// Turns a tcp endpoint into one that can be bound and refuses any that other machines could reach;
-// leaves the others as they are.
-[[nodiscard]] mesh_result makeBindable(Endpoint& endpoint);
+// Turns a tcp endpoint into one that can be bound, and unless whoever connects is asked for a key
+// refuses any that other machines could reach; leaves the others as they are.
+[[nodiscard]] mesh_result makeBindable(Endpoint& endpoint, bool asksForKeys);
 
 }  // namespace zarnimesh

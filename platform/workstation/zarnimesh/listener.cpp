@@ -1,14 +1,13 @@
 #include "zarnimesh/listener.hpp"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
+#include "zarnimesh/authenticator.hpp"
 #include "zarnimesh/inproc_table.hpp"
+#include "zarnimesh/ipc_socket.hpp"
 #include "zarnimesh/runtime_directory.hpp"
 
 namespace zarnimesh {
@@ -17,16 +16,6 @@ namespace {
 // The transport's own thread closes a listening socket; it is busy for longer only in a system that
 // has come to a halt.
 constexpr std::chrono::milliseconds closingTime{1000};
-
-// The transport replaces whatever is at the path it binds. Only a socket may be, that of a node
-// that has ended without taking it away.
-mesh_result makeSureNothingElseIsThere(const std::string& path) {
-  struct stat status {};
-  if (lstat(path.c_str(), &status) == 0 && !S_ISSOCK(status.st_mode)) {
-    return fail(MESH_BAD_CONFIGURATION, "%s: there is something that is no socket", path.c_str());
-  }
-  return MESH_OK;
-}
 
 }  // namespace
 
@@ -40,18 +29,13 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
     }
   }
   endpoint_ = settings.endpointOf(address);
-  if (const mesh_result result = makeBindable(endpoint_); result != MESH_OK) {
+  if (const auto result = makeBindable(endpoint_, settings.keys.has_value()); result != MESH_OK) {
     return result;
-  }
-  if (endpoint_.transport == Transport::Ipc) {
-    if (const auto result = makeSureNothingElseIsThere(endpoint_.rest); result != MESH_OK) {
-      return result;
-    }
   }
   if (const mesh_result result = claim(); result != MESH_OK) {
     return result;
   }
-  return openSocket(settings);
+  return openSocket(settings, address);
 }
 
 // Makes sure that nobody alive receives at the endpoint; for tcp, binding tells that.
@@ -69,19 +53,49 @@ mesh_result Listener::claim() {
   return MESH_OK;
 }
 
-mesh_result Listener::openSocket(const Settings& settings) {
+mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
   const std::string endpoint =
       generation_ ? InprocTable::boundEndpoint(endpoint_.rest, *generation_) : endpoint_.text();
   socket_ = Socket(zmq_socket(context_->handle(), ZMQ_PULL));
   if (!socket_ || !socket_.set(ZMQ_RCVHWM, settings.receiveQueueCalls) ||
       !socket_.set(ZMQ_LINGER, 0) || !socket_.set(ZMQ_MAXMSGSIZE, settings.partLimit()) ||
-      !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
-      zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
+      !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0)) {
     return failFromTransport(endpoint.c_str());
   }
-  bound_ = endpoint;
-  if (endpoint_.transport == Transport::Ipc && chmod(endpoint_.rest.c_str(), 0600) != 0) {
-    return fail(MESH_SYSTEM_ERROR, "%s: %s", endpoint_.rest.c_str(), std::strerror(errno));
+  mesh_result result = MESH_OK;
+  if (endpoint_.transport == Transport::Ipc) {
+    result = listenOnIpc();
+  } else if (endpoint_.transport == Transport::Tcp && settings.keys) {
+    result = askForKeys(*settings.keys, address);
+  }
+  if (result == MESH_OK && zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
+    result = failFromTransport(endpoint.c_str());
+  }
+  if (result == MESH_OK) {
+    bound_ = endpoint;
+  }
+  return result;
+}
+
+mesh_result Listener::listenOnIpc() {
+  int file = -1;
+  const mesh_result result = listenAt(endpoint_.rest, file);
+  if (result == MESH_OK && !socket_.set(ZMQ_USE_FD, file)) {
+    ::close(file);
+    return failFromTransport(endpoint_.rest.c_str());
+  }
+  return result;
+}
+
+mesh_result Listener::askForKeys(const KeyRing& keys, uint32_t address) {
+  Authenticator* const authenticator = context_->authenticator();
+  if (authenticator == nullptr) {
+    return MESH_SYSTEM_ERROR;
+  }
+  domain_ = authenticator->addDomain(knownTo(keys, address));
+  if (!socket_.set(ZMQ_ZAP_DOMAIN, domain_) || !socket_.set(ZMQ_CURVE_SERVER, 1) ||
+      !socket_.set(ZMQ_CURVE_SECRETKEY, keys.ownSecret())) {
+    return failFromTransport("keys");
   }
   return MESH_OK;
 }
@@ -97,6 +111,10 @@ void Listener::close() {
   }
   bound_.clear();
   socket_.close();
+  if (!domain_.empty()) {
+    context_->authenticator()->removeDomain(domain_);
+    domain_.clear();
+  }
   lock_.release();
   context_.reset();
 }
@@ -105,11 +123,12 @@ void Listener::stopListening() {
   Socket watcher = watchEvents(*context_, socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
   if (zmq_unbind(socket_.handle(), bound_.c_str()) == 0 && watcher) {
     const auto end = std::chrono::steady_clock::now() + closingTime;
-    while (nextEvent(watcher) == 0 && std::chrono::steady_clock::now() < end) {
+    while (!nextEvent(watcher) && std::chrono::steady_clock::now() < end) {
       zmq_pollitem_t item{.socket = watcher.handle(), .fd = 0, .events = ZMQ_POLLIN, .revents = 0};
       static_cast<void>(zmq_poll(&item, 1, 50));
     }
   }
+  stopWatching(socket_, watcher);
   if (endpoint_.transport == Transport::Ipc) {
     unlink(endpoint_.rest.c_str());
   }

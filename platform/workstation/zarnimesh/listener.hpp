@@ -23,10 +23,13 @@ class Listener {
   void close();
 
   Socket& socket() { return socket_; }
+  const Endpoint& endpoint() const { return endpoint_; }
 
  private:
   [[nodiscard]] mesh_result claim();
-  [[nodiscard]] mesh_result openSocket(const Settings& settings);
+  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
+  [[nodiscard]] mesh_result listenOnIpc();
+  [[nodiscard]] mesh_result askForKeys(const KeyRing& keys, uint32_t address);
   void stopListening();
 
   std::shared_ptr<Context> context_;
@@ -34,6 +37,7 @@ class Listener {
   std::string bound_;                   // as given to the transport; empty when not bound
   std::optional<uint64_t> generation_;  // inproc
   AddressLock lock_;                    // ipc
+  std::string domain_;                  // tcp with keys: of those who may connect
   Socket socket_;
 };
 

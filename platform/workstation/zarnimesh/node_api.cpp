@@ -58,6 +58,7 @@ ZARNIMESH_EXPORT void mesh_node_options_default(mesh_node_options* options) {
     *options = {.transport = MESH_TRANSPORT_IPC,
                 .address_book = nullptr,
                 .runtime_directory = nullptr,
+                .key_file = nullptr,
                 .send_queue_calls = 64,
                 .receive_queue_calls = 64,
                 .connect_timeout_ms = 2000,

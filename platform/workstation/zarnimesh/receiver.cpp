@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
 #include <utility>
 
 #include "zarnimesh/handover.hpp"
@@ -38,7 +39,13 @@ mesh_result Receiver::open(std::shared_ptr<Context> context) {
   if (const mesh_result result = area_.map(); result != MESH_OK) {
     return result;
   }
-  return listener_.open(std::move(context), settings_, address_);
+  if (const auto result = listener_.open(context, settings_, address_); result != MESH_OK) {
+    return result;
+  }
+  if (listener_.endpoint().transport != Transport::Tcp) {
+    return MESH_OK;
+  }
+  return watch_.open(*context, listener_.socket(), settings_.messageLimit());
 }
 
 int64_t Receiver::receive(int32_t timeoutMs, const Handler& handler) {
@@ -59,6 +66,10 @@ Receiver::Arrival Receiver::waitForMessage(Message& first, int32_t timeoutMs) {
   const Clock::time_point end = Clock::now() + std::chrono::milliseconds(timeoutMs);
   for (;;) {
     if (zmq_msg_recv(first.raw(), socket, ZMQ_DONTWAIT) >= 0) {
+      if (watch_.isOpen()) {
+        watch_.noteMessage(first);
+        static_cast<void>(watchConnections(0));
+      }
       return Arrival::Message;
     }
     if (zmq_errno() != EAGAIN) {
@@ -72,11 +83,35 @@ Receiver::Arrival Receiver::waitForMessage(Message& first, int32_t timeoutMs) {
       }
       wait = static_cast<long>(left.count());
     }
+    if (watch_.isOpen()) {
+      watch_.noteIdle();
+      wait = watchConnections(wait);
+    }
     zmq_pollitem_t item{.socket = socket, .fd = 0, .events = ZMQ_POLLIN, .revents = 0};
     if (zmq_poll(&item, 1, wait) < 0) {
       return zmq_errno() == EINTR ? Arrival::Nothing : Arrival::Failed;
     }
   }
+}
+
+long Receiver::watchConnections(long wait) {
+  statistics_.malformed.add(watch_.look());
+  constexpr long interval = ConnectionWatch::interval.count();
+  return wait < 0 ? interval : std::min(wait, interval);
+}
+
+bool Receiver::isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
+                            size_t payloadBytes) const {
+  return header.destination == address_ && header.payloadBytes <= settings_.payloadLimit &&
+         header.count <= settings_.countLimit() && lengthsAgree(header, index, payloadBytes);
+}
+
+bool Receiver::isFromItsSource(const FrameHeader& header, Message& first) const {
+  if (!settings_.keys || listener_.endpoint().transport != Transport::Tcp) {
+    return true;
+  }
+  const char* node = zmq_msg_gets(first.raw(), "User-Id");
+  return node != nullptr && std::to_string(header.source) == node;
 }
 
 int64_t Receiver::handle(Message& first, const Handler& handler) {
@@ -85,9 +120,8 @@ int64_t Receiver::handle(Message& first, const Handler& handler) {
   Message payload;
   const bool complete = takeRest(listener_.socket(), first, index, payload);
   const std::optional<FrameHeader> header = decodeHeader(bytesOf(first));
-  if (!complete || !header || header->destination != address_ ||
-      header->payloadBytes > settings_.payloadLimit || header->count > settings_.countLimit() ||
-      !lengthsAgree(*header, bytesOf(index), payload.size())) {
+  if (!complete || !header || !isWellFormed(*header, bytesOf(index), payload.size()) ||
+      !isFromItsSource(*header, first)) {
     statistics_.malformed.add(1);
     return 0;
   }

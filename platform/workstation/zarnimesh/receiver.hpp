@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 
+#include "zarnimesh/connection_watch.hpp"
 #include "zarnimesh/frame.hpp"
 #include "zarnimesh/listener.hpp"
 #include "zarnimesh/record_area.hpp"
@@ -30,7 +31,10 @@ class Receiver {
   // Waits for one message; how many of its records were delivered, or the negative of a result.
   [[nodiscard]] int64_t receive(int32_t timeoutMs, const Handler& handler);
 
-  void close() { listener_.close(); }
+  void close() {
+    watch_.close(listener_.socket());
+    listener_.close();
+  }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -42,6 +46,12 @@ class Receiver {
   };
 
   [[nodiscard]] Arrival waitForMessage(Message& first, int32_t timeoutMs);
+  // Ends connections without end, and tells how long the next look can wait.
+  [[nodiscard]] long watchConnections(long wait);
+  [[nodiscard]] bool isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
+                                  size_t payloadBytes) const;
+  // Whether the message came from whom it says; asked of nodes that ask for keys.
+  [[nodiscard]] bool isFromItsSource(const FrameHeader& header, Message& first) const;
   [[nodiscard]] int64_t handle(Message& first, const Handler& handler);
   void noteSequence(const FrameHeader& header);
   [[nodiscard]] int64_t deliver(const FrameHeader& header, std::span<const uint8_t> index,
@@ -51,6 +61,7 @@ class Receiver {
   Statistics& statistics_;
   const uint32_t address_;
   Listener listener_;
+  ConnectionWatch watch_;  // tcp
   RecordArea area_;
   SequenceTable sequences_;
 };

@@ -1,5 +1,7 @@
 #include "zarnimesh/settings.hpp"
 
+#include <zmq.h>
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -32,6 +34,12 @@ namespace {
   return MESH_OK;
 }
 
+// What the options name, or else the environment, unless it is empty.
+const char* named(const char* option, const char* variable) {
+  const char* name = option != nullptr ? option : std::getenv(variable);
+  return name != nullptr && *name != '\0' ? name : nullptr;
+}
+
 }  // namespace
 
 mesh_result Settings::read(const mesh_node_options& options) {
@@ -49,15 +57,25 @@ mesh_result Settings::read(const mesh_node_options& options) {
   unknown = options.unknown;
   unknownUser = options.unknown_user;
   runtimeDirectory = runtimeDirectoryName(options.runtime_directory);
-
+  if (const mesh_result result = readKeys(options); result != MESH_OK) {
+    return result;
+  }
   if (options.address_book != nullptr) {
     return book.parse(options.address_book, "address book");
   }
-  const char* file = std::getenv("ZARNIMESH_ADDRESS_BOOK");
-  if (file != nullptr && *file != '\0') {
-    return book.readFile(file);
+  const char* file = named(nullptr, "ZARNIMESH_ADDRESS_BOOK");
+  return file != nullptr ? book.readFile(file) : MESH_OK;
+}
+
+mesh_result Settings::readKeys(const mesh_node_options& options) {
+  const char* file = named(options.key_file, "ZARNIMESH_KEYS");
+  if (file == nullptr) {
+    return MESH_OK;
   }
-  return MESH_OK;
+  if (zmq_has("curve") == 0) {
+    return fail(MESH_BAD_CONFIGURATION, "keys %s: this ZeroMQ has no CURVE", file);
+  }
+  return keys.emplace().readFile(file);
 }
 
 Endpoint Settings::endpointOf(uint32_t address) const {
@@ -73,6 +91,12 @@ Endpoint Settings::endpointOf(uint32_t address) const {
 
 uint32_t Settings::countLimit() const {
   return std::max<uint32_t>(8, payloadLimit / indexEntrySize);
+}
+
+uint64_t Settings::messageLimit() const {
+  // What the transport adds to three parts, enciphered or not, is less than this.
+  constexpr uint64_t overhead = 1024;
+  return headerSize + uint64_t{countLimit()} * indexEntrySize + payloadLimit + overhead;
 }
 
 int64_t Settings::partLimit() const {

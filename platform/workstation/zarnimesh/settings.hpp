@@ -3,10 +3,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "zarnimesh/address_book.hpp"
 #include "zarnimesh/endpoint.hpp"
+#include "zarnimesh/key_ring.hpp"
 #include "zarnimesh/node.h"
 
 namespace zarnimesh {
@@ -14,6 +16,7 @@ namespace zarnimesh {
 struct Settings {
   Transport defaultTransport = Transport::Ipc;
   AddressBook book;
+  std::optional<KeyRing> keys;  // of tcp
   std::string runtimeDirectory;
   int sendQueueCalls = 0;
   int receiveQueueCalls = 0;
@@ -24,7 +27,7 @@ struct Settings {
   mesh_unknown_hook unknown = nullptr;
   void* unknownUser = nullptr;
 
-  // Reads the options, the environment and the address book.
+  // Reads the options, the environment, the address book and the keys.
   [[nodiscard]] mesh_result read(const mesh_node_options& options);
 
   // By the address book, else by the default transport.
@@ -35,6 +38,12 @@ struct Settings {
 
   // Bytes of the largest part of any message.
   int64_t partLimit() const;
+
+  // Bytes that a whole message takes at most on its way.
+  uint64_t messageLimit() const;
+
+ private:
+  [[nodiscard]] mesh_result readKeys(const mesh_node_options& options);
 };
 
 }  // namespace zarnimesh

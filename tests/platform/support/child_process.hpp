@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -18,18 +19,30 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  // The next line of its output, without the end of line; empty at its end.
+  // The next line of its output, without the end of line; empty at its end. Nothing is waited for
+  // longer than `patience`.
   std::string readLine();
   std::string readAll();
 
   void kill();
+  // Nothing is ever written to its standard input; this ends it.
+  void endInput();
+  // SIGSTOP and SIGCONT.
+  void stop();
+  void goOn();
 
-  // Its exit code, or minus the signal that ended it.
+  // Its exit code, or minus the signal that ended it: SIGKILL when it did not end by itself.
   int wait();
 
  private:
+  static constexpr std::chrono::seconds patience{60};
+
+  // The next bytes of its output; 0 at its end or when there are none in time.
+  size_t readSome(char* to, size_t most);
+
   pid_t process_ = -1;
   int output_ = -1;
+  int input_ = -1;
 };
 
 // The helper program of these tests, with its arguments.

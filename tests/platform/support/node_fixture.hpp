@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -13,6 +14,16 @@
 #include "zarnimesh/node.h"
 
 namespace platform_test {
+
+// By when a loop that waits for something gives up.
+class Deadline {
+ public:
+  bool passed() const { return std::chrono::steady_clock::now() > end_; }
+
+ private:
+  const std::chrono::steady_clock::time_point end_ =
+      std::chrono::steady_clock::now() + std::chrono::seconds(30);
+};
 
 // An open node; converts to its handle.
 class OpenNode {

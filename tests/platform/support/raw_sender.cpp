@@ -8,6 +8,15 @@
 
 namespace platform_test {
 
+KeyPair newKeyPair() {
+  char open[41];
+  char secret[41];
+  if (zmq_curve_keypair(open, secret) != 0) {
+    throw std::runtime_error(zmq_strerror(zmq_errno()));
+  }
+  return {open, secret};
+}
+
 std::string littleEndian(uint64_t value, size_t width) {
   std::string bytes;
   for (size_t i = 0; i < width; ++i) {
@@ -32,9 +41,26 @@ RawSender::RawSender(const std::string& endpoint)
   }
 }
 
+RawSender::RawSender(const std::string& endpoint, const std::string& serversOpenKey,
+                     const KeyPair& own)
+    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_PUSH)) {
+  forget();
+  if (zmq_setsockopt(socket_, ZMQ_CURVE_SERVERKEY, serversOpenKey.data(), 40) != 0 ||
+      zmq_setsockopt(socket_, ZMQ_CURVE_PUBLICKEY, own.open.data(), 40) != 0 ||
+      zmq_setsockopt(socket_, ZMQ_CURVE_SECRETKEY, own.secret.data(), 40) != 0 ||
+      zmq_connect(socket_, endpoint.c_str()) != 0) {
+    throw std::runtime_error(endpoint + ": " + zmq_strerror(zmq_errno()));
+  }
+}
+
 RawSender::~RawSender() {
   zmq_close(socket_);
   zmq_ctx_term(context_);
+}
+
+void RawSender::forget() {
+  const int none = 0;
+  zmq_setsockopt(socket_, ZMQ_LINGER, &none, sizeof none);
 }
 
 void RawSender::send(const std::vector<std::string>& parts) {

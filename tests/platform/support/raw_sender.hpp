@@ -26,12 +26,25 @@ struct RawHeader {
 
 std::string littleEndian(uint64_t value, size_t width);
 
+// CURVE keys in Z85.
+struct KeyPair {
+  std::string open;
+  std::string secret;
+};
+
+KeyPair newKeyPair();
+
 class RawSender {
  public:
   explicit RawSender(const std::string& endpoint);
+  // Connects with keys. What was not delivered when it is destroyed is forgotten.
+  RawSender(const std::string& endpoint, const std::string& serversOpenKey, const KeyPair& own);
   ~RawSender();
   RawSender(const RawSender&) = delete;
   RawSender& operator=(const RawSender&) = delete;
+
+  // Lets what is not delivered go when it is destroyed, instead of waiting.
+  void forget();
 
   void send(const std::vector<std::string>& parts);
 

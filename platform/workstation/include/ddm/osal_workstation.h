@@ -17,6 +17,7 @@ typedef struct ddm_osal_memory_usage {
   uint64_t peak_bytes_out;
   uint64_t total_blocks; /* taken since the process started */
   uint64_t total_bytes;
+  uint64_t refusals; /* requests that would have passed the owner's limit */
 } ddm_osal_memory_usage;
 
 /* Misuse seen so far; each case is also reported to the log. */
@@ -37,6 +38,11 @@ uint32_t ddm_osal_memory_faults_get(ddm_osal_memory_faults* out);
 /* Writes to `to` what each owner used and, by owner and caller text, what was not given back.
  * Returns the number of blocks not given back. */
 uint64_t ddm_osal_memory_report(FILE* to);
+
+/* Sets how many bytes (at least 1) each owner may have out at once; a request that would pass that
+ * is answered with null. The default is 256 MiB, or as many MiB as $DDM_OSAL_OWNER_LIMIT_MIB says
+ * at the first request, where 0 stands for no limit. */
+void ddm_osal_owner_limit(uint64_t bytes);
 
 /* Lets `per_second` log lines through in the long run and `burst` at once; burst at least 1. Lines
  * beyond that are counted, and the count is written when there is room again or at exit. The

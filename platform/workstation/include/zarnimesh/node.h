@@ -6,15 +6,17 @@
  * 2. Endpoints are found without any configuration: a Unix socket in a directory private to the
  *    user. An address book may name others, one per line: an address (decimal, or hexadecimal with
  *    0x) and an endpoint (ipc://path, inproc://name or tcp://host:port); # starts a comment.
- *    A tcp endpoint to receive at must be a loopback one with its port: 127.x.y.z, [::1] or
- *    localhost.
+ *    A tcp endpoint to receive at must be a loopback one with its port (127.x.y.z, [::1] or
+ *    localhost) unless the node has keys.
  * 3. Functions return a mesh_result. mesh_node_last_error tells more about the latest failure.
  * 4. Any function may be called from any thread, with two limits: one thread at a time receives
  *    on a node, and a node is not closed while a thread receives on it; the second comer gets
  *    MESH_BUSY.
  * 5. A forked child must not use its parent's nodes, nor open one while it has them: every
  *    function returns MESH_NOT_OPEN to it. It may exec.
- * 6. Hooks, handlers and callbacks must not throw. */
+ * 6. Hooks, handlers and callbacks must not throw.
+ * 7. A node with a key file speaks CURVE over tcp, and over tcp alone: it sends only to nodes whose
+ *    public keys are in the file, and lets only those connect, each in its own name. */
 #ifndef ZARNIMESH_NODE_H
 #define ZARNIMESH_NODE_H
 
@@ -57,6 +59,7 @@ typedef struct mesh_node_options {
   const char* address_book; /* the book's text; null: the file $ZARNIMESH_ADDRESS_BOOK if set */
   const char* runtime_directory; /* null: $ZARNIMESH_RUNTIME_DIR, else $XDG_RUNTIME_DIR/zarnimesh,
                                     else /tmp/zarnimesh-<uid> */
+  const char* key_file;          /* null: the file $ZARNIMESH_KEYS if set; see 7 above */
   uint32_t send_queue_calls;     /* 64: calls held for each destination, at least 1 */
   uint32_t receive_queue_calls;  /* 64: calls held from each sender, at least 1 */
   uint32_t connect_timeout_ms;   /* 2000: how long a send waits for a receiver to be there */
@@ -83,7 +86,8 @@ typedef struct mesh_node_statistics {
   uint64_t received_calls; /* well-formed ones */
   uint64_t received_records;
   uint64_t received_bytes;
-  uint64_t malformed;           /* messages dropped because they were not well-formed */
+  uint64_t malformed;           /* messages dropped because they were not well-formed, came in
+                                   another node's name, or (over tcp) had no end */
   uint64_t unknown_identifiers; /* tables without a hook; not among received_records */
 
   /* From the numbers that each sending node gives its calls to this node: */

@@ -1,0 +1,133 @@
+// Peers that send a message of ever more parts.
+#include <atomic>
+#include <thread>
+
+#include "support/node_fixture.hpp"
+#include "support/own_process.hpp"
+#include "support/raw_connection.hpp"
+#include "support/raw_sender.hpp"
+
+namespace platform_test {
+namespace {
+
+constexpr uint32_t own = 5;
+constexpr uint32_t payloadLimit = 1 << 20;
+
+class EndlessMessage : public NodeFixture {
+ protected:
+  EndlessMessage() {
+    options_.address_book = book_.c_str();
+    options_.payload_limit = payloadLimit;
+    node_ = open(own, options_);
+  }
+
+  const uint16_t port_ = freePort();
+  const std::string book_ = std::to_string(own) + " " + tcpEndpoint(port_);
+  mesh_node_options options_ = impatient();
+  OpenNode node_;
+};
+
+TEST_F(EndlessMessage, EndsItsConnectionAndTakesNoMoreMemoryThanItsPart) {
+  const size_t before = residentMebibytes();
+  std::atomic<uint64_t> taken = 0;
+  std::atomic<bool> ended = false;
+  std::thread peer([&] {
+    RawConnection connection(port_);
+    const std::string part(64 << 10, 'a');
+    // Four GiB are without end, where a message may have two MiB.
+    while (taken < uint64_t{4} << 30 && connection.sendPart(part, true)) {
+      taken += part.size();
+    }
+    ended = true;
+  });
+  size_t most = before;
+  const Deadline deadline;
+  while (!ended && !deadline.passed()) {
+    ASSERT_GE(mesh_node_receive(node_, 10, nullptr, nullptr), 0);
+    most = std::max(most, residentMebibytes());
+  }
+  EXPECT_TRUE(ended);
+  peer.join();
+  EXPECT_LT(taken, uint64_t{1} << 30);
+  EXPECT_LT(most, before + 512);
+  EXPECT_EQ(statisticsOf(node_).malformed, 1u);
+
+  RawSender sender(tcpEndpoint(port_));
+  RawHeader header;
+  header.destination = own;
+  sender.sendNote(header, "good");
+  EXPECT_EQ(receiveNotes(node_, 1).size(), 1u);
+  EXPECT_EQ(statisticsOf(node_).received_calls, 1u);
+}
+
+TEST_F(EndlessMessage, IsFoundBesideASenderThatKeepsTheNodeBusy) {
+  std::atomic<bool> ended = false;
+  std::atomic<uint32_t> failures = 0;
+  const OpenNode other = open(6, options_);
+  std::thread busy([&] {
+    EXPECT_EQ(mesh_node_attach(other), MESH_OK);
+    while (!ended) {
+      failures += sendNotes(own, {std::string(1000, 'b')}) != MESH_OK ? 1 : 0;
+    }
+  });
+  std::thread peer([&] {
+    RawConnection connection(port_);
+    const std::string part(64 << 10, 'a');
+    uint64_t taken = 0;
+    while (taken < uint64_t{4} << 30 && connection.sendPart(part, true)) {
+      taken += part.size();
+    }
+    EXPECT_LT(taken, uint64_t{4} << 30);
+    ended = true;
+  });
+  const Deadline deadline;
+  while (!ended && !deadline.passed()) {
+    ASSERT_GE(mesh_node_receive(node_, 10, nullptr, nullptr), 0);
+  }
+  EXPECT_TRUE(ended);
+  peer.join();
+  busy.join();
+  EXPECT_EQ(failures, 0u);
+  EXPECT_EQ(statisticsOf(node_).malformed, 1u);
+}
+
+// What is as large as it may be is not without end, however slowly it comes.
+TEST_F(EndlessMessage, IsNotTakenForALargeOne) {
+  RawConnection connection(port_);
+  RawHeader header;
+  header.destination = own;
+  header.count = payloadLimit / 8;
+  header.payloadBytes = payloadLimit;
+  std::string index;
+  for (uint32_t entry = 0; entry < header.count; ++entry) {
+    index += littleEndian(noteId, 4) + littleEndian(8, 4);
+  }
+  for (uint64_t call = 1; call <= 12; ++call) {
+    header.sequence = call;
+    ASSERT_TRUE(connection.sendPart(header.bytes(), true));
+    ASSERT_TRUE(connection.sendPart(index, true));
+    // The node looks while the payload is still missing.
+    EXPECT_EQ(mesh_node_receive(node_, 50, nullptr, nullptr), 0);
+    ASSERT_TRUE(connection.sendPart(std::string(payloadLimit, 'a'), false));
+    EXPECT_EQ(mesh_node_receive(node_, 10000, nullptr, nullptr), header.count);
+  }
+  EXPECT_EQ(statisticsOf(node_).malformed, 0u);
+  EXPECT_EQ(statisticsOf(node_).received_calls, 12u);
+}
+
+// Calls that wait for a node that does not receive are many, and each has an end.
+TEST_F(EndlessMessage, IsNotTakenForManyWaitingCalls) {
+  const OpenNode other = open(6, options_);
+  ASSERT_EQ(mesh_node_attach(other), MESH_OK);
+  uint32_t calls = 0;
+  while (calls < 40 && sendNotes(own, {std::string(payloadLimit, 'a')}) == MESH_OK) {
+    ++calls;
+  }
+  ASSERT_GT(calls, 20u);
+  EXPECT_EQ(receiveNotes(node_, calls).size(), calls);
+  EXPECT_EQ(statisticsOf(node_).malformed, 0u);
+  EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
+}
+
+}  // namespace
+}  // namespace platform_test

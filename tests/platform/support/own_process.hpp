@@ -1,0 +1,32 @@
+// What this process uses of the system.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace platform_test {
+
+// Sanitizers keep what was freed for a while, to see it used.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool keepsFreedMemory = true;
+#elif defined(__has_feature)
+inline constexpr bool keepsFreedMemory =
+    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
+#else
+inline constexpr bool keepsFreedMemory = false;
+#endif
+
+inline size_t openFiles() {
+  const std::filesystem::directory_iterator files("/proc/self/fd");
+  return static_cast<size_t>(std::distance(begin(files), end(files)));
+}
+
+inline size_t residentMebibytes() {
+  size_t all = 0;
+  size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident * 4096 >> 20;
+}
+
+}  // namespace platform_test

@@ -1,0 +1,71 @@
+// A tcp connection that speaks the transport's protocol (ZMTP 3.0, without security) by hand: it
+// can begin a message and never end it, which the transport's own senders cannot.
+#pragma once
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "support/free_port.hpp"
+
+namespace platform_test {
+
+class RawConnection {
+ public:
+  explicit RawConnection(uint16_t port) : file_(socket(AF_INET, SOCK_STREAM, 0)) {
+    const sockaddr_in address = loopback(port);
+    if (connect(file_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+      throw std::runtime_error("nobody listens");
+    }
+    const std::string greeting =
+        std::string("\xFF\0\0\0\0\0\0\0\x01\x7F\x03\0NULL", 16) + std::string(48, '\0');
+    const std::string ready = std::string("\x05READY\x0BSocket-Type\0\0\0\x04PUSH", 26);
+    send(greeting + std::string(1, '\x04') + static_cast<char>(ready.size()) + ready);
+    // Before the other side is ready too it takes no message.
+    awaitBytes(greeting.size() + 2 + ready.size());
+  }
+  ~RawConnection() { close(file_); }
+  RawConnection(const RawConnection&) = delete;
+  RawConnection& operator=(const RawConnection&) = delete;
+
+  // A part that more are to follow, or the last. False when the other side has ended the
+  // connection, or has taken nothing for seconds.
+  bool sendPart(const std::string& bytes, bool more) {
+    std::string head(1, more ? '\x03' : '\x02');
+    for (int shift = 56; shift >= 0; shift -= 8) {
+      head += static_cast<char>(bytes.size() >> shift & 0xFF);
+    }
+    return send(head) && send(bytes);
+  }
+
+ private:
+  void awaitBytes(size_t count) {
+    char byte;
+    pollfd readable{.fd = file_, .events = POLLIN, .revents = 0};
+    while (count > 0 && poll(&readable, 1, 5000) == 1 && recv(file_, &byte, 1, 0) == 1) {
+      --count;
+    }
+  }
+
+  bool send(const std::string& bytes) {
+    for (size_t at = 0; at < bytes.size();) {
+      pollfd room{.fd = file_, .events = POLLOUT | POLLRDHUP, .revents = 0};
+      if (poll(&room, 1, 5000) != 1 || room.revents != POLLOUT) {
+        return false;
+      }
+      const ssize_t sent = ::send(file_, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
+      if (sent <= 0) {
+        return false;
+      }
+      at += static_cast<size_t>(sent);
+    }
+    return true;
+  }
+
+  int file_;
+};
+
+}  // namespace platform_test

@@ -1,0 +1,167 @@
+// Processes that die, stop and come back in the middle of traffic: nothing hangs past its timeouts,
+// nothing is lost that no counter tells.
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "support/child_process.hpp"
+#include "support/node_fixture.hpp"
+#include "support/own_process.hpp"
+
+namespace platform_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+class Traffic : public NodeFixture {
+ protected:
+  // Whatever a send waits for ends within its timeouts; the rest is a busy machine's.
+  static void expectInTime(steady_clock::time_point start, const mesh_node_options& options) {
+    const auto took = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+    EXPECT_LT(took.count(), options.connect_timeout_ms + options.send_timeout_ms + 3000);
+  }
+};
+
+TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
+  const mesh_node_options options = impatient();
+  const OpenNode sender = open(1, options);
+  uint64_t failed = 0;
+  const auto sendFor = [&](milliseconds time) {
+    for (const auto end = steady_clock::now() + time; steady_clock::now() < end;) {
+      const auto start = steady_clock::now();
+      failed += sendNotes(2, {std::string(1000, 'a'), "b"}) != MESH_OK ? 1 : 0;
+      expectInTime(start, options);
+    }
+  };
+  for (int round = 0; round < 4; ++round) {
+    ChildProcess killed(peer({"count", "2"}));
+    ASSERT_EQ(killed.readLine(), "ready");
+    // Killed by another thread, so that it happens within a call.
+    std::thread killer([&] {
+      std::this_thread::sleep_for(milliseconds(60 + 7 * round));
+      killed.kill();
+    });
+    sendFor(milliseconds(200));
+    killer.join();
+    EXPECT_EQ(killed.wait(), -SIGKILL);
+  }
+  ChildProcess last(peer({"count", "2"}));
+  ASSERT_EQ(last.readLine(), "ready");
+  sendFor(milliseconds(200));
+  ASSERT_EQ(sendNotes(2, {"the last"}), MESH_OK) << mesh_node_last_error();
+  last.endInput();
+  const std::string told = last.readLine();
+  uint64_t received = 0;
+  uint64_t lost = 0;
+  uint64_t missed = 0;
+  uint64_t malformed = 1;
+  ASSERT_EQ(std::sscanf(told.c_str(), "calls %lu lost %lu missed %lu malformed %lu", &received,
+                        &lost, &missed, &malformed),
+            4)
+      << told;
+  const mesh_node_statistics sent = statisticsOf(sender);
+  EXPECT_GT(received, 1u);
+  EXPECT_GT(missed, 0u) << "what the killed ones had";
+  EXPECT_EQ(received + lost + missed, sent.sent_calls);
+  EXPECT_EQ(lost, 0u);
+  EXPECT_EQ(malformed, 0u);
+  EXPECT_EQ(failed, sent.failed_no_destination + sent.failed_queue_full);
+  EXPECT_EQ(sent.failed_other, 0u);
+}
+
+TEST_F(Traffic, FromASenderKilledInABatchIsOfWholeBatches) {
+  const OpenNode receiver = open(1);
+  uint64_t calls = 0;
+  for (int round = 0; round < 6; ++round) {
+    ChildProcess sender(peer({"stream", "2", "1", "500"}));
+    ASSERT_EQ(sender.readLine(), "ready");
+    ASSERT_GT(receiveNotes(receiver, 1).size(), 0u);
+    sender.kill();
+    EXPECT_EQ(sender.wait(), -SIGKILL);
+    int64_t delivered = 0;
+    while ((delivered = mesh_node_receive(receiver, 100, nullptr, nullptr)) > 0) {
+      EXPECT_EQ(delivered, 500) << "all of a call or none";
+    }
+    EXPECT_EQ(delivered, 0);
+    EXPECT_GT(statisticsOf(receiver).received_calls, calls);
+    calls = statisticsOf(receiver).received_calls;
+  }
+  const mesh_node_statistics counted = statisticsOf(receiver);
+  EXPECT_EQ(counted.received_records, counted.received_calls * 500);
+  EXPECT_EQ(counted.malformed, 0u);
+  EXPECT_EQ(counted.lost_calls, 0u);
+  EXPECT_EQ(counted.duplicate_calls, 0u);
+}
+
+TEST_F(Traffic, ToAReceiverThatStopsEndsInAFullQueueAndGoesOnAfterwards) {
+  mesh_node_options options = impatient();
+  options.send_timeout_ms = 50;
+  const OpenNode sender = open(1, options);
+  ChildProcess receiver(peer({"count", "2"}));
+  ASSERT_EQ(receiver.readLine(), "ready");
+  ASSERT_EQ(sendNotes(2, {"while it runs"}), MESH_OK);
+  receiver.stop();
+  const std::string large(100 << 10, 'a');
+  uint64_t accepted = 1;
+  uint32_t result = MESH_OK;
+  while ((result = sendNotes(2, {large})) == MESH_OK && accepted < 1000) {
+    ++accepted;
+  }
+  EXPECT_EQ(result, uint32_t{MESH_QUEUE_FULL}) << mesh_node_last_error();
+  // From here on nothing is kept of what is sent.
+  const size_t before = residentMebibytes();
+  for (int call = 0; call < 20; ++call) {
+    const auto start = steady_clock::now();
+    EXPECT_EQ(sendNotes(2, {std::string(8 << 20, 'b')}), MESH_QUEUE_FULL);
+    expectInTime(start, options);
+  }
+  EXPECT_LT(residentMebibytes(), before + 64) << "of 160 MiB refused";
+  EXPECT_EQ(statisticsOf(sender).failed_queue_full, 21u);
+
+  receiver.goOn();
+  const Deadline deadline;
+  while (sendNotes(2, {"room again"}) != MESH_OK && !deadline.passed()) {
+  }
+  receiver.endInput();
+  EXPECT_EQ(receiver.readLine(),
+            "calls " + std::to_string(accepted + 1) + " lost 0 missed 0 malformed 0");
+  EXPECT_EQ(receiver.wait(), 0);
+}
+
+TEST_F(Traffic, ThroughAThousandNodesLeavesNothingOpen) {
+  const OpenNode anchor = open(1);
+  // Ten nodes at a time, each sent to and closed; by turns over either transport.
+  const auto round = [&](uint32_t number) {
+    mesh_node_options options = impatient();
+    options.transport = number % 2 == 0 ? MESH_TRANSPORT_IPC : MESH_TRANSPORT_INPROC;
+    std::vector<OpenNode> nodes;
+    for (uint32_t node = 0; node < 10; ++node) {
+      nodes.push_back(open(100 + node, options));
+    }
+    ASSERT_EQ(mesh_node_attach(nodes[0]), MESH_OK);
+    for (uint32_t node = 0; node < 10; ++node) {
+      ASSERT_EQ(sendNotes(100 + node, {"a"}), MESH_OK) << mesh_node_last_error();
+      ASSERT_EQ(receiveNotes(nodes[node], 1).size(), 1u);
+    }
+    ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+  };
+  for (uint32_t number = 0; number < 10; ++number) {
+    round(number);
+  }
+  const size_t files = openFiles();
+  const size_t memory = residentMebibytes();
+  for (uint32_t number = 0; number < 90; ++number) {
+    round(number);
+  }
+  // The transport closes what it no longer needs a moment later.
+  const Deadline deadline;
+  while (openFiles() > files + 5 && !deadline.passed()) {
+    std::this_thread::sleep_for(milliseconds(20));
+  }
+  EXPECT_LE(openFiles(), files + 5);
+  EXPECT_LE(residentMebibytes(), memory + (keepsFreedMemory ? 256 : 8));
+}
+
+}  // namespace
+}  // namespace platform_test
