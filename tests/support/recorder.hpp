@@ -26,6 +26,8 @@ struct Recorder {
 
   // Of the allocations since the last reset, the one with this number (from 1) fails; 0: none.
   int failingAllocation = 0;
+  // From this one on (from 1), every one fails; 0: none.
+  int failingFrom = 0;
   bool everyAllocationFails = false;
   uint32_t middlewareResult = 0;
   // From this registration on (from 1), the middleware refuses with middlewareResult; 0: never.

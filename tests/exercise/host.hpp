@@ -1,0 +1,34 @@
+// A host and a middleware that take part in exercises: they count, and refuse memory when asked to.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace exercise {
+
+// Counted over all threads.
+struct Counts {
+  std::atomic<int64_t> blocksOut;
+  std::atomic<uint64_t> blocks;
+  std::atomic<uint64_t> refusals;
+  std::atomic<uint64_t> calls;   // of the middleware
+  std::atomic<uint64_t> tables;  // handed to it
+  std::atomic<uint64_t> logs;
+  std::atomic<uint64_t> flagQuestions;  // asked once by each module's binding
+};
+
+extern Counts counts;
+
+// Of the calling thread's requests for memory, every so many-th is refused; 0: none is.
+void refuseEvery(uint32_t requests);
+
+// Requests that the calling thread had refused.
+uint64_t refusedHere();
+
+// What the middleware answers to the calling thread.
+void answerWith(uint32_t result);
+
+// Reads every byte, so that a memory checker sees those that nobody wrote.
+uint64_t sumOf(const uint8_t* bytes, uint64_t length);
+
+}  // namespace exercise

@@ -1,0 +1,78 @@
+#include "exercise/records.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace exercise {
+
+using mesh::wire::Kind;
+using mesh::wire::Record;
+using mesh::wire::Slot;
+
+Records::Records(const Record& schema, uint32_t count, Random& random)
+    : records_(std::make_unique<uint8_t[]>(size_t{schema.size} * count)) {
+  for (uint32_t index = 0; index < count; ++index) {
+    const uint32_t blocks = fill(schema, records_.get() + size_t{schema.size} * index, random);
+    blocksOfFirst_ = index == 0 ? blocks : blocksOfFirst_;
+  }
+}
+
+uint8_t* Records::take(size_t size) {
+  return parts_.emplace_back(std::make_unique<uint8_t[]>(size)).get();
+}
+
+uint32_t Records::fill(const Record& schema, uint8_t* record, Random& random) {
+  uint32_t blocks = 0;
+  for (const Slot& slot : schema.slots) {
+    uint8_t* const field = record + slot.recordOffset;
+    if (mesh::wire::isScalar(slot.kind)) {
+      const uint64_t value = random.below(3) == 0 ? 0 : random.next();
+      std::memcpy(field, &value, slot.size);
+    } else if (slot.kind == Kind::Array) {
+      for (uint32_t at = 0; at < slot.size; at += 8) {
+        const uint64_t value = random.next();
+        std::memcpy(field + at, &value, std::min<uint32_t>(8, slot.size - at));
+      }
+    } else if (slot.kind == Kind::Table) {
+      blocks += fill(*slot.nested, field, random);
+    } else {
+      const uint32_t count = random.below(slot.kind == Kind::Bytes ? 40 : 3);
+      if (count > 0) {
+        uint8_t* const part = take(size_t{count} * slot.size);
+        for (uint32_t item = 0; item < count; ++item) {
+          if (slot.kind == Kind::Bytes) {
+            part[item] = static_cast<uint8_t>(random.next());
+          } else {
+            fill(*slot.nested, part + size_t{slot.size} * item, random);
+          }
+        }
+        std::memcpy(record + slot.countOffset, &count, sizeof count);
+        std::memcpy(field, &part, sizeof part);
+        ++blocks;
+      }
+    }
+  }
+  return blocks;
+}
+
+void damage(std::vector<uint8_t>& bytes, Random& random) {
+  for (uint32_t injury = 1 + random.below(3); injury > 0 && !bytes.empty(); --injury) {
+    // The frame lies at the start, or behind the fields.
+    const auto size = static_cast<uint32_t>(bytes.size());
+    const uint32_t at =
+        random.below(2) == 0 ? random.below(std::min(size, 64U)) : random.below(size);
+    switch (random.below(4)) {
+      case 0:
+        bytes.resize(at);
+        break;
+      case 1:
+        bytes[at] = static_cast<uint8_t>(random.below(10));
+        break;
+      default:
+        bytes[at] = static_cast<uint8_t>(random.next());
+        break;
+    }
+  }
+}
+
+}  // namespace exercise

@@ -1,0 +1,50 @@
+// Random records, made by walking a schema.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "wire/schema.hpp"
+
+namespace exercise {
+
+// xorshift64*: the same numbers everywhere.
+class Random {
+ public:
+  explicit Random(uint64_t seed) : state_(seed * 2 + 1) {}
+  uint64_t next() {
+    state_ ^= state_ >> 12;
+    state_ ^= state_ << 25;
+    state_ ^= state_ >> 27;
+    return state_ * 0x2545F4914F6CDD1D;
+  }
+  uint32_t below(uint32_t limit) { return static_cast<uint32_t>((next() >> 32) % limit); }
+
+ private:
+  uint64_t state_;
+};
+
+// Some records, back to back, with what their pointers lead to.
+class Records {
+ public:
+  Records(const mesh::wire::Record& schema, uint32_t count, Random& random);
+
+  const uint8_t* data() const { return records_.get(); }
+
+  // Byte strings and runs that are not empty, in the first record: what decoding it allocates.
+  uint32_t blocksOfFirst() const { return blocksOfFirst_; }
+
+ private:
+  uint8_t* take(size_t size);
+  uint32_t fill(const mesh::wire::Record& schema, uint8_t* record, Random& random);
+
+  std::unique_ptr<uint8_t[]> records_;
+  std::vector<std::unique_ptr<uint8_t[]>> parts_;
+  uint32_t blocksOfFirst_ = 0;
+};
+
+// One to three bytes changed, or an end cut off.
+void damage(std::vector<uint8_t>& bytes, Random& random);
+
+}  // namespace exercise

@@ -1,0 +1,169 @@
+// A host that runs out of memory somewhere in a row of operations: the n-th allocation of them all
+// fails, for every n, once or for good. What each operation then does is what the model says it
+// does in that place, and at the end nothing is out.
+
+#include <gtest/gtest.h>
+
+#include "model/generate.hpp"
+#include "model/reader.hpp"
+#include "model/record_image.hpp"
+#include "model/sender.hpp"
+#include "model/writer.hpp"
+#include "support/bytes.hpp"
+#include "support/comparison.hpp"
+
+namespace {
+
+using harness::Buffer;
+using harness::Operations;
+using harness::recorder;
+using harness::Trace;
+using model::Operation;
+using model::Value;
+
+enum class Failing { Once, ForGood };
+
+class FailingAllocations : public testing::TestWithParam<Operations> {
+ protected:
+  void SetUp() override { harness::useByteOrder(operations(), false); }
+
+  const Operations& operations() const { return GetParam(); }
+  const model::Message& message() const { return model::message(operations().name); }
+
+  // Runs the row with the n-th of its allocations failing. How many were asked for.
+  int run(const std::vector<Value>& values, int failing, Failing manner) {
+    failing_ = failing;
+    manner_ = manner;
+    asked_ = 0;
+    const Buffer bytes = harness::packed(operations(), values[0]);
+    model::RecordImage received(message(), uint8_t{0});
+    const Value decoded = unpack(bytes, received);
+    for (const uint32_t middlewareResult : {0U, 77U}) {
+      send(Operation::Single, {values[0]}, 0, middlewareResult);
+      send(Operation::Batch, values, 0, middlewareResult);
+      send(Operation::Batch, {}, 9, middlewareResult);
+      send(Operation::Msg, {values[1]}, 0, middlewareResult);
+      send(Operation::Msg, values, 0, middlewareResult);
+      send(Operation::ToMsg, {values[1]}, 9, middlewareResult);
+      send(Operation::ToMsg, values, 9, middlewareResult);
+      pack(values[1]);
+    }
+    release(decoded, received);
+    EXPECT_TRUE(recorder().blocks.empty()) << "something is still out";
+    return asked_;
+  }
+
+ private:
+  // Sets the host up for the next operation: which of its allocations, from 1, is the failing one.
+  int nextFailing() const {
+    const int next = failing_ - asked_;
+    if (failing_ == 0 || (next < 1 && manner_ == Failing::Once)) {
+      return 0;
+    }
+    return std::max(next, 1);
+  }
+  int prepare(uint32_t middlewareResult = 0) {
+    const int next = nextFailing();
+    harness::resetRecorder();
+    recorder().middlewareResult = middlewareResult;
+    (manner_ == Failing::Once ? recorder().failingAllocation : recorder().failingFrom) = next;
+    return next;
+  }
+  void expectCalls(const Trace& expected, const char* what) {
+    EXPECT_EQ(harness::takeTrace(), expected)
+        << what << ", of all allocations the " << failing_ << "th fails";
+    asked_ += recorder().allocations;
+  }
+
+  Value unpack(const Buffer& bytes, model::RecordImage& record) {
+    const int next = prepare();
+    const auto length = static_cast<uint32_t>(bytes.size());
+    const auto expected = model::unpack(message(), bytes.data(), length, false, false, next);
+    EXPECT_EQ(operations().unpack(bytes.data(), length, record.data()), expected.returned);
+    expectCalls(expected.trace, "unpack");
+    const Value decoded = model::load(message(), record.data());
+    EXPECT_EQ(model::difference(decoded, expected.record), "");
+    return expected.record;
+  }
+
+  void send(Operation operation, const std::vector<Value>& values, uint64_t extra,
+            uint32_t middlewareResult) {
+    const auto count = static_cast<uint32_t>(values.size());
+    // No operation that sends asks more than once.
+    const bool fails = prepare(middlewareResult) == 1;
+    const model::RecordImage records(message(), values);
+    const uint32_t result = call(operation, records.data(), count, extra);
+    const model::Sent expected =
+        model::send(message(), operation, 5, values, count, extra, false, fails, middlewareResult);
+    EXPECT_EQ(result, expected.result);
+    EXPECT_EQ(recorder().sent.size(), expected.descriptors.size()) << "all or none";
+    expectCalls(expected.trace, "send");
+  }
+
+  uint32_t call(Operation operation, const void* records, uint32_t count, uint64_t extra) const {
+    switch (operation) {
+      case Operation::Single:
+        return operations().sendSingle(5, records, extra);
+      case Operation::Batch:
+        return operations().sendBatch(5, records, count, extra);
+      case Operation::Msg:
+        return operations().sendMsg(5, records, count);
+      case Operation::ToMsg:
+        return operations().sendToMsg(5, records, count, extra);
+    }
+    return 0;
+  }
+
+  void pack(const Value& value) {
+    static_cast<void>(prepare());
+    const model::RecordImage record(message(), value);
+    Buffer buffer(model::compactSize(message(), value));
+    auto length = static_cast<uint32_t>(buffer.size());
+    EXPECT_EQ(operations().pack(record.data(), buffer.data(), &length), 0U);
+    expectCalls({}, "pack");
+  }
+
+  void release(Value decoded, model::RecordImage& record) {
+    for (const char* what : {"free", "second free"}) {
+      static_cast<void>(prepare());
+      const Trace expected = model::release(message(), decoded);
+      operations().freeUnpacked(record.data());
+      expectCalls(expected, what);
+    }
+  }
+
+  int failing_ = 0;
+  int asked_ = 0;
+  Failing manner_ = Failing::Once;
+};
+
+TEST_P(FailingAllocations, AreSurvivedEachInItsTurn) {
+  std::mt19937_64 random(11);
+  const model::Density densities[] = {model::Density::Full, model::Density::Sparse,
+                                      model::Density::Edge};
+  const bool large = message().recordSize > 4096 || message().name == "l2vpn_cfg_query_dfx_rec";
+  for (int round = 0; round < harness::rounds(large ? 2 : 6); ++round) {
+    std::vector<Value> values;
+    for (int index = 0; index < 2; ++index) {
+      values.push_back(model::randomValue(message(), random, densities[round % 3]));
+    }
+    const int all = run(values, 0, Failing::Once);
+    // The six batches at least.
+    EXPECT_GE(all, 6);
+    for (const Failing manner : {Failing::Once, Failing::ForGood}) {
+      for (int failing = 1; failing <= all; ++failing) {
+        const int asked = run(values, failing, manner);
+        EXPECT_GE(asked, failing) << "the one that fails was asked for";
+        EXPECT_LE(asked, all) << "nothing is tried again";
+      }
+    }
+    if (HasFailure()) {
+      return;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FailingAllocations, testing::ValuesIn(harness::allOperations()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
