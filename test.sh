@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and passes every test.
 #
-#   ./test.sh [PRESET...]    presets of CMakePresets.json; release (g++), asan and tsan (clang++) by default
+#   ./test.sh [PRESET...]    presets of CMakePresets.json; release (g++), asan, tsan and msan (clang++) by default
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -9,7 +9,7 @@ tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev
   libbenchmark-dev python3
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan)
+[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
 for preset in "${presets[@]}"; do
   echo "== $preset"
   cmake --preset "$preset" >/dev/null
