@@ -99,6 +99,37 @@ TEST_P(Binding, OfTheLog) {
   EXPECT_EQ(noted(&harness::packToNowhere), pack);
 }
 
+// What a module found at its first use serves it for good, in whatever part the host was there.
+TEST_P(Binding, IsNotChangedByFunctionsThatComeLater) {
+  Lines expected;
+  if (servesReceiving()) {
+    expected.emplace_back("cacheAlloc 3 12 dbginfo_key_l2vpn_unpack");
+    expected.emplace_back("free 12 dbginfo_key_l2vpn_free_unpacked");
+  }
+  if (servesSending()) {
+    expected.emplace_back("alloc 28 25088 dbginfo_key_l2vpn__sendsingle");
+    expected.emplace_back("free 25088 dbginfo_key_l2vpn__sendsingle");
+  }
+  if (has(harness::LogWrite)) {
+    expected.emplace_back(
+        "log VELTA 2 22 \"\" dbginfo_key_l2vpn_unpack [VELTA]:Param invalid(%s, %d, %s)");
+  }
+  expected.emplace_back("as always");
+  EXPECT_EQ(inANewProcess([&] {
+              const auto useAll = [] {
+                const bool received = harness::receiveText();
+                const bool sent = harness::sendKey();
+                return harness::receiveNothing() && received && sent;
+              };
+              bring(GetParam().functions, GetParam().useFlag);
+              useAll();
+              bring(harness::wholeHost & ~GetParam().functions, 1);
+              harness::forgetNotes();
+              harness::note(useAll() ? "as always" : "not as always");
+            }),
+            expected);
+}
+
 // Never one function of the host and one of the C library.
 TEST_P(Binding, IsOfPairs) {
   const auto owner = [](const void* function, const void* ours) {
