@@ -24,6 +24,11 @@ if(NOT mesh_l2vpn_middleware_source STREQUAL "")
     message(FATAL_ERROR "mesh_l2vpn: MESH_L2VPN_MIDDLEWARE is neither a file nor a target: "
                         "${mesh_l2vpn_middleware_source}")
   endif()
-  add_library(mesh_l2vpn::middleware INTERFACE IMPORTED)
+  # Within this project's build it must be seen by the projects around it.
+  set(mesh_l2vpn_scope "")
+  if(TARGET mesh_l2vpn_objects)
+    set(mesh_l2vpn_scope GLOBAL)
+  endif()
+  add_library(mesh_l2vpn::middleware INTERFACE IMPORTED ${mesh_l2vpn_scope})
   target_link_libraries(mesh_l2vpn::middleware INTERFACE "${mesh_l2vpn_middleware_source}")
 endif()
