@@ -42,6 +42,8 @@ set_target_properties(mesh_l2vpn_objects PROPERTIES
 target_compile_options(mesh_l2vpn_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics $<$<CONFIG:Release>:-O2>
   $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique>
+  # An operation that its service's header does not declare would be hidden.
+  $<$<CXX_COMPILER_ID:GNU>:-Wmissing-declarations>
   $<$<BOOL:${MESH_L2VPN_DEVELOPER}>:-g>)
 mesh_l2vpn_warnings(mesh_l2vpn_objects)
 
