@@ -18,8 +18,11 @@ endforeach()
 add_library(mesh_l2vpn_objects OBJECT
   host/binding.cpp
   host/memory.cpp
+  wire/reader.cpp
   wire/report.cpp
+  wire/reverse.cpp
   msg/registration.cpp
+  msg/unpack.cpp
   l2vpn_cfg/proof.cpp
   l2vpn_cfg/receive.cpp
   l2vpn_cfg/send.cpp

@@ -12,15 +12,19 @@ void bindHostOnce(serial_env& env);
 void bindUnpackAllocatorOnce(Module& module);
 
 // Ensures that logWrite, memAlloc and memFree are bound. logWrite may stay null.
-inline void bindHost(serial_env& env) {
+[[gnu::always_inline]] inline void bindHost(serial_env& env) {
   if (env.hostBound.load(std::memory_order_acquire) == 0) [[unlikely]] {
     bindHostOnce(env);
   }
 }
 
+[[gnu::always_inline]] inline bool isUnpackAllocatorBound(const Module& module) {
+  return module.env.unpackBound.load(std::memory_order_acquire) != 0;
+}
+
 // Ensures that unpackAlloc and unpackFree are bound; the binding clears swapBytes.
-inline void bindUnpackAllocator(Module& module) {
-  if (module.env.unpackBound.load(std::memory_order_acquire) == 0) [[unlikely]] {
+[[gnu::always_inline]] inline void bindUnpackAllocator(Module& module) {
+  if (!isUnpackAllocatorBound(module)) [[unlikely]] {
     bindUnpackAllocatorOnce(module);
   }
 }

@@ -37,8 +37,34 @@ inline void clearBytes(void* to, size_t count) {
   }
 }
 
-// Below this, copies and fills of a constant size are expanded in place.
+inline void copyChecked(void* to, const void* from, size_t count) {
+  if (&::memcpy_s != nullptr) {
+    static_cast<void>(::memcpy_s(to, count, from, count));
+  } else {
+    static_cast<void>(fallbackCopy(to, count, from, count));
+  }
+}
+
+// Up to this size, what has a constant size is copied and cleared in place.
 inline constexpr size_t largestInPlace = 256;
+
+// An array's contents, whose size the schema gives.
+inline void copyArray(uint8_t* to, const uint8_t* from, size_t count) {
+  if (count <= largestInPlace) {
+    std::memcpy(to, from, count);
+  } else {
+    copyChecked(to, from, count);
+  }
+}
+
+// A record, whose size the schema gives.
+inline void clearRecord(uint8_t* to, size_t count) {
+  if (count <= largestInPlace) {
+    std::memset(to, 0, count);
+  } else {
+    clearBytes(to, count);
+  }
+}
 
 // Moved sixteen bytes at a time, the last ones overlapping those before: left to themselves,
 // compilers turn some of these sizes into string instructions, which cost more than the rest of a
@@ -46,8 +72,10 @@ inline constexpr size_t largestInPlace = 256;
 inline constexpr size_t chunk = 16;
 
 template <size_t count>
-[[gnu::always_inline]] inline void copyInPlace(uint8_t* to, const uint8_t* from) {
-  if constexpr (count <= chunk) {
+[[gnu::always_inline]] inline void copyConstant(uint8_t* to, const uint8_t* from) {
+  if constexpr (count > largestInPlace) {
+    copyChecked(to, from, count);
+  } else if constexpr (count <= chunk) {
     std::memcpy(to, from, count);
   } else {
     for (size_t at = 0; at + chunk <= count; at += chunk) {
@@ -56,17 +84,6 @@ template <size_t count>
     if constexpr (count % chunk != 0) {
       std::memcpy(to + count - chunk, from + count - chunk, chunk);
     }
-  }
-}
-
-template <size_t count>
-[[gnu::always_inline]] inline void copyConstant(uint8_t* to, const uint8_t* from) {
-  if constexpr (count <= largestInPlace) {
-    copyInPlace<count>(to, from);
-  } else if (&::memcpy_s != nullptr) {
-    static_cast<void>(::memcpy_s(to, count, from, count));
-  } else {
-    static_cast<void>(fallbackCopy(to, count, from, count));
   }
 }
 

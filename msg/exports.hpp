@@ -7,13 +7,23 @@
 #include "msg/send.hpp"
 #include "msg/unpack.hpp"
 
+// What serves a message, as template arguments: the module, and the message whose code it is.
+#define MESH_SERVED_BY(message) module, mesh::msg::modelOf<message>
+
+// What tells a send operation of the message from those of other messages.
+#define MESH_IDENTITY(message, operation) \
+  mesh::msg::Identity {                   \
+    message##__msg_id, #message operation \
+  }
+
 #define MESH_DEFINE_RECEIVE(message, identifier)                                                 \
   static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");     \
   extern "C" uint32_t message##__unpack(const uint8_t* data, uint32_t length, message* record) { \
-    return mesh::msg::unpack<module, mesh::msg::messageOf<message>>(data, length, record);       \
+    return mesh::msg::unpack<MESH_SERVED_BY(message)>(data, length, record,                      \
+                                                      mesh::msg::messageOf<message>);            \
   }                                                                                              \
   extern "C" void message##_free__unpacked(message* record) {                                    \
-    mesh::msg::freeUnpacked<module, mesh::msg::messageOf<message>>(record);                      \
+    mesh::msg::freeUnpacked<MESH_SERVED_BY(message)>(record);                                    \
   }
 
 // The middleware calls every message's functions by one type, which names no record.
@@ -24,26 +34,29 @@
 
 #define MESH_DEFINE_SEND(message, identifier)                                                      \
   extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) {  \
-    return mesh::msg::pack<module, mesh::msg::messageOf<message>>(record, buffer, length);         \
+    return mesh::msg::pack<MESH_SERVED_BY(message)>(record, buffer, length, #message "_pack");     \
   }                                                                                                \
-  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record, uint64_t, \
-                                            uint64_t extra) {                                      \
-    return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(destination, record,       \
-                                                                        extra);                    \
+  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record,           \
+                                            uint64_t unused, uint64_t extra) {                     \
+    return mesh::msg::sendSingle<MESH_SERVED_BY(message)>(destination, record, unused, extra,      \
+                                                          MESH_IDENTITY(message, "__sendsingle")); \
   }                                                                                                \
   extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,           \
                                            uint32_t count, uint64_t extra) {                       \
-    return mesh::msg::sendBatch<module, mesh::msg::messageOf<message>>(destination, records,       \
-                                                                       count, extra);              \
-  }                                                                                                \
-  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,             \
-                                         uint32_t count) {                                         \
-    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records, count, 0); \
+    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(destination, records, count, extra,       \
+                                                         MESH_IDENTITY(message, "__sendbatch"));   \
   }                                                                                                \
   extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,           \
                                            uint32_t count, uint64_t extra) {                       \
-    return mesh::msg::send<module, mesh::msg::messageOf<message>>(destination, records, count,     \
-                                                                  extra);                          \
+    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, extra,            \
+                                                    MESH_IDENTITY(message, "__sendsingle"),        \
+                                                    MESH_IDENTITY(message, "__sendbatch"));        \
+  }                                                                                                \
+  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,             \
+                                         uint32_t count) {                                         \
+    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, 0,                \
+                                                    MESH_IDENTITY(message, "__sendsingle"),        \
+                                                    MESH_IDENTITY(message, "__sendbatch"));        \
   }
 
 // A service's receive module: its constructor, its registration, its messages' operations.

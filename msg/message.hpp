@@ -26,6 +26,8 @@ struct Policy {
   RootDecoding rootDecoding;
   // A record whose compact size is above this cannot be encoded.
   uint64_t largestSize = UINT32_MAX;
+
+  bool operator==(const Policy&) const = default;
 };
 
 // Whether the identifier is made of the message's name alone or of its service's and its own.
@@ -51,6 +53,35 @@ struct MessageOf;
 
 template <typename RecordType>
 inline constexpr const Message& messageOf = MessageOf<RecordType>::message;
+
+// The message whose code serves a record type: its own, or that of another one of the same layout.
+template <typename RecordType>
+struct ModelOf {
+  using Type = RecordType;
+};
+
+namespace detail {
+
+// A model may have one itself.
+template <typename RecordType, typename Model = typename ModelOf<RecordType>::Type>
+struct LastModel : LastModel<Model> {};
+
+template <typename RecordType>
+struct LastModel<RecordType, RecordType> {
+  static constexpr const Message& message = messageOf<RecordType>;
+};
+
+}  // namespace detail
+
+template <typename RecordType>
+inline constexpr const Message& modelOf = detail::LastModel<RecordType>::message;
+
+// Whether code made for one message does the same for another: what its names tell apart comes to
+// it as arguments. The release of out-of-line parts is made for one message alone.
+constexpr bool haveSameLayout(const Message& one, const Message& other) {
+  return one.policy == other.policy && wire::haveSameLayout(*one.record, *other.record) &&
+         !wire::ownsMemory(*one.record);
+}
 
 // 32-bit FNV-1a, continued from `hash`.
 constexpr uint32_t fnv1a(std::string_view text, uint32_t hash = 0x811C9DC5) {
@@ -88,4 +119,13 @@ consteval Message makeMessage(const Service& service, const wire::Record& record
   struct mesh::msg::MessageOf<::record_type> {                                     \
     static constexpr mesh::msg::Message message =                                  \
         makeMessage(service, mesh::wire::schemaOf<::record_type>, message_policy); \
+  };
+
+// Says that the code of `model_type`'s message serves this record's too.
+#define MESH_SAME_LAYOUT(record_type, model_type)                                    \
+  template <>                                                                        \
+  struct mesh::msg::ModelOf<::record_type> {                                         \
+    using Type = ::model_type;                                                       \
+    static_assert(haveSameLayout(messageOf<::record_type>, messageOf<::model_type>), \
+                  "the layouts differ");                                             \
   };

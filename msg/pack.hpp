@@ -2,13 +2,12 @@
 #pragma once
 
 #include "host/binding.hpp"
-#include "msg/in_byte_order.hpp"
 #include "msg/message.hpp"
 #include "msg/result.hpp"
 #include "wire/compact_size.hpp"
 #include "wire/compact_writer.hpp"
 #include "wire/report.hpp"
-#include "wire/text.hpp"
+#include "wire/reverse.hpp"
 
 namespace mesh::msg {
 
@@ -19,36 +18,74 @@ template <const Message& message>
   return size <= message.policy.largestSize ? static_cast<uint32_t>(size) : 0;
 }
 
-// Writes a compact message into a buffer of its exact size.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline void encode(uint8_t* buffer, const uint8_t* record) {
+// Writes a compact message into a buffer that has room for it. Returns what was written.
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline size_t encode(uint8_t* buffer, const uint8_t* record) {
   host::bindUnpackAllocator(module);
-  inByteOrder(module, [=]<host::ByteOrder order>() {
-    wire::writeCompact<*message.record, order>(buffer, record);
-  });
+  const size_t written = wire::writeCompact<*model.record>(buffer, record);
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
+    wire::reverseMessage(*model.record, buffer);
+  }
+  return written;
 }
 
-// `length` holds the buffer's room, and on success the message's exact size. A null buffer with
-// room enough is logged and counts as success: so callers ask for the size.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length) {
-  if (record == nullptr || length == nullptr) [[unlikely]] {
-    return failure;
-  }
-  const auto* const from = static_cast<const uint8_t*>(record);
-  const uint32_t size = encodedSize<message>(from);
+// The same, once for all operations of a message that is sent in the compact arrangement.
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] void encodeCompact(uint8_t* buffer, const uint8_t* record) {
+  encode<module, model>(buffer, record);
+}
+
+namespace detail {
+
+// What pack comes to without writing, or `mayWrite`, with the message's exact size as the length.
+inline constexpr uint32_t mayWrite = 1;
+
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t settleSize(const uint8_t* record, const uint8_t* buffer,
+                                      uint32_t* length, const char* function) {
+  const uint32_t size = encodedSize<model>(record);
   if (size == 0 || *length < size) [[unlikely]] {
     return failure;
   }
   // Room below 4 cannot come here: no message is that small.
   if (buffer == nullptr) [[unlikely]] {
-    wire::reportPackParameters(module.env, wire::nameText<*message.record, "_pack">(), buffer,
-                               *length, record);
-  } else {
-    encode<module, message>(buffer, from);
+    wire::reportPackParameters(module.env, function, buffer, *length, record);
+    *length = size;
+    return success;
   }
   *length = size;
-  return success;
+  return mayWrite;
+}
+
+}  // namespace detail
+
+// `length` holds the buffer's room, and on success the message's exact size. A null buffer with
+// room enough is logged, under `function`, and counts as success: so callers ask for the size.
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length,
+                                const char* function) {
+  if (record == nullptr || length == nullptr) [[unlikely]] {
+    return failure;
+  }
+  const auto* const from = static_cast<const uint8_t*>(record);
+  // A buffer that holds the message whatever its values needs no size worked out beforehand.
+  if constexpr (!wire::ownsMemory(*model.record)) {
+    if (buffer == nullptr || *length < wire::largestCompactSize(*model.record)) [[unlikely]] {
+      const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
+      if (result != detail::mayWrite) {
+        return result;
+      }
+    }
+    *length = static_cast<uint32_t>(encode<module, model>(buffer, from));
+    return success;
+  } else {
+    const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
+    if (result != detail::mayWrite) {
+      return result;
+    }
+    encodeCompact<module, model>(buffer, from);
+    return success;
+  }
 }
 
 }  // namespace mesh::msg

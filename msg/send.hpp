@@ -2,6 +2,7 @@
 // middleware call takes them all. Every buffer lives for the call alone.
 #pragma once
 
+#include <bit>
 #include <new>
 
 #include "msg/middleware.hpp"
@@ -9,6 +10,13 @@
 #include "wire/fixed_writer.hpp"
 
 namespace mesh::msg {
+
+// What tells a send operation from those of other messages with the same layout.
+struct Identity {
+  uint32_t id;            // the message's
+  const char* operation;  // the exported operation's name
+};
+
 namespace detail {
 
 // The longest fixed image that is built on the stack.
@@ -48,123 +56,147 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
                     : MESH_SendMsg(destination, descriptors, count);
 }
 
-template <const Message& message>
-mesh_msg_desc describe(const uint8_t* table, uint32_t length) {
-  return {reinterpret_cast<uintptr_t>(table), message.id, length};
+// Makes the descriptor of a table, in one store.
+[[gnu::always_inline]] inline void describe(void* at, const uint8_t* table, uint32_t id,
+                                            uint32_t length) {
+  using Halves [[gnu::vector_size(sizeof(mesh_msg_desc))]] = uint64_t;
+  const Halves halves{reinterpret_cast<uintptr_t>(table), id | uint64_t{length} << 32};
+  new (at) mesh_msg_desc(std::bit_cast<mesh_msg_desc>(halves));
 }
 
-// Fixed images one after the other, `count` of them, at least one.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline void writeImages(uint8_t* images, const uint8_t* records,
-                                               uint32_t count) {
-  constexpr uint64_t length = wire::fixedLength(*message.record);
-  host::bindUnpackAllocator(module);
-  inByteOrder(module, [=]<host::ByteOrder order>() {
-    for (uint64_t index = 0; index < count; ++index) {
-      wire::writeFixedImage<*message.record, order>(images + index * length,
-                                                    records + index * message.record->size);
-    }
-  });
-}
-
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
-                                                 const uint8_t* record, uint64_t extra) {
-  writeImages<module, message>(image, record, 1);
-  const mesh_msg_desc descriptor = describe<message>(image, wire::fixedLength(*message.record));
+// Hands one image over, turned round first.
+[[gnu::cold, gnu::noinline]] inline uint32_t handOverReversed(uint32_t destination,
+                                                              const mesh_msg_desc& descriptor,
+                                                              const wire::Record& record,
+                                                              uint8_t* image, uint64_t extra) {
+  wire::reverseMessage(record, image);
   return handOver(destination, &descriptor, 1, extra);
 }
 
-template <host::Module& module, const Message& message>
+// The module is bound.
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
+                                                 const uint8_t* record, uint64_t extra,
+                                                 Identity identity) {
+  wire::writeFixedImage<*model.record>(image, record);
+  mesh_msg_desc descriptor;
+  describe(&descriptor, image, identity.id, wire::fixedLength(*model.record));
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
+    return handOverReversed(destination, descriptor, *model.record, image, extra);
+  }
+  return handOver(destination, &descriptor, 1, extra);
+}
+
+template <host::Module& module, const Message& model>
 [[gnu::always_inline]] inline uint32_t sendOneFixed(uint32_t destination, const uint8_t* record,
-                                                    uint64_t extra) {
-  constexpr uint32_t length = wire::fixedLength(*message.record);
+                                                    uint64_t extra, Identity identity) {
+  constexpr uint32_t length = wire::fixedLength(*model.record);
   if constexpr (length <= largestOnStack) {
     alignas(16) uint8_t image[length];
-    return sendImage<module, message>(image, destination, record, extra);
+    return sendImage<module, model>(image, destination, record, extra, identity);
   } else {
-    const SendBlock<module> block(length, wire::nameText<*message.record, "__sendsingle">());
+    const SendBlock<module> block(length, identity.operation);
     if (block.data() == nullptr) {
       return failure;
     }
-    return sendImage<module, message>(block.data(), destination, record, extra);
+    return sendImage<module, model>(block.data(), destination, record, extra, identity);
   }
 }
 
-template <host::Module& module, const Message& message>
-uint32_t sendOneCompact(uint32_t destination, const uint8_t* record, uint64_t extra) {
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline uint32_t sendOneCompact(uint32_t destination, const uint8_t* record,
+                                                      uint64_t extra, Identity identity) {
   if (record == nullptr) {
     return failure;
   }
-  const uint32_t size = encodedSize<message>(record);
+  const uint32_t size = encodedSize<model>(record);
   if (size == 0) {
     return failure;
   }
-  const SendBlock<module> block(size, wire::nameText<*message.record, "__sendsingle">());
+  const SendBlock<module> block(size, identity.operation);
   if (block.data() == nullptr) {
     return failure;
   }
-  encode<module, message>(block.data(), record);
-  const mesh_msg_desc descriptor = describe<message>(block.data(), size);
+  encodeCompact<module, model>(block.data(), record);
+  mesh_msg_desc descriptor;
+  describe(&descriptor, block.data(), identity.id, size);
   return handOver(destination, &descriptor, 1, extra);
 }
 
-template <host::Module& module, const Message& message>
-uint32_t sendManyFixed(uint32_t destination, const uint8_t* records, uint32_t count,
-                       uint64_t extra) {
-  constexpr uint32_t length = wire::fixedLength(*message.record);
+// Fixed images one after the other.
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline void writeImages(uint8_t* images, const uint8_t* records,
+                                               uint32_t count) {
+  constexpr const wire::Record& record = *model.record;
+  constexpr uint64_t length = wire::fixedLength(record);
+  if (count == 0) {
+    return;
+  }
+  host::bindUnpackAllocator(module);
+  for (uint64_t index = 0; index < count; ++index) {
+    wire::writeFixedImage<record>(images + index * length, records + index * record.size);
+  }
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
+    for (uint64_t index = 0; index < count; ++index) {
+      wire::reverseMessage(record, images + index * length);
+    }
+  }
+}
+
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline uint32_t sendManyFixed(uint32_t destination, const uint8_t* records,
+                                                     uint32_t count, uint64_t extra,
+                                                     Identity identity) {
+  constexpr uint32_t length = wire::fixedLength(*model.record);
   static_assert(length % alignof(mesh_msg_desc) == 0);
   const uint64_t size = uint64_t{count} * (length + sizeof(mesh_msg_desc));
   // The host is asked for the size modulo 2^32, as its allocator takes it.
-  const SendBlock<module> block(static_cast<uint32_t>(size),
-                                wire::nameText<*message.record, "__sendbatch">());
+  const SendBlock<module> block(static_cast<uint32_t>(size), identity.operation);
   if (block.data() == nullptr || size > UINT32_MAX) {
     return failure;
   }
   uint8_t* const images = block.data();
   auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(images + uint64_t{count} * length);
-  if (count > 0) {
-    writeImages<module, message>(images, records, count);
-  }
+  writeImages<module, model>(images, records, count);
   for (uint64_t index = 0; index < count; ++index) {
-    new (descriptors + index) mesh_msg_desc(describe<message>(images + index * length, length));
+    describe(descriptors + index, images + index * length, identity.id, length);
   }
   return handOver(destination, descriptors, count, extra);
 }
 
 // Encodes the records into the region, one descriptor each. Fails, with nothing sent, at the first
 // record that has no encoding or does not fit the rest of the region.
-template <host::Module& module, const Message& message>
+template <host::Module& module, const Message& model>
 bool encodeBatch(uint8_t* region, mesh_msg_desc* descriptors, const uint8_t* records,
-                 uint32_t count) {
+                 uint32_t count, uint32_t id) {
   uint32_t used = 0;
   for (uint64_t index = 0; index < count; ++index) {
     if (used == batchRegion || records == nullptr) {
       return false;
     }
-    const uint8_t* const record = records + index * message.record->size;
-    const uint32_t size = encodedSize<message>(record);
+    const uint8_t* const record = records + index * model.record->size;
+    const uint32_t size = encodedSize<model>(record);
     if (size == 0 || size > batchRegion - used) {
       return false;
     }
-    encode<module, message>(region + used, record);
-    new (descriptors + index) mesh_msg_desc(describe<message>(region + used, size));
+    encodeCompact<module, model>(region + used, record);
+    describe(descriptors + index, region + used, id, size);
     used += size;
   }
   return true;
 }
 
-template <host::Module& module, const Message& message>
-uint32_t sendManyCompact(uint32_t destination, const uint8_t* records, uint32_t count,
-                         uint64_t extra) {
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline uint32_t sendManyCompact(uint32_t destination, const uint8_t* records,
+                                                       uint32_t count, uint64_t extra,
+                                                       Identity identity) {
   const uint64_t size = uint64_t{count} * sizeof(mesh_msg_desc) + batchRegion;
-  const SendBlock<module> block(static_cast<uint32_t>(size),
-                                wire::nameText<*message.record, "__sendbatch">());
+  const SendBlock<module> block(static_cast<uint32_t>(size), identity.operation);
   if (block.data() == nullptr || size > UINT32_MAX) {
     return failure;
   }
   auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(block.data() + batchRegion);
-  if (!encodeBatch<module, message>(block.data(), descriptors, records, count)) {
+  if (!encodeBatch<module, model>(block.data(), descriptors, records, count, identity.id)) {
     return failure;
   }
   return handOver(destination, descriptors, count, extra);
@@ -172,39 +204,56 @@ uint32_t sendManyCompact(uint32_t destination, const uint8_t* records, uint32_t 
 
 }  // namespace detail
 
+template <host::Module& module, const Message& model>
+[[gnu::cold, gnu::noinline]] uint32_t bindAndSendSingle(uint32_t destination, const void* record,
+                                                        uint64_t unused, uint64_t extra,
+                                                        Identity identity);
+
 // One record. In the fixed arrangement the record must not be null.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const void* record,
-                                                  uint64_t extra) {
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t sendSingle(uint32_t destination, const void* record, uint64_t unused,
+                                      uint64_t extra, Identity identity) {
   const auto* const from = static_cast<const uint8_t*>(record);
-  if constexpr (message.policy.arrangement == Arrangement::Fixed) {
-    return detail::sendOneFixed<module, message>(destination, from, extra);
+  if constexpr (model.policy.arrangement == Arrangement::Fixed) {
+    // Called again once it is bound: nothing has to outlive a call on the way to the middleware.
+    if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
+      return bindAndSendSingle<module, model>(destination, record, unused, extra, identity);
+    }
+    return detail::sendOneFixed<module, model>(destination, from, extra, identity);
   } else {
-    return detail::sendOneCompact<module, message>(destination, from, extra);
+    return detail::sendOneCompact<module, model>(destination, from, extra, identity);
   }
 }
 
+template <host::Module& module, const Message& model>
+uint32_t bindAndSendSingle(uint32_t destination, const void* record, uint64_t unused,
+                           uint64_t extra, Identity identity) {
+  host::bindUnpackAllocator(module);
+  return sendSingle<module, model>(destination, record, unused, extra, identity);
+}
+
 // `count` contiguous records: one allocation, one middleware call, one descriptor each.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendBatch(uint32_t destination, const void* records,
-                                                 uint32_t count, uint64_t extra) {
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t sendBatch(uint32_t destination, const void* records, uint32_t count,
+                                     uint64_t extra, Identity identity) {
   const auto* const from = static_cast<const uint8_t*>(records);
-  if constexpr (message.policy.arrangement == Arrangement::Fixed) {
-    return detail::sendManyFixed<module, message>(destination, from, count, extra);
+  if constexpr (model.policy.arrangement == Arrangement::Fixed) {
+    return detail::sendManyFixed<module, model>(destination, from, count, extra, identity);
   } else {
-    return detail::sendManyCompact<module, message>(destination, from, count, extra);
+    return detail::sendManyCompact<module, model>(destination, from, count, extra, identity);
   }
 }
 
 // None fails, one is sent singly, more as a batch.
-template <host::Module& module, const Message& message>
+template <host::Module& module, const Message& model>
 [[gnu::always_inline]] inline uint32_t send(uint32_t destination, const void* records,
-                                            uint32_t count, uint64_t extra) {
+                                            uint32_t count, uint64_t extra, Identity single,
+                                            Identity batch) {
   if (count == 0) {
     return failure;
   }
-  return count == 1 ? sendSingle<module, message>(destination, records, extra)
-                    : sendBatch<module, message>(destination, records, count, extra);
+  return count == 1 ? sendSingle<module, model>(destination, records, 0, extra, single)
+                    : sendBatch<module, model>(destination, records, count, extra, batch);
 }
 
 }  // namespace mesh::msg

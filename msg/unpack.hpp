@@ -1,79 +1,77 @@
 // __unpack and _free__unpacked.
 #pragma once
 
-#include "msg/in_byte_order.hpp"
 #include "msg/message.hpp"
-#include "wire/reader.hpp"
+#include "wire/compact_reader.hpp"
+#include "wire/fixed_reader.hpp"
 #include "wire/release.hpp"
+#include "wire/report.hpp"
 
 namespace mesh::msg {
 
 // Releases what decoding allocated inside the record; the record itself is the caller's.
 template <host::Module& module, const Message& message>
-void freeUnpacked(void* record) {
+[[gnu::always_inline]] inline void freeUnpacked(void* record) {
   if constexpr (wire::ownsMemory(*message.record)) {
     host::bindUnpackAllocator(module);
     if (record == nullptr) {
       return;
     }
-    wire::releaseParts<module, *message.record>(
-        static_cast<uint8_t*>(record), wire::nameText<*message.record, "_free_unpacked">());
+    wire::releaseParts<module, *message.record>(static_cast<uint8_t*>(record),
+                                                message.record->releaser);
   }
 }
+
+// Decodes any buffer of 4 bytes at least, slot by slot: this decides what is logged, and what a
+// buffer that is not in order leaves in the record. After a No the record's parts are to be
+// released; a bad frame at the root of a message that decodes itself is no No, as it has none.
+wire::Decoded decodeAny(host::Module& module, const Message& message, host::ByteOrder order,
+                        const uint8_t* data, uint32_t length, uint8_t* into);
 
 namespace detail {
 
-// The record is untouched until the frame has been found good.
-template <host::Module& module, const Message& message, host::ByteOrder order>
-[[gnu::always_inline]] inline void unpackByMessage(wire::Buffer<order> buffer, uint8_t* into) {
-  constexpr const wire::Record& record = *message.record;
-  constexpr const char* function = wire::decoderName<record, wire::Decoder::Root>();
-  const auto table = buffer.template read<uint32_t>(0);
-  wire::TableFrame frame;
-  if (wire::locateTable(module.env, function, buffer, table, frame) == wire::Decoded::No)
-      [[unlikely]] {
-    return;
+// The short ways, for buffers in the host's byte order that are in order, in a module that is bound
+// already: nothing here has to outlive a call. `model` gives the layout, `message` the names.
+template <host::Module& module, const Message& model>
+[[gnu::always_inline]] inline wire::Decoded decode(const Message& message, const uint8_t* data,
+                                                   uint32_t length, uint8_t* into) {
+  constexpr const wire::Record& record = *model.record;
+  const host::ByteOrder order = host::byteOrder(module);
+  if (order == host::ByteOrder::Host && host::isUnpackAllocatorBound(module)) [[likely]] {
+    const wire::HostBuffer buffer{data, length};
+    if constexpr (wire::hasFixedArrangement(record)) {
+      if (wire::hasFixedFrame<record>(buffer)) {
+        wire::readFixedImage<record>(into, data);
+        return wire::Decoded::Yes;
+      }
+    }
+    if constexpr (wire::hasQuickReader(record)) {
+      wire::SoundParts<*model.record> parts;
+      if (wire::verifySound<record>(buffer, parts)) [[likely]] {
+        constexpr auto decoder = model.policy.rootDecoding == RootDecoding::ByMessage
+                                     ? wire::Decoder::Root
+                                     : wire::Decoder::Table;
+        return wire::fillRecord<module, record, decoder>(data, parts, into);
+      }
+    }
   }
-  host::bindUnpackAllocator(module);
-  host::clearConstant<record.size>(into);
-  if (wire::decodeSlots<module, record, wire::Decoder::Root>(buffer, frame, into) ==
-      wire::Decoded::No) {
-    freeUnpacked<module, message>(into);
-  }
-}
-
-// The record comes back cleared where the frame is bad.
-template <host::Module& module, const Message& message, host::ByteOrder order>
-[[gnu::always_inline]] inline void unpackByTableReader(wire::Buffer<order> buffer, uint8_t* into) {
-  constexpr const wire::Record& record = *message.record;
-  const auto table = buffer.template read<uint32_t>(0);
-  host::bindUnpackAllocator(module);
-  host::clearConstant<record.size>(into);
-  if (wire::decodeTable<module, record>(buffer, into, table) == wire::Decoded::No) {
-    freeUnpacked<module, message>(into);
-  }
+  return decodeAny(module, message, order, data, length, into);
 }
 
 }  // namespace detail
 
 // Verifies the buffer as a table of the message and fills the record. Returns the record's size,
 // whatever happened: a rejection shows in the log and in a record without out-of-line parts.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t unpack(const uint8_t* data, uint32_t length, void* record) {
+template <host::Module& module, const Message& model>
+[[gnu::noinline]] uint32_t unpack(const uint8_t* data, uint32_t length, void* record,
+                                  const Message& message) {
   if (data == nullptr || static_cast<int32_t>(length) < 4 || record == nullptr) [[unlikely]] {
-    wire::reportUnpackParameters(module.env, wire::nameText<*message.record, "_unpack">(), data,
-                                 length, record);
-    return message.record->size;
+    wire::reportUnpackParameters(module.env, message.record->rootReader, data, length, record);
+  } else if (detail::decode<module, model>(message, data, length, static_cast<uint8_t*>(record)) ==
+             wire::Decoded::No) {
+    freeUnpacked<module, model>(record);
   }
-  inByteOrder(module, [=]<host::ByteOrder order>() {
-    const wire::Buffer<order> buffer{data, length};
-    if constexpr (message.policy.rootDecoding == RootDecoding::ByMessage) {
-      detail::unpackByMessage<module, message>(buffer, static_cast<uint8_t*>(record));
-    } else {
-      detail::unpackByTableReader<module, message>(buffer, static_cast<uint8_t*>(record));
-    }
-  });
-  return message.record->size;
+  return model.record->size;
 }
 
 }  // namespace mesh::msg

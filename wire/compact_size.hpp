@@ -53,6 +53,11 @@ constexpr uint64_t scalarWidths(const Record& record) {
   return size;
 }
 
+// The largest message of a record without out-of-line parts.
+constexpr uint64_t largestCompactSize(const Record& record) {
+  return 4 + smallestTableSize(record) + scalarWidths(record);
+}
+
 namespace detail {
 
 template <typename Scalar>
@@ -109,7 +114,7 @@ template <const Record& record, size_t index>
 
 template <const Record& record>
 [[gnu::always_inline]] inline uint64_t tableSize(const uint8_t* from) {
-  return [&]<size_t... index>(std::index_sequence<index...>) {
+  return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
     return (detail::constantSize(record) + ... + detail::valueSize<record, index>(from));
   }
   (std::make_index_sequence<record.slots.size()>());

@@ -2,7 +2,8 @@
 //
 //   root | vtable | table: vtable offset, inline part | tail: the offset words' targets
 //
-// Nothing here can fail: the size check beforehand has settled every bound.
+// Nothing here can fail: the size check beforehand has settled every bound. Whether a scalar is
+// there is arithmetic, not a branch: values that no predictor can guess cost no more than others.
 #pragma once
 
 #include <array>
@@ -11,57 +12,80 @@
 #include "host/byte_order.hpp"
 #include "host/memory.hpp"
 #include "wire/schema.hpp"
+#include "wire/store_plan.hpp"
 
 namespace mesh::wire {
 
-// Writes the record's present fields at the cursor and their places into the vtable's slot entries,
-// which the caller has cleared. Advances the cursor past everything written; returns the table
-// length, which counts neither nested tables nor vectors.
-template <const Record& record, host::ByteOrder order>
-uint16_t writeTableFields(uint8_t*& cursor, const uint8_t* from, uint8_t* entries);
+// A table that is being written. Offsets count from its first byte.
+struct TableOut {
+  uint8_t* table;
+  uint8_t* entries;  // the vtable's slot entries
+};
 
-// Writes a vtable at the cursor and its table behind it. Returns the table's place.
-template <const Record& record, host::ByteOrder order>
-uint8_t* writeTable(uint8_t*& cursor, const uint8_t* from) {
+// Where a table's fields begin.
+inline constexpr uint32_t firstField = 4;
+
+// What a table takes, and the table length that its vtable states: nested tables and vectors do not
+// count there.
+struct TableExtent {
+  size_t end;
+  size_t leftOut;
+};
+
+// Writes every slot entry, the fields that are there and their targets; the vtable offset is
+// written last, and is the caller's.
+template <const Record& record>
+TableExtent writeTableFields(TableOut out, const uint8_t* from);
+
+// Writes a vtable at `vtable` and its table behind it. Returns the end of all of it.
+template <const Record& record>
+[[gnu::always_inline]] inline uint8_t* writeTable(uint8_t* vtable, const uint8_t* from) {
   constexpr uint32_t length = vtableLength(record);
-  uint8_t* const vtable = cursor;
-  uint8_t* const table = vtable + length;
-  host::clearConstant<length - 4>(vtable + 4);
-  cursor = table + 4;
-  const uint16_t tableLength = writeTableFields<record, order>(cursor, from, vtable + 4);
-  host::store<order>(vtable, static_cast<uint16_t>(length));
-  host::store<order>(vtable + 2, tableLength);
-  host::store<order>(table, length);
-  return table;
+  const TableOut out{vtable + length, vtable + 4};
+  const auto [end, leftOut] = writeTableFields<record>(out, from);
+  // Sixteen bits hold the table length of every record without byte strings; readers do not look.
+  host::store(vtable, length | static_cast<uint32_t>(end - leftOut) << 16);
+  host::store(out.table, length);
+  return out.table + end;
 }
 
 namespace detail {
 
-// Where a table's fields begin, counted from the table.
-inline constexpr uint32_t firstField = 4;
+// All ones where the value is not zero.
+template <typename Scalar>
+constexpr uint64_t presence(Scalar value) {
+  return uint64_t{0} - static_cast<uint64_t>(value != 0);
+}
 
-// The place in a table that is being written.
-struct Inline {
-  uint8_t* const start;
-  uint8_t* const entries;
-  uint8_t* cursor;
-
-  // Enters the cursor's place as the slot's.
-  template <size_t index, host::ByteOrder order>
-  [[gnu::always_inline]] void enter() {
-    host::store<order>(entries + 2 * index,
-                       static_cast<uint16_t>(firstField + static_cast<size_t>(cursor - start)));
+// What follows the scalars in every message of the record, at least.
+constexpr uint32_t smallestTail(const Record& record) {
+  const uint32_t word = record.style.inlineOrder == InlineOrder::ScalarsFirst ? 4 : 0;
+  uint32_t size = 0;
+  for (const Slot& slot : record.slots) {
+    if (slot.kind == Kind::Array) {
+      size += word + 4 + slot.size;
+    } else if (slot.kind == Kind::Table) {
+      size += word + vtableLength(*slot.nested) + 4;
+    }
   }
-};
+  return size;
+}
 
-template <typename Scalar, size_t index, host::ByteOrder order>
-[[gnu::always_inline]] inline void writeScalar(Inline& out, const uint8_t* field) {
+// Stores the value whether it is there or not. One that is not lands on bytes that are written
+// later: where the next field comes or, at a message's end, on the table's vtable offset.
+template <const Record& record, typename Scalar, size_t index>
+[[gnu::always_inline]] inline size_t writeScalar(TableOut out, const uint8_t* field, size_t at) {
   const auto value = host::load<Scalar>(field);
-  if (value != 0) {
-    out.template enter<index, order>();
-    host::store<order>(out.cursor, value);
-    out.cursor += sizeof value;
+  const uint64_t isThere = presence(value);
+  const uint64_t entry = at & isThere;
+  host::store(out.entries + 2 * index, static_cast<uint16_t>(entry));
+  if constexpr (smallestTail(record) >= sizeof value) {
+    host::store(out.table + at, value);
+  } else {
+    static_assert(sizeof value <= firstField);
+    host::store(out.table + entry, value);
   }
+  return at + (sizeof value & isThere);
 }
 
 // Whether a slot that is written as an offset word is there.
@@ -91,128 +115,130 @@ constexpr size_t countWords(const Record& record, size_t before) {
 template <const Record& record, size_t index>
 inline constexpr size_t wordIndex = countWords(record, index);
 
+template <const Record& record>
+inline constexpr size_t wordCount = wordIndex<record, record.slots.size()>;
+
+// Where the offset words stand; their values are not known before the inline part is written.
+template <const Record& record>
+using Words = std::array<size_t, wordCount<record>>;
+
 enum class Pass {
   Everything,
   Scalars,
   Words,
 };
 
-// One slot's share of the inline part. A word's value is not known yet: its place is kept.
-template <const Record& record, size_t index, Pass pass, host::ByteOrder order>
-[[gnu::always_inline]] inline void writeInline(Inline& out, const uint8_t* from, uint8_t** words) {
+// One slot's share of the inline part. Returns where the next one's begins.
+template <const Record& record, size_t index, Pass pass>
+[[gnu::always_inline]] inline size_t writeInline(TableOut out, const uint8_t* from, size_t at,
+                                                 Words<record>& words) {
   constexpr const Slot& slot = record.slots[index];
   if constexpr (isScalar(slot.kind)) {
     if constexpr (pass != Pass::Words) {
       const uint8_t* const field = from + slot.recordOffset;
       if constexpr (slot.kind == Kind::U8) {
-        writeScalar<uint8_t, index, order>(out, field);
+        return writeScalar<record, uint8_t, index>(out, field, at);
       } else if constexpr (slot.kind == Kind::U16) {
-        writeScalar<uint16_t, index, order>(out, field);
+        return writeScalar<record, uint16_t, index>(out, field, at);
       } else if constexpr (slot.kind == Kind::U32) {
-        writeScalar<uint32_t, index, order>(out, field);
+        return writeScalar<record, uint32_t, index>(out, field, at);
       } else {
-        writeScalar<uint64_t, index, order>(out, field);
+        return writeScalar<record, uint64_t, index>(out, field, at);
       }
     }
   } else if constexpr (pass != Pass::Scalars) {
-    if (hasWord<record, index>(from)) {
-      out.template enter<index, order>();
-      words[wordIndex<record, index>] = out.cursor;
-      out.cursor += 4;
-    }
+    const uint64_t isThere = presence(hasWord<record, index>(from));
+    host::store(out.entries + 2 * index, static_cast<uint16_t>(at & isThere));
+    words[wordIndex<record, index>] = at;
+    return at + (4 & isThere);
   }
+  return at;
 }
 
 // Lets the offset word at `word` say where `target` is.
-template <host::ByteOrder order>
 [[gnu::always_inline]] inline void pointAt(uint8_t* word, const uint8_t* target) {
-  host::store<order>(word, static_cast<uint32_t>(target - word));
+  host::store(word, static_cast<uint32_t>(target - word));
 }
 
-template <host::ByteOrder order>
-[[gnu::always_inline]] inline void writeLength(uint8_t*& cursor, uint32_t length) {
-  host::store<order>(cursor, length);
-  cursor += 4;
-}
-
-template <const Record& record, host::ByteOrder order>
-void writeVector(uint8_t*& cursor, uint32_t count, const uint8_t* items) {
-  writeLength<order>(cursor, count);
-  uint8_t* word = cursor;
-  cursor += uint64_t{4} * count;
+template <const Record& record>
+uint8_t* writeVector(uint8_t* to, uint32_t count, const uint8_t* items) {
+  host::store(to, count);
+  uint8_t* word = to + 4;
+  uint8_t* end = word + uint64_t{4} * count;
   for (uint32_t item = 0; item < count; ++item, word += 4) {
-    pointAt<order>(word, writeTable<record, order>(cursor, items + uint64_t{record.size} * item));
+    pointAt(word, end + vtableLength(record));
+    end = writeTable<record>(end, items + uint64_t{record.size} * item);
   }
+  return end;
 }
 
-// One slot's target. Returns how much of it the table length leaves out.
-template <const Record& record, size_t index, host::ByteOrder order>
-[[gnu::always_inline]] inline size_t writeTarget(uint8_t*& cursor, const uint8_t* from,
-                                                 uint8_t* const* words) {
+// One slot's target, behind all that is written before it.
+template <const Record& record, size_t index>
+[[gnu::always_inline]] inline void writeTarget(TableOut out, const uint8_t* from,
+                                               const Words<record>& words, TableExtent& extent) {
   constexpr const Slot& slot = record.slots[index];
-  const uint8_t* const field = from + slot.recordOffset;
-  uint8_t* const start = cursor;
-  if constexpr (slot.kind == Kind::Array) {
-    pointAt<order>(words[wordIndex<record, index>], cursor);
-    writeLength<order>(cursor, slot.size);
-    if constexpr (slot.size <= host::largestInPlace) {
-      host::copyConstant<slot.size>(cursor, field);
-    } else {
-      host::copyBytes(cursor, field, slot.size);
-    }
-    cursor += slot.size;
-  } else if constexpr (slot.kind == Kind::Bytes) {
-    if (hasWord<record, index>(from)) {
-      const auto length = host::load<uint32_t>(from + slot.countOffset);
-      pointAt<order>(words[wordIndex<record, index>], cursor);
-      writeLength<order>(cursor, length);
-      host::copyBytes(cursor, host::loadPointer<const uint8_t>(field), length);
-      cursor += length;
-    }
-  } else if constexpr (slot.kind == Kind::Table) {
-    pointAt<order>(words[wordIndex<record, index>], writeTable<*slot.nested, order>(cursor, field));
-    return static_cast<size_t>(cursor - start);
-  } else if constexpr (slot.kind == Kind::Vector) {
-    if (hasWord<record, index>(from)) {
-      pointAt<order>(words[wordIndex<record, index>], cursor);
-      writeVector<*slot.nested, order>(cursor, host::load<uint32_t>(from + slot.countOffset),
-                                       host::loadPointer<const uint8_t>(field));
-      return static_cast<size_t>(cursor - start);
+  if constexpr (!isScalar(slot.kind)) {
+    const uint8_t* const field = from + slot.recordOffset;
+    uint8_t* const word = out.table + words[wordIndex<record, index>];
+    uint8_t* const to = out.table + extent.end;
+    if constexpr (slot.kind == Kind::Array) {
+      pointAt(word, to);
+      host::store(to, slot.size);
+      if constexpr (slot.size <= host::largestInPlace) {
+        host::copyConstant<slot.size>(to + 4, field);
+      } else {
+        host::copyBytes(to + 4, field, slot.size);
+      }
+      extent.end += 4 + slot.size;
+    } else if constexpr (slot.kind == Kind::Table) {
+      pointAt(word, to + vtableLength(*slot.nested));
+      const auto size = static_cast<size_t>(writeTable<*slot.nested>(to, field) - to);
+      extent.end += size;
+      extent.leftOut += size;
+    } else if (hasWord<record, index>(from)) {
+      const auto count = host::load<uint32_t>(from + slot.countOffset);
+      const auto* const contents = host::loadPointer<const uint8_t>(field);
+      pointAt(word, to);
+      if constexpr (slot.kind == Kind::Bytes) {
+        host::store(to, count);
+        host::copyBytes(to + 4, contents, count);
+        extent.end += size_t{4} + count;
+      } else {
+        const auto size = static_cast<size_t>(writeVector<*slot.nested>(to, count, contents) - to);
+        extent.end += size;
+        extent.leftOut += size;
+      }
     }
   }
-  return 0;
 }
 
 }  // namespace detail
 
-template <const Record& record, host::ByteOrder order>
-uint16_t writeTableFields(uint8_t*& cursor, const uint8_t* from, uint8_t* entries) {
+template <const Record& record>
+[[gnu::always_inline]] inline TableExtent writeTableFields(TableOut out, const uint8_t* from) {
   using detail::Pass;
-  uint8_t* const start = cursor;
-  detail::Inline out{start, entries, start};
-  std::array<uint8_t*, detail::wordIndex<record, record.slots.size()>> words{};
-  size_t leftOut = 0;
-  [&]<size_t... index>(std::index_sequence<index...>) {
+  size_t at = firstField;
+  detail::Words<record> words;
+  TableExtent extent{};
+  [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
     if constexpr (record.style.inlineOrder == InlineOrder::Slots) {
-      (detail::writeInline<record, index, Pass::Everything, order>(out, from, words.data()), ...);
+      ((at = detail::writeInline<record, index, Pass::Everything>(out, from, at, words)), ...);
     } else {
-      (detail::writeInline<record, index, Pass::Scalars, order>(out, from, words.data()), ...);
-      (detail::writeInline<record, index, Pass::Words, order>(out, from, words.data()), ...);
+      ((at = detail::writeInline<record, index, Pass::Scalars>(out, from, at, words)), ...);
+      ((at = detail::writeInline<record, index, Pass::Words>(out, from, at, words)), ...);
     }
-    cursor = out.cursor;
-    ((leftOut += detail::writeTarget<record, index, order>(cursor, from, words.data())), ...);
+    extent = {at, 0};
+    (detail::writeTarget<record, index>(out, from, words, extent), ...);
   }
   (std::make_index_sequence<record.slots.size()>());
-  // Sixteen bits hold it for every record without byte strings; readers never look at it.
-  return static_cast<uint16_t>(detail::firstField + static_cast<size_t>(cursor - start) - leftOut);
+  return extent;
 }
 
-// The whole message at `message`, which has room for compactSize().
-template <const Record& record, host::ByteOrder order>
-void writeCompact(uint8_t* message, const uint8_t* from) {
-  host::store<order>(message, 4 + vtableLength(record));
-  uint8_t* cursor = message + 4;
-  writeTable<record, order>(cursor, from);
+// The whole message at `message`, which has room for compactSize(). Returns what was written.
+template <const Record& record>
+[[gnu::always_inline]] inline size_t writeCompact(uint8_t* message, const uint8_t* from) {
+  host::store(message, 4 + vtableLength(record));
+  return static_cast<size_t>(writeTable<record>(message + 4, from) - message);
 }
 
 }  // namespace mesh::wire

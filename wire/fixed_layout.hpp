@@ -9,11 +9,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstddef>
 
-#include "host/byte_order.hpp"
 #include "wire/schema.hpp"
 #include "wire/slots.hpp"
+#include "wire/store_plan.hpp"
 
 namespace mesh::wire {
 
@@ -67,14 +66,6 @@ constexpr uint32_t fixedEntry(const Record& record, size_t index) {
   return entry;
 }
 
-// Bytes that an image takes from the record as they are, or reversed as one integer of `size`.
-struct Move {
-  uint32_t image;
-  uint32_t record;
-  uint32_t size;
-  bool isInteger;
-};
-
 namespace detail {
 
 constexpr size_t leafCount(const Record& record) {
@@ -85,45 +76,57 @@ constexpr size_t leafCount(const Record& record) {
   return count;
 }
 
-// The fields of a record in image order, those of nested records in their places.
-constexpr void listLeaves(const Record& record, uint32_t image, uint32_t offset, Move*& out) {
+// A field of a record or of a record nested in it: its place in the image, and in the record.
+struct Leaf {
+  uint32_t image;
+  uint32_t record;
+  uint32_t size;
+};
+
+// In image order, which is record order too.
+constexpr void listLeaves(const Record& record, uint32_t image, uint32_t offset, Leaf*& out) {
   for (size_t index = 0; index < record.slots.size(); ++index) {
     const Slot& slot = record.slots[index];
     const uint32_t at = image + fixedTable + fixedEntry(record, index);
     const uint32_t from = offset + slot.recordOffset;
     if (slot.kind == Kind::Table) {
       listLeaves(*slot.nested, at, from, out);
-    } else if (slot.kind == Kind::Array) {
-      *out++ = {at + 8, from, slot.size, false};
     } else {
-      *out++ = {at, from, slot.size, slot.size > 1};
+      *out++ = {slot.kind == Kind::Array ? at + 8 : at, from, slot.size};
     }
   }
 }
 
-template <host::ByteOrder order, typename Integer>
+template <const Record& record>
+inline constexpr auto leaves = [] {
+  std::array<Leaf, leafCount(record)> list{};
+  Leaf* end = list.data();
+  listLeaves(record, 0, 0, end);
+  return list;
+}();
+
+template <typename Integer>
 constexpr void putFrame(uint8_t* to, Integer value) {
-  const auto bytes = std::bit_cast<std::array<uint8_t, sizeof value>>(host::inOrder<order>(value));
+  const auto bytes = std::bit_cast<std::array<uint8_t, sizeof value>>(value);
   std::copy(bytes.begin(), bytes.end(), to);
 }
 
-template <host::ByteOrder order>
 constexpr void fillFrame(const Record& record, uint8_t* image) {
   const uint32_t vtable = fixedVtable(record);
-  putFrame<order>(image, fixedTable);
-  putFrame<order>(image + fixedTable, fixedTable - vtable);
-  putFrame<order>(image + vtable, static_cast<uint16_t>(vtableLength(record)));
-  putFrame<order>(image + vtable + 2, static_cast<uint16_t>(fixedTableLength(record)));
+  putFrame(image, fixedTable);
+  putFrame(image + fixedTable, fixedTable - vtable);
+  putFrame(image + vtable, static_cast<uint16_t>(vtableLength(record)));
+  putFrame(image + vtable + 2, static_cast<uint16_t>(fixedTableLength(record)));
   for (size_t index = 0; index < record.slots.size(); ++index) {
     const Slot& slot = record.slots[index];
     const uint32_t entry = fixedEntry(record, index);
     uint8_t* const field = image + fixedTable + entry;
-    putFrame<order>(image + vtable + 4 + 2 * index, static_cast<uint16_t>(entry));
+    putFrame(image + vtable + 4 + 2 * index, static_cast<uint16_t>(entry));
     if (slot.kind == Kind::Array) {
-      putFrame<order>(field, uint32_t{4});
-      putFrame<order>(field + 4, slot.size);
+      putFrame(field, uint32_t{4});
+      putFrame(field + 4, slot.size);
     } else if (slot.kind == Kind::Table) {
-      fillFrame<order>(*slot.nested, field);
+      fillFrame(*slot.nested, field);
     }
   }
 }
@@ -132,47 +135,39 @@ constexpr void fillFrame(const Record& record, uint8_t* image) {
 
 // Everything of an image that does not come from the record, padding (zeros) included; zeros where
 // fields stand.
-template <const Record& record, host::ByteOrder order>
+template <const Record& record>
 inline constexpr auto fixedFrame = [] {
   std::array<uint8_t, fixedLength(record)> frame{};
-  detail::fillFrame<order>(record, frame.data());
+  detail::fillFrame(record, frame.data());
   return frame;
 }();
 
-// The moves from a record into its image, in image order, no two of them next to each other on both
-// sides: what is contiguous in both moves as one block.
-template <const Record& record, host::ByteOrder order>
-struct FixedMoves {
-  static_assert(hasFixedArrangement(record));
+// An image as stretches of the record and of the frame.
+template <const Record& record>
+inline constexpr auto imageStretches = [] {
+  Stretches<2 * detail::leafCount(record) + 1> image;
+  uint32_t end = 0;
+  for (const detail::Leaf& leaf : detail::leaves<record>) {
+    image.append({end, leaf.image - end, {end, true}});
+    image.append({leaf.image, leaf.size, {leaf.record, false}});
+    end = leaf.image + leaf.size;
+  }
+  image.append({end, fixedLength(record) - end, {end, true}});
+  return image;
+}();
 
-  struct List {
-    std::array<Move, detail::leafCount(record)> moves;
-    size_t count;
-  };
-
-  static constexpr List list = [] {
-    List result{};
-    Move* end = result.moves.data();
-    detail::listLeaves(record, 0, 0, end);
-    const auto canJoin = [](const Move& one, const Move& next) {
-      const bool adjacent =
-          one.image + one.size == next.image && one.record + one.size == next.record;
-      const bool verbatim = order == host::ByteOrder::Host || (!one.isInteger && !next.isInteger);
-      return adjacent && verbatim;
-    };
-    for (const Move& move : std::span(result.moves)) {
-      if (result.count > 0 && canJoin(result.moves[result.count - 1], move)) {
-        Move& last = result.moves[result.count - 1];
-        last = {last.image, last.record, last.size + move.size, false};
-      } else {
-        result.moves[result.count++] = move;
-      }
-    }
-    return result;
-  }();
-
-  static constexpr size_t count = list.count;
-  static constexpr const std::array<Move, detail::leafCount(record)>& moves = list.moves;
-};
+// A record as stretches of its image and of zeros, which stand where the record has padding.
+template <const Record& record>
+inline constexpr auto recordStretches = [] {
+  Stretches<2 * detail::leafCount(record) + 1> stretches;
+  uint32_t end = 0;
+  for (const detail::Leaf& leaf : detail::leaves<record>) {
+    stretches.append({end, leaf.record - end, {0, true}});
+    stretches.append({leaf.record, leaf.size, {leaf.image, false}});
+    end = leaf.record + leaf.size;
+  }
+  stretches.append({end, record.size - end, {0, true}});
+  return stretches;
+}();
 
 }  // namespace mesh::wire

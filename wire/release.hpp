@@ -39,7 +39,7 @@ template <host::Module& module, const Record& record, size_t index>
 
 template <host::Module& module, const Record& record>
 void releaseParts(uint8_t* into, const char* function) {
-  [&]<size_t... index>(std::index_sequence<index...>) {
+  [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
     (detail::releaseSlot<module, record, index>(into, function), ...);
   }
   (std::make_index_sequence<record.slots.size()>());

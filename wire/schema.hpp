@@ -27,7 +27,8 @@ enum class Kind : uint8_t {
 struct Record;
 
 struct Slot {
-  const char* name;
+  // Held in place: a thousand pointers to names would be as many relocations at load.
+  std::array<char, 8> name;
   Kind kind;
   // Scalar: its width. Array: its declared size. Table, Vector: the nested record's size.
   // Bytes: 1, the size of an item.
@@ -56,10 +57,17 @@ struct Style {
   NestedFailure nestedFailure = NestedFailure::FailsTheTable;
   // The table reader checks its own parameters. No caller in this library passes bad ones.
   bool checksParameters = false;
+
+  bool operator==(const Style&) const = default;
 };
 
 struct Record {
   const char* name;
+  // The names that decoding logs, allocates and releases under: the message's own root decoder, the
+  // record's table reader, the message's release.
+  const char* rootReader;
+  const char* tableReader;
+  const char* releaser;
   uint32_t size;
   Style style;
   std::span<const Slot> slots;
@@ -83,6 +91,24 @@ constexpr bool isOutOfLine(Kind kind) {
 
 constexpr uint32_t vtableLength(const Record& record) {
   return 4 + 2 * static_cast<uint32_t>(record.slots.size());
+}
+
+// Whether two records differ in nothing but names.
+constexpr bool haveSameLayout(const Record& one, const Record& other) {
+  if (one.size != other.size || one.style != other.style ||
+      one.slots.size() != other.slots.size()) {
+    return false;
+  }
+  for (size_t index = 0; index < one.slots.size(); ++index) {
+    const Slot& slot = one.slots[index];
+    const Slot& same = other.slots[index];
+    if (slot.kind != same.kind || slot.size != same.size ||
+        slot.recordOffset != same.recordOffset || slot.countOffset != same.countOffset ||
+        (slot.nested != nullptr && !haveSameLayout(*slot.nested, *same.nested))) {
+      return false;
+    }
+  }
+  return true;
 }
 
 // Whether decoding into the record can allocate.

@@ -6,9 +6,24 @@
 // one out of order or one more than the struct has does not compile.
 #pragma once
 
+#include <algorithm>
+#include <string_view>
+
 #include "wire/schema.hpp"
 
 namespace mesh::wire {
+
+// Declared only: a call of it is not a constant expression, and so an error with this name in it.
+void aSlotsNameHasSevenCharactersAtMost();
+
+consteval std::array<char, 8> slotName(std::string_view name) {
+  std::array<char, 8> held{};
+  if (name.size() >= held.size()) {
+    aSlotsNameHasSevenCharactersAtMost();
+  }
+  std::copy(name.begin(), name.end(), held.begin());
+  return held;
+}
 
 template <typename Scalar, typename Field>
 consteval Slot scalarSlot(const char* name, size_t offset) {
@@ -17,27 +32,31 @@ consteval Slot scalarSlot(const char* name, size_t offset) {
                         : sizeof(Scalar) == 2 ? Kind::U16
                         : sizeof(Scalar) == 4 ? Kind::U32
                                               : Kind::U64;
-  return {name, kind, sizeof(Scalar), static_cast<uint32_t>(offset), 0, nullptr};
+  return {slotName(name), kind, sizeof(Scalar), static_cast<uint32_t>(offset), 0, nullptr};
 }
 
 template <size_t size, typename Field>
 consteval Slot arraySlot(const char* name, size_t offset) {
   static_assert(std::is_same_v<uint8_t[size], Field>, "the array has another size than its slot");
-  return {name, Kind::Array, size, static_cast<uint32_t>(offset), 0, nullptr};
+  return {slotName(name), Kind::Array, size, static_cast<uint32_t>(offset), 0, nullptr};
 }
 
 template <typename Length, typename Field>
 consteval Slot bytesSlot(const char* name, size_t lengthOffset, size_t offset) {
   static_assert(std::is_same_v<uint32_t, Length> && std::is_same_v<uint8_t*, Field>,
                 "a byte string is a uint32_t length and a uint8_t pointer");
-  return {
-      name,   Kind::Bytes, 1, static_cast<uint32_t>(offset), static_cast<uint32_t>(lengthOffset),
-      nullptr};
+  return {slotName(name),
+          Kind::Bytes,
+          1,
+          static_cast<uint32_t>(offset),
+          static_cast<uint32_t>(lengthOffset),
+          nullptr};
 }
 
 template <typename Field>
 consteval Slot tableSlot(const char* name, size_t offset) {
-  return {name, Kind::Table, sizeof(Field), static_cast<uint32_t>(offset), 0, &schemaOf<Field>};
+  return {slotName(name),  Kind::Table, sizeof(Field), static_cast<uint32_t>(offset), 0,
+          &schemaOf<Field>};
 }
 
 template <typename Count, typename Field>
@@ -45,7 +64,7 @@ consteval Slot vectorSlot(const char* name, size_t countOffset, size_t offset) {
   static_assert(std::is_same_v<uint32_t, Count> && std::is_pointer_v<Field>,
                 "a vector is a uint32_t count and a pointer to records");
   using Item = std::remove_pointer_t<Field>;
-  return {name,
+  return {slotName(name),
           Kind::Vector,
           sizeof(Item),
           static_cast<uint32_t>(offset),
@@ -122,11 +141,17 @@ constexpr bool slotsAreTheStruct(const Record& record) {
       #field, offsetof(Self, field##_count), offsetof(Self, field))
 
 // The schema of a record: its type's name, its style, its slots in slot order.
-#define MESH_SCHEMA(record_type, record_style, ...)                                              \
-  template <>                                                                                    \
-  struct mesh::wire::SchemaOf<::record_type> {                                                   \
-    using Self = ::record_type;                                                                  \
-    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});                \
-    static constexpr mesh::wire::Record record{#record_type, sizeof(Self), record_style, slots}; \
-    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");             \
+#define MESH_SCHEMA(record_type, record_style, ...)                                  \
+  template <>                                                                        \
+  struct mesh::wire::SchemaOf<::record_type> {                                       \
+    using Self = ::record_type;                                                      \
+    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});    \
+    static constexpr mesh::wire::Record record{#record_type,                         \
+                                               #record_type "_unpack",               \
+                                               #record_type "_unpack_non_root",      \
+                                               #record_type "_free_unpacked",        \
+                                               sizeof(Self),                         \
+                                               record_style,                         \
+                                               slots};                               \
+    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ"); \
   };

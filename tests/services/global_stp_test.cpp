@@ -115,9 +115,9 @@ void expectReaderChecksItsParameters() {
     std::memset(&record, mark, sizeof record);
     resetRecorder();
     const mesh::wire::Buffer<order> buffer{data, length};
-    const auto decoded = mesh::wire::decodeTable<mesh::l2vpn_sync::receiveModule,
-                                                 mesh::wire::schemaOf<Record>, order>(
-        buffer, hasRecord ? reinterpret_cast<uint8_t*>(&record) : nullptr, 4);
+    const auto decoded = mesh::wire::decodeTable(
+        mesh::l2vpn_sync::receiveModule.env, mesh::wire::schemaOf<Record>, buffer,
+        hasRecord ? reinterpret_cast<uint8_t*>(&record) : nullptr, 4);
     EXPECT_EQ(decoded, mesh::wire::Decoded::No);
     EXPECT_EQ(bytesOf(record), marks(sizeof record));
     EXPECT_EQ(takeTrace(), Trace{reported(function, text)});

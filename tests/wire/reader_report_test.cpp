@@ -73,8 +73,9 @@ TEST(Report, HasALineOfItsOwn) {
 template <typename Record>
 Decoded readTable(const uint8_t* data, uint32_t length, Record* record, uint32_t table) {
   harness::resetRecorder();
-  return mesh::wire::decodeTable<mesh::l2vpn_sync::receiveModule, mesh::wire::schemaOf<Record>>(
-      mesh::wire::Buffer<plain>{data, length}, reinterpret_cast<uint8_t*>(record), table);
+  return mesh::wire::decodeTable(mesh::l2vpn_sync::receiveModule.env, mesh::wire::schemaOf<Record>,
+                                 mesh::wire::Buffer<plain>{data, length},
+                                 reinterpret_cast<uint8_t*>(record), table);
 }
 
 template <typename Record>
@@ -143,8 +144,8 @@ TEST(TableReader, LeavesReleasingToItsCaller) {
   // A table reader leaves the binding to its caller.
   harness::useByteOrder(harness::operationsOf("dbginfo_endata_l2vpn"), false);
   harness::resetRecorder();
-  const Decoded decoded = mesh::wire::decodeTable<mesh::l2vpn_cfg::receiveModule,
-                                                  mesh::wire::schemaOf<dbginfo_endata_l2vpn>>(
+  const Decoded decoded = mesh::wire::decodeTable(
+      mesh::l2vpn_cfg::receiveModule.env, mesh::wire::schemaOf<dbginfo_endata_l2vpn>,
       mesh::wire::Buffer<plain>{bytes.data(), static_cast<uint32_t>(bytes.size())},
       reinterpret_cast<uint8_t*>(&record), 38);
   EXPECT_EQ(decoded, Decoded::No);

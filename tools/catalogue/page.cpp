@@ -79,10 +79,11 @@ void writeFields(const Record& record) {
     std::cout << "| " << index << " | ";
     if (mesh::wire::isOutOfLine(slot.kind)) {
       const char* const count = slot.kind == mesh::wire::Kind::Bytes ? "_len" : "_count";
-      std::cout << '`' << slot.name << count << "`, `" << slot.name << "` | " << kindOf(slot)
-                << " | 4 + pointer | " << slot.countOffset << ", " << slot.recordOffset;
+      std::cout << '`' << slot.name.data() << count << "`, `" << slot.name.data() << "` | "
+                << kindOf(slot) << " | 4 + pointer | " << slot.countOffset << ", "
+                << slot.recordOffset;
     } else {
-      std::cout << '`' << slot.name << "` | " << kindOf(slot) << " | " << slot.size << " | "
+      std::cout << '`' << slot.name.data() << "` | " << kindOf(slot) << " | " << slot.size << " | "
                 << slot.recordOffset;
     }
     if (hasFixed) {

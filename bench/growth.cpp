@@ -1,0 +1,59 @@
+// What grows with the batch, with a byte string's length, with the threads.
+#include "bench/groups.hpp"
+#include "bench/operations.hpp"
+
+namespace bench {
+namespace {
+
+template <typename Number>
+std::string numbered(std::string name, Number number) {
+  return name.append(1, '/').append(std::to_string(number));
+}
+
+template <typename Record>
+void addBatches() {
+  const std::string prefix = std::string("batch/") + Exported<Record>::name + "/";
+  add(prefix + "copy", copyCase<Record>, Shape{});
+  for (uint32_t batch = 16; batch <= recordCount; batch *= 2) {
+    add(numbered(prefix + "batch", batch), batchCase<Record>, Shape{}, batch);
+  }
+}
+
+// As many records as leave a long string's bytes in the caches.
+void addLengths() {
+  const std::string prefix = "length/dbginfo_key_l2vpn/";
+  for (uint32_t length = 16; length <= 16384; length *= 2) {
+    const Shape shape{.stringLength = length, .room = uint64_t{384} << 10};
+    add(numbered(prefix + "copy", length), copyCase<dbginfo_key_l2vpn>, shape);
+    add(numbered(prefix + "pack_full", length), packCase<dbginfo_key_l2vpn>, shape);
+    add(numbered(prefix + "unpack_compact_full", length), unpackCompactCase<dbginfo_key_l2vpn>,
+        shape);
+  }
+}
+
+// The clock on the wall counts: time that a thread waits for the other is time lost.
+template <typename Case, typename... Arguments>
+void addThreads(const char* operation, Case run, Arguments... arguments) {
+  const std::string name = std::string("thread/l2vpn_sync_vll_pw/") + operation;
+  for (const int threads : {1, 2}) {
+    add(numbered(name, threads), run, arguments...)->Threads(threads)->UseRealTime();
+  }
+}
+
+}  // namespace
+
+void addGrowth() {
+  using Record = l2vpn_sync_vll_pw;
+  addBatches<l2vpn_sync_stp>();
+  addBatches<l2vpn_sync_vpls_ac>();
+  addBatches<l2vpn_sync_vll_pw>();
+  addLengths();
+  addThreads("copy", copyCase<Record>, Shape{});
+  addThreads("pack_full", packCase<Record>, Shape{});
+  addThreads("unpack_compact_full", unpackCompactCase<Record>, Shape{});
+  addThreads("unpack_fixed", unpackFixedCase<Record>, Shape{});
+  addThreads("single", singleCase<Record>, Shape{});
+  addThreads("batch", batchCase<Record>, Shape{}, uint32_t{256});
+}
+
+}  // namespace bench

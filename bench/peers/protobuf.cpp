@@ -1,0 +1,63 @@
+// Protocol Buffers: one message object for all records, reused, which its documentation prefers to
+// arenas where the objects can be kept; the size is computed once.
+#include <array>
+
+#include "bench/peers/peer.hpp"
+#include "shapes.pb.h"
+
+namespace bench::peer {
+namespace {
+
+template <typename Record>
+struct Fields;
+
+#define SET_SCALAR(n) message.set_f##n(record.f##n);
+#define SET_ARRAY(n, count) message.set_f##n(record.f##n, count);
+#define SET_STRING(n) message.set_f##n(record.f##n, record.f##n##_len);
+#define GET_SCALAR(n) record.f##n = static_cast<decltype(record.f##n)>(message.f##n());
+#define GET_ARRAY(n, count)                         \
+  if (message.f##n().size() != count) return false; \
+  std::memcpy(record.f##n, message.f##n().data(), count);
+#define GET_STRING(n)                                               \
+  record.f##n##_len = static_cast<uint32_t>(message.f##n().size()); \
+  record.f##n = duplicate(message.f##n().data(), message.f##n().size());
+#define FIELDS(Shape_, RecordType)                                          \
+  template <>                                                               \
+  struct Fields<RecordType> {                                               \
+    using Message = shapes::Shape_;                                         \
+    static void set(Message& message, const RecordType& record) {           \
+      BENCH_FIELDS_##Shape_(SET_SCALAR, SET_ARRAY, SET_STRING)              \
+    }                                                                       \
+    static bool get(const Message& message, RecordType& record) {           \
+      BENCH_FIELDS_##Shape_(GET_SCALAR, GET_ARRAY, GET_STRING) return true; \
+    }                                                                       \
+  };
+BENCH_SHAPES(FIELDS)
+
+template <typename RecordType>
+class Codec {
+ public:
+  using Record = RecordType;
+
+  Bytes encode(const Record& record) {
+    Fields<Record>::set(message_, record);
+    const size_t size = message_.ByteSizeLong();
+    message_.SerializeWithCachedSizesToArray(bytes_.data());
+    return {bytes_.data(), size};
+  }
+
+  bool decode(Bytes bytes, Record& record) {
+    return message_.ParseFromArray(bytes.data(), static_cast<int>(bytes.size())) &&
+           Fields<Record>::get(message_, record);
+  }
+
+ private:
+  typename Fields<Record>::Message message_;
+  std::array<uint8_t, 1024> bytes_{};
+};
+
+#define ADD(Shape_, RecordType) &&addCodec<Codec<RecordType>>("protobuf")
+[[maybe_unused]] const bool added = true BENCH_SHAPES(ADD);
+
+}  // namespace
+}  // namespace bench::peer

@@ -1,0 +1,52 @@
+// The yardstick: a copy of the record and of what it points to, through a function that the
+// compiler does not know, so that it can neither drop nor merge nor expand copies.
+#pragma once
+
+#include <cstring>
+
+#include "bench/exported.hpp"
+
+namespace bench {
+
+using CopyFunction = void* (*)(void*, const void*, size_t);
+
+inline CopyFunction opaqueCopy() {
+  static CopyFunction volatile copy = &std::memcpy;
+  return copy;
+}
+
+// Copies the byte strings and runs of a copied record into `room`. Returns their end.
+template <const mesh::wire::Record& record, size_t slot = 0>
+[[gnu::always_inline]] inline uint8_t* copyParts(CopyFunction copy, uint8_t* into, uint8_t* room) {
+  if constexpr (slot == record.slots.size()) {
+    return room;
+  } else {
+    constexpr const mesh::wire::Slot& part = record.slots[slot];
+    if constexpr (mesh::wire::isOutOfLine(part.kind)) {
+      static_assert(part.nested == nullptr || !mesh::wire::ownsMemory(*part.nested));
+      uint32_t count;
+      const uint8_t* from;
+      std::memcpy(&count, into + part.countOffset, sizeof count);
+      std::memcpy(&from, into + part.recordOffset, sizeof from);
+      const size_t bytes = size_t{count} * part.size;
+      copy(room, from, bytes);
+      std::memcpy(into + part.recordOffset, &room, sizeof room);
+      room += bytes;
+    } else if constexpr (part.kind == mesh::wire::Kind::Table) {
+      room = copyParts<*part.nested>(copy, into + part.recordOffset, room);
+    }
+    return copyParts<record, slot + 1>(copy, into, room);
+  }
+}
+
+// `room` takes the parts of one record.
+template <typename Record>
+[[gnu::always_inline]] inline void copyRecord(CopyFunction copy, Record* into, const Record* from,
+                                              uint8_t* room) {
+  copy(into, from, sizeof(Record));
+  if constexpr (owns<Record>) {
+    copyParts<schema<Record>>(copy, reinterpret_cast<uint8_t*>(into), room);
+  }
+}
+
+}  // namespace bench

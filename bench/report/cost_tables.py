@@ -1,0 +1,55 @@
+"""The tables of costs: as multiples of the plain copy, and in nanoseconds."""
+
+from report.table import Cell, Table
+from report.targets import COLUMNS, target
+
+NONE = "–"
+
+
+def ratios(results):
+    table = Table(
+        "Cost as a multiple of the plain copy",
+        "Measured / aimed at. Missed where marked. Unpacking a record that owns memory includes "
+        "giving it back; its plain copy includes its parts.",
+        ["message", "copy ns", *COLUMNS.values()])
+    for message in results.messages("target"):
+        copy = results.ns("target", message, "copy")
+        if copy is not None:
+            cells = [_ratio(results, message, operation, copy) for operation in COLUMNS]
+            table.rows.append([message, f"{copy:.2f}", *cells])
+    return table
+
+
+def _ratio(results, message, operation, copy):
+    ns = results.ns("target", message, operation)
+    if ns is None:
+        return NONE
+    aim = target(message, operation)
+    if aim is None:
+        return f"{ns / copy:.2f}"
+    # As it is printed, so that nobody sees 2.50 / 2.5 marked as missed.
+    return Cell(f"{ns / copy:.2f} / {aim:g}", good=round(ns / copy, 2) <= aim)
+
+
+def nanoseconds(results):
+    operations = {"copy": "copy", **COLUMNS, "free": "free alone"}
+    table = Table("Cost in nanoseconds a record",
+                  "Medians of the repetitions. Free alone: 4,096 live records one after the other.",
+                  ["message", *operations.values()])
+    for message in results.messages("target"):
+        table.rows.append([message, *(
+            _number(results.ns("target", message, operation)) for operation in operations)])
+    return table
+
+
+def _number(value):
+    return NONE if value is None else f"{value:,.1f}"
+
+
+def spread(results):
+    """A sentence on how far the repetitions lie apart."""
+    spreads = sorted(r.spread for r in results.of_group("target") if r.spread is not None)
+    if not spreads:
+        return "Measured once: the figures are a first look."
+    return (f"Spread of the repetitions (standard deviation over mean): half of the cases below "
+            f"{100 * spreads[len(spreads) // 2]:.1f} %, the worst {100 * spreads[-1]:.0f} %.")

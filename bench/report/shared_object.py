@@ -1,0 +1,75 @@
+"""A shared object's symbols, each with its message, its operation and its byte order."""
+
+import re
+import subprocess
+from dataclasses import dataclass
+
+
+@dataclass(frozen=True)
+class Symbol:
+    name: str
+    address: int
+    size: int
+    is_code: bool
+    message: str | None  # the message whose name the symbol bears; None: shared by all
+    operation: str
+    reversed: bool  # of the byte order that is not the host's
+    cold: bool  # what the compiler has split off as unlikely
+
+
+# The operation of a symbol: the first that its name fits. Compact writing serves __pack and the
+# senders of compact messages alike.
+_OPERATIONS = [
+    (re.compile(pattern), operation) for pattern, operation in (
+        (r"__unpack$", "unpack"),
+        (r"_free__unpacked$|freeUnpacked|releaseParts", "free"),
+        (r"__pack$", "pack"),
+        (r"__send(single|batch|msg|tomsg)$", "send"),
+        (r"sendOne|sendMany|encodeBatch|sendImage|writeImages|FixedImage|fixed", "send"),
+        (r"mesh::msg::unpack|[dD]ecode|Unpack", "unpack"),
+        (r"[cC]ompact|writeTable|tableSize|encode|mesh::msg::pack", "pack"),
+    )
+]
+_MESSAGE = re.compile(r"(?:SchemaOf|MessageOf)<(?:::)?(\w+)>")
+_EXPORTED = re.compile(r"^(\w+?)(?:__(?:pack|unpack|send(?:single|batch|msg|tomsg))"
+                       r"|_free__unpacked)$")
+_REVERSED = re.compile(r"ByteOrder\)1|::reversed<")
+
+
+def symbols(library):
+    """Code and constants that have a name and a size."""
+    listing = _run("nm", "--demangle", "--defined-only", "--print-size", library)
+    for line in listing.splitlines():
+        fields = line.split(maxsplit=3)
+        if len(fields) == 4 and fields[2] in "TtRrDd":
+            address, size, kind, name = fields
+            yield _symbol(name, int(address, 16), int(size, 16), kind in "Tt")
+
+
+def _symbol(name, address, size, is_code):
+    whole = re.sub(r" \[clone.*|\.cold$", "", name)
+    named = _EXPORTED.match(whole) or _MESSAGE.search(whole)
+    operation = next((operation for pattern, operation in _OPERATIONS
+                      if pattern.search(whole)), "other")
+    return Symbol(name, address, size, is_code, named and named.group(1), operation,
+                  _REVERSED.search(name) is not None, ".cold" in name)
+
+
+def sections(library):
+    """Sizes by name."""
+    listing = _run("readelf", "--sections", "--wide", library)
+    pattern = re.compile(r"\]\s+(\.\S+)\s+\S+\s+[0-9a-f]+\s+[0-9a-f]+\s+([0-9a-f]+)")
+    return {name: int(size, 16) for name, size in pattern.findall(listing)}
+
+
+def relocations(library):
+    """How many of each kind."""
+    counts = {}
+    for kind in re.findall(r"R_[A-Z0-9]+_[A-Z0-9_]+", _run("readelf", "--relocs", "--wide", library)):
+        counts[kind] = counts.get(kind, 0) + 1
+    return counts
+
+
+def _run(*command):
+    return subprocess.run([str(word) for word in command], check=True, text=True,
+                          stdout=subprocess.PIPE).stdout

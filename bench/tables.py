@@ -1,0 +1,30 @@
+#!/usr/bin/env python3
+"""Prints the tables of a directory of results.
+
+tables.py DIRECTORY [--library LIBRARY] [--markdown]
+"""
+
+import argparse
+
+from report import all_tables, table
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Prints the tables of a directory of results.")
+    parser.add_argument("directory", help="where the *.cases.json lie")
+    parser.add_argument("--library", help="the shared object, for the tables of sizes")
+    parser.add_argument("--markdown", action="store_true", help="as for docs/performance.md")
+    options = parser.parse_args()
+    measured = all_tables.Measured(options.directory, options.library)
+    if options.markdown:
+        print(all_tables.surroundings(measured) + "\n")
+        for made in all_tables.of_the_page(measured, brief=True):
+            print(table.as_markdown(made))
+    else:
+        for made in all_tables.of_the_console(measured):
+            print(table.as_text(made))
+        print(all_tables.surroundings(measured))
+
+
+if __name__ == "__main__":
+    main()

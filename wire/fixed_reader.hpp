@@ -1,0 +1,139 @@
+// Reads the fixed arrangement: a buffer whose frame is the one that this library writes has every
+// field at a known place.
+#pragma once
+
+#include "host/byte_order.hpp"
+#include "wire/buffer.hpp"
+#include "wire/fixed_layout.hpp"
+
+namespace mesh::wire {
+namespace detail {
+
+// Bytes of an image that say where its fields are.
+struct FramePart {
+  uint32_t at;
+  uint32_t size;
+};
+
+constexpr size_t framePartCount(const Record& record) {
+  size_t count = 2;
+  for (const Slot& slot : record.slots) {
+    count += slot.kind == Kind::Array   ? 1
+             : slot.kind == Kind::Table ? framePartCount(*slot.nested)
+                                        : 0;
+  }
+  return count;
+}
+
+constexpr void listFrame(const Record& record, uint32_t image, FramePart*& out) {
+  *out++ = {image, 8};
+  for (size_t index = 0; index < record.slots.size(); ++index) {
+    const uint32_t field = image + fixedTable + fixedEntry(record, index);
+    if (record.slots[index].kind == Kind::Array) {
+      *out++ = {field, 8};
+    } else if (record.slots[index].kind == Kind::Table) {
+      listFrame(*record.slots[index].nested, field, out);
+    }
+  }
+  *out++ = {image + fixedVtable(record), vtableLength(record)};
+}
+
+// The root word and the table's vtable offset come first, the vtable last.
+template <const Record& record>
+inline constexpr auto frameParts = [] {
+  std::array<FramePart, framePartCount(record)> parts{};
+  FramePart* end = parts.data();
+  listFrame(record, 0, end);
+  return parts;
+}();
+
+using Word = uint64_t;
+using Pair [[gnu::vector_size(16)]] = uint64_t;
+
+// Nonzero where `Wide`'s worth of bytes from `at` on differs from the frame's.
+template <const Record& record, typename Wide, uint32_t at>
+[[gnu::always_inline]] inline Wide difference(const uint8_t* image) {
+  Wide found{};
+  Wide expected{};
+  std::memcpy(&found, image + at, sizeof found);
+  std::memcpy(&expected, fixedFrame<record>.data() + at, sizeof expected);
+  return found ^ expected;
+}
+
+// The same over a part of any size; the last comparison overlaps the one before.
+template <const Record& record, typename Wide, uint32_t at, uint32_t size>
+[[gnu::always_inline]] inline Wide differences(const uint8_t* image) {
+  constexpr uint32_t width = sizeof(Wide);
+  static_assert(size >= width);
+  constexpr size_t whole = size / width;
+  return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
+    const Wide rest = difference<record, Wide, at + size - width>(image);
+    return (rest | ... | difference<record, Wide, at + width * index>(image));
+  }
+  (std::make_index_sequence < size % width == 0 ? whole - 1 : whole > ());
+}
+
+template <const Record& record, size_t index>
+[[gnu::always_inline]] inline Word partDiffers(const uint8_t* image) {
+  constexpr FramePart part = frameParts<record>[index];
+  if constexpr (part.size < sizeof(Pair)) {
+    return differences<record, Word, part.at, part.size>(image);
+  } else {
+    const Pair pair = differences<record, Pair, part.at, part.size>(image);
+    return pair[0] | pair[1];
+  }
+}
+
+// The record's padding is made of zeros.
+inline constexpr std::array<uint8_t, host::chunk> zeros{};
+
+template <const Record& record>
+inline constexpr StorePlan recordPlan = planStores<record.size>(
+    recordStretches<record>.all(),
+    {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
+
+template <Origin origin>
+[[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* image) {
+  return (origin.isConstant ? zeros.data() : image) + origin.from;
+}
+
+template <const Record& record, size_t index>
+[[gnu::always_inline]] inline void fillPiece(uint8_t* into, const uint8_t* image) {
+  constexpr Store store = recordPlan<record>.stores[index];
+  if constexpr (store.isPair) {
+    storePair(into + store.to, bytesOf<store.low>(image), bytesOf<store.high>(image));
+  } else {
+    host::copyConstant<store.size>(into + store.to, bytesOf<store.low>(image));
+  }
+}
+
+}  // namespace detail
+
+// Whether the buffer holds an image of the record with exactly this library's frame. Its padding,
+// and what stands behind it, may be anything.
+template <const Record& record>
+[[gnu::always_inline]] inline bool hasFixedFrame(Buffer<host::ByteOrder::Host> buffer) {
+  // One comparison tells most other buffers apart.
+  if (buffer.length < fixedVtable(record) + vtableLength(record) ||
+      detail::partDiffers<record, 0>(buffer.data) != 0) {
+    return false;
+  }
+  return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
+    return (detail::partDiffers<record, index + 1>(buffer.data) | ...) == 0;
+  }
+  (std::make_index_sequence<detail::frameParts<record>.size() - 1>());
+}
+
+// Fills the record, its padding with zeros, from an image that has the fixed frame.
+template <const Record& record>
+[[gnu::always_inline]] inline void readFixedImage(uint8_t* into, const uint8_t* image) {
+  if constexpr (record.size > host::largestInPlace) {
+    host::clearConstant<record.size>(into);
+  }
+  [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
+    (detail::fillPiece<record, index>(into, image), ...);
+  }
+  (std::make_index_sequence<detail::recordPlan<record>.count>());
+}
+
+}  // namespace mesh::wire
