@@ -44,9 +44,11 @@ endfunction()
 mesh_l2vpn_install_package(mesh_l2vpn development)
 install(FILES cmake/Middleware.cmake DESTINATION ${mesh_l2vpn_cmakedir}
   COMPONENT development RENAME mesh_l2vpnMiddleware.cmake)
+# Documents lie to one another as they do here, so that their links hold.
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
-  FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+  PATTERN "Doxyfile" EXCLUDE)
+install(FILES platform/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/platform COMPONENT development)
 
 if(TARGET zarnimesh)
   # In directories of their own, so that they never stand before a device's libraries and headers.

@@ -31,4 +31,8 @@ if(NOT mesh_l2vpn_middleware_source STREQUAL "")
   endif()
   add_library(mesh_l2vpn::middleware INTERFACE IMPORTED ${mesh_l2vpn_scope})
   target_link_libraries(mesh_l2vpn::middleware INTERFACE "${mesh_l2vpn_middleware_source}")
+elseif(TARGET mesh_l2vpn_objects AND NOT PROJECT_IS_TOP_LEVEL)
+  message(STATUS "mesh_l2vpn: packs and unpacks as it is. To send or receive, set "
+                 "MESH_L2VPN_MIDDLEWARE to a libzarnimesh (path or target), or "
+                 "MESH_L2VPN_WORKSTATION for the workstation's, and link mesh_l2vpn::middleware")
 endif()
