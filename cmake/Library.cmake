@@ -22,6 +22,7 @@ add_library(mesh_l2vpn_objects OBJECT
   wire/report.cpp
   wire/reverse.cpp
   msg/registration.cpp
+  msg/send.cpp
   msg/unpack.cpp
   l2vpn_cfg/proof.cpp
   l2vpn_cfg/receive.cpp

@@ -10,12 +10,6 @@
 // What serves a message, as template arguments: the module, and the message whose code it is.
 #define MESH_SERVED_BY(message) module, mesh::msg::modelOf<message>
 
-// What tells a send operation of the message from those of other messages.
-#define MESH_IDENTITY(message, operation) \
-  mesh::msg::Identity {                   \
-    message##__msg_id, #message operation \
-  }
-
 #define MESH_DEFINE_RECEIVE(message, identifier)                                                 \
   static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");     \
   extern "C" uint32_t message##__unpack(const uint8_t* data, uint32_t length, message* record) { \
@@ -32,31 +26,39 @@
                   reinterpret_cast<mesh_unpack_hook>(&message##__unpack), \
                   reinterpret_cast<mesh_free_hook>(&message##_free__unpacked)},
 
-#define MESH_DEFINE_SEND(message, identifier)                                                      \
-  extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) {  \
-    return mesh::msg::pack<MESH_SERVED_BY(message)>(record, buffer, length, #message "_pack");     \
-  }                                                                                                \
-  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record,           \
-                                            uint64_t unused, uint64_t extra) {                     \
-    return mesh::msg::sendSingle<MESH_SERVED_BY(message)>(destination, record, unused, extra,      \
-                                                          MESH_IDENTITY(message, "__sendsingle")); \
-  }                                                                                                \
-  extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,           \
-                                           uint32_t count, uint64_t extra) {                       \
-    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(destination, records, count, extra,       \
-                                                         MESH_IDENTITY(message, "__sendbatch"));   \
-  }                                                                                                \
-  extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,           \
-                                           uint32_t count, uint64_t extra) {                       \
-    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, extra,            \
-                                                    MESH_IDENTITY(message, "__sendsingle"),        \
-                                                    MESH_IDENTITY(message, "__sendbatch"));        \
-  }                                                                                                \
-  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,             \
-                                         uint32_t count) {                                         \
-    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, 0,                \
-                                                    MESH_IDENTITY(message, "__sendsingle"),        \
-                                                    MESH_IDENTITY(message, "__sendbatch"));        \
+// A second name of an exported operation, for this library's own calls of it: those of the exported
+// one go through the linkage table, as another library might define it.
+#define MESH_LOCAL_NAME(operation)     \
+  extern "C" [[gnu::alias(#operation), \
+               gnu::visibility("hidden")]] mesh::msg::SendSingle operation##_local;
+
+#define MESH_DEFINE_SEND(message, identifier)                                                     \
+  extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) { \
+    return mesh::msg::pack<MESH_SERVED_BY(message)>(record, buffer, length, #message "_pack");    \
+  }                                                                                               \
+  MESH_LOCAL_NAME(message##__sendsingle)                                                          \
+  extern "C" uint32_t message##__sendsingle(uint32_t destination, const message* record,          \
+                                            uint64_t unused, uint64_t extra) {                    \
+    return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(                          \
+        destination, record, unused, extra, &message##__sendsingle_local,                         \
+        #message "__sendsingle");                                                                 \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,          \
+                                           uint32_t count, uint64_t extra) {                      \
+    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(                                         \
+        destination, records, count, extra, {message##__msg_id, #message "__sendbatch"});         \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,          \
+                                           uint32_t count, uint64_t extra) {                      \
+    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, extra,           \
+                                                    &message##__sendsingle_local,                 \
+                                                    {message##__msg_id, #message "__sendbatch"}); \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,            \
+                                         uint32_t count) {                                        \
+    return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, 0,               \
+                                                    &message##__sendsingle_local,                 \
+                                                    {message##__msg_id, #message "__sendbatch"}); \
   }
 
 // A service's receive module: its constructor, its registration, its messages' operations.

@@ -11,11 +11,19 @@
 
 namespace mesh::msg {
 
-// What tells a send operation from those of other messages with the same layout.
+// What tells a batch from those of other messages with the same layout.
 struct Identity {
   uint32_t id;            // the message's
   const char* operation;  // the exported operation's name
 };
+
+// An exported __sendsingle, for whichever record.
+using SendSingle = uint32_t(uint32_t destination, const void* record, uint64_t unused,
+                            uint64_t extra);
+
+// Binds the module, then begins again.
+uint32_t bindAndSend(uint32_t destination, const void* record, uint64_t unused, uint64_t extra,
+                     SendSingle* send, host::Module& module);
 
 namespace detail {
 
@@ -52,8 +60,10 @@ class SendBlock {
 
 inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors, uint32_t count,
                          uint64_t extra) {
-  return extra != 0 ? MESH_SendToMsg(destination, descriptors, count, extra)
-                    : MESH_SendMsg(destination, descriptors, count);
+  if (extra != 0) [[unlikely]] {
+    return MESH_SendToMsg(destination, descriptors, count, extra);
+  }
+  return MESH_SendMsg(destination, descriptors, count);
 }
 
 // Makes the descriptor of a table, in one store.
@@ -74,71 +84,76 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
 }
 
 // The module is bound.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
-                                                 const uint8_t* record, uint64_t extra,
-                                                 Identity identity) {
-  wire::writeFixedImage<*model.record>(image, record);
+                                                 const uint8_t* record, uint64_t extra) {
+  wire::writeFixedImage<*message.record>(image, record);
   mesh_msg_desc descriptor;
-  describe(&descriptor, image, identity.id, wire::fixedLength(*model.record));
+  describe(&descriptor, image, message.id, wire::fixedLength(*message.record));
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    return handOverReversed(destination, descriptor, *model.record, image, extra);
+    return handOverReversed(destination, descriptor, *message.record, image, extra);
   }
   return handOver(destination, &descriptor, 1, extra);
 }
 
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendOneFixed(uint32_t destination, const uint8_t* record,
-                                                    uint64_t extra, Identity identity) {
-  constexpr uint32_t length = wire::fixedLength(*model.record);
+                                                    uint64_t extra,
+                                                    [[maybe_unused]] const char* operation) {
+  constexpr uint32_t length = wire::fixedLength(*message.record);
   if constexpr (length <= largestOnStack) {
-    alignas(16) uint8_t image[length];
-    return sendImage<module, model>(image, destination, record, extra, identity);
+    // Never across two pages: a store that is costs as much as all others together.
+    alignas(std::bit_ceil(length)) uint8_t image[length];
+    return sendImage<module, message>(image, destination, record, extra);
   } else {
-    const SendBlock<module> block(length, identity.operation);
+    const SendBlock<module> block(length, operation);
     if (block.data() == nullptr) {
       return failure;
     }
-    return sendImage<module, model>(block.data(), destination, record, extra, identity);
+    return sendImage<module, message>(block.data(), destination, record, extra);
   }
 }
 
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendOneCompact(uint32_t destination, const uint8_t* record,
-                                                      uint64_t extra, Identity identity) {
+                                                      uint64_t extra, const char* operation) {
   if (record == nullptr) {
     return failure;
   }
-  const uint32_t size = encodedSize<model>(record);
+  const uint32_t size = encodedSize<message>(record);
   if (size == 0) {
     return failure;
   }
-  const SendBlock<module> block(size, identity.operation);
+  const SendBlock<module> block(size, operation);
   if (block.data() == nullptr) {
     return failure;
   }
-  encodeCompact<module, model>(block.data(), record);
+  encodeCompact<module, message>(block.data(), record);
   mesh_msg_desc descriptor;
-  describe(&descriptor, block.data(), identity.id, size);
+  describe(&descriptor, block.data(), message.id, size);
   return handOver(destination, &descriptor, 1, extra);
 }
 
-// Fixed images one after the other.
+// Fixed images one after the other, and their descriptors.
 template <host::Module& module, const Message& model>
-[[gnu::always_inline]] inline void writeImages(uint8_t* images, const uint8_t* records,
-                                               uint32_t count) {
+[[gnu::always_inline]] inline void writeImages(uint8_t* images, mesh_msg_desc* descriptors,
+                                               const uint8_t* records, uint32_t count,
+                                               uint32_t id) {
   constexpr const wire::Record& record = *model.record;
-  constexpr uint64_t length = wire::fixedLength(record);
+  constexpr uint32_t length = wire::fixedLength(record);
   if (count == 0) {
     return;
   }
   host::bindUnpackAllocator(module);
-  for (uint64_t index = 0; index < count; ++index) {
-    wire::writeFixedImage<record>(images + index * length, records + index * record.size);
+  uint8_t* image = images;
+  mesh_msg_desc* const end = descriptors + count;
+  for (; descriptors != end; ++descriptors, image += length, records += record.size) {
+    wire::writeFixedImage<record>(image, records);
+    describe(descriptors, image, id, length);
   }
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    for (uint64_t index = 0; index < count; ++index) {
-      wire::reverseMessage(record, images + index * length);
+    for (uint8_t* written = images; written != image; written += length) {
+      wire::reverseMessage(record, written);
     }
   }
 }
@@ -157,10 +172,7 @@ template <host::Module& module, const Message& model>
   }
   uint8_t* const images = block.data();
   auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(images + uint64_t{count} * length);
-  writeImages<module, model>(images, records, count);
-  for (uint64_t index = 0; index < count; ++index) {
-    describe(descriptors + index, images + index * length, identity.id, length);
-  }
+  writeImages<module, model>(images, descriptors, records, count, identity.id);
   return handOver(destination, descriptors, count, extra);
 }
 
@@ -204,32 +216,22 @@ template <host::Module& module, const Message& model>
 
 }  // namespace detail
 
-template <host::Module& module, const Message& model>
-[[gnu::cold, gnu::noinline]] uint32_t bindAndSendSingle(uint32_t destination, const void* record,
-                                                        uint64_t unused, uint64_t extra,
-                                                        Identity identity);
-
-// One record. In the fixed arrangement the record must not be null.
-template <host::Module& module, const Message& model>
-[[gnu::noinline]] uint32_t sendSingle(uint32_t destination, const void* record, uint64_t unused,
-                                      uint64_t extra, Identity identity) {
+// One record. In the fixed arrangement the record must not be null. `self` is the exported
+// operation that this is the body of.
+template <host::Module& module, const Message& message>
+[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const void* record,
+                                                  uint64_t unused, uint64_t extra, SendSingle* self,
+                                                  const char* operation) {
   const auto* const from = static_cast<const uint8_t*>(record);
-  if constexpr (model.policy.arrangement == Arrangement::Fixed) {
-    // Called again once it is bound: nothing has to outlive a call on the way to the middleware.
+  if constexpr (message.policy.arrangement == Arrangement::Fixed) {
+    // Nothing has to outlive a call on the way to the middleware.
     if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
-      return bindAndSendSingle<module, model>(destination, record, unused, extra, identity);
+      return bindAndSend(destination, record, unused, extra, self, module);
     }
-    return detail::sendOneFixed<module, model>(destination, from, extra, identity);
+    return detail::sendOneFixed<module, message>(destination, from, extra, operation);
   } else {
-    return detail::sendOneCompact<module, model>(destination, from, extra, identity);
+    return detail::sendOneCompact<module, message>(destination, from, extra, operation);
   }
-}
-
-template <host::Module& module, const Message& model>
-uint32_t bindAndSendSingle(uint32_t destination, const void* record, uint64_t unused,
-                           uint64_t extra, Identity identity) {
-  host::bindUnpackAllocator(module);
-  return sendSingle<module, model>(destination, record, unused, extra, identity);
 }
 
 // `count` contiguous records: one allocation, one middleware call, one descriptor each.
@@ -247,12 +249,12 @@ template <host::Module& module, const Message& model>
 // None fails, one is sent singly, more as a batch.
 template <host::Module& module, const Message& model>
 [[gnu::always_inline]] inline uint32_t send(uint32_t destination, const void* records,
-                                            uint32_t count, uint64_t extra, Identity single,
+                                            uint32_t count, uint64_t extra, SendSingle* single,
                                             Identity batch) {
   if (count == 0) {
     return failure;
   }
-  return count == 1 ? sendSingle<module, model>(destination, records, 0, extra, single)
+  return count == 1 ? single(destination, records, 0, extra)
                     : sendBatch<module, model>(destination, records, count, extra, batch);
 }
 
