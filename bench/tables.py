@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the tables of a directory of results.
 
-tables.py DIRECTORY [--library LIBRARY] [--markdown]
+tables.py DIRECTORY [--library LIBRARY] [--markdown [--machine TEXT]]
 """
 
 import argparse
@@ -14,11 +14,13 @@ def main():
     parser.add_argument("directory", help="where the *.cases.json lie")
     parser.add_argument("--library", help="the shared object, for the tables of sizes")
     parser.add_argument("--markdown", action="store_true", help="as for docs/performance.md")
+    parser.add_argument("--machine", help="what to call the machine there")
     options = parser.parse_args()
     measured = all_tables.Measured(options.directory, options.library)
     if options.markdown:
-        print(all_tables.surroundings(measured) + "\n")
-        for made in all_tables.of_the_page(measured, brief=True):
+        print(all_tables.surroundings(measured, options.machine) + "\n")
+        for made in [*all_tables.of_the_targets(measured),
+                     *all_tables.of_the_details(measured, brief=True)]:
             print(table.as_markdown(made))
     else:
         for made in all_tables.of_the_console(measured):

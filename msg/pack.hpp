@@ -37,24 +37,20 @@ template <host::Module& module, const Message& model>
 
 namespace detail {
 
-// What pack comes to without writing, or `mayWrite`, with the message's exact size as the length.
-inline constexpr uint32_t mayWrite = 1;
-
-template <host::Module& module, const Message& model>
-[[gnu::noinline]] uint32_t settleSize(const uint8_t* record, const uint8_t* buffer,
-                                      uint32_t* length, const char* function) {
+// The exact size of a record's message where it fits the room, else 0.
+template <const Message& model>
+[[gnu::noinline]] uint32_t sizeWithin(uint32_t room, const uint8_t* record) {
   const uint32_t size = encodedSize<model>(record);
-  if (size == 0 || *length < size) [[unlikely]] {
-    return failure;
-  }
-  // Room below 4 cannot come here: no message is that small.
-  if (buffer == nullptr) [[unlikely]] {
-    wire::reportPackParameters(module.env, function, buffer, *length, record);
-    *length = size;
-    return success;
-  }
+  return size <= room ? size : 0;
+}
+
+// Room enough, and no buffer.
+[[gnu::cold, gnu::noinline]] inline uint32_t packNowhere(host::serial_env& env,
+                                                         const char* function, const void* record,
+                                                         uint32_t* length, uint32_t size) {
+  wire::reportPackParameters(env, function, nullptr, *length, record);
   *length = size;
-  return mayWrite;
+  return success;
 }
 
 }  // namespace detail
@@ -68,22 +64,26 @@ template <host::Module& module, const Message& model>
     return failure;
   }
   const auto* const from = static_cast<const uint8_t*>(record);
+  constexpr bool isBounded = !wire::ownsMemory(*model.record);
   // A buffer that holds the message whatever its values needs no size worked out beforehand.
-  if constexpr (!wire::ownsMemory(*model.record)) {
-    if (buffer == nullptr || *length < wire::largestCompactSize(*model.record)) [[unlikely]] {
-      const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
-      if (result != detail::mayWrite) {
-        return result;
-      }
+  if (!isBounded || buffer == nullptr || *length < wire::largestCompactSize(*model.record))
+      [[unlikely]] {
+    const uint32_t size = detail::sizeWithin<model>(*length, from);
+    if (size == 0) {
+      return failure;
     }
+    // Room below 4 cannot come here: no message is that small.
+    if (buffer == nullptr) [[unlikely]] {
+      return detail::packNowhere(module.env, function, record, length, size);
+    }
+    if constexpr (!isBounded) {
+      encodeCompact<module, model>(buffer, from);
+      *length = size;
+      return success;
+    }
+  }
+  if constexpr (isBounded) {
     *length = static_cast<uint32_t>(encode<module, model>(buffer, from));
-    return success;
-  } else {
-    const uint32_t result = detail::settleSize<module, model>(from, buffer, length, function);
-    if (result != detail::mayWrite) {
-      return result;
-    }
-    encodeCompact<module, model>(buffer, from);
     return success;
   }
 }

@@ -83,7 +83,7 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
   return handOver(destination, &descriptor, 1, extra);
 }
 
-// The module is bound.
+// In a module that is bound.
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
                                                  const uint8_t* record, uint64_t extra) {
@@ -97,21 +97,23 @@ template <host::Module& module, const Message& message>
 }
 
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendOneFixed(uint32_t destination, const uint8_t* record,
-                                                    uint64_t extra,
-                                                    [[maybe_unused]] const char* operation) {
+[[gnu::always_inline]] inline uint32_t sendOnStack(uint32_t destination, const uint8_t* record,
+                                                   uint64_t extra) {
   constexpr uint32_t length = wire::fixedLength(*message.record);
-  if constexpr (length <= largestOnStack) {
-    // Never across two pages: a store that is costs as much as all others together.
-    alignas(std::bit_ceil(length)) uint8_t image[length];
-    return sendImage<module, message>(image, destination, record, extra);
-  } else {
-    const SendBlock<module> block(length, operation);
-    if (block.data() == nullptr) {
-      return failure;
-    }
-    return sendImage<module, message>(block.data(), destination, record, extra);
+  // Never across two pages: a store that is costs as much as all others together.
+  alignas(std::bit_ceil(length)) uint8_t image[length];
+  return sendImage<module, message>(image, destination, record, extra);
+}
+
+template <host::Module& module, const Message& message>
+[[gnu::always_inline]] inline uint32_t sendInBlock(uint32_t destination, const uint8_t* record,
+                                                   uint64_t extra, const char* operation) {
+  const SendBlock<module> block(wire::fixedLength(*message.record), operation);
+  if (block.data() == nullptr) {
+    return failure;
   }
+  host::bindUnpackAllocator(module);
+  return sendImage<module, message>(block.data(), destination, record, extra);
 }
 
 template <host::Module& module, const Message& message>
@@ -223,14 +225,16 @@ template <host::Module& module, const Message& message>
                                                   uint64_t unused, uint64_t extra, SendSingle* self,
                                                   const char* operation) {
   const auto* const from = static_cast<const uint8_t*>(record);
-  if constexpr (message.policy.arrangement == Arrangement::Fixed) {
+  if constexpr (message.policy.arrangement == Arrangement::Compact) {
+    return detail::sendOneCompact<module, message>(destination, from, extra, operation);
+  } else if constexpr (wire::fixedLength(*message.record) > detail::largestOnStack) {
+    return detail::sendInBlock<module, message>(destination, from, extra, operation);
+  } else {
     // Nothing has to outlive a call on the way to the middleware.
     if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
       return bindAndSend(destination, record, unused, extra, self, module);
     }
-    return detail::sendOneFixed<module, message>(destination, from, extra, operation);
-  } else {
-    return detail::sendOneCompact<module, message>(destination, from, extra, operation);
+    return detail::sendOnStack<module, message>(destination, from, extra);
   }
 }
 

@@ -11,13 +11,12 @@
 
 // The fields of the records that peers are measured with: S, a scalar; A, an array with its size;
 // B, a byte string.
+// clang-format off
 #define BENCH_FIELDS_Stp(S, A, B) S(0) S(1) S(2) S(3)
 #define BENCH_FIELDS_VplsAc(S, A, B) S(0) S(1) S(2) S(3) S(4) S(5) S(6) S(7) A(8, 12) A(9, 12)
-#define BENCH_FIELDS_VllPw(S, A, B)                                                             \
-  S(0)                                                                                          \
-  S(1)                                                                                          \
-  S(2) S(3) S(4) S(5) S(6) S(7) S(8) S(9) S(10) S(11) S(12) S(13) S(14) S(15) S(16) S(17) S(18) \
-      S(19) S(20) S(21) S(22) A(23, 28) A(24, 28)
+#define BENCH_FIELDS_VllPw(S, A, B)                                                  \
+  S(0) S(1) S(2) S(3) S(4) S(5) S(6) S(7) S(8) S(9) S(10) S(11) S(12) S(13) S(14)    \
+  S(15) S(16) S(17) S(18) S(19) S(20) S(21) S(22) A(23, 28) A(24, 28)
 #define BENCH_FIELDS_PwStat(S, A, B) \
   S(0) S(1) S(2) A(3, 3) S(4) S(5) S(6) S(7) S(8) S(9) S(10) S(11) S(12)
 #define BENCH_FIELDS_DebugKey(S, A, B) S(0) S(1) S(2) B(3)
@@ -29,6 +28,7 @@
   X(VllPw, l2vpn_sync_vll_pw)   \
   X(PwStat, l2vpn_stat_pw_stat) \
   X(DebugKey, dbginfo_key_l2vpn)
+// clang-format on
 
 namespace bench::peer {
 

@@ -18,12 +18,13 @@ class Measured:
             self.load_time_us = statistics.median(map(int, load_times.read_text().split())) / 1000
 
 
-def surroundings(measured):
-    """One line: where and with what."""
+def surroundings(measured, machine=None):
+    """Where, with what and how steadily; `machine` for one that the processor's name says too much
+    or too little of."""
     context = measured.results.context
-    flags = optimisation(context["flags"])
-    return (f"{context['date'][:10]}, {context['num_cpus']} cores of {context['processor']}, "
-            f"{context['compiler']} {flags}. {cost_tables.spread(measured.results)}")
+    machine = machine or f"{context['num_cpus']} cores of {context['processor']}"
+    return (f"{context['date'][:10]}, {machine}, {context['compiler']}, "
+            f"{optimisation(context['flags'])}. {cost_tables.spread(measured.results)}")
 
 
 def optimisation(flags):
@@ -33,15 +34,18 @@ def optimisation(flags):
 
 
 def of_the_console(measured):
-    return _with_rows([cost_tables.ratios(measured.results), *_peers(measured.results),
-                       growth_tables.batches(measured.results),
-                       growth_tables.threads(measured.results)] + _sizes(measured, brief=True))
+    return of_the_targets(measured) + _with_rows([
+        *_peers(measured.results), growth_tables.batches(measured.results),
+        growth_tables.threads(measured.results), *_sizes(measured, brief=True)])
 
 
-def of_the_page(measured, brief=False):
+def of_the_targets(measured):
+    return _with_rows([cost_tables.ratios(measured.results)])
+
+
+def of_the_details(measured, brief=False):
     """`brief`: without the long tables."""
-    return _with_rows([cost_tables.ratios(measured.results),
-                       cost_tables.nanoseconds(measured.results), *_peers(measured.results),
+    return _with_rows([cost_tables.nanoseconds(measured.results), *_peers(measured.results),
                        growth_tables.batches(measured.results),
                        growth_tables.lengths(measured.results),
                        growth_tables.threads(measured.results)] + _sizes(measured, brief))

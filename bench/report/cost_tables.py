@@ -48,8 +48,11 @@ def _number(value):
 
 def spread(results):
     """A sentence on how far the repetitions lie apart."""
-    spreads = sorted(r.spread for r in results.of_group("target") if r.spread is not None)
+    spreads = sorted(r.spread for r in results.all()
+                     if r.spread is not None and r.group != "thread")
     if not spreads:
-        return "Measured once: the figures are a first look."
-    return (f"Spread of the repetitions (standard deviation over mean): half of the cases below "
-            f"{100 * spreads[len(spreads) // 2]:.1f} %, the worst {100 * spreads[-1]:.0f} %.")
+        return "Nothing was repeated: the figures are a first look."
+    runs = results.context["runs"]
+    return (f"Medians of {runs} {'run' if runs == 1 else 'runs'}; within one, the repetitions' standard "
+            f"deviation is {100 * spreads[len(spreads) // 2]:.1f} % of their mean in half of the "
+            f"cases, {100 * spreads[-1]:.0f} % in the worst.")

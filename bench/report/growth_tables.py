@@ -45,8 +45,7 @@ def threads(results):
     message = "l2vpn_sync_vll_pw"
     table = Table("Two threads",
                   f"{message}: million records a second, by the clock on the wall; what two do "
-                  "beside one; and what a record costs a thread's processor beside one thread alone "
-                  "(a shared cache line would show there even on a busy machine).",
+                  "beside one; and what a record costs a thread's processor beside one thread alone.",
                   ["operation", "one thread", "two threads", "gain", "processor time"])
     operations = dict.fromkeys(r.operation for r in results.of_group("thread"))
     for operation in operations:

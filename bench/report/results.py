@@ -1,7 +1,8 @@
 """What the benchmark measured, by group, message, operation and number."""
 
 import json
-from dataclasses import dataclass
+import statistics
+from dataclasses import dataclass, replace
 from pathlib import Path
 
 
@@ -18,11 +19,14 @@ class Result:
 
 
 class Results:
-    """The medians of a directory's JSON files, or what they hold where nothing was repeated."""
+    """Of each case the median over the runs, which are medians over their repetitions."""
 
     def __init__(self, results, context):
         self.context = context
-        self._by_case = {(r.group, r.message, r.operation, r.number): r for r in results}
+        cases = {}
+        for r in results:
+            cases.setdefault((r.group, r.message, r.operation, r.number), []).append(r)
+        self._by_case = {case: _median_of(runs) for case, runs in cases.items()}
 
     def find(self, group, message, operation, number=None):
         return self._by_case.get((group, message, operation, number))
@@ -31,8 +35,11 @@ class Results:
         result = self.find(group, message, operation, number)
         return None if result is None else result.ns
 
+    def all(self):
+        return list(self._by_case.values())
+
     def of_group(self, group):
-        return [r for r in self._by_case.values() if r.group == group]
+        return [r for r in self.all() if r.group == group]
 
     def messages(self, group):
         return list(dict.fromkeys(r.message for r in self.of_group(group)))
@@ -42,11 +49,18 @@ class Results:
                       if (r.message, r.operation) == (message, operation) and r.number is not None)
 
 
+def _median_of(runs):
+    def median(attribute):
+        values = [getattr(run, attribute) for run in runs]
+        return None if None in values else statistics.median(values)
+    return replace(runs[0], ns=median("ns"), cpu_ns=median("cpu_ns"), spread=median("spread"))
+
+
 def load(directory):
     results, context = [], {}
     for path in sorted(Path(directory).glob("*.cases.json")):
         document = json.loads(path.read_text())
-        context = document["context"]
+        context = {**document["context"], "runs": context.get("runs", 0) + 1}
         results += _results_of(document["benchmarks"])
     if not results:
         raise SystemExit(f"{directory}: no *.cases.json, or none with a case")

@@ -2,6 +2,7 @@
 
 import re
 import subprocess
+from collections import Counter
 from dataclasses import dataclass
 
 
@@ -64,10 +65,8 @@ def sections(library):
 
 def relocations(library):
     """How many of each kind."""
-    counts = {}
-    for kind in re.findall(r"R_[A-Z0-9]+_[A-Z0-9_]+", _run("readelf", "--relocs", "--wide", library)):
-        counts[kind] = counts.get(kind, 0) + 1
-    return counts
+    listing = _run("readelf", "--relocs", "--wide", library)
+    return Counter(re.findall(r"R_[A-Z0-9]+_[A-Z0-9_]+", listing))
 
 
 def _run(*command):

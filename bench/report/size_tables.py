@@ -25,7 +25,8 @@ class Sizes:
         """Pages of 4 KiB that hold both reversed and hot code of messages."""
         pages = {False: set(), True: set()}
         for symbol in self.symbols:
-            if symbol.is_code and symbol.message is not None and (symbol.reversed or not symbol.cold):
+            is_apart = symbol.cold and not symbol.reversed
+            if symbol.is_code and symbol.message is not None and not is_apart:
                 last = symbol.address + max(symbol.size, 1) - 1
                 pages[symbol.reversed].update(range(symbol.address // PAGE, last // PAGE + 1))
         return len(pages[False] & pages[True])

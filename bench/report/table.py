@@ -41,7 +41,8 @@ def as_markdown(table):
     lines = [f"### {table.title}", "", table.note, "", _markdown_row(table.header),
              _markdown_row(["---"] + ["---:"] * (len(table.header) - 1))]
     for name, *cells in table.rows:
-        lines.append(_markdown_row([f"`{name}`"] + [_bold_where_missed(cell) for cell in cells]))
+        shown = name if " " in name else f"`{name}`"
+        lines.append(_markdown_row([shown] + [_bold_where_missed(cell) for cell in cells]))
     return "\n".join(lines) + "\n"
 
 
