@@ -26,25 +26,28 @@ _OPERATIONS = [
         (r"_free__unpacked$|freeUnpacked|releaseParts", "free"),
         (r"__pack$", "pack"),
         (r"__send(single|batch|msg|tomsg)$", "send"),
-        (r"sendOne|sendMany|encodeBatch|sendImage|writeImages|FixedImage|fixed", "send"),
-        (r"mesh::msg::unpack|[dD]ecode|Unpack", "unpack"),
-        (r"[cC]ompact|writeTable|tableSize|encode|mesh::msg::pack", "pack"),
+        (r"sendBatch|encodeBatch|bindAndSend|handOver", "send"),
+        (r"mesh::msg::unpack|[dD]ecode|Unpack|SlotReader|locateTable|takeBytes|allocatePart", "unpack"),
+        (r"[cC]ompact|writeTable|writeVector|[sS]ize|mesh::msg::pack|packNowhere", "pack"),
     )
 ]
 _MESSAGE = re.compile(r"(?:SchemaOf|MessageOf)<(?:::)?(\w+)>")
 _EXPORTED = re.compile(r"^(\w+?)(?:__(?:pack|unpack|send(?:single|batch|msg|tomsg))"
                        r"|_free__unpacked)$")
-_REVERSED = re.compile(r"ByteOrder\)1|::reversed<")
+_REVERSED = re.compile(r"ByteOrder\)1|Reversed|mesh::wire::.*reverse")
 
 
 def symbols(library):
-    """Code and constants that have a name and a size."""
+    """Code and constants that have a name and a size; of two names for one thing, the exported."""
     listing = _run("nm", "--demangle", "--defined-only", "--print-size", library)
+    named = {}
     for line in listing.splitlines():
         fields = line.split(maxsplit=3)
         if len(fields) == 4 and fields[2] in "TtRrDd":
             address, size, kind, name = fields
-            yield _symbol(name, int(address, 16), int(size, 16), kind in "Tt")
+            if kind == "T" or address not in named:
+                named[address] = _symbol(name, int(address, 16), int(size, 16), kind in "Tt")
+    return named.values()
 
 
 def _symbol(name, address, size, is_code):

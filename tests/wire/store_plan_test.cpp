@@ -73,7 +73,8 @@ class Memory {
   Bytes constants_;
 };
 
-constexpr uint32_t size = 100;
+// No more than a plan has room for, a byte a store.
+constexpr uint32_t size = 60;
 
 // Stretches of 1 to `longest` bytes, in turn of the source and of the constants.
 std::vector<Stretch> randomStretches(std::mt19937& random, uint32_t longest) {
