@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and passes every test.
+# Installs what is missing, builds, and passes every test. Without presets also what is not a test of
+# one build: the Debian packages, the reference, the library on another processor.
 #
 #   ./test.sh [PRESET...]    presets of CMakePresets.json; release (g++), asan, tsan and msan (clang++) by default
 set -euo pipefail
 cd "$(dirname "$0")"
 
 tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev \
-  libbenchmark-dev python3
+  libbenchmark-dev python3 pkg-config abigail-tools
 
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
@@ -16,3 +17,12 @@ for preset in "${presets[@]}"; do
   cmake --build --preset "$preset"
   ctest --preset "$preset" --parallel "$(nproc)" --progress
 done
+
+if [ $# -eq 0 ]; then
+  echo "== packages"
+  tools/make-packages.sh
+  echo "== reference"
+  tools/make-reference.sh
+  echo "== aarch64"
+  tools/test-aarch64.sh
+fi

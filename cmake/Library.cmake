@@ -8,10 +8,12 @@ set(mesh_l2vpn_includes
   ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include)
 
 set(mesh_l2vpn_public_headers
-  ${CMAKE_CURRENT_SOURCE_DIR}/msg/include/mesh_l2vpn/operations.h
-  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_cfg/include/mesh_l2vpn/l2vpn_cfg.h
-  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_stat/include/mesh_l2vpn/l2vpn_stat.h
-  ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include/mesh_l2vpn/l2vpn_sync.h)
+  ${CMAKE_CURRENT_SOURCE_DIR}/msg/include/mesh_l2vpn/operations.h)
+foreach(service l2vpn_cfg l2vpn_stat l2vpn_sync)
+  list(APPEND mesh_l2vpn_public_headers
+    ${CMAKE_CURRENT_SOURCE_DIR}/${service}/include/mesh_l2vpn/${service}.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/${service}/include/mesh_l2vpn/${service}_functions.h)
+endforeach()
 
 add_library(mesh_l2vpn_objects OBJECT
   host/binding.cpp
@@ -43,7 +45,10 @@ set_target_properties(mesh_l2vpn_objects PROPERTIES
 # library can be unloaded.
 target_compile_options(mesh_l2vpn_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics $<$<CONFIG:Release>:-O2>
-  $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique>)
+  $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique>
+  # An operation that its service's header does not declare would be hidden.
+  $<$<CXX_COMPILER_ID:GNU>:-Wmissing-declarations>
+  $<$<BOOL:${MESH_L2VPN_DEVELOPER}>:-g>)
 mesh_l2vpn_warnings(mesh_l2vpn_objects)
 
 # The version script names what the public headers' lists of messages name, and nothing else.
@@ -62,12 +67,12 @@ add_library(mesh_l2vpn SHARED)
 add_library(mesh_l2vpn::mesh_l2vpn ALIAS mesh_l2vpn)
 add_dependencies(mesh_l2vpn mesh_l2vpn_exports)
 target_link_libraries(mesh_l2vpn PRIVATE mesh_l2vpn_objects ${CMAKE_DL_LIBS})
-target_include_directories(mesh_l2vpn INTERFACE ${mesh_l2vpn_includes})
+target_include_directories(mesh_l2vpn INTERFACE "$<BUILD_INTERFACE:${mesh_l2vpn_includes}>")
 set_target_properties(mesh_l2vpn PROPERTIES
   LINKER_LANGUAGE C
   VERSION ${MESH_L2VPN_ABI}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
   SOVERSION ${MESH_L2VPN_ABI}
-  LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
+  LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
   LINK_DEPENDS ${mesh_l2vpn_exports})
 # Bound lazily: a process that never sends needs no middleware.
 target_link_options(mesh_l2vpn PRIVATE
@@ -76,4 +81,24 @@ if(MESH_L2VPN_MIDDLEWARE)
   target_link_libraries(mesh_l2vpn PRIVATE ${MESH_L2VPN_MIDDLEWARE})
 else()
   target_link_options(mesh_l2vpn INTERFACE LINKER:--allow-shlib-undefined)
+endif()
+
+# The same objects as an archive. A module's constructor lies in the object that holds its
+# operations, so it runs wherever one of them is linked.
+if(MESH_L2VPN_STATIC)
+  add_library(mesh_l2vpn_static STATIC $<TARGET_OBJECTS:mesh_l2vpn_objects>)
+  add_library(mesh_l2vpn::mesh_l2vpn_static ALIAS mesh_l2vpn_static)
+  set_target_properties(mesh_l2vpn_static PROPERTIES
+    LINKER_LANGUAGE C OUTPUT_NAME mesh_l2vpn ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  target_include_directories(mesh_l2vpn_static INTERFACE "$<BUILD_INTERFACE:${mesh_l2vpn_includes}>")
+  target_link_libraries(mesh_l2vpn_static INTERFACE ${CMAKE_DL_LIBS})
+
+  # A program cannot leave functions open as a shared object can: where it has no middleware, this
+  # closes them.
+  add_library(mesh_l2vpn_without_middleware STATIC msg/without_middleware.c)
+  add_library(mesh_l2vpn::without_middleware ALIAS mesh_l2vpn_without_middleware)
+  set_target_properties(mesh_l2vpn_without_middleware PROPERTIES
+    C_STANDARD 99 EXPORT_NAME without_middleware POSITION_INDEPENDENT_CODE ON
+    ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  mesh_l2vpn_warnings(mesh_l2vpn_without_middleware)
 endif()

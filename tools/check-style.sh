@@ -4,7 +4,7 @@
 #   tools/check-style.sh            format alone
 #   tools/check-style.sh --lint     clang-tidy too, which takes minutes
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 
 tools/setup.sh clang-format
 git ls-files -z -- '*.c' '*.h' '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run --Werror

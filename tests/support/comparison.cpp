@@ -225,12 +225,12 @@ std::vector<uint8_t> packed(const Operations& operations, const model::Value& va
 
 int rounds(int usual) {
   const char* const wish = std::getenv("MESH_TEST_ROUNDS");
-  const int factor = wish == nullptr ? 1 : std::atoi(wish);
-  if (factor < 1) {
+  const double factor = wish == nullptr ? 1 : std::strtod(wish, nullptr);
+  if (!(factor > 0)) {
     std::fprintf(stderr, "MESH_TEST_ROUNDS is a number above 0, not '%s'\n", wish);
     std::abort();
   }
-  return usual * factor;
+  return std::max(1, static_cast<int>(usual * factor));
 }
 
 }  // namespace harness

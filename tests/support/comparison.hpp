@@ -38,8 +38,8 @@ std::string compareSend(const Operations& operations, model::Operation operation
 std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,
                             bool reversed = false);
 
-// The number of rounds a random test makes: as given, or more when a long run asks for it through
-// the environment (MESH_TEST_ROUNDS, a factor).
+// The number of rounds a random test makes: as given, times the factor in the environment's
+// MESH_TEST_ROUNDS, where a run asks for more or fewer.
 int rounds(int usual);
 
 }  // namespace harness

@@ -1,5 +1,6 @@
 #include "catalogue.hpp"
 
+#include <cstdio>
 #include <string_view>
 
 #include "l2vpn_cfg/schema.hpp"
@@ -51,6 +52,26 @@ std::string kindOf(const Slot& slot) {
 bool isWrapper(const Record& record) {
   const std::string_view name = record.name;
   return name.ends_with("_update") || name.ends_with("_delete");
+}
+
+std::string hex(uint32_t id) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", id);
+  return text;
+}
+
+std::string hex(uint64_t fingerprint) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%016llX", static_cast<unsigned long long>(fingerprint));
+  return text;
+}
+
+std::string compactText(const Record& record) {
+  const Range range = compactRange(record);
+  if (range.isOpen) {
+    return std::to_string(range.from).append(" and more");
+  }
+  return std::to_string(range.from).append(" to ").append(std::to_string(range.to));
 }
 
 }  // namespace catalogue

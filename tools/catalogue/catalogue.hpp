@@ -1,4 +1,4 @@
-// What the page of messages is made of, taken from the schemas at run time.
+// What is written about the messages, taken from the schemas at run time.
 #pragma once
 
 #include <cstdint>
@@ -32,5 +32,27 @@ std::string kindOf(const mesh::wire::Slot& slot);
 
 // "_update" and "_delete" messages: a value and a whole record of the same service.
 bool isWrapper(const mesh::wire::Record& record);
+
+// The functions of a message, as suffixes of its name.
+inline constexpr const char* operations[] = {"__unpack",     "_free__unpacked", "__pack",
+                                             "__sendsingle", "__sendbatch",     "__sendmsg",
+                                             "__sendtomsg"};
+
+std::string hex(uint32_t id);
+std::string hex(uint64_t fingerprint);
+
+// "72 to 93", "20 and more".
+std::string compactText(const mesh::wire::Record& record);
+
+// What of a message goes over the wire, as a line of text, and the line's 64-bit FNV-1a hash. Two
+// programs that agree on a message's fingerprint read each other's.
+std::string wireText(const mesh::msg::Message& message);
+uint64_t fingerprint(const mesh::msg::Message& message);
+
+void writePage();
+void writeFingerprints();
+
+// The header with a service's functions, from which its public header takes them.
+void writeFunctions(const Service& service);
 
 }  // namespace catalogue

@@ -1,6 +1,7 @@
-# Writes the page of all messages anew and compares it with the committed one.
-execute_process(COMMAND ${catalogue} OUTPUT_FILE ${written} COMMAND_ERROR_IS_FATAL ANY)
+# Writes a page anew (arguments: the tool's) and compares it with the committed one.
+separate_arguments(arguments)
+execute_process(COMMAND ${catalogue} ${arguments} OUTPUT_FILE ${written} COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND diff -u ${committed} ${written} RESULT_VARIABLE differs)
 if(differs)
-  message(FATAL_ERROR "docs/messages.md is stale; write it anew with mesh-l2vpn-catalogue")
+  message(FATAL_ERROR "${committed} is not what the schemas make of it. ${advice}")
 endif()

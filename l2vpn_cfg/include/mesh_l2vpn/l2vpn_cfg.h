@@ -1,7 +1,27 @@
-/* The configuration and debug-information service.
+/** @file
+ * The configuration and debug-information service.
  *
- * Records with byte strings own what unpacking allocated for them until their release. The
- * operations and the conventions are those of mesh_l2vpn/operations.h.
+ * 1. Ownership. Buffers and records are the caller's. Records with byte strings or items (fN_len or
+ *    fN_count beside fN) own what X__unpack allocated for them, until X_free__unpacked; the others
+ *    own nothing, and their release does nothing. Unpacking into a record that still holds blocks
+ *    loses them. Packing and sending read records and nothing else.
+ * 2. Results. X__unpack returns sizeof(X) whatever the buffer held; look at the record. X__pack
+ *    returns 0 or 0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF when it never
+ *    came so far.
+ * 3. Threads. Every function may be called from any thread, on records that no other thread
+ *    writes. Nothing needs to be set up first.
+ * 4. Byte order. Records and messages have the host's; the devices are little-endian.
+ * 5. Null. A null byte string or item pointer means "none", whatever its length says, with one
+ *    exception: l2vpn_cfg_query_dfx_rec with a count and null items cannot be encoded. After
+ *    X__unpack, test the pointer, not the length. A null record or buffer is refused and logged by
+ *    X__unpack; X__pack refuses a null record or length, and takes a null buffer for a question of
+ *    the size.
+ * 6. Sending. Four messages (l2vpn_cfg_query_dfx_cond and _item, dbginfo_cmd_ipc_l2vpn and
+ *    dbginfo_dedata_l2vpn) go in the fixed arrangement, whose record must not be null; the others
+ *    in the compact one, where a batch takes 65,536 bytes together.
+ *
+ * The details of each operation are in mesh_l2vpn/operations.h, every function by its full name in
+ * mesh_l2vpn/l2vpn_cfg_functions.h, every message in docs/messages.md.
  */
 #ifndef MESH_L2VPN_L2VPN_CFG_H
 #define MESH_L2VPN_L2VPN_CFG_H
@@ -10,7 +30,7 @@
 
 MESH_L2VPN_BEGIN
 
-/* Key of a debug-information query. Sent in the compact arrangement. */
+/** Key of a debug-information query. Sent in the compact arrangement. */
 typedef struct dbginfo_key_l2vpn {
   uint16_t f0;
   uint16_t f1;
@@ -19,7 +39,7 @@ typedef struct dbginfo_key_l2vpn {
   uint8_t* f3;
 } dbginfo_key_l2vpn;
 
-/* Parameters of a debug-information query. Sent in the compact arrangement. */
+/** Parameters of a debug-information query. Sent in the compact arrangement. */
 typedef struct dbginfo_para_l2vpn {
   uint16_t f0;
   uint32_t f1;
@@ -32,14 +52,14 @@ typedef struct dbginfo_para_l2vpn {
   uint8_t* f7;
 } dbginfo_para_l2vpn;
 
-/* Condition of a configuration query. Sent in the fixed arrangement. */
+/** Condition of a configuration query. Sent in the fixed arrangement. */
 typedef struct l2vpn_cfg_query_dfx_cond {
   uint32_t f0;
   uint32_t f1;
   uint8_t f2[128];
 } l2vpn_cfg_query_dfx_cond;
 
-/* Common parameters of a configuration query. Sent in the compact arrangement. */
+/** Common parameters of a configuration query. Sent in the compact arrangement. */
 typedef struct l2vpn_cfg_query_comm_param {
   uint32_t f0;
   uint32_t f1;
@@ -47,7 +67,7 @@ typedef struct l2vpn_cfg_query_comm_param {
   uint8_t* f2;
 } l2vpn_cfg_query_comm_param;
 
-/* Common result of a configuration query. Sent in the compact arrangement. */
+/** Common result of a configuration query. Sent in the compact arrangement. */
 typedef struct l2vpn_cfg_query_comm_rec {
   uint32_t f0;
   uint32_t f1;
@@ -57,7 +77,7 @@ typedef struct l2vpn_cfg_query_comm_rec {
   uint32_t f4;
 } l2vpn_cfg_query_comm_rec;
 
-/* Debug command: its own fields, parameters and key. Sent in the compact arrangement. */
+/** Debug command: its own fields, parameters and key. Sent in the compact arrangement. */
 typedef struct dbginfo_cmd_key_l2vpn {
   uint32_t f0;
   uint32_t f1;
@@ -66,7 +86,7 @@ typedef struct dbginfo_cmd_key_l2vpn {
   dbginfo_key_l2vpn f4;
 } dbginfo_cmd_key_l2vpn;
 
-/* Debug command between processes. Sent in the fixed arrangement. */
+/** Debug command between processes. Sent in the fixed arrangement. */
 typedef struct dbginfo_cmd_ipc_l2vpn {
   uint32_t f0;
   uint32_t f1;
@@ -83,7 +103,7 @@ typedef struct dbginfo_cmd_ipc_l2vpn {
   uint32_t f12;
 } dbginfo_cmd_ipc_l2vpn;
 
-/* Debug information with two byte strings. Sent in the compact arrangement. */
+/** Debug information with two byte strings. Sent in the compact arrangement. */
 typedef struct dbginfo_endata_l2vpn {
   uint32_t f0;
   uint32_t f1;
@@ -104,7 +124,7 @@ typedef struct dbginfo_endata_l2vpn {
   uint8_t* f14;
 } dbginfo_endata_l2vpn;
 
-/* Debug information without byte strings. Sent in the fixed arrangement. */
+/** Debug information without byte strings. Sent in the fixed arrangement. */
 typedef struct dbginfo_dedata_l2vpn {
   uint32_t f0;
   uint32_t f1;
@@ -121,7 +141,7 @@ typedef struct dbginfo_dedata_l2vpn {
   uint32_t f12;
 } dbginfo_dedata_l2vpn;
 
-/* One item of a configuration query's result. Sent in the fixed arrangement. */
+/** One item of a configuration query's result. Sent in the fixed arrangement. */
 typedef struct l2vpn_cfg_query_dfx_item {
   uint8_t f0[32];
   uint32_t f1;
@@ -130,15 +150,15 @@ typedef struct l2vpn_cfg_query_dfx_item {
   uint8_t f4[16384];
 } l2vpn_cfg_query_dfx_item;
 
-/* A configuration query: its common parameters and its condition. Sent in the compact arrangement.
- */
+/** A configuration query: its common parameters and its condition. Sent in the compact
+ * arrangement. */
 typedef struct l2vpn_cfg_query_dfx_key {
   l2vpn_cfg_query_comm_param f0;
   l2vpn_cfg_query_dfx_cond f1;
 } l2vpn_cfg_query_dfx_key;
 
-/* A configuration query's result: the common result and its items. Sent in the compact arrangement.
- */
+/** A configuration query's result: the common result and its items. Sent in the compact
+ * arrangement. */
 typedef struct l2vpn_cfg_query_dfx_rec {
   l2vpn_cfg_query_comm_rec f0;
   uint32_t f1_count; /* records at f1 */
@@ -160,9 +180,9 @@ typedef struct l2vpn_cfg_query_dfx_rec {
   X(l2vpn_cfg_query_dfx_key, 0xD5542082)    \
   X(l2vpn_cfg_query_dfx_rec, 0xC900380B)
 
-L2VPN_CFG_MESSAGES(MESH_L2VPN_DECLARE)
-MESH_L2VPN_DECLARE_SERVICE(l2vpn_cfg)
-
 MESH_L2VPN_END
+
+/* Every function and identifier of the service. */
+#include "mesh_l2vpn/l2vpn_cfg_functions.h"
 
 #endif

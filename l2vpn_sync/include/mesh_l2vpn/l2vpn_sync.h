@@ -1,10 +1,26 @@
-/* The synchronisation service: the state of VPLS and VLL services and of what belongs to them.
+/** @file
+ * The synchronisation service: the state of VPLS and VLL services and of what belongs to them.
  *
  * Every record R travels in three messages: R itself, R_update and R_delete, which carry the whole
- * record and a 16-bit value. The message's name alone says which. All of them are sent in the fixed
- * arrangement, and none owns memory: the release of an unpacked record does nothing.
+ * record and a 16-bit value. The message's name alone says which.
  *
- * The operations and the conventions are those of mesh_l2vpn/operations.h.
+ * 1. Ownership. Buffers and records are the caller's. No record owns memory: the release of an
+ *    unpacked one does nothing.
+ * 2. Results. X__unpack returns sizeof(X) whatever the buffer held. A rejected R leaves zeros, or
+ *    what came before the fault; a rejected R_update or R_delete the record as it was, or, where
+ *    the record inside is at fault, f0 and what could be read of f1. X__pack returns 0 or
+ *    0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF when it never came so far.
+ * 3. Threads. Every function may be called from any thread, on records that no other thread
+ *    writes. Nothing needs to be set up first.
+ * 4. Byte order. Records and messages have the host's; the devices are little-endian.
+ * 5. Null. There is nothing in a record that can be null. A null record or buffer is refused and
+ *    logged by X__unpack; X__pack refuses a null record or length, and takes a null buffer for a
+ *    question of the size; the sending functions must not be given a null record.
+ * 6. Sending. Every message goes in the fixed arrangement, at the length that docs/messages.md
+ *    states, whatever its values.
+ *
+ * The details of each operation are in mesh_l2vpn/operations.h, every function by its full name in
+ * mesh_l2vpn/l2vpn_sync_functions.h, every message in docs/messages.md.
  */
 #ifndef MESH_L2VPN_L2VPN_SYNC_H
 #define MESH_L2VPN_L2VPN_SYNC_H
@@ -13,7 +29,7 @@
 
 MESH_L2VPN_BEGIN
 
-/* VPLS attachment circuit. */
+/** VPLS attachment circuit. */
 typedef struct l2vpn_sync_vpls_ac {
   uint32_t f0;
   uint32_t f1;
@@ -27,7 +43,7 @@ typedef struct l2vpn_sync_vpls_ac {
   uint8_t f9[12];
 } l2vpn_sync_vpls_ac;
 
-/* Sub-record of a VPLS attachment circuit. */
+/** Sub-record of a VPLS attachment circuit. */
 typedef struct l2vpn_sync_vpls_ac_sub {
   uint32_t f0;
   uint32_t f1;
@@ -55,7 +71,7 @@ typedef struct l2vpn_sync_vpls_ac_sub {
   uint8_t f23[12];
 } l2vpn_sync_vpls_ac_sub;
 
-/* Shared record of VPLS attachment circuits. */
+/** Shared record of VPLS attachment circuits. */
 typedef struct l2vpn_sync_vpls_ac_share {
   uint32_t f0;
   uint32_t f1;
@@ -75,7 +91,7 @@ typedef struct l2vpn_sync_vpls_ac_share {
   uint8_t f15[12];
 } l2vpn_sync_vpls_ac_share;
 
-/* VPLS instance. */
+/** VPLS instance. */
 typedef struct l2vpn_sync_vpls_inst {
   uint32_t f0;
   uint32_t f1;
@@ -92,7 +108,7 @@ typedef struct l2vpn_sync_vpls_inst {
   uint8_t f12[24];
 } l2vpn_sync_vpls_inst;
 
-/* VPLS instance information. Its fields are those of l2vpn_sync_vpls_inst. */
+/** VPLS instance information. Its fields are those of l2vpn_sync_vpls_inst. */
 typedef struct l2vpn_sync_vpls_inst_info {
   uint32_t f0;
   uint32_t f1;
@@ -109,7 +125,7 @@ typedef struct l2vpn_sync_vpls_inst_info {
   uint8_t f12[24];
 } l2vpn_sync_vpls_inst_info;
 
-/* VPLS pseudowire. */
+/** VPLS pseudowire. */
 typedef struct l2vpn_sync_vpls_pw {
   uint32_t f0;
   uint32_t f1;
@@ -138,7 +154,7 @@ typedef struct l2vpn_sync_vpls_pw {
   uint8_t f24[28];
 } l2vpn_sync_vpls_pw;
 
-/* VPLS pwred_pg record. */
+/** VPLS pwred_pg record. */
 typedef struct l2vpn_sync_vpls_pwred_pg {
   uint32_t f0;
   uint32_t f1;
@@ -153,7 +169,7 @@ typedef struct l2vpn_sync_vpls_pwred_pg {
   uint8_t f10[16];
 } l2vpn_sync_vpls_pwred_pg;
 
-/* VPLS exp record. */
+/** VPLS exp record. */
 typedef struct l2vpn_sync_vpls_exp {
   uint32_t f0;
   uint32_t f1;
@@ -164,7 +180,7 @@ typedef struct l2vpn_sync_vpls_exp {
   uint8_t f6;
 } l2vpn_sync_vpls_exp;
 
-/* MAC withdrawal of a VPLS attachment circuit. */
+/** MAC withdrawal of a VPLS attachment circuit. */
 typedef struct l2vpn_sync_vpls_ac_macdraw {
   uint32_t f0;
   uint32_t f1;
@@ -175,7 +191,7 @@ typedef struct l2vpn_sync_vpls_ac_macdraw {
   uint16_t f6;
 } l2vpn_sync_vpls_ac_macdraw;
 
-/* MAC withdrawal of a VPLS pseudowire. */
+/** MAC withdrawal of a VPLS pseudowire. */
 typedef struct l2vpn_sync_vpls_pw_macdraw {
   uint32_t f0;
   uint32_t f1;
@@ -188,7 +204,7 @@ typedef struct l2vpn_sync_vpls_pw_macdraw {
   uint32_t f8;
 } l2vpn_sync_vpls_pw_macdraw;
 
-/* MAC withdrawal of a VPLS instance. */
+/** MAC withdrawal of a VPLS instance. */
 typedef struct l2vpn_sync_vpls_inst_macdraw {
   uint32_t f0;
   uint32_t f1;
@@ -199,7 +215,7 @@ typedef struct l2vpn_sync_vpls_inst_macdraw {
   uint32_t f6;
 } l2vpn_sync_vpls_inst_macdraw;
 
-/* VLL attachment circuit. */
+/** VLL attachment circuit. */
 typedef struct l2vpn_sync_vll_ac {
   uint32_t f0;
   uint32_t f1;
@@ -217,7 +233,7 @@ typedef struct l2vpn_sync_vll_ac {
   uint8_t f13[12];
 } l2vpn_sync_vll_ac;
 
-/* VLL extnhp record. */
+/** VLL extnhp record. */
 typedef struct l2vpn_sync_extnhp {
   uint32_t f0;
   uint32_t f1;
@@ -227,7 +243,7 @@ typedef struct l2vpn_sync_extnhp {
   uint32_t f5;
 } l2vpn_sync_extnhp;
 
-/* VLL pseudowire. */
+/** VLL pseudowire. */
 typedef struct l2vpn_sync_vll_pw {
   uint32_t f0;
   uint32_t f1;
@@ -256,7 +272,7 @@ typedef struct l2vpn_sync_vll_pw {
   uint8_t f24[28];
 } l2vpn_sync_vll_pw;
 
-/* VLL instance. */
+/** VLL instance. */
 typedef struct l2vpn_sync_vll_inst {
   uint32_t f0;
   uint32_t f1;
@@ -269,7 +285,7 @@ typedef struct l2vpn_sync_vll_inst {
   uint8_t f8[32];
 } l2vpn_sync_vll_inst;
 
-/* Global glb_en record. */
+/** Global glb_en record. */
 typedef struct l2vpn_sync_glb_en {
   uint32_t f0;
   uint32_t f1;
@@ -278,7 +294,7 @@ typedef struct l2vpn_sync_glb_en {
   uint8_t f4[28];
 } l2vpn_sync_glb_en;
 
-/* Interface VLAN record. */
+/** Interface VLAN record. */
 typedef struct l2vpn_sync_ifvlan {
   uint32_t f0;
   uint32_t f1;
@@ -288,7 +304,7 @@ typedef struct l2vpn_sync_ifvlan {
   uint16_t f5;
 } l2vpn_sync_ifvlan;
 
-/* Pseudowire sub-record. */
+/** Pseudowire sub-record. */
 typedef struct l2vpn_sync_subpw {
   uint32_t f0;
   uint32_t f1;
@@ -299,7 +315,7 @@ typedef struct l2vpn_sync_subpw {
   uint8_t f6[28];
 } l2vpn_sync_subpw;
 
-/* VLL exp record. */
+/** VLL exp record. */
 typedef struct l2vpn_sync_vllexp {
   uint32_t f0;
   uint32_t f1;
@@ -310,7 +326,7 @@ typedef struct l2vpn_sync_vllexp {
   uint8_t f6;
 } l2vpn_sync_vllexp;
 
-/* VPLS vsimac record. */
+/** VPLS vsimac record. */
 typedef struct l2vpn_sync_vpls_vsimac {
   uint32_t f0;
   uint8_t f1[6];
@@ -331,7 +347,7 @@ typedef struct l2vpn_sync_vpls_vsimac {
   uint8_t f16[12];
 } l2vpn_sync_vpls_vsimac;
 
-/* OAM static MAC record. */
+/** OAM static MAC record. */
 typedef struct l2vpn_sync_oam_staticmac {
   uint32_t f0;
   uint32_t f1;
@@ -345,7 +361,7 @@ typedef struct l2vpn_sync_oam_staticmac {
   uint8_t f9[24];
 } l2vpn_sync_oam_staticmac;
 
-/* Pseudowire pmo record. */
+/** Pseudowire pmo record. */
 typedef struct l2vpn_sync_pw_pmo {
   uint32_t f0;
   uint32_t f1;
@@ -356,7 +372,7 @@ typedef struct l2vpn_sync_pw_pmo {
   uint32_t f6;
 } l2vpn_sync_pw_pmo;
 
-/* VPLS MAC ping record. */
+/** VPLS MAC ping record. */
 typedef struct l2vpn_sync_vpls_macping {
   uint64_t f0;
   uint32_t f1;
@@ -373,7 +389,7 @@ typedef struct l2vpn_sync_vpls_macping {
   uint8_t f12;
 } l2vpn_sync_vpls_macping;
 
-/* STP record. */
+/** STP record. */
 typedef struct l2vpn_sync_stp {
   uint32_t f0;
   uint32_t f1;
@@ -430,9 +446,9 @@ typedef struct l2vpn_sync_stp {
   } R##_delete;
 L2VPN_SYNC_RECORDS(L2VPN_SYNC_DEFINE_WRAPPERS, )
 
-L2VPN_SYNC_MESSAGES(MESH_L2VPN_DECLARE)
-MESH_L2VPN_DECLARE_SERVICE(l2vpn_sync)
-
 MESH_L2VPN_END
+
+/* Every function and identifier of the service. */
+#include "mesh_l2vpn/l2vpn_sync_functions.h"
 
 #endif

@@ -1,4 +1,5 @@
-/* The seven operations that every message X of libmesh_l2vpn has.
+/** @file
+ * The seven operations that every message X of libmesh_l2vpn has.
  *
  * Conventions:
  *
@@ -38,7 +39,12 @@
 #define MESH_L2VPN_END
 #endif
 
-/* Declares the identifier and the seven operations of message X.
+/** @page operations The operations of a message and of a service
+ *
+ * A service's header declares them for each of its messages X, by full name, in
+ * mesh_l2vpn/l2vpn_cfg_functions.h and its two like.
+ *
+ * @verbatim
  *
  * X__msg_id, a constant uint32_t object
  *   By which the middleware tells X from other messages: 32-bit FNV-1a of X's name. C does not take
@@ -88,21 +94,8 @@
  *
  * uint32_t X__sendtomsg(uint32_t destination, const X* records, uint32_t count, uint64_t extra)
  *   The same with `extra`.
- */
-#define MESH_L2VPN_DECLARE(X, id)                                                                 \
-  static const uint32_t X##__msg_id = id;                                                         \
-  MESH_L2VPN_API uint32_t X##__unpack(const uint8_t* data, uint32_t length, X* record);           \
-  MESH_L2VPN_API void X##_free__unpacked(X* record);                                              \
-  MESH_L2VPN_API uint32_t X##__pack(const X* record, uint8_t* buffer, uint32_t* length);          \
-  MESH_L2VPN_API uint32_t X##__sendsingle(uint32_t destination, const X* record, uint64_t unused, \
-                                          uint64_t extra);                                        \
-  MESH_L2VPN_API uint32_t X##__sendbatch(uint32_t destination, const X* records, uint32_t count,  \
-                                         uint64_t extra);                                         \
-  MESH_L2VPN_API uint32_t X##__sendmsg(uint32_t destination, const X* records, uint32_t count);   \
-  MESH_L2VPN_API uint32_t X##__sendtomsg(uint32_t destination, const X* records, uint32_t count,  \
-                                         uint64_t extra);
-
-/* Declares the three functions of service S.
+ *
+ * The three functions of service S:
  *
  * uint32_t S_recv_init(void)
  *   Registers every message of the service with the middleware (MESH_RegIDLFuncHook), for
@@ -115,10 +108,6 @@
  *
  * void S__send_resource_clean(void)
  *   Called by the middleware. Sending keeps nothing between calls, so it does nothing.
- */
-#define MESH_L2VPN_DECLARE_SERVICE(S)          \
-  MESH_L2VPN_API uint32_t S##_recv_init(void); \
-  MESH_L2VPN_API uint32_t S##_send_init(void); \
-  MESH_L2VPN_API void S##__send_resource_clean(void);
+ * @endverbatim */
 
 #endif

@@ -1,0 +1,68 @@
+# What is installed, by component:
+#
+#   runtime       the shared object
+#   development   headers, static library, CMake package, pkg-config file, reference pages
+#   workstation   the workstation's middleware and host services, with headers and package files
+#   tools         the programs
+#
+# Everything finds everything else by relative paths, so an installed tree may be moved.
+include(CMakePackageConfigHelpers)
+
+set(mesh_l2vpn_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/mesh_l2vpn)
+set(mesh_l2vpn_pkgconfigdir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH mesh_l2vpn_prefix_from_pc /prefix/${mesh_l2vpn_pkgconfigdir} /prefix)
+string(REGEX REPLACE "/$" "" mesh_l2vpn_prefix_from_pc "${mesh_l2vpn_prefix_from_pc}")
+
+set(mesh_l2vpn_exported mesh_l2vpn)
+if(MESH_L2VPN_STATIC)
+  list(APPEND mesh_l2vpn_exported mesh_l2vpn_static mesh_l2vpn_without_middleware)
+endif()
+install(TARGETS ${mesh_l2vpn_exported} EXPORT mesh_l2vpn_targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT mesh_l2vpn_targets NAMESPACE mesh_l2vpn:: FILE mesh_l2vpnTargets.cmake
+  DESTINATION ${mesh_l2vpn_cmakedir} COMPONENT development)
+install(FILES ${mesh_l2vpn_public_headers}
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mesh_l2vpn COMPONENT development)
+
+# The package files of `package`, from its templates, into a directory of its own.
+function(mesh_l2vpn_install_package package component)
+  configure_package_config_file(cmake/${package}Config.cmake.in
+    ${PROJECT_BINARY_DIR}/package/${package}Config.cmake
+    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/${package})
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/${package}ConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+  configure_file(cmake/${package}.pc.in ${PROJECT_BINARY_DIR}/package/${package}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/package/${package}Config.cmake
+                ${PROJECT_BINARY_DIR}/package/${package}ConfigVersion.cmake
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/${package} COMPONENT ${component})
+  install(FILES ${PROJECT_BINARY_DIR}/package/${package}.pc
+    DESTINATION ${mesh_l2vpn_pkgconfigdir} COMPONENT ${component})
+endfunction()
+
+mesh_l2vpn_install_package(mesh_l2vpn development)
+install(FILES cmake/Middleware.cmake DESTINATION ${mesh_l2vpn_cmakedir}
+  COMPONENT development RENAME mesh_l2vpnMiddleware.cmake)
+# Documents lie to one another as they do here, so that their links hold.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+  PATTERN "Doxyfile" EXCLUDE)
+install(FILES platform/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/platform COMPONENT development)
+
+if(TARGET zarnimesh)
+  # In directories of their own, so that they never stand before a device's libraries and headers.
+  install(TARGETS zarnimesh ddmosal platform_interfaces EXPORT mesh_l2vpn_workstation_targets
+    LIBRARY DESTINATION ${mesh_l2vpn_workstation_libdir} COMPONENT workstation
+    INCLUDES DESTINATION ${mesh_l2vpn_workstation_includedir})
+  install(EXPORT mesh_l2vpn_workstation_targets NAMESPACE mesh_l2vpn_workstation::
+    FILE mesh_l2vpn_workstationTargets.cmake
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mesh_l2vpn_workstation COMPONENT workstation)
+  install(DIRECTORY platform/include/ platform/workstation/include/
+    DESTINATION ${mesh_l2vpn_workstation_includedir} COMPONENT workstation)
+  mesh_l2vpn_install_package(mesh_l2vpn_workstation workstation)
+endif()
+
+if(MESH_L2VPN_TOOLS)
+  install(TARGETS mesh-l2vpn-catalogue RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()

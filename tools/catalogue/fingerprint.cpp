@@ -1,0 +1,57 @@
+// What of a message goes over the wire, as text and as one number.
+
+#include <iostream>
+
+#include "catalogue.hpp"
+
+namespace catalogue {
+namespace {
+
+using mesh::msg::Arrangement;
+using mesh::msg::Message;
+using mesh::wire::InlineOrder;
+using mesh::wire::Kind;
+using mesh::wire::Record;
+using mesh::wire::Slot;
+
+std::string slotsText(const Record& record) {
+  std::string text = record.style.inlineOrder == InlineOrder::Slots ? "{" : "{scalars-first ";
+  for (const Slot& slot : record.slots) {
+    if (&slot != record.slots.data()) {
+      text += ' ';
+    }
+    if (slot.kind == Kind::Table || slot.kind == Kind::Vector) {
+      text += slot.kind == Kind::Table ? "table" : "vector";
+      text += slotsText(*slot.nested);
+    } else {
+      text += kindOf(slot);
+    }
+  }
+  return text + '}';
+}
+
+}  // namespace
+
+std::string wireText(const Message& message) {
+  return (message.policy.arrangement == Arrangement::Fixed ? "fixed " : "compact ") +
+         slotsText(*message.record);
+}
+
+uint64_t fingerprint(const Message& message) {
+  uint64_t hash = 0xCBF29CE484222325;
+  for (const char character : wireText(message)) {
+    hash = (hash ^ static_cast<uint8_t>(character)) * 0x100000001B3;
+  }
+  return hash;
+}
+
+void writeFingerprints() {
+  for (const Service& service : services()) {
+    for (const Message* const message : service.messages) {
+      std::cout << message->record->name << ' ' << hex(message->id) << ' '
+                << hex(fingerprint(*message)) << ' ' << wireText(*message) << '\n';
+    }
+  }
+}
+
+}  // namespace catalogue

@@ -1,0 +1,143 @@
+// The page of all messages, docs/messages.md.
+
+#include <iostream>
+
+#include "catalogue.hpp"
+#include "wire/fixed_layout.hpp"
+
+namespace catalogue {
+namespace {
+
+using mesh::msg::Arrangement;
+using mesh::msg::Message;
+using mesh::msg::RootDecoding;
+using mesh::wire::Record;
+using mesh::wire::Slot;
+
+constexpr const char* introduction =
+    R"(# Messages
+
+<!-- Written by mesh-l2vpn-catalogue from the schemas; do not edit. -->
+
+Every message of the library: its identifier, its C record, its slots. The index comes first, then
+one section for each record; the update and delete messages of a record stand in its section.
+
+- Fields bear the number of their slot. A byte string in slot N is the pair `fN_len` and `fN`, a
+  vector the pair `fN_count` and `fN`; both C offsets are given.
+- *Compact* is the length of what `__pack` writes, from a record of zeros to one without a zero;
+  "and more" where byte strings or items come on top.
+- *Fixed* is the length of the fixed arrangement. Messages that are sent in it have it whatever
+  their values; the others are sent in the compact arrangement. The position of a field is counted
+  from the first byte of that message; for `bytes[N]` and tables it is that of the offset word.
+- A message that is received with a bad frame (root, vtable position or vtable length) leaves the
+  caller's record *as it was* or *cleared*.
+- The *fingerprint* stands for what goes over the wire: how the message is sent, the order of its
+  inline part, and the kinds and sizes of its slots in order, nested ones included; not for names.
+  Peers with equal fingerprints read each other. It is the 64-bit FNV-1a hash of a text that
+  `mesh-l2vpn-catalogue fingerprints` prints beside it.
+)";
+
+std::string fixedText(const Record& record) {
+  return mesh::wire::hasFixedArrangement(record) ? std::to_string(mesh::wire::fixedLength(record))
+                                                 : "-";
+}
+
+const char* sentText(const Message& message) {
+  return message.policy.arrangement == Arrangement::Fixed ? "fixed" : "compact";
+}
+
+void writeIndex(const std::vector<Service>& services) {
+  std::cout
+      << "\n## Index\n\n"
+         "| message | identifier | service | sent | record | slots | compact | fixed | fingerprint "
+         "|\n|---|---|---|---|---|---|---|---|---|\n";
+  for (const Service& service : services) {
+    for (const Message* const message : service.messages) {
+      const Record& record = *message->record;
+      std::cout << "| `" << record.name << "` | " << hex(message->id) << " | " << service.name
+                << " | " << sentText(*message) << " | " << record.size << " | "
+                << record.slots.size() << " | " << compactText(record) << " | " << fixedText(record)
+                << " | " << hex(fingerprint(*message)) << " |\n";
+    }
+  }
+}
+
+void writeOperations(const Record& record) {
+  std::cout << '\n';
+  for (const char* const operation : operations) {
+    std::cout << (operation == operations[0] ? "`" : ", `") << record.name << operation << '`';
+  }
+  std::cout << ".\n";
+}
+
+void writeFields(const Record& record) {
+  const bool hasFixed = mesh::wire::hasFixedArrangement(record);
+  std::cout << "\n| slot | field | kind | width | C offset |" << (hasFixed ? " fixed |" : "")
+            << "\n|---|---|---|---|---|" << (hasFixed ? "---|" : "") << '\n';
+  for (size_t index = 0; index < record.slots.size(); ++index) {
+    const Slot& slot = record.slots[index];
+    std::cout << "| " << index << " | ";
+    if (mesh::wire::isOutOfLine(slot.kind)) {
+      const char* const count = slot.kind == mesh::wire::Kind::Bytes ? "_len" : "_count";
+      std::cout << '`' << slot.name.data() << count << "`, `" << slot.name.data() << "` | "
+                << kindOf(slot) << " | 4 + pointer | " << slot.countOffset << ", "
+                << slot.recordOffset;
+    } else {
+      std::cout << '`' << slot.name.data() << "` | " << kindOf(slot) << " | " << slot.size << " | "
+                << slot.recordOffset;
+    }
+    if (hasFixed) {
+      std::cout << " | " << mesh::wire::fixedTable + mesh::wire::fixedEntry(record, index);
+    }
+    std::cout << " |\n";
+  }
+}
+
+void writeFacts(const Message& message) {
+  const Record& record = *message.record;
+  std::cout << "\nIdentifier " << hex(message.id) << "; record of " << record.size
+            << " bytes; vtable of " << mesh::wire::vtableLength(record) << " bytes; compact "
+            << compactText(record) << " bytes; sent "
+            << (message.policy.arrangement == Arrangement::Fixed
+                    ? std::string("as ").append(fixedText(record)).append(" bytes")
+                    : "compact")
+            << "; a bad frame leaves the record "
+            << (message.policy.rootDecoding == RootDecoding::ByMessage ? "as it was" : "cleared")
+            << ".\n";
+}
+
+void writeSections(const Service& service) {
+  std::cout << "\n## " << service.name << "\n\n`" << service.name << "_recv_init`, `"
+            << service.name << "_send_init`, `" << service.name << "__send_resource_clean`.\n";
+  for (const Message* const message : service.messages) {
+    const Record& record = *message->record;
+    if (isWrapper(record)) {
+      continue;
+    }
+    std::cout << "\n### " << record.name << '\n';
+    writeFacts(*message);
+    writeOperations(record);
+    writeFields(record);
+    for (const Message* const wrapper : service.messages) {
+      if (!isWrapper(*wrapper->record) || wrapper->record->slots[1].nested != &record) {
+        continue;
+      }
+      std::cout << "\n#### " << wrapper->record->name << '\n';
+      writeFacts(*wrapper);
+      writeOperations(*wrapper->record);
+      writeFields(*wrapper->record);
+    }
+  }
+}
+
+}  // namespace
+
+void writePage() {
+  std::cout << introduction;
+  writeIndex(services());
+  for (const Service& service : services()) {
+    writeSections(service);
+  }
+}
+
+}  // namespace catalogue
