@@ -1,6 +1,9 @@
 // What grows with the batch, with a byte string's length, with the threads.
+#include <cstdlib>
+
 #include "bench/groups.hpp"
 #include "bench/operations.hpp"
+#include "zarnimesh/mesh.h"
 
 namespace bench {
 namespace {
@@ -10,12 +13,33 @@ std::string numbered(std::string name, Number number) {
   return name.append(1, '/').append(std::to_string(number));
 }
 
+// What batches ask of the allocator and nothing else: room for the tables and for a descriptor of
+// each, once a batch.
+template <typename Record>
+void batchAllocatorCase(benchmark::State& state, Shape shape, uint32_t batch) {
+  static_assert(isSentFixed<Record>);
+  static void* (*volatile allocate)(size_t) = &std::malloc;
+  static void (*volatile release)(void*) = &std::free;
+  const Records<Record> records(shape);
+  const Encoded encoded = encodeAsSent(records);
+  const uint32_t batches = records.size() / batch;
+  const size_t bytes =
+      batch * (static_cast<size_t>(encoded.bytesPerRecord()) + sizeof(mesh_msg_desc));
+  timePasses(state, [bytes, batches] {
+    for (uint32_t index = 0; index < batches; ++index) {
+      release(allocate(bytes));
+    }
+  });
+  report(state, batches * batch, encoded.bytesPerRecord());
+}
+
 template <typename Record>
 void addBatches() {
   const std::string prefix = std::string("batch/") + Exported<Record>::name + "/";
   add(prefix + "copy", copyCase<Record>, Shape{});
   for (uint32_t batch = 16; batch <= recordCount; batch *= 2) {
     add(numbered(prefix + "batch", batch), batchCase<Record>, Shape{}, batch);
+    add(numbered(prefix + "allocator", batch), batchAllocatorCase<Record>, Shape{}, batch);
   }
 }
 

@@ -3,6 +3,7 @@
 from matplotlib import pyplot
 
 from report import style
+from report.growth_tables import less_allocator
 
 
 def against_batch(results):
@@ -14,15 +15,18 @@ def against_batch(results):
     for message, colour in zip(messages, style.SERIES):
         numbers = results.numbers("batch", message, "batch")
         costs = [results.ns("batch", message, "batch", number) for number in numbers]
+        own = [less_allocator(results, message, number) for number in numbers]
         copy = results.ns("batch", message, "copy")
         axes.plot(numbers, costs, color=colour, marker="o", markersize=4, linewidth=2)
-        axes.plot(numbers, [copy] * len(numbers), color=colour, linestyle=(0, (2, 3)), linewidth=1)
+        if None not in own:
+            axes.plot(numbers, own, color=colour, linestyle=(0, (6, 2)), linewidth=1.2)
+        axes.plot(numbers, [copy] * len(numbers), color=colour, linestyle=(0, (1, 3)), linewidth=1)
         ends.append((numbers[-1], costs[-1], style.short(message), colour))
     axes.set_xscale("log", base=2)
     axes.set_xticks(numbers)
     axes.set_ylim(bottom=0)
     style.plain_numbers(axes.xaxis)
-    axes.set_xlabel("records in a batch (dotted: the plain copy of one)")
+    axes.set_xlabel("records in a batch (dashed: less the allocator; dotted: the plain copy of one)")
     axes.set_ylabel("nanoseconds a record")
     figure.tight_layout()
     style.label_ends(axes, ends)
