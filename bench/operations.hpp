@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <bit>
+#include <vector>
 
 #include "bench/encoded.hpp"
 #include "bench/placement.hpp"
@@ -52,6 +53,24 @@ void packCase(benchmark::State& state, Shape shape) {
   timePasses(state, [&records, room, to = buffer.data()] {
     for (const Record& record : records) {
       uint32_t length = room;
+      Exported<Record>::pack(&record, to, &length);
+    }
+  });
+  report(state, records.size(), encoded.bytesPerRecord());
+}
+
+// Into a buffer that is exactly as long as the record's message.
+template <typename Record>
+void packExactCase(benchmark::State& state, Shape shape) {
+  const Records<Record> records(ofThread(shape, state));
+  const Encoded encoded = encodeCompact(records);
+  std::vector<uint32_t> lengths;
+  encoded.each([&](const uint8_t*, uint32_t length) { lengths.push_back(length); });
+  Placed<uint8_t> buffer(*std::max_element(lengths.begin(), lengths.end()));
+  timePasses(state, [&records, room = lengths.data(), to = buffer.data()] {
+    const uint32_t* next = room;
+    for (const Record& record : records) {
+      uint32_t length = *next++;
       Exported<Record>::pack(&record, to, &length);
     }
   });

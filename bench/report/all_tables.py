@@ -45,7 +45,8 @@ def of_the_targets(measured):
 
 def of_the_details(measured, brief=False):
     """`brief`: without the long tables."""
-    return _with_rows([cost_tables.nanoseconds(measured.results), *_peers(measured.results),
+    return _with_rows([cost_tables.exact_room(measured.results),
+                       cost_tables.nanoseconds(measured.results), *_peers(measured.results),
                        growth_tables.batches(measured.results),
                        growth_tables.lengths(measured.results),
                        growth_tables.threads(measured.results)] + _sizes(measured, brief))

@@ -1,7 +1,7 @@
 """The tables of costs: as multiples of the plain copy, and in nanoseconds."""
 
 from report.table import Cell, Table
-from report.targets import COLUMNS, target
+from report.targets import COLUMNS, MESSAGES, target
 
 NONE = "–"
 
@@ -29,6 +29,21 @@ def _ratio(results, message, operation, copy):
         return f"{ns / copy:.2f}"
     # As it is printed, so that nobody sees 2.50 / 2.5 marked as missed.
     return Cell(f"{ns / copy:.2f} / {aim:g}", good=round(ns / copy, 2) <= aim)
+
+
+def exact_room(results):
+    """For the messages that something is aimed at."""
+    table = Table("Packing into exactly the room there is",
+                  "Multiples of the plain copy, full records. With at least 1,024 bytes of room no "
+                  "record can fail to fit; where the room is just what the record takes, its size "
+                  "has to be worked out before anything is written.",
+                  ["message", "room to spare", "exactly the room"])
+    for message in MESSAGES:
+        copy, ample, exact = (results.ns("target", message, operation)
+                              for operation in ("copy", "pack_full", "pack_exact_full"))
+        if None not in (copy, ample, exact):
+            table.rows.append([message, f"{ample / copy:.2f}", f"{exact / copy:.2f}"])
+    return table
 
 
 def nanoseconds(results):
