@@ -77,8 +77,9 @@ def by_message(sizes):
     messages = {symbol.message for symbol in sizes.symbols} - {None}
     table = Table("Bytes by message",
                   "Machine code by operation (plain byte order), of the reversed order, and "
-                  "constants. Code that a wrapper shares with its record counts with the record; "
-                  "'(shared)' is what serves every message.",
+                  "constants. Code that a wrapper shares with its record counts with the record: "
+                  "messages named _delete use that of their _update. '(shared)' is what serves "
+                  "every message.",
                   ["message", *_OPERATIONS[:-1], "reversed", "constants", "together"])
     rows = []
     for message in messages | {None}:
