@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Builds the fuzzers and runs each of them.
+#
+#   fuzz/run.sh                      a minute each, as a check
+#   fuzz/run.sh MINUTES [FUZZER...]  longer; what is learnt stays in build/fuzz/corpus
+#
+# Prints executions, coverage and findings. An input that fails is kept in build/fuzz/findings, and
+# is run again by giving it to the fuzzer: build/fuzz/fuzz/fuzz_unpack build/fuzz/findings/...
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+minutes=${1:-1}
+[ $# -eq 0 ] || shift
+fuzzers=("$@")
+[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(fuzz_unpack fuzz_send fuzz_calls)
+# The longest input: a fixed image of 16 KiB must fit where images are read.
+declare -A longest=([fuzz_unpack]=20000 [fuzz_send]=2048 [fuzz_calls]=2048)
+
+tools/setup.sh clang libclang-rt-dev cmake ninja-build libgtest-dev
+build=${MESH_L2VPN_FUZZ_BUILD:-build/fuzz}
+cmake --preset fuzz -B "$build" >/dev/null
+cmake --build "$build" --target "${fuzzers[@]}"
+mkdir -p "$build/findings"
+
+failed=()
+run() {
+  local fuzzer=$1
+  local log=$build/$fuzzer.log
+  mkdir -p "$build/corpus/$fuzzer"
+  "$build/fuzz/$fuzzer" "$build/corpus/$fuzzer" "fuzz/corpus/$fuzzer" \
+    -dict=fuzz/mesh.dict -max_len="${longest[$fuzzer]}" -max_total_time=$((minutes * 60)) \
+    -timeout=30 -artifact_prefix="$build/findings/$fuzzer-" -print_final_stats=1 \
+    >"$log" 2>&1 || failed+=("$fuzzer")
+  echo "$fuzzer: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions," \
+    "$(sed -n 's/.* cov: \([0-9]*\) .*/\1/p' "$log" | tail -n 1) edges covered"
+}
+
+for fuzzer in "${fuzzers[@]}"; do
+  run "$fuzzer"
+done
+
+for fuzzer in "${failed[@]}"; do
+  echo "$fuzzer failed:" >&2
+  grep -v 'REDUCE\|NEW\|RELOAD\|pulse\|# Uses' "$build/$fuzzer.log" | tail -n 60 >&2
+done
+[ ${#failed[@]} -eq 0 ]
