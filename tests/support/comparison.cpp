@@ -12,7 +12,7 @@
 #include "model/reader.hpp"
 #include "model/record_image.hpp"
 #include "model/writer.hpp"
-#include "support/guarded_buffer.hpp"
+#include "support/block.hpp"
 #include "support/recorder.hpp"
 
 namespace harness {
@@ -65,8 +65,23 @@ std::string withContext(const std::string& difference, const Operations& operati
   if (difference.empty()) {
     return "";
   }
+  const std::span<const uint8_t> first = bytes.first(std::min(bytes.size(), size_t{1} << 16));
   return std::string(operations.name) + "__" + call + (reversed ? ", byte-reversed" : "") + ": " +
-         difference + "  given\n" + model::print({bytes.begin(), bytes.end()}) + "\n";
+         difference + "  given\n" + model::print({first.begin(), first.end()}) + "\n";
+}
+
+// A record's bytes, its padding included, without the pointers in it.
+std::vector<uint8_t> withoutPointers(const model::Message& message, std::vector<uint8_t> record,
+                                     size_t offset = 0) {
+  for (const model::Field& field : message.fields) {
+    if (field.kind == model::Kind::Table) {
+      record = withoutPointers(*field.nested, std::move(record), offset + field.offset);
+    } else if (field.kind == model::Kind::Bytes || field.kind == model::Kind::Vector) {
+      std::fill_n(record.begin() + static_cast<std::ptrdiff_t>(offset + field.offset),
+                  sizeof(void*), uint8_t{0});
+    }
+  }
+  return record;
 }
 
 std::string compareRelease(const Operations& operations, const model::Message& message,
@@ -77,6 +92,64 @@ std::string compareRelease(const Operations& operations, const model::Message& m
     const std::vector<std::string> expected = model::release(message, left);
     operations.freeUnpacked(record);
     difference += compareTraces(call, takeTrace(), expected);
+  }
+  return difference;
+}
+
+const char* nameOf(model::Operation operation) {
+  switch (operation) {
+    case model::Operation::Single:
+      return "sendsingle";
+    case model::Operation::Batch:
+      return "sendbatch";
+    case model::Operation::Msg:
+      return "sendmsg";
+    case model::Operation::ToMsg:
+      return "sendtomsg";
+  }
+  std::abort();
+}
+
+uint32_t callSend(const Operations& operations, uint32_t destination, const void* records,
+                  const Sending& how) {
+  switch (how.operation) {
+    case model::Operation::Single:
+      return operations.sendSingle(destination, records, how.extra);
+    case model::Operation::Batch:
+      return operations.sendBatch(destination, records, how.count, how.extra);
+    case model::Operation::Msg:
+      return operations.sendMsg(destination, records, how.count);
+    case model::Operation::ToMsg:
+      return operations.sendToMsg(destination, records, how.count, how.extra);
+  }
+  std::abort();
+}
+
+std::string compareSendOf(const Operations& operations, const void* records,
+                          const std::optional<std::vector<model::Value>>& values,
+                          const Sending& how) {
+  constexpr uint32_t destination = 0x01020304;
+  useByteOrder(operations, how.reversed);
+  resetRecorder();
+  recorder().everyAllocationFails = how.allocationFails;
+  recorder().middlewareResult = how.middlewareResult;
+  const uint32_t result = callSend(operations, destination, records, how);
+
+  const model::Sent expected =
+      model::send(model::message(operations.name), how.operation, destination, values, how.count,
+                  how.extra, how.reversed, how.allocationFails, how.middlewareResult);
+  std::string difference =
+      compareNumbers("the result", result, expected.result) +
+      compareTraces("it", takeTrace(), expected.trace) +
+      compareNumbers("the number of tables", recorder().sent.size(), expected.descriptors.size()) +
+      compareNumbers("the number of blocks kept", recorder().blocks.size(), size_t{0});
+  for (size_t index = 0; difference.empty() && index < expected.descriptors.size(); ++index) {
+    const SentTable& sent = recorder().sent[index];
+    const model::Descriptor& wanted = expected.descriptors[index];
+    difference += compareNumbers("an identifier", sent.id, wanted.id) +
+                  compareNumbers("a table's offset", sent.address - recorder().sent[0].address,
+                                 wanted.offset - expected.descriptors[0].offset) +
+                  compareBytes("a table", sent.bytes, wanted.bytes, 0xC7);
   }
   return difference;
 }
@@ -92,29 +165,35 @@ void useByteOrder(const Operations& operations, bool reversed) {
 
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           bool reversed, int failingAllocation, bool guarded) {
+  Unpacking how{.reversed = reversed, .failingAllocation = failingAllocation};
+  if (guarded) {
+    how.guard = GuardedBuffer::Edge::End;
+  }
+  return compareUnpack(operations, bytes, how);
+}
+
+std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
+                          const Unpacking& how) {
   const model::Message& message = model::message(operations.name);
   const auto length = static_cast<uint32_t>(bytes.size());
-  useByteOrder(operations, reversed);
+  useByteOrder(operations, how.reversed);
   resetRecorder();
-  recorder().failingAllocation = failingAllocation;
+  recorder().failingAllocation = how.failingAllocation;
+  recorder().largestBlock = how.largestBlock;
 
-  model::RecordImage record(message, untouched);
+  Block record(message.recordSize, untouched, how.recordShift, how.guard);
   const std::vector<uint8_t> before = record.bytes();
-  // A copy of the same alignment that ends with its block, where a sanitizer sees the first byte
-  // beyond; or one that ends with its page.
-  const size_t shift = reinterpret_cast<uintptr_t>(bytes.data()) % 8;
-  const auto block = std::make_unique<uint8_t[]>(shift + bytes.size());
-  std::copy(bytes.begin(), bytes.end(), block.get() + shift);
-  const uint8_t* data = block.get() + shift;
-  std::optional<GuardedBuffer> guard;
-  if (guarded) {
-    guard.emplace(bytes);
-    data = guard->data();
+  // A copy of the same alignment.
+  Block block(how.inPlace ? 0 : length, untouched, reinterpret_cast<uintptr_t>(bytes.data()) % 8,
+              how.guard);
+  if (!how.inPlace) {
+    block.hold(bytes);
   }
+  const uint8_t* const data = how.inPlace ? bytes.data() : block.data();
   const uint32_t returned = operations.unpack(data, length, record.data());
 
   const model::UnpackResult expected =
-      model::unpack(message, data, length, false, reversed, failingAllocation);
+      model::unpack(message, data, length, false, how.reversed, recorder().lastFailure);
   std::string difference = compareNumbers("the result", returned, expected.returned) +
                            compareTraces("it", takeTrace(), expected.trace);
   if (!expected.recordTouched) {
@@ -126,88 +205,71 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
     const model::Value decoded = model::load(message, record.data());
     if (!(decoded == expected.record)) {
       difference += "the record differs at " + model::difference(decoded, expected.record) + "\n";
+    } else if (withoutPointers(message, record.bytes()) !=
+               withoutPointers(message, model::RecordImage(message, expected.record).bytes())) {
+      difference += "the record's padding is not zero\n";
     }
     difference += compareRelease(operations, message, expected.record, record.data());
     difference += compareNumbers("the number of blocks kept", recorder().blocks.size(), size_t{0});
   }
-  return withContext(difference, operations, "unpack", reversed, bytes);
+  return withContext(difference, operations, "unpack", how.reversed, bytes);
 }
 
 std::string comparePack(const Operations& operations, const model::Value& value, uint32_t room,
                         bool reversed) {
-  const model::Message& message = model::message(operations.name);
-  useByteOrder(operations, reversed);
-  resetRecorder();
-  const model::RecordImage record(message, value);
-  const std::vector<uint8_t> recordBefore = record.bytes();
-  // Of its exact size, so that a sanitizer sees the first byte beyond it.
-  std::vector<uint8_t> buffer(room, untouched);
-  buffer.shrink_to_fit();
-  uint32_t length = room;
-  const uint32_t result = operations.pack(record.data(), buffer.data(), &length);
+  return comparePack(operations, value, {.room = room, .reversed = reversed});
+}
 
-  const model::PackResult expected = model::pack(message, &value, false, room, false, reversed);
+std::string comparePack(const Operations& operations, const model::Value& value,
+                        const Packing& how) {
+  const model::Message& message = model::message(operations.name);
+  useByteOrder(operations, how.reversed);
+  resetRecorder();
+  const model::RecordImage image(message, value);
+  const std::vector<uint8_t> recordBefore = image.bytes();
+  Block record(recordBefore.size(), untouched, how.recordShift, how.guard);
+  record.hold(recordBefore);
+
+  const uint32_t size = how.bufferIsNull ? 0 : std::min(how.block.value_or(how.room), how.room);
+  Block block(size, untouched, how.bufferShift, how.guard);
+  uint32_t length = how.room;
+  const uint32_t result = operations.pack(how.recordIsNull ? nullptr : record.data(),
+                                          how.bufferIsNull ? nullptr : block.data(),
+                                          how.lengthIsNull ? nullptr : &length);
+
+  const model::PackResult expected =
+      model::pack(message, how.recordIsNull ? nullptr : &value, how.bufferIsNull, how.room,
+                  how.lengthIsNull, how.reversed);
   model::WrittenBytes written = expected.bytes;
-  written.resize(room, std::nullopt);
-  std::string difference = compareNumbers("the result", result, expected.result) +
-                           compareNumbers("the length", length, expected.length.value_or(room)) +
-                           compareTraces("it", takeTrace(), expected.trace) +
-                           compareBytes("the buffer", buffer, written, untouched);
+  written.resize(size, std::nullopt);
+  std::string difference =
+      compareNumbers("the result", result, expected.result) +
+      compareNumbers("the length", length, expected.length.value_or(how.room)) +
+      compareTraces("it", takeTrace(), expected.trace) +
+      compareBytes("the buffer", block.bytes(), written, untouched);
   if (record.bytes() != recordBefore) {
     difference += "the record was changed\n";
   }
-  return withContext(difference, operations, "pack", reversed, recordBefore);
+  return withContext(difference, operations, "pack", how.reversed, recordBefore);
 }
 
 std::string compareSend(const Operations& operations, model::Operation operation,
                         const std::vector<model::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails, uint32_t middlewareResult) {
-  constexpr uint32_t destination = 0x01020304;
-  const model::Message& message = model::message(operations.name);
-  const auto count = static_cast<uint32_t>(values.size());
-  useByteOrder(operations, reversed);
-  resetRecorder();
-  recorder().everyAllocationFails = allocationFails;
-  recorder().middlewareResult = middlewareResult;
-  const model::RecordImage records(message, values);
+  const model::RecordImage records(model::message(operations.name), values);
+  const Sending how{.operation = operation,
+                    .count = static_cast<uint32_t>(values.size()),
+                    .extra = extra,
+                    .reversed = reversed,
+                    .allocationFails = allocationFails,
+                    .middlewareResult = middlewareResult};
+  return withContext(compareSendOf(operations, records.data(), values, how), operations,
+                     nameOf(operation), reversed, records.bytes());
+}
 
-  uint32_t result = 0;
-  const char* name = "";
-  switch (operation) {
-    case model::Operation::Single:
-      name = "sendsingle";
-      result = operations.sendSingle(destination, records.data(), extra);
-      break;
-    case model::Operation::Batch:
-      name = "sendbatch";
-      result = operations.sendBatch(destination, records.data(), count, extra);
-      break;
-    case model::Operation::Msg:
-      name = "sendmsg";
-      result = operations.sendMsg(destination, records.data(), count);
-      break;
-    case model::Operation::ToMsg:
-      name = "sendtomsg";
-      result = operations.sendToMsg(destination, records.data(), count, extra);
-      break;
-  }
-
-  const model::Sent expected = model::send(message, operation, destination, values, count, extra,
-                                           reversed, allocationFails, middlewareResult);
-  std::string difference =
-      compareNumbers("the result", result, expected.result) +
-      compareTraces("it", takeTrace(), expected.trace) +
-      compareNumbers("the number of tables", recorder().sent.size(), expected.descriptors.size()) +
-      compareNumbers("the number of blocks kept", recorder().blocks.size(), size_t{0});
-  for (size_t index = 0; difference.empty() && index < expected.descriptors.size(); ++index) {
-    const SentTable& sent = recorder().sent[index];
-    const model::Descriptor& wanted = expected.descriptors[index];
-    difference += compareNumbers("an identifier", sent.id, wanted.id) +
-                  compareNumbers("a table's offset", sent.address - recorder().sent[0].address,
-                                 wanted.offset - expected.descriptors[0].offset) +
-                  compareBytes("a table", sent.bytes, wanted.bytes, 0xC7);
-  }
-  return withContext(difference, operations, name, reversed, records.bytes());
+std::string compareNullSend(const Operations& operations, const Sending& how) {
+  return withContext(compareSendOf(operations, nullptr, std::nullopt, how), operations,
+                     nameOf(how.operation), how.reversed, {});
 }
 
 std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,

@@ -4,7 +4,7 @@
 #pragma once
 
 #include <cstdint>
-#include <random>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -12,6 +12,7 @@
 #include "model/message.hpp"
 #include "model/sender.hpp"
 #include "model/value.hpp"
+#include "support/guarded_buffer.hpp"
 #include "support/operations.hpp"
 
 namespace harness {
@@ -25,14 +26,59 @@ void useByteOrder(const Operations& operations, bool reversed);
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           bool reversed, int failingAllocation = 0, bool guarded = false);
 
+// The same, in other surroundings.
+struct Unpacking {
+  bool reversed = false;
+  int failingAllocation = 0;
+  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
+  // them.
+  std::optional<GuardedBuffer::Edge> guard = std::nullopt;
+  size_t recordShift = 0;  // from an aligned place, without a guard
+  // The buffer is read where it lies: it is too large for a copy.
+  bool inPlace = false;
+  // Allocations of more fail.
+  uint32_t largestBlock = UINT32_MAX;
+};
+std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
+                          const Unpacking& how);
+
 // __pack into a buffer of exactly `room` bytes.
 std::string comparePack(const Operations& operations, const model::Value& value, uint32_t room,
                         bool reversed);
+
+// The same, with other arguments and surroundings.
+struct Packing {
+  uint32_t room = 0;
+  bool reversed = false;
+  bool recordIsNull = false;
+  bool bufferIsNull = false;
+  bool lengthIsNull = false;
+  // How many bytes the buffer really has, where that is less than `room`.
+  std::optional<uint32_t> block = std::nullopt;
+  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
+  // them.
+  std::optional<GuardedBuffer::Edge> guard = std::nullopt;
+  size_t bufferShift = 0;  // from an aligned place, without a guard
+  size_t recordShift = 0;
+};
+std::string comparePack(const Operations& operations, const model::Value& value,
+                        const Packing& how);
 
 // One of the four send operations on the records.
 std::string compareSend(const Operations& operations, model::Operation operation,
                         const std::vector<model::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails = false, uint32_t middlewareResult = 0);
+
+// The same on a null pointer, which is said to lead to `count` records.
+struct Sending {
+  model::Operation operation = model::Operation::Single;
+  uint32_t count = 0;
+  uint64_t extra = 0;
+  bool reversed = false;
+  bool allocationFails = false;
+  uint32_t middlewareResult = 0;
+};
+std::string compareNullSend(const Operations& operations, const Sending& how);
 
 // The compact message of a value, by the engine.
 std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,

@@ -41,8 +41,12 @@ __attribute__((format(printf, 1, 2))) void note(const char* format, ...) {
 void* allocate(const char* function, uint32_t size, uint32_t owner, const char* caller) {
   Recorder& r = recorder();
   ++r.allocations;
+  const bool refused = (r.failingAllocations & 1) != 0;
+  r.failingAllocations >>= 1;
   const bool exhausted = r.failingFrom != 0 && r.allocations >= r.failingFrom;
-  if (r.everyAllocationFails || exhausted || r.allocations == r.failingAllocation) {
+  if (refused || exhausted || r.everyAllocationFails || r.allocations == r.failingAllocation ||
+      size > r.largestBlock) {
+    r.lastFailure = r.allocations;
     note("%s size=%u owner=%u caller=\"%s\" -> null", function, size, owner, caller);
     return nullptr;
   }

@@ -29,6 +29,12 @@ struct Recorder {
   // From this one on (from 1), every one fails; 0: none.
   int failingFrom = 0;
   bool everyAllocationFails = false;
+  // The lowest bit tells whether the next allocation fails; they are used up one by one.
+  uint64_t failingAllocations = 0;
+  // Allocations of more fail too.
+  uint32_t largestBlock = UINT32_MAX;
+  // The number of the last allocation that failed; 0: none did.
+  int lastFailure = 0;
   uint32_t middlewareResult = 0;
   // From this registration on (from 1), the middleware refuses with middlewareResult; 0: never.
   int refusedRegistration = 0;
