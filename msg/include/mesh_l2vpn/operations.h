@@ -14,7 +14,8 @@
  *    of their own; a send that reaches the middleware returns the middleware's result. X__unpack
  *    always returns sizeof(X).
  * 4. Threads. Every operation runs on its caller's thread and may be called from several at once,
- *    on different records. Nothing needs to be called first.
+ *    on different records. What it is given must not change while it runs. Nothing needs to be
+ *    called first.
  * 5. Byte order. The wire has the host's, which is little-endian on the devices.
  * 6. Host services. Failures are logged through DDM_OsalLogWrite, memory comes from DDM_OsalMem*,
  *    where the process has functions by these names at a module's first use; otherwise nothing is
