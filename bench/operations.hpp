@@ -65,8 +65,12 @@ void packExactCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
   const Encoded encoded = encodeCompact(records);
   std::vector<uint32_t> lengths;
-  encoded.each([&](const uint8_t*, uint32_t length) { lengths.push_back(length); });
-  Placed<uint8_t> buffer(*std::max_element(lengths.begin(), lengths.end()));
+  uint32_t largest = 0;
+  encoded.each([&](const uint8_t*, uint32_t length) {
+    lengths.push_back(length);
+    largest = std::max(largest, length);
+  });
+  Placed<uint8_t> buffer(largest);
   timePasses(state, [&records, room = lengths.data(), to = buffer.data()] {
     const uint32_t* next = room;
     for (const Record& record : records) {
