@@ -1,6 +1,7 @@
 // The byte order of a message, and unaligned access in it.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -8,6 +9,9 @@
 #include "host/serial_env.hpp"
 
 namespace mesh::host {
+
+// Neighbouring integers are put together and stored as one in some places.
+static_assert(std::endian::native == std::endian::little, "the devices are little-endian");
 
 enum class ByteOrder {
   Host,

@@ -48,7 +48,7 @@ inline void copyChecked(void* to, const void* from, size_t count) {
 // Up to this size, what has a constant size is copied and cleared in place.
 inline constexpr size_t largestInPlace = 256;
 
-// An array's contents, whose size the schema gives.
+// For those who walk a schema while they run: an array's contents, a record.
 inline void copyArray(uint8_t* to, const uint8_t* from, size_t count) {
   if (count <= largestInPlace) {
     std::memcpy(to, from, count);
@@ -57,7 +57,6 @@ inline void copyArray(uint8_t* to, const uint8_t* from, size_t count) {
   }
 }
 
-// A record, whose size the schema gives.
 inline void clearRecord(uint8_t* to, size_t count) {
   if (count <= largestInPlace) {
     std::memset(to, 0, count);
@@ -66,11 +65,12 @@ inline void clearRecord(uint8_t* to, size_t count) {
   }
 }
 
-// Moved sixteen bytes at a time, the last ones overlapping those before: left to themselves,
-// compilers turn some of these sizes into string instructions, which cost more than the rest of a
-// message together.
+// The most that one store holds.
 inline constexpr size_t chunk = 16;
 
+// For those whom the compiler knows the size from. Moved sixteen bytes at a time, the last ones
+// overlapping those before: left to themselves, compilers turn some sizes into string instructions,
+// which cost more than the rest of a message together.
 template <size_t count>
 [[gnu::always_inline]] inline void copyConstant(uint8_t* to, const uint8_t* from) {
   if constexpr (count > largestInPlace) {

@@ -27,12 +27,14 @@
                   reinterpret_cast<mesh_free_hook>(&message##_free__unpacked)},
 
 // A second name of an exported operation, for this library's own calls of it: those of the exported
-// one go through the linkage table, as another library might define it.
-#define MESH_LOCAL_NAME(operation)     \
-  extern "C" [[gnu::alias(#operation), \
-               gnu::visibility("hidden")]] mesh::msg::SendSingle operation##_local;
+// one go through the linkage table, as another library might define it. Hidden in the shared
+// object; in the static library it is a name like any other.
+#define MESH_LOCAL_NAME(operation) \
+  extern "C"                       \
+      [[gnu::alias(#operation), gnu::visibility("hidden")]] decltype(operation) operation##_local;
 
 #define MESH_DEFINE_SEND(message, identifier)                                                     \
+  static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");      \
   extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) { \
     return mesh::msg::pack<MESH_SERVED_BY(message)>(record, buffer, length, #message "_pack");    \
   }                                                                                               \
@@ -45,20 +47,20 @@
   }                                                                                               \
   extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,          \
                                            uint32_t count, uint64_t extra) {                      \
-    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(                                         \
-        destination, records, count, extra, {message##__msg_id, #message "__sendbatch"});         \
+    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(destination, records, count, extra,      \
+                                                         {identifier, #message "__sendbatch"});   \
   }                                                                                               \
   extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,          \
                                            uint32_t count, uint64_t extra) {                      \
     return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, extra,           \
                                                     &message##__sendsingle_local,                 \
-                                                    {message##__msg_id, #message "__sendbatch"}); \
+                                                    {identifier, #message "__sendbatch"});        \
   }                                                                                               \
   extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,            \
                                          uint32_t count) {                                        \
     return mesh::msg::send<MESH_SERVED_BY(message)>(destination, records, count, 0,               \
                                                     &message##__sendsingle_local,                 \
-                                                    {message##__msg_id, #message "__sendbatch"}); \
+                                                    {identifier, #message "__sendbatch"});        \
   }
 
 // A service's receive module: its constructor, its registration, its messages' operations.

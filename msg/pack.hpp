@@ -65,6 +65,7 @@ template <host::Module& module, const Message& model>
   }
   const auto* const from = static_cast<const uint8_t*>(record);
   constexpr bool isBounded = !wire::ownsMemory(*model.record);
+  static_assert(!isBounded || wire::largestCompactSize(*model.record) <= model.policy.largestSize);
   // A buffer that holds the message whatever its values needs no size worked out beforehand.
   if (!isBounded || buffer == nullptr || *length < wire::largestCompactSize(*model.record))
       [[unlikely]] {

@@ -17,13 +17,19 @@ struct Identity {
   const char* operation;  // the exported operation's name
 };
 
-// An exported __sendsingle, for whichever record.
-using SendSingle = uint32_t(uint32_t destination, const void* record, uint64_t unused,
-                            uint64_t extra);
+// An exported __sendsingle.
+template <typename Record>
+using SendSingleOf = uint32_t(uint32_t destination, const Record* record, uint64_t unused,
+                              uint64_t extra);
 
-// Binds the module, then begins again.
+// One of whichever record. It takes the same registers.
+using AnySendSingle = uint32_t(uint32_t destination, const void* record, uint64_t unused,
+                               uint64_t extra);
+
+// Binds the module, then begins again: a call that came back would have every send save registers
+// for the one that is the module's first.
 uint32_t bindAndSend(uint32_t destination, const void* record, uint64_t unused, uint64_t extra,
-                     SendSingle* send, host::Module& module);
+                     AnySendSingle* send, host::Module& module);
 
 namespace detail {
 
@@ -220,19 +226,20 @@ template <host::Module& module, const Message& model>
 
 // One record. In the fixed arrangement the record must not be null. `self` is the exported
 // operation that this is the body of.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const void* record,
-                                                  uint64_t unused, uint64_t extra, SendSingle* self,
+template <host::Module& module, const Message& message, typename Record>
+[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const Record* record,
+                                                  uint64_t unused, uint64_t extra,
+                                                  SendSingleOf<Record>* self,
                                                   const char* operation) {
-  const auto* const from = static_cast<const uint8_t*>(record);
+  const auto* const from = reinterpret_cast<const uint8_t*>(record);
   if constexpr (message.policy.arrangement == Arrangement::Compact) {
     return detail::sendOneCompact<module, message>(destination, from, extra, operation);
   } else if constexpr (wire::fixedLength(*message.record) > detail::largestOnStack) {
     return detail::sendInBlock<module, message>(destination, from, extra, operation);
   } else {
-    // Nothing has to outlive a call on the way to the middleware.
     if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
-      return bindAndSend(destination, record, unused, extra, self, module);
+      return bindAndSend(destination, record, unused, extra, reinterpret_cast<AnySendSingle*>(self),
+                         module);
     }
     return detail::sendOnStack<module, message>(destination, from, extra);
   }
@@ -250,11 +257,11 @@ template <host::Module& module, const Message& model>
   }
 }
 
-// None fails, one is sent singly, more as a batch.
-template <host::Module& module, const Message& model>
-[[gnu::always_inline]] inline uint32_t send(uint32_t destination, const void* records,
-                                            uint32_t count, uint64_t extra, SendSingle* single,
-                                            Identity batch) {
+// None fails, one is sent by the exported `single`, more as a batch.
+template <host::Module& module, const Message& model, typename Record>
+[[gnu::always_inline]] inline uint32_t send(
+    uint32_t destination, const Record* records, uint32_t count, uint64_t extra,
+    uint32_t (*single)(uint32_t, const Record*, uint64_t, uint64_t), Identity batch) {
   if (count == 0) {
     return failure;
   }

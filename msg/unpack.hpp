@@ -30,8 +30,9 @@ wire::Decoded decodeAny(host::Module& module, const Message& message, host::Byte
 
 namespace detail {
 
-// The short ways, for buffers in the host's byte order that are in order, in a module that is bound
-// already: nothing here has to outlive a call. `model` gives the layout, `message` the names.
+// The quick ways, for buffers in the host's byte order that are in order. A module that is not
+// bound yet takes the long way once, so that no message saves registers for a call that binds.
+// `model` gives the layout, `message` the names.
 template <host::Module& module, const Message& model>
 [[gnu::always_inline]] inline wire::Decoded decode(const Message& message, const uint8_t* data,
                                                    uint32_t length, uint8_t* into) {

@@ -160,21 +160,13 @@ template <const Record& record, size_t index>
 
 template <const Record& record>
 [[gnu::always_inline]] inline bool verifyTable(HostBuffer buffer, uint32_t table, uint32_t* parts) {
-  const uint32_t largest = buffer.length - 4;
-  if (table < 4 || table > largest) [[unlikely]] {
-    return false;
-  }
-  // Wraps at 32 bits by the format's own rule: a vtable behind its table is a negative distance.
-  const uint32_t vtable = table - buffer.read<uint32_t>(table);
-  if (vtable < 4 || vtable > largest) [[unlikely]] {
-    return false;
-  }
-  const uint32_t length = buffer.read<uint16_t>(vtable);
-  if (length < vtableLength(record) || !buffer.holds(vtable, length)) [[unlikely]] {
+  TableFrame frame;
+  if (readFrame(buffer, table, frame) != FrameFault::None ||
+      frame.vtableLength < vtableLength(record)) [[unlikely]] {
     return false;
   }
   parts[0] = table;
-  parts[1] = vtable + 4;
+  parts[1] = frame.vtable + 4;
   if (!entriesInside<record>(buffer.data + parts[1], buffer.length - table)) [[unlikely]] {
     return false;
   }

@@ -16,7 +16,9 @@ inline constexpr uint64_t unsizable = uint64_t{1} << 62;
 template <const Record& record>
 uint64_t tableSize(const uint8_t* from);
 
-namespace detail {  // What a slot takes whatever its value.
+namespace detail {
+
+// What a slot takes whatever its value.
 constexpr uint64_t constantSize(const Slot& slot) {
   return slot.kind == Kind::Array ? 8 + slot.size : slot.kind == Kind::Table ? 4 : 0;
 }

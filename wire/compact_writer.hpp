@@ -11,8 +11,8 @@
 
 #include "host/byte_order.hpp"
 #include "host/memory.hpp"
+#include "wire/compact_size.hpp"
 #include "wire/schema.hpp"
-#include "wire/store_plan.hpp"
 
 namespace mesh::wire {
 
@@ -43,7 +43,10 @@ template <const Record& record>
   constexpr uint32_t length = vtableLength(record);
   const TableOut out{vtable + length, vtable + 4};
   const auto [end, leftOut] = writeTableFields<record>(out, from);
-  // Sixteen bits hold the table length of every record without byte strings; readers do not look.
+  // A byte string may carry the table length past sixteen bits; readers do not look at it.
+  static_assert(
+      ownsMemory(record) || smallestTableSize(record) + scalarWidths(record) <= UINT16_MAX,
+      "positions have sixteen bits");
   host::store(vtable, length | static_cast<uint32_t>(end - leftOut) << 16);
   host::store(out.table, length);
   return out.table + end;
@@ -80,10 +83,12 @@ template <const Record& record, typename Scalar, size_t index>
   const uint64_t entry = at & isThere;
   host::store(out.entries + 2 * index, static_cast<uint16_t>(entry));
   if constexpr (smallestTail(record) >= sizeof value) {
+    // So many bytes follow the last scalar of every message, and are written later.
     host::store(out.table + at, value);
-  } else {
-    static_assert(sizeof value <= firstField);
+  } else if constexpr (sizeof value <= firstField) {
     host::store(out.table + entry, value);
+  } else if (value != 0) {
+    host::store(out.table + at, value);
   }
   return at + (sizeof value & isThere);
 }
@@ -187,6 +192,7 @@ template <const Record& record, size_t index>
       if constexpr (slot.size <= host::largestInPlace) {
         host::copyConstant<slot.size>(to + 4, field);
       } else {
+        // As the contents of a byte string, which it is in this arrangement.
         host::copyBytes(to + 4, field, slot.size);
       }
       extent.end += 4 + slot.size;

@@ -137,6 +137,7 @@ constexpr void fillFrame(const Record& record, uint8_t* image) {
 // fields stand.
 template <const Record& record>
 inline constexpr auto fixedFrame = [] {
+  static_assert(fixedTableLength(record) <= UINT16_MAX, "positions have sixteen bits");
   std::array<uint8_t, fixedLength(record)> frame{};
   detail::fillFrame(record, frame.data());
   return frame;

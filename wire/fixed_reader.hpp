@@ -2,7 +2,11 @@
 // field at a known place.
 #pragma once
 
+#include <cstring>
+#include <utility>
+
 #include "host/byte_order.hpp"
+#include "host/memory.hpp"
 #include "wire/buffer.hpp"
 #include "wire/fixed_layout.hpp"
 
@@ -46,8 +50,10 @@ inline constexpr auto frameParts = [] {
   return parts;
 }();
 
-using Word = uint64_t;
-using Pair [[gnu::vector_size(16)]] = uint64_t;
+// What is compared at once.
+using Four = uint32_t;
+using Eight = uint64_t;
+using Sixteen [[gnu::vector_size(16)]] = uint64_t;
 
 // Nonzero where `Wide`'s worth of bytes from `at` on differs from the frame's.
 template <const Record& record, typename Wide, uint32_t at>
@@ -73,13 +79,15 @@ template <const Record& record, typename Wide, uint32_t at, uint32_t size>
 }
 
 template <const Record& record, size_t index>
-[[gnu::always_inline]] inline Word partDiffers(const uint8_t* image) {
+[[gnu::always_inline]] inline Eight partDiffers(const uint8_t* image) {
   constexpr FramePart part = frameParts<record>[index];
-  if constexpr (part.size < sizeof(Pair)) {
-    return differences<record, Word, part.at, part.size>(image);
+  if constexpr (part.size < sizeof(Eight)) {
+    return differences<record, Four, part.at, part.size>(image);
+  } else if constexpr (part.size < sizeof(Sixteen)) {
+    return differences<record, Eight, part.at, part.size>(image);
   } else {
-    const Pair pair = differences<record, Pair, part.at, part.size>(image);
-    return pair[0] | pair[1];
+    const Sixteen both = differences<record, Sixteen, part.at, part.size>(image);
+    return both[0] | both[1];
   }
 }
 
@@ -92,7 +100,7 @@ inline constexpr StorePlan recordPlan =
                {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
 
 template <Origin origin>
-[[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* image) {
+[[gnu::always_inline]] inline const uint8_t* originOf(const uint8_t* image) {
   return (origin.isConstant ? zeros.data() : image) + origin.from;
 }
 
@@ -100,9 +108,9 @@ template <const Record& record, size_t index>
 [[gnu::always_inline]] inline void fillPiece(uint8_t* into, const uint8_t* image) {
   constexpr Store store = recordPlan<record>.stores[index];
   if constexpr (store.isPair) {
-    storePair(into + store.to, bytesOf<store.low>(image), bytesOf<store.high>(image));
+    storePair(into + store.to, originOf<store.low>(image), originOf<store.high>(image));
   } else {
-    host::copyConstant<store.size>(into + store.to, bytesOf<store.low>(image));
+    host::copyConstant<store.size>(into + store.to, originOf<store.low>(image));
   }
 }
 

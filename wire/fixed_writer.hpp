@@ -1,6 +1,10 @@
 // Writes the fixed arrangement: a record's whole image, from front to back.
 #pragma once
 
+#include <algorithm>
+#include <utility>
+
+#include "host/memory.hpp"
 #include "wire/fixed_layout.hpp"
 
 namespace mesh::wire {
@@ -20,7 +24,7 @@ inline constexpr auto framePiece = [] {
 }();
 
 template <const Record& record, Origin origin, uint32_t size>
-[[gnu::always_inline]] inline const uint8_t* bytesOf(const uint8_t* from) {
+[[gnu::always_inline]] inline const uint8_t* pieceOf(const uint8_t* from) {
   if constexpr (origin.isConstant) {
     return framePiece<record, origin.from, size>.data();
   } else {
@@ -32,10 +36,10 @@ template <const Record& record, size_t index>
 [[gnu::always_inline]] inline void writePiece(uint8_t* image, const uint8_t* from) {
   constexpr Store store = imagePlan<record>.stores[index];
   if constexpr (store.isPair) {
-    storePair(image + store.to, bytesOf<record, store.low, 8>(from),
-              bytesOf<record, store.high, 8>(from));
+    storePair(image + store.to, pieceOf<record, store.low, 8>(from),
+              pieceOf<record, store.high, 8>(from));
   } else {
-    host::copyConstant<store.size>(image + store.to, bytesOf<record, store.low, store.size>(from));
+    host::copyConstant<store.size>(image + store.to, pieceOf<record, store.low, store.size>(from));
   }
 }
 

@@ -171,24 +171,20 @@ class SlotReader {
 template <host::ByteOrder order>
 Decoded locateTable(host::serial_env& env, const char* function, Buffer<order> buffer,
                     uint32_t table, TableFrame& frame) {
-  const uint32_t largest = buffer.length - 4;
-  if (table < 4 || table > largest) {
-    reportTableOffset(env, function, table, buffer.length);
-    return Decoded::No;
+  switch (readFrame(buffer, table, frame)) {
+    case FrameFault::None:
+      return Decoded::Yes;
+    case FrameFault::Table:
+      reportTableOffset(env, function, table, buffer.length);
+      break;
+    case FrameFault::Vtable:
+      reportVtableOffset(env, function, table, buffer.length - 4);
+      break;
+    case FrameFault::VtableLength:
+      reportVtableLength(env, function, frame.vtableLength, buffer.length - frame.vtable);
+      break;
   }
-  // Wraps at 32 bits by the format's own rule: a vtable behind its table is a negative distance.
-  const uint32_t vtable = table - buffer.template read<uint32_t>(table);
-  if (vtable < 4 || vtable > largest) {
-    reportVtableOffset(env, function, table, largest);
-    return Decoded::No;
-  }
-  const uint32_t length = buffer.template read<uint16_t>(vtable);
-  if (!buffer.holds(vtable, length)) {
-    reportVtableLength(env, function, length, buffer.length - vtable);
-    return Decoded::No;
-  }
-  frame = {table, vtable, length};
-  return Decoded::Yes;
+  return Decoded::No;
 }
 
 template <host::ByteOrder order>

@@ -64,7 +64,7 @@ struct Style {
 struct Record {
   const char* name;
   // The names that decoding logs, allocates and releases under: the message's own root decoder, the
-  // record's table reader, the message's release.
+  // record's table reader, the message's release (null where there is nothing to release).
   const char* rootReader;
   const char* tableReader;
   const char* releaser;
@@ -79,6 +79,10 @@ struct SchemaOf;
 
 template <typename RecordType>
 inline constexpr const Record& schemaOf = SchemaOf<RecordType>::record;
+
+constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
+  return (value + step - 1) / step * step;
+}
 
 constexpr bool isScalar(Kind kind) {
   return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;

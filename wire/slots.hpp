@@ -16,6 +16,12 @@ namespace mesh::wire {
 // Declared only: a call of it is not a constant expression, and so an error with this name in it.
 void aSlotsNameHasSevenCharactersAtMost();
 
+// The release's name, where there is one: no other is kept.
+consteval const char* releaserOf(std::span<const Slot> slots, const char* name) {
+  const Record record{"", "", "", nullptr, 0, {}, slots};
+  return ownsMemory(record) ? name : nullptr;
+}
+
 consteval std::array<char, 8> slotName(std::string_view name) {
   std::array<char, 8> held{};
   if (name.size() >= held.size()) {
@@ -70,10 +76,6 @@ consteval Slot vectorSlot(const char* name, size_t countOffset, size_t offset) {
           static_cast<uint32_t>(offset),
           static_cast<uint32_t>(countOffset),
           &schemaOf<Item>};
-}
-
-constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
-  return (value + step - 1) / step * step;
 }
 
 // The alignment that the C struct gives a record or a slot's value.
@@ -141,17 +143,17 @@ constexpr bool slotsAreTheStruct(const Record& record) {
       #field, offsetof(Self, field##_count), offsetof(Self, field))
 
 // The schema of a record: its type's name, its style, its slots in slot order.
-#define MESH_SCHEMA(record_type, record_style, ...)                                  \
-  template <>                                                                        \
-  struct mesh::wire::SchemaOf<::record_type> {                                       \
-    using Self = ::record_type;                                                      \
-    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});    \
-    static constexpr mesh::wire::Record record{#record_type,                         \
-                                               #record_type "_unpack",               \
-                                               #record_type "_unpack_non_root",      \
-                                               #record_type "_free_unpacked",        \
-                                               sizeof(Self),                         \
-                                               record_style,                         \
-                                               slots};                               \
-    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ"); \
+#define MESH_SCHEMA(record_type, record_style, ...)                                              \
+  template <>                                                                                    \
+  struct mesh::wire::SchemaOf<::record_type> {                                                   \
+    using Self = ::record_type;                                                                  \
+    static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});                \
+    static constexpr mesh::wire::Record record{#record_type,                                     \
+                                               #record_type "_unpack",                           \
+                                               #record_type "_unpack_non_root",                  \
+                                               releaserOf(slots, #record_type "_free_unpacked"), \
+                                               sizeof(Self),                                     \
+                                               record_style,                                     \
+                                               slots};                                           \
+    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");             \
   };

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 #include "host/memory.hpp"
@@ -33,7 +34,8 @@ struct Stretches {
   std::array<Stretch, capacity> list{};
   size_t count = 0;
 
-  // Adds a stretch, as a part of the last one where it only goes on with it.
+  // Adds a stretch, as a part of the last one where it only goes on with it. What is copied as a
+  // whole is one array, never a run of fields.
   constexpr void append(const Stretch& next) {
     if (next.size == 0) {
       return;
@@ -41,7 +43,8 @@ struct Stretches {
     if (count > 0) {
       Stretch& last = list[count - 1];
       if (last.origin.isConstant == next.origin.isConstant && last.to + last.size == next.to &&
-          last.origin.from + last.size == next.origin.from) {
+          last.origin.from + last.size == next.origin.from &&
+          last.size + next.size <= host::largestInPlace) {
         last.size += next.size;
         return;
       }
@@ -63,7 +66,7 @@ struct Store {
 };
 
 struct StorePlan {
-  std::array<Store, 64> stores{};
+  std::array<Store, 256> stores{};
   size_t count = 0;
 };
 
@@ -82,6 +85,8 @@ constexpr bool isCopiedAsAWhole(const Stretch& stretch) {
 // Looks for the shortest plan over all ways to lay down neighbouring stretches.
 class StorePlanner {
  public:
+  static constexpr uint32_t largest = 2 * host::largestInPlace;
+
   constexpr StorePlanner(std::span<const Stretch> stretches, const PlanLimits& limits)
       : limits_(limits), begin_(stretches.front().to), size_(0) {
     for (const Stretch& stretch : stretches) {
@@ -109,7 +114,6 @@ class StorePlanner {
   }
 
  private:
-  static constexpr uint32_t largest = 512;
   static constexpr uint32_t unreached = UINT32_MAX;
   static constexpr uint32_t chunk = host::chunk;
   static constexpr uint32_t pairHalf = chunk / 2;
@@ -194,13 +198,15 @@ constexpr StorePlan planStores(std::span<const Stretch> stretches, const PlanLim
   size_t first = 0;
   while (first < stretches.size()) {
     size_t end = first;
-    while (end < stretches.size() && !detail::isCopiedAsAWhole(stretches[end])) {
-      ++end;
+    uint32_t size = 0;
+    while (end < stretches.size() && !detail::isCopiedAsAWhole(stretches[end]) &&
+           size + stretches[end].size <= detail::StorePlanner::largest) {
+      size += stretches[end++].size;
     }
     if (end > first) {
       detail::StorePlanner(stretches.subspan(first, end - first), limits).addTo(plan);
     }
-    if (end < stretches.size()) {
+    if (end < stretches.size() && detail::isCopiedAsAWhole(stretches[end])) {
       const Stretch& whole = stretches[end++];
       plan.stores[plan.count++] = {whole.to, whole.size, whole.origin, {}, false};
     }
@@ -212,14 +218,14 @@ constexpr StorePlan planStores(std::span<const Stretch> stretches, const PlanLim
 // Eight bytes for each half. As doubles, which are moved and never calculated with: compilers load
 // those straight into the halves of a register.
 [[gnu::always_inline]] inline void storePair(uint8_t* to, const uint8_t* low, const uint8_t* high) {
-  using Pair [[gnu::vector_size(16)]] = double;
+  using Halves [[gnu::vector_size(16)]] = double;
   static_assert(sizeof(double) == 8);
   double lowBytes = 0;
   double highBytes = 0;
   std::memcpy(&lowBytes, low, sizeof lowBytes);
   std::memcpy(&highBytes, high, sizeof highBytes);
-  const Pair pair{lowBytes, highBytes};
-  std::memcpy(to, &pair, sizeof pair);
+  const Halves halves{lowBytes, highBytes};
+  std::memcpy(to, &halves, sizeof halves);
 }
 
 }  // namespace mesh::wire

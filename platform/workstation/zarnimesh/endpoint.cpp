@@ -76,21 +76,20 @@ const char* parseEndpoint(std::string_view text, Endpoint& out) {
       }
     }
     out = {.transport = scheme, .rest = std::string(rest)};
+    if (scheme == Transport::Tcp && hostOf(out.rest) == "localhost") {
+      // Not left to the resolver, which may know nothing of it, or something else.
+      out.rest.replace(0, hostOf(out.rest).size(), "127.0.0.1");
+    }
     return nullptr;
   }
   return "an endpoint starts with ipc://, inproc:// or tcp://";
 }
 
-mesh_result makeBindable(Endpoint& endpoint, bool asksForKeys) {
+mesh_result checkBindable(const Endpoint& endpoint, bool asksForKeys) {
   if (endpoint.transport != Transport::Tcp) {
     return MESH_OK;
   }
   const std::string host(hostOf(endpoint.rest));
-  if (host == "localhost") {
-    // Not left to the resolver, which could be told otherwise.
-    endpoint.rest.replace(0, host.size(), "127.0.0.1");
-    return MESH_OK;
-  }
   if (!asksForKeys && !isLoopback(host)) {
     return fail(MESH_BAD_CONFIGURATION,
                 "%s: without keys a node receives only at a loopback address (127.x.y.z, [::1], "

@@ -27,6 +27,6 @@ struct Endpoint {
 
 // Turns a tcp endpoint into one that can be bound, and unless whoever connects is asked for a key
 // refuses any that other machines could reach; leaves the others as they are.
-[[nodiscard]] mesh_result makeBindable(Endpoint& endpoint, bool asksForKeys);
+[[nodiscard]] mesh_result checkBindable(const Endpoint& endpoint, bool asksForKeys);
 
 }  // namespace zarnimesh

@@ -29,7 +29,7 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
     }
   }
   endpoint_ = settings.endpointOf(address);
-  if (const auto result = makeBindable(endpoint_, settings.keys.has_value()); result != MESH_OK) {
+  if (const auto result = checkBindable(endpoint_, settings.keys.has_value()); result != MESH_OK) {
     return result;
   }
   if (const mesh_result result = claim(); result != MESH_OK) {
