@@ -80,6 +80,16 @@ TEST_P(Places, BehindOrBeforeOtherBytesChangeNothing) {
   }
 }
 
+TEST_P(Places, AreLookedForInTheModulesByteOrderAlone) {
+  for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
+    Sample inTheOther = sample;
+    inTheOther.reversed = !sample.reversed;
+    if (!agrees(inTheOther, sample.bytes)) {
+      return;
+    }
+  }
+}
+
 TEST_P(Places, OfAVtablesEndAreAllTried) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     std::vector<uint8_t> bytes = sample.bytes;
