@@ -5,6 +5,7 @@
 #include <array>
 #include <set>
 
+#include "host/binding.hpp"
 #include "host/process.hpp"
 #include "host/scenarios.hpp"
 #include "host/serial_env.hpp"
@@ -191,6 +192,35 @@ TEST(Binding, OfOneModuleSaysNothingOfAnother) {
             }),
             Lines({"alloc 28 25088 dbginfo_key_l2vpn__sendsingle", "useFlagGet 12",
                    "free 25088 dbginfo_key_l2vpn__sendsingle"}));
+}
+
+// As by a thread that saw the flag too early and waited for the lock.
+TEST(Binding, IsNotMadeAgainForWhoeverWaitedForIt) {
+  EXPECT_EQ(inANewProcess([] {
+              Module& module = mesh::l2vpn_sync::receiveModule;
+              mesh::host::bindHost(module.env);
+              mesh::host::bindUnpackAllocator(module);
+              bring(harness::wholeHost);
+              mesh::host::bindHostOnce(module.env);
+              mesh::host::bindUnpackAllocatorOnce(module);
+              note(module.env.memAlloc == &mesh::host::mallocWrapper ? "kept" : "bound again");
+              note(module.env.unpackAlloc == &mesh::host::mallocWrapper ? "kept" : "bound again");
+            }),
+            Lines({"kept", "kept"}));
+}
+
+void ownLogWriter(const void*, uint32_t, uint32_t, const char*, uint32_t, const char*, const char*,
+                  ...) {
+  note("own log writer");
+}
+
+TEST(Binding, KeepsALogWriterThatIsThereAlready) {
+  EXPECT_EQ(inANewProcess([] {
+              bring(harness::wholeHost);
+              mesh::l2vpn_sync::receiveModule.env.logWrite = &ownLogWriter;
+              l2vpn_sync_stp__unpack(nullptr, 0, nullptr);
+            }),
+            Lines({"own log writer"}));
 }
 
 TEST(Binding, IsSilentWithoutALogWriterOnEveryErrorPath) {
