@@ -64,6 +64,14 @@ constexpr uint16_t footprint(const Slot& slot) {
   return isScalar(slot.kind) ? static_cast<uint16_t>(slot.size) : uint16_t{4};
 }
 
+constexpr uint32_t widestFootprint(const Record& record) {
+  uint32_t widest = 0;
+  for (const Slot& slot : record.slots) {
+    widest = footprint(slot) > widest ? footprint(slot) : widest;
+  }
+  return widest;
+}
+
 // Eight slot entries at once.
 using Lanes [[gnu::vector_size(16)]] = uint16_t;
 inline constexpr size_t laneCount = 8;
@@ -92,8 +100,7 @@ template <const Record& record, size_t start>
 template <const Record& record>
 [[gnu::always_inline]] inline bool entriesInside(const uint8_t* entries, uint32_t left) {
   constexpr size_t count = record.slots.size();
-  constexpr uint32_t widest = 8;
-  if (left < widest) {
+  if (left < widestFootprint(record)) {
     return false;
   }
   if constexpr (count < laneCount) {
