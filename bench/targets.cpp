@@ -16,8 +16,8 @@ void addMessage(const Shape& shape = {}, const std::string& label = "") {
   add(prefix + "copy", copyCase<Record>, shape);
   add(prefix + "single", singleCase<Record>, shape);
   add(prefix + "pack_full", packCase<Record>, shape);
-  add(prefix + "pack_exact_full", packExactCase<Record>, shape);
   add(prefix + "pack_sparse", packCase<Record>, sparse);
+  add(prefix + "pack_exact_sparse", packExactCase<Record>, sparse);
   add(prefix + "unpack_compact_full", unpackCompactCase<Record>, shape);
   add(prefix + "unpack_compact_sparse", unpackCompactCase<Record>, sparse);
   if (isSentFixed<Record> || partsSize(schema<Record>, shape) < largestCompactBatch) {

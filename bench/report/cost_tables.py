@@ -34,13 +34,13 @@ def _ratio(results, message, operation, copy):
 def exact_room(results):
     """For the messages that something is aimed at."""
     table = Table("Packing into exactly the room there is",
-                  "Multiples of the plain copy, full records. With at least 1,024 bytes of room no "
+                  "Multiples of the plain copy, sparse records. With at least 1,024 bytes of room no "
                   "record can fail to fit; where the room is just what the record takes, its size "
                   "has to be worked out before anything is written.",
                   ["message", "room to spare", "exactly the room"])
     for message in MESSAGES:
         copy, ample, exact = (results.ns("target", message, operation)
-                              for operation in ("copy", "pack_full", "pack_exact_full"))
+                              for operation in ("copy", "pack_sparse", "pack_exact_sparse"))
         if None not in (copy, ample, exact):
             table.rows.append([message, f"{ample / copy:.2f}", f"{exact / copy:.2f}"])
     return table
