@@ -3,13 +3,20 @@
  *   two_machines receive BOOK COUNT
  *   two_machines send BOOK COUNT
  *
- * BOOK is an address book's file; the receiver has address 2, the sender address 1. tcp has neither
- * authentication nor encryption here, so a node receives at loopback addresses alone, and a tunnel
- * that has both joins the machines. On the receiver, whose book says
+ * BOOK is an address book's file; the receiver has address 2, the sender address 1.
+ *
+ * With keys the machines talk to one another directly, authenticated and enciphered. On each,
+ * ZARNIMESH_KEYS names its key file (zarnimesh-keys makes it) with the other's public key in it,
+ * and both books say
+ *
+ *   2  tcp://ADDRESS-OF-THE-RECEIVER:4002
+ *
+ * Without keys a node receives at loopback addresses alone, and a tunnel joins the machines. Both
+ * books say
  *
  *   2  tcp://127.0.0.1:4002
  *
- * nothing else is needed. On the sender, with the same book:
+ * and on the sender
  *
  *   ssh -N -L 4002:127.0.0.1:4002 receiver &
  *   two_machines send BOOK 1000

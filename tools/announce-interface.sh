@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Renews the baselines in abi/: the shared object's binary interface, and every message's bytes. Their
-# changes belong into one commit with the CHANGELOG entry that announces them (docs/versions.md).
+# changes belong in one commit with the CHANGELOG entry that announces them (docs/versions.md).
 #
 #   tools/announce-interface.sh
 set -euo pipefail
@@ -13,7 +13,7 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMESH_L2VPN_DEVELOPE
   -DMESH_L2VPN_EXAMPLES=OFF >/dev/null
 cmake --build "$build" --target mesh_l2vpn mesh-l2vpn-catalogue
 
-# Where the sources lie is nobody's business.
+# Without the places of the sources, which differ from machine to machine.
 abidw --no-corpus-path --no-comp-dir-path --no-show-locs --exported-interfaces-only \
   --drop-undefined-syms --type-id-style hash "$build/libmesh_l2vpn.so" |
   sed "s,path='$PWD/,path='," >abi/libmesh_l2vpn.xml

@@ -38,7 +38,7 @@ typedef enum mesh_result {
   MESH_SYSTEM_ERROR = 7,      /* the system or the transport failed; see the text */
   MESH_BAD_ARGUMENT = 8,      /* a null pointer or a value out of range */
   MESH_BUSY = 9,              /* another thread is receiving on the node */
-  MESH_BAD_CONFIGURATION = 10 /* address book, private directory or endpoint; see the text */
+  MESH_BAD_CONFIGURATION = 10 /* address book, private directory, endpoint or keys; see the text */
 } mesh_result;
 
 /* Where addresses that the address book does not name are found. */
