@@ -22,21 +22,28 @@ cmake --preset fuzz -B "$build" >/dev/null
 cmake --build "$build" --target "${fuzzers[@]}"
 mkdir -p "$build/findings"
 
-failed=()
 run() {
-  local fuzzer=$1
+  local fuzzer=$1 passed=0
   local log=$build/$fuzzer.log
   mkdir -p "$build/corpus/$fuzzer"
   "$build/fuzz/$fuzzer" "$build/corpus/$fuzzer" "fuzz/corpus/$fuzzer" \
     -dict=fuzz/mesh.dict -max_len="${longest[$fuzzer]}" -max_total_time=$((minutes * 60)) \
     -timeout=30 -artifact_prefix="$build/findings/$fuzzer-" -print_final_stats=1 \
-    >"$log" 2>&1 || failed+=("$fuzzer")
+    >"$log" 2>&1 || passed=$?
   echo "$fuzzer: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions," \
     "$(sed -n 's/.* cov: \([0-9]*\) .*/\1/p' "$log" | tail -n 1) edges covered"
+  return "$passed"
 }
 
+# Side by side, as there is no more than one thread in each.
+declare -A running=()
 for fuzzer in "${fuzzers[@]}"; do
-  run "$fuzzer"
+  run "$fuzzer" &
+  running[$fuzzer]=$!
+done
+failed=()
+for fuzzer in "${fuzzers[@]}"; do
+  wait "${running[$fuzzer]}" || failed+=("$fuzzer")
 done
 
 for fuzzer in "${failed[@]}"; do
