@@ -155,25 +155,40 @@ class StorePlanner {
   constexpr void tryStores(uint32_t laid) {
     const uint32_t first = laid < chunk ? 0 : laid + 1 - chunk;
     for (uint32_t to = laid + 1; to-- > first;) {
-      for (uint32_t size = 1; size <= chunk; size *= 2) {
-        tryPlain(laid, to, size);
+      if (to == laid || isPromising(to)) {
+        tryPlain(laid, to);
+        tryPair(laid, to);
       }
-      tryPair(laid, to);
     }
   }
 
-  constexpr void tryPlain(uint32_t laid, uint32_t to, uint32_t size) {
-    const Origin origin = originAt(to);
-    if (to + size <= size_ && mayRead(origin, size)) {
-      const uint32_t end = endAt(to) < to + size ? endAt(to) : to + size;
-      consider(laid, end, {to, size, origin, {}, false});
+  constexpr bool isBoundary(uint32_t to) const {
+    return to == size_ || (to < size_ && stretchAt_[to]->to - begin_ == to);
+  }
+
+  // Whether it may be worth laying down something again from here: for the alignment, for a pair's
+  // two halves, or to end where a stretch does.
+  constexpr bool isPromising(uint32_t to) const {
+    return (begin_ + to) % pairHalf == 0 || isBoundary(to + pairHalf) || isBoundary(to + chunk);
+  }
+
+  // The widest store there is room for: a narrower one costs as much and lays down no more.
+  constexpr void tryPlain(uint32_t laid, uint32_t to) {
+    if (endAt(to) <= laid) {
+      return;
     }
+    const Origin origin = originAt(to);
+    uint32_t size = chunk;
+    while (to + size > size_ || !mayRead(origin, size)) {
+      size /= 2;
+    }
+    consider(laid, endAt(to) < to + size ? endAt(to) : to + size, {to, size, origin, {}, false});
   }
 
   constexpr void tryPair(uint32_t laid, uint32_t to) {
     const uint32_t middle = to + pairHalf;
     const uint32_t end = to + chunk;
-    if (end > size_ || endAt(to) < middle) {
+    if (end > size_ || endAt(to) < middle || endAt(middle) <= laid) {
       return;
     }
     const Origin low = originAt(to);
