@@ -2,7 +2,8 @@
 #
 #   runtime       the shared object
 #   development   headers, static library, CMake package, pkg-config file, reference pages
-#   workstation   the workstation's middleware and host services, with headers and package files
+#   workstation   the workstation's middleware and host services, with headers and package files, and
+#                 the program that makes its keys
 #   tools         the programs
 #
 # Everything finds everything else by relative paths, so an installed tree may be moved.
@@ -45,16 +46,21 @@ mesh_l2vpn_install_package(mesh_l2vpn development)
 install(FILES cmake/Middleware.cmake DESTINATION ${mesh_l2vpn_cmakedir}
   COMPONENT development RENAME mesh_l2vpnMiddleware.cmake)
 # Documents lie to one another as they do here, so that their links hold.
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
   PATTERN "Doxyfile" EXCLUDE)
-install(FILES platform/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/platform COMPONENT development)
+foreach(room platform fuzz)
+  install(FILES ${room}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/${room} COMPONENT development)
+endforeach()
 
 if(TARGET zarnimesh)
   # In directories of their own, so that they never stand before a device's libraries and headers.
   install(TARGETS zarnimesh ddmosal platform_interfaces EXPORT mesh_l2vpn_workstation_targets
     LIBRARY DESTINATION ${mesh_l2vpn_workstation_libdir} COMPONENT workstation
     INCLUDES DESTINATION ${mesh_l2vpn_workstation_includedir})
+  install(TARGETS zarnimesh_keys
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT workstation)
   install(EXPORT mesh_l2vpn_workstation_targets NAMESPACE mesh_l2vpn_workstation::
     FILE mesh_l2vpn_workstationTargets.cmake
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mesh_l2vpn_workstation COMPONENT workstation)

@@ -54,7 +54,8 @@ mesh_l2vpn_deb(development libmesh-l2vpn-dev libdevel
 mesh_l2vpn_deb(workstation mesh-l2vpn-workstation libdevel ""
   "middleware and host services that let a workstation play the device"
   "A libzarnimesh over ZeroMQ and a libddmosal, with their headers, to develop"
-  "and test programs that send and receive Layer-2 VPN messages.")
+  "and test programs that send and receive Layer-2 VPN messages, and"
+  "zarnimesh-keys, which makes the keys that nodes on different machines need.")
 mesh_l2vpn_deb(tools mesh-l2vpn-tools utils ""
   "tools around the messages of the Layer-2 VPN feature"
   "mesh-l2vpn-catalogue lists every message with its fields, sizes and"
@@ -72,11 +73,17 @@ if(NOT mesh_l2vpn_changelog_date)
   set(mesh_l2vpn_changelog_date "Thu, 01 Jan 1970 00:00:00 +0000")
 endif()
 configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/package/changelog @ONLY)
-configure_file(packaging/mesh-l2vpn-catalogue.1 ${PROJECT_BINARY_DIR}/package COPYONLY)
-foreach(page changelog mesh-l2vpn-catalogue.1)
+foreach(page mesh-l2vpn-catalogue.1 zarnimesh-keys.1)
+  configure_file(packaging/${page} ${PROJECT_BINARY_DIR}/package COPYONLY)
+endforeach()
+foreach(page changelog mesh-l2vpn-catalogue.1 zarnimesh-keys.1)
   execute_process(COMMAND gzip -9nkf ${PROJECT_BINARY_DIR}/package/${page} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
 install(FILES ${PROJECT_BINARY_DIR}/package/mesh-l2vpn-catalogue.1.gz
   DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+if(TARGET zarnimesh)
+  install(FILES ${PROJECT_BINARY_DIR}/package/zarnimesh-keys.1.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT workstation)
+endif()
 
 include(CPack)

@@ -8,6 +8,25 @@ foreach(component IN LISTS COMPONENTS)
 endforeach()
 file(RENAME ${PREFIX}.first ${PREFIX})
 
+# Links from document to document lead to something that is installed too.
+file(GLOB_RECURSE documents ${PREFIX}/*.md)
+if(NOT documents)
+  message(FATAL_ERROR "no documents are installed")
+endif()
+foreach(document IN LISTS documents)
+  cmake_path(GET document PARENT_PATH directory)
+  file(READ ${document} text)
+  string(REPLACE "](" "<link to:" text "${text}")  # brackets would join the list's items
+  string(REGEX MATCHALL "<link to:[^)#]+" links "${text}")
+  list(TRANSFORM links REPLACE "^<link to:" "")
+  list(FILTER links EXCLUDE REGEX "^https?:")
+  foreach(link IN LISTS links)
+    if(NOT EXISTS ${directory}/${link})
+      message(FATAL_ERROR "${document} leads to ${link}, which is not installed")
+    endif()
+  endforeach()
+endforeach()
+
 file(GLOB_RECURSE installed ${PREFIX}/*)
 # Archives cannot be stripped, and debug information names sources.
 list(FILTER installed EXCLUDE REGEX "\\.a$")

@@ -5,20 +5,24 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cc=$1 cxx=$2 prefix=$3
-packages=$(find "$prefix" -name pkgconfig -type d)
-export PKG_CONFIG_PATH=$packages
+PKG_CONFIG_PATH=$(find "$prefix" -name pkgconfig -type d)
+export PKG_CONFIG_PATH
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir mesh_l2vpn)
 export LD_LIBRARY_PATH
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# Builds a program with the flags of the packages, which `packages` lists, and runs it.
 run() {
-  local program=$work/program
-  "${@:2}" -o "$program" -Wall -Wextra -Werror $(pkg-config --cflags --libs $1)
+  local program=$work/program flags
+  read -ra flags < <(pkg-config --cflags --libs "${packages[@]}")
+  "$@" -o "$program" -Wall -Wextra -Werror "${flags[@]}"
   "$program"
 }
-run mesh_l2vpn "$cc" -std=c99 -pedantic roundtrip.c
-run mesh_l2vpn "$cxx" -std=c++17 -pedantic roundtrip.cpp
+packages=(mesh_l2vpn)
+run "$cc" -std=c99 -pedantic roundtrip.c
+run "$cxx" -std=c++17 -pedantic roundtrip.cpp
 if pkg-config --exists mesh_l2vpn_workstation; then
-  run "mesh_l2vpn mesh_l2vpn_workstation" "$cc" -std=c99 send_and_receive.c
+  packages+=(mesh_l2vpn_workstation)
+  run "$cc" -std=c99 send_and_receive.c
 fi
