@@ -1,11 +1,13 @@
 // Exercises every operation of every message through the exported functions, with no test
 // framework, so that memory checkers of any kind can watch it.
 //
-//   exercise records ROUNDS            random records and damaged messages, memory refused at times
-//   exercise read-only ROUNDS          two threads, with the library's own memory made read-only
-//   exercise threads SECONDS PROCESSES in so many new processes, sixteen threads make the first
-//   calls
-//                                      at once and go on for so long
+//   exercise records ROUNDS
+//     random records and damaged messages, memory refused at times
+//   exercise read-only ROUNDS
+//     two threads, with the library's own memory made read-only
+//   exercise threads SECONDS PROCESSES
+//     in so many new processes, one after the other, sixteen threads make the first calls at once
+//     and go on for so long
 //
 // The exit code is 0 when everything was as it should be, and what was not is told.
 #include <sys/wait.h>

@@ -139,15 +139,22 @@ Message describeSynchronisation(const CatalogueEntry& entry, const std::string& 
                   joined({"l2vpn_sync.", record}), fields, known);
 }
 
+// "l2vpn_stat.pw_stat" for "l2vpn_stat_pw_stat".
+std::string qualifiedName(const std::string& service, const std::string& name) {
+  return joined({service, ".", name.substr(service.size() + 1)});
+}
+
 std::vector<Message> describeAll() {
   std::vector<Message> all;
-  all.reserve(85);  // nested records are pointed at, so nothing may move
+  // Nested records are pointed at, so nothing may move. Synchronisation records are in three each.
+  all.reserve(configurationCatalogue().size() + statisticsCatalogue().size() +
+              3 * synchronisationCatalogue().size());
   for (const CatalogueEntry& entry : configurationCatalogue()) {
     all.push_back(describe(entry, "l2vpn_cfg", entry.name, entry.name, entry.fields, all));
   }
   for (const CatalogueEntry& entry : statisticsCatalogue()) {
-    all.push_back(
-        describe(entry, "l2vpn_stat", entry.name, "l2vpn_stat.pw_stat", entry.fields, all));
+    all.push_back(describe(entry, "l2vpn_stat", entry.name, qualifiedName("l2vpn_stat", entry.name),
+                           entry.fields, all));
   }
   for (const CatalogueEntry& entry : synchronisationCatalogue()) {
     const std::string record = entry.name;

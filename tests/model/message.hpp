@@ -54,7 +54,7 @@ struct Message {
   uint32_t vtableLength = 0;
 };
 
-// All 85, in the registration order of l2vpn_cfg, l2vpn_stat and l2vpn_sync.
+// All, in the registration order of l2vpn_cfg, l2vpn_stat and l2vpn_sync.
 const std::vector<Message>& messages();
 
 // Ends the process with a clear text if there is no such message.

@@ -14,33 +14,12 @@
 namespace harness {
 namespace {
 
-// The unused argument of __sendsingle is filled, to show that it is one.
-#define OPERATIONS(X, identifier)                                                                 \
-  Operations{#X,                                                                                  \
-             &mesh::wire::schemaOf<X>,                                                            \
-             mesh::msg::messageOf<X>.id,                                                          \
-             &receiveModule,                                                                      \
-             &sendModule,                                                                         \
-             [](const uint8_t* data, uint32_t length, void* record) {                             \
-               return X##__unpack(data, length, static_cast<X*>(record));                         \
-             },                                                                                   \
-             [](void* record) { X##_free__unpacked(static_cast<X*>(record)); },                   \
-             [](const void* record, uint8_t* buffer, uint32_t* length) {                          \
-               return X##__pack(static_cast<const X*>(record), buffer, length);                   \
-             },                                                                                   \
-             [](uint32_t destination, const void* record, uint64_t extra) {                       \
-               return X##__sendsingle(destination, static_cast<const X*>(record), 0xDEAD, extra); \
-             },                                                                                   \
-             [](uint32_t destination, const void* records, uint32_t count, uint64_t extra) {      \
-               return X##__sendbatch(destination, static_cast<const X*>(records), count, extra);  \
-             },                                                                                   \
-             [](uint32_t destination, const void* records, uint32_t count) {                      \
-               return X##__sendmsg(destination, static_cast<const X*>(records), count);           \
-             },                                                                                   \
-             [](uint32_t destination, const void* records, uint32_t count, uint64_t extra) {      \
-               return X##__sendtomsg(destination, static_cast<const X*>(records), count, extra);  \
-             },                                                                                   \
-             reinterpret_cast<const void*>(&X##__unpack),                                         \
+#define OPERATIONS(X, identifier)                         \
+  Operations{EXPORTED_OPERATIONS(X),                      \
+             mesh::msg::messageOf<X>.id,                  \
+             &receiveModule,                              \
+             &sendModule,                                 \
+             reinterpret_cast<const void*>(&X##__unpack), \
              reinterpret_cast<const void*>(&X##_free__unpacked)},
 
 void addConfiguration(std::vector<Operations>& all) {
