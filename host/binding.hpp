@@ -1,4 +1,4 @@
-// Late binding of the host's functions, once a module.
+// Late binding of the host's functions, once per module.
 #pragma once
 
 #include "host/serial_env.hpp"

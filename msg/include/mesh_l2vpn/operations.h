@@ -43,7 +43,7 @@
 /** @page operations The operations of a message and of a service
  *
  * A service's header declares them for each of its messages X, by full name, in
- * mesh_l2vpn/l2vpn_cfg_functions.h and its two like.
+ * mesh_l2vpn/l2vpn_cfg_functions.h and its two counterparts.
  *
  * @verbatim
  *
