@@ -71,4 +71,7 @@ endif()
 
 if(MESH_L2VPN_TOOLS)
   install(TARGETS mesh-l2vpn-catalogue RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  if(TARGET mesh-l2vpn)
+    install(TARGETS mesh-l2vpn RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  endif()
 endif()

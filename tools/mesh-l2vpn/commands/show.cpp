@@ -1,0 +1,63 @@
+// show: one message.
+
+#include <iostream>
+
+#include "../catalogue/catalogue.hpp"
+#include "commands/commands.hpp"
+#include "description.hpp"
+#include "text_table.hpp"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string message;
+  bool isJson = false;
+};
+
+std::string cell(const Json& value) {
+  return value.is_null() ? "-" : value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+std::string textOf(const Message& message, const Session& session) {
+  const Json facts = describeWithSlots(message);
+  std::string text = session.ink(Ink::Bold, message.name) + '\n';
+  const auto line = [&text](std::string_view label, const std::string& value) {
+    text.append("  ").append(label).append(14 - label.size(), ' ').append(value).append("\n");
+  };
+  line("identifier", facts["identifier"]);
+  line("service", facts["service"]);
+  line("sent", cell(facts["sent"]) + " arrangement");
+  line("record", cell(facts["recordSize"]) + " bytes");
+  line("vtable", cell(facts["vtableLength"]) + " bytes");
+  line("compact", catalogue::compactText(message.record()) + " bytes");
+  line("fixed", facts["fixedSize"].is_null() ? "none" : cell(facts["fixedSize"]) + " bytes");
+  line("fingerprint", facts["fingerprint"]);
+  TextTable table({"slot", "name", "kind", "record offset", "fixed position"});
+  for (const Json& slot : facts["slots"]) {
+    const bool hasCount = !slot["countOffset"].is_null();
+    table.add({cell(slot["slot"]), slot["name"], slot["kind"],
+               hasCount ? cell(slot["countOffset"]) + ", " + cell(slot["recordOffset"])
+                        : cell(slot["recordOffset"]),
+               cell(slot["fixedPosition"])});
+  }
+  return text + '\n' + table.text(session);
+}
+
+}  // namespace
+
+void addShow(CLI::App& app, Session& session) {
+  CLI::App* const command = app.add_subcommand("show", "One message: identity, sizes, slots");
+  const auto options = makeOptions<Options>();
+  command->add_option("MESSAGE", options->message, "Name or identifier")->required();
+  command->add_flag("--json", options->isJson, "As a JSON object");
+  command->footer(
+      "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
+  command->callback([options, &session] {
+    const Message& message = messageNamed(options->message);
+    std::cout << (options->isJson ? describeWithSlots(message).dump(2) + '\n'
+                                  : textOf(message, session));
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,43 @@
+// The messages of the library, found by name or identifier.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "msg/message.hpp"
+
+namespace tool {
+
+// A message with the library's exported operations of it, for records of whatever type.
+struct Message {
+  std::string_view name;
+  std::string_view service;
+  const mesh::msg::Message* data;
+  uint32_t (*unpack)(const uint8_t* data, uint32_t length, void* record);
+  void (*freeUnpacked)(void* record);
+  uint32_t (*pack)(const void* record, uint8_t* buffer, uint32_t* length);
+  uint32_t (*sendSingle)(uint32_t destination, const void* record, uint64_t extra);
+
+  [[nodiscard]] const mesh::wire::Record& record() const { return *data->record; }
+  [[nodiscard]] bool isSentFixed() const {
+    return data->policy.arrangement == mesh::msg::Arrangement::Fixed;
+  }
+};
+
+// All of them, service by service, in registration order.
+const std::vector<Message>& messages();
+
+// Null when no message has it.
+const Message* findById(uint32_t id);
+
+// A message by its name, or by its identifier in decimal or, with 0x, hexadecimal. Fails with the
+// names that come near.
+const Message& messageNamed(std::string_view nameOrId);
+
+// The names nearest to one that does not exist, best first, three at most; none when none is near.
+std::vector<std::string_view> nearestNames(std::string_view name);
+
+}  // namespace tool

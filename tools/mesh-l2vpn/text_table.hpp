@@ -1,0 +1,24 @@
+// Columns of text, each as wide as its widest entry.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "session.hpp"
+
+namespace tool {
+
+class TextTable {
+ public:
+  explicit TextTable(std::vector<std::string> head) : rows_{std::move(head)} {}
+
+  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+
+  // The head in bold; nothing behind the last column.
+  [[nodiscard]] std::string text(const Session& session) const;
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace tool
