@@ -65,7 +65,7 @@ std::vector<const char*> names() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, RoundTrip, testing::ValuesIn(names()),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& each) { return std::string(each.param); });
 
 }  // namespace
 }  // namespace tool

@@ -88,7 +88,7 @@ std::vector<const char*> names() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, ReaderAgreement, testing::ValuesIn(names()),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& each) { return std::string(each.param); });
 
 Bytes sampleCircuit() {
   return encodeCompact(OwnedRecord(messageNamed("l2vpn_sync_vpls_ac")));
