@@ -47,5 +47,6 @@ int main(int count, char** words) {
   tool::addShow(app, session);
   tool::addDecode(app, session);
   tool::addEncode(app, session);
+  tool::addExplain(app, session);
   return run(app, count, words, session);
 }

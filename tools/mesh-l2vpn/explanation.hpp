@@ -1,0 +1,17 @@
+// A reading as text, line by line.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "session.hpp"
+#include "table_reader.hpp"
+
+namespace tool {
+
+// Position, bytes, slot, meaning and value of every range; faults under the bytes to blame. Of long
+// contents the beginning, unless all is asked for.
+std::string explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
+                    const Session& session);
+
+}  // namespace tool

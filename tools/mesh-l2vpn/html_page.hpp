@@ -1,0 +1,16 @@
+// A reading as one self-contained page.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "table_reader.hpp"
+
+namespace tool {
+
+// Bytes and their meanings side by side; what is pointed at lights up, with the rest of its slot
+// and the place that it leads to.
+std::string htmlPage(const Message& message, const Reading& reading,
+                     std::span<const uint8_t> bytes);
+
+}  // namespace tool

@@ -1,0 +1,173 @@
+// The page around a reading's data: it draws itself from the JSON between head and tail.
+#pragma once
+
+namespace tool {
+
+inline constexpr const char* htmlHead = R"html(<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<title>mesh-l2vpn explain</title>
+<style>
+:root { color-scheme: light; font: 14px/1.4 system-ui, sans-serif; }
+body { margin: 0; padding: 12px 16px; background: #fafafa; color: #1c1c1c; }
+h1 { font-size: 18px; margin: 0 0 2px; }
+.summary { margin: 0 0 10px; color: #555; }
+.bad { color: #b3001b; font-weight: 600; }
+main { display: grid; grid-template-columns: max-content minmax(0, 1fr); gap: 20px; }
+section { max-height: calc(100vh - 90px); overflow: auto; position: relative; }
+pre, td, .mono { font: 13px/1.5 ui-monospace, "DejaVu Sans Mono", monospace; }
+pre { margin: 0; position: relative; }
+.at { color: #999; user-select: none; }
+.byte { padding: 1px 3px; border-radius: 2px; cursor: default; }
+.root, .frame { background: #d8e6fb; } .entry { background: #d3f1f3; }
+.scalar, .contents { background: #dcf3da; } .word, .length { background: #f1dff5; }
+.unknown, .unread { background: #fdf0c4; } .padding { color: #aaa; }
+.fault { outline: 2px solid #d0021b; outline-offset: -1px; }
+.tolerated { outline: 2px solid #d98200; outline-offset: -1px; }
+.slot { box-shadow: inset 0 0 0 9px rgba(255, 190, 60, .35); }
+.lit { background: #ffb020; color: #000; } .target { background: #7048e8; color: #fff; }
+table { border-collapse: collapse; width: 100%; }
+td, th { text-align: left; padding: 1px 8px 1px 4px; vertical-align: top; overflow-wrap: anywhere; }
+th { position: sticky; top: 0; background: #fafafa; font-weight: 600; z-index: 1; }
+tr.lit td { background: #ffe2ad; } tr.target td { background: #e2d9fb; color: #000; }
+tr.slot td { box-shadow: inset 0 0 0 30px rgba(255, 190, 60, .15); }
+.key { display: inline-block; padding: 0 6px; margin-right: 6px; border-radius: 2px; }
+.message { color: #b3001b; } .message.soft { color: #8a5300; }
+svg { position: absolute; left: 0; top: 0; pointer-events: none; overflow: visible; }
+@media (max-width: 900px) { main { grid-template-columns: 1fr; } section { max-height: 45vh; } }
+</style>
+</head>
+<body>
+<h1 id="title"></h1>
+<p class="summary" id="summary"></p>
+<p class="summary"><span class="key root">root, frame</span><span class="key entry">entry</span><span
+class="key scalar">value, contents</span><span class="key word">offset word, length</span><span
+class="key unread">unknown, not read</span><span class="key padding">padding</span><span
+class="key fault">fault</span></p>
+<main><section><pre id="bytes"></pre></section><section><table id="ranges"></table></section></main>
+<script type="application/json" id="data">)html";
+
+inline constexpr const char* htmlTail = R"html(</script>
+<script>
+"use strict";
+const data = JSON.parse(document.getElementById("data").textContent);
+const bytes = data.bytes.match(/../g) || [];
+const text = (name, content, className) => {
+  const element = document.createElement(name);
+  element.textContent = content;
+  if (className) element.className = className;
+  return element;
+};
+document.title = data.message;
+document.getElementById("title").textContent = data.message;
+const summary = document.getElementById("summary");
+summary.append(`${bytes.length} bytes. `, text("span", data.accepted ?
+  "Receivers take it." : "Receivers reject it.", data.accepted ? "" : "bad"));
+for (const fault of data.faults) {
+  summary.append(document.createElement("br"),
+    text("span", fault.text, fault.tolerated ? "message soft" : "message"));
+}
+for (const note of data.notes) summary.append(document.createElement("br"), note);
+
+// Which range a byte shows: the last that begins at or before it and holds it.
+const owner = new Array(bytes.length).fill(-1);
+data.ranges.forEach((range, index) => {
+  for (let at = range.at; at < range.at + range.size; ++at) owner[at] = index;
+});
+const faultAt = new Array(bytes.length).fill("");
+for (const fault of data.faults) {
+  for (let at = fault.at; at < fault.at + fault.size && at < bytes.length; ++at) {
+    if (faultAt[at] !== "fault") faultAt[at] = fault.tolerated ? "tolerated" : "fault";
+  }
+}
+
+const cells = new Map();
+const dump = document.getElementById("bytes");
+const width = String(bytes.length).length;
+// Rows like the row before, inside one range, say nothing.
+const isRepeated = row => row >= 32 && row + 16 < bytes.length && owner[row - 32] === owner[row + 16] &&
+  bytes.slice(row, row + 16).join() === bytes.slice(row - 16, row).join() &&
+  !faultAt.slice(row, row + 16).some(Boolean);
+let left = 0;
+for (let row = 0; row < bytes.length; row += 16) {
+  if (isRepeated(row)) { left += 16; continue; }
+  if (left) { dump.append(text("span", `${"".padStart(width)}  ... ${left} bytes like these\n`, "at")); left = 0; }
+  dump.append(text("span", String(row).padStart(width) + "  ", "at"));
+  for (let at = row; at < Math.min(row + 16, bytes.length); ++at) {
+    const range = data.ranges[owner[at]];
+    const cell = text("span", bytes[at], `byte ${range ? range.part : ""} ${faultAt[at]}`);
+    cell.dataset.range = owner[at];
+    cells.set(at, cell);
+    dump.append(cell);
+    if (at % 16 === 7) dump.append(" ");
+  }
+  dump.append("\n");
+}
+
+const table = document.getElementById("ranges");
+const head = document.createElement("tr");
+for (const name of ["byte", "slot", "meaning", "value"]) head.append(text("th", name));
+table.append(head);
+const rows = data.ranges.map((range, index) => {
+  const row = document.createElement("tr");
+  row.dataset.range = index;
+  row.append(text("td", range.at), text("td", range.path), text("td", range.meaning));
+  const value = text("td", range.value);
+  for (const fault of data.faults.filter(f => f.at === range.at)) {
+    value.append(" ", text("span", fault.text, fault.tolerated ? "message soft" : "message"));
+  }
+  row.append(value);
+  table.append(row);
+  return row;
+});
+
+const line = document.createElementNS("http://www.w3.org/2000/svg", "svg");
+dump.append(line);
+const lit = [];
+const light = (element, name) => { if (element) { element.classList.add(name); lit.push([element, name]); } };
+const lightBytes = (range, name) => {
+  for (let at = range.at; at < range.at + Math.min(range.size, 4096); ++at) light(cells.get(at), name);
+};
+const join = (from, to) => {
+  line.replaceChildren();
+  if (!from || !to) return;
+  const place = cell => [cell.offsetLeft + cell.offsetWidth / 2, cell.offsetTop + cell.offsetHeight / 2];
+  const [[x1, y1], [x2, y2]] = [place(from), place(to)];
+  const path = document.createElementNS("http://www.w3.org/2000/svg", "path");
+  path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + 40},${(y1 + y2) / 2} ${x2},${y2}`);
+  path.setAttribute("style", "fill:none;stroke:#7048e8;stroke-width:2");
+  line.append(path);
+};
+const point = (index, scrolls) => {
+  while (lit.length) { const [element, name] = lit.pop(); element.classList.remove(name); }
+  line.replaceChildren();
+  const range = data.ranges[index];
+  if (!range) return;
+  if (range.path) {
+    data.ranges.forEach((other, number) => {
+      if (other.path === range.path) { lightBytes(other, "slot"); light(rows[number], "slot"); }
+    });
+  }
+  lightBytes(range, "lit");
+  light(rows[index], "lit");
+  if (range.target >= 0) {
+    light(cells.get(range.target), "target");
+    light(rows[owner[range.target]], "target");
+    join(cells.get(range.at), cells.get(range.target));
+  }
+  if (scrolls && rows[index]) rows[index].scrollIntoView({block: "nearest"});
+};
+const follow = scrolls => event => {
+  const element = event.target.closest("[data-range]");
+  point(element ? Number(element.dataset.range) : -1, scrolls);
+};
+dump.addEventListener("mouseover", follow(true));
+table.addEventListener("mouseover", follow(false));
+</script>
+</body>
+</html>
+)html";
+
+}  // namespace tool
