@@ -70,15 +70,11 @@ class Explainer {
     for (uint32_t line = 0; line < shown; ++line) {
       const uint32_t at = range.at + line * bytesOnALine;
       const std::string hex =
-          padded(spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at))),
-                 3 * bytesOnALine - 1);
-      text += rightAligned(at) + "  " + session_.ink(inkOf(range.part), hex);
-      if (line == 0) {
-        text +=
-            "  " + padded(range.path, pathWidth_) + "  " +
-            (range.value.empty() ? range.meaning : padded(range.meaning, meaningWidth_) + "  ") +
-            range.value;
-      }
+          spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at)));
+      const Ink ink = inkOf(range.part);
+      text += rightAligned(at) + "  ";
+      text += line == 0 ? session_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
+                        : session_.ink(ink, hex);
       text += '\n';
     }
     if (shown < lines) {
@@ -86,6 +82,12 @@ class Explainer {
               std::to_string(range.size - shown * bytesOnALine) + " bytes more\n";
     }
     return text;
+  }
+
+  [[nodiscard]] std::string meaningText(const Range& range) const {
+    const std::string text = "  " + padded(range.path, pathWidth_) + "  ";
+    return range.value.empty() ? text + range.meaning
+                               : text + padded(range.meaning, meaningWidth_) + "  " + range.value;
   }
 
   [[nodiscard]] std::string rightAligned(uint32_t at) const {
