@@ -26,6 +26,7 @@ endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})  # the tools need the library
 
 # The package of a component: its section, what it depends on, its description.
 macro(mesh_l2vpn_deb component package section depends summary)
@@ -56,8 +57,10 @@ mesh_l2vpn_deb(workstation mesh-l2vpn-workstation libdevel ""
   "A libzarnimesh over ZeroMQ and a libddmosal, with their headers, to develop"
   "and test programs that send and receive Layer-2 VPN messages, and"
   "zarnimesh-keys, which makes the keys that nodes on different machines need.")
-mesh_l2vpn_deb(tools mesh-l2vpn-tools utils ""
+mesh_l2vpn_deb(tools mesh-l2vpn-tools utils
+  "libmesh-l2vpn${MESH_L2VPN_ABI} ${this_version}"
   "tools around the messages of the Layer-2 VPN feature"
+  "mesh-l2vpn decodes, encodes, explains, sends and records messages;"
   "mesh-l2vpn-catalogue lists every message with its fields, sizes and"
   "fingerprint.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
@@ -73,17 +76,20 @@ if(NOT mesh_l2vpn_changelog_date)
   set(mesh_l2vpn_changelog_date "Thu, 01 Jan 1970 00:00:00 +0000")
 endif()
 configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/package/changelog @ONLY)
-foreach(page mesh-l2vpn-catalogue.1 zarnimesh-keys.1)
-  configure_file(packaging/${page} ${PROJECT_BINARY_DIR}/package COPYONLY)
-endforeach()
-foreach(page changelog mesh-l2vpn-catalogue.1 zarnimesh-keys.1)
-  execute_process(COMMAND gzip -9nkf ${PROJECT_BINARY_DIR}/package/${page} COMMAND_ERROR_IS_FATAL ANY)
-endforeach()
-install(FILES ${PROJECT_BINARY_DIR}/package/mesh-l2vpn-catalogue.1.gz
-  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+execute_process(COMMAND gzip -9nkf ${PROJECT_BINARY_DIR}/package/changelog COMMAND_ERROR_IS_FATAL ANY)
+
+function(mesh_l2vpn_manual program component)
+  configure_file(packaging/${program}.1 ${PROJECT_BINARY_DIR}/package COPYONLY)
+  execute_process(COMMAND gzip -9nkf ${PROJECT_BINARY_DIR}/package/${program}.1 COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES ${PROJECT_BINARY_DIR}/package/${program}.1.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
+endfunction()
+mesh_l2vpn_manual(mesh-l2vpn-catalogue tools)
+if(TARGET mesh-l2vpn)
+  mesh_l2vpn_manual(mesh-l2vpn tools)
+endif()
 if(TARGET zarnimesh)
-  install(FILES ${PROJECT_BINARY_DIR}/package/zarnimesh-keys.1.gz
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT workstation)
+  mesh_l2vpn_manual(zarnimesh-keys workstation)
 endif()
 
 include(CPack)

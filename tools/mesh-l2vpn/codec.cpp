@@ -1,7 +1,10 @@
 #include "codec.hpp"
 
-#include "capture.hpp"
+#include <algorithm>
+
 #include "failure.hpp"
+#include "sent_table.hpp"
+#include "table_reader.hpp"
 
 namespace tool {
 namespace {
@@ -9,6 +12,13 @@ namespace {
 [[noreturn]] void failEncoding(const OwnedRecord& record) {
   throw Failure(Exit::BadInput,
                 "this " + std::string(record.message().name) + " is too large to be encoded");
+}
+
+// Whether a few bytes can ask for much memory.
+bool hasVector(const mesh::wire::Record& record) {
+  return std::ranges::any_of(record.slots, [](const mesh::wire::Slot& slot) {
+    return slot.kind == mesh::wire::Kind::Vector;
+  });
 }
 
 }  // namespace
@@ -28,7 +38,7 @@ Bytes encodeCompact(const OwnedRecord& record) {
 
 Bytes encodeAsSent(const OwnedRecord& record) {
   uint32_t result = 0;
-  Bytes bytes = captureSent([&] { result = record.message().sendSingle(0, record.data(), 0); });
+  Bytes bytes = takeSent([&] { result = record.message().sendSingle(0, record.data(), 0); });
   if (result != 0) {
     failEncoding(record);
   }
@@ -48,6 +58,16 @@ OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes) {
   message.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
   record.setUnpacked();
   return record;
+}
+
+bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes) {
+  if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
+      (hasVector(message.record()) && readTable(message, bytes).memory > largestMemory)) {
+    return false;
+  }
+  const OwnedRecord record = decode(message, bytes);
+  const auto encodes = [&](const Bytes& encoded) { return std::ranges::equal(encoded, bytes); };
+  return (message.isSentFixed() && encodes(encodeAsSent(record))) || encodes(encodeCompact(record));
 }
 
 }  // namespace tool

@@ -22,4 +22,8 @@ Bytes encodeFixed(const OwnedRecord& record);
 // What __unpack makes of the bytes. Whether it accepted them is for table_reader.hpp to say.
 OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes);
 
+// Whether the bytes are what encoding their record gives, in either arrangement: then there is no
+// fault in them. Other bytes may be in order too.
+bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes);
+
 }  // namespace tool

@@ -48,5 +48,13 @@ int main(int count, char** words) {
   tool::addDecode(app, session);
   tool::addEncode(app, session);
   tool::addExplain(app, session);
+  tool::addDiff(app, session);
+  tool::addSend(app, session);
+  tool::addListen(app, session);
+  tool::addRecord(app, session);
+  tool::addReplay(app, session);
+  tool::addStat(app, session);
+  tool::addDissector(app, session);
+  tool::addCompletion(app, session);
   return run(app, count, words, session);
 }

@@ -9,12 +9,6 @@
 namespace tool {
 namespace {
 
-bool isEncodingOf(const OwnedRecord& record, std::span<const uint8_t> bytes) {
-  const auto equals = [&](const Bytes& encoded) { return std::ranges::equal(encoded, bytes); };
-  return equals(encodeCompact(record)) ||
-         (record.message().isSentFixed() && equals(encodeAsSent(record)));
-}
-
 uint32_t entryCount(const Json& table) {
   const auto length = table["vtableLength"].get<uint32_t>();
   return length < 4 ? 0 : (length - 4) / 2;
@@ -32,8 +26,7 @@ std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
     }
     const bool isSame = entries == message.record().slots.size();
     const bool isSound = reading.faults.empty();
-    const bool isExact = isSame && isSound && reading.memory <= largestMemory &&
-                         isEncodingOf(decode(message, bytes), bytes);
+    const bool isExact = isSame && isSound && isOwnEncoding(message, bytes);
     candidates.push_back({&message, isExact             ? Fit::Exact
                                     : isSame && isSound ? Fit::Same
                                     : isSame            ? Fit::Damaged

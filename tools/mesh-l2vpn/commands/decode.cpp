@@ -2,9 +2,11 @@
 
 #include <iostream>
 
+#include "capture_file.hpp"
 #include "codec.hpp"
 #include "commands/commands.hpp"
 #include "commands/input_options.hpp"
+#include "progress.hpp"
 #include "raw_table.hpp"
 #include "record_json.hpp"
 #include "table_reader.hpp"
@@ -15,6 +17,7 @@ namespace {
 struct Options {
   InputOptions input;
   bool isOnOneLine = false;
+  bool isCaptured = false;
 };
 
 void decodeAs(const Message& message, const Bytes& bytes, int indent, Session& session) {
@@ -43,6 +46,29 @@ void decodeRaw(const Bytes& bytes, int indent) {
   std::cout << json.dump(indent) << '\n';
 }
 
+// Table by table, in as much memory as the largest takes.
+void decodeCapture(const Options& options, Session& session) {
+  CaptureReader reader(options.input.file);
+  const Message* const wanted =
+      options.input.message.empty() ? nullptr : &messageNamed(options.input.message);
+  {
+    Progress progress(session, "tables");
+    while (const auto table = reader.next()) {
+      if (wanted != nullptr && table->id != wanted->data->id) {
+        continue;
+      }
+      const Json json = tableJson(*table);
+      std::cout << json.dump() << '\n';
+      session.result =
+          json.contains("record") && !json.contains("faults") ? session.result : Exit::BadInput;
+      progress.add();
+    }
+  }
+  if (!reader.fault().empty()) {
+    throw Failure(Exit::BadInput, options.input.file + ": " + reader.fault());
+  }
+}
+
 }  // namespace
 
 void addDecode(CLI::App& app, Session& session) {
@@ -51,10 +77,16 @@ void addDecode(CLI::App& app, Session& session) {
   const auto options = makeOptions<Options>();
   options->input.addTo(*command);
   command->add_flag("--line", options->isOnOneLine, "JSON on one line");
+  command->add_flag("--capture", options->isCaptured,
+                    "The input is a capture: a line of JSON for each table");
   command->footer(
       "Examples:\n  mesh-l2vpn decode -m l2vpn_sync_vpls_ac_update update.bin\n"
-      "  xxd -p update.bin | mesh-l2vpn decode -m 0x5EED5F0D -\n  mesh-l2vpn decode unknown.bin");
+      "  xxd -p update.bin | mesh-l2vpn decode -m 0x5EED5F0D -\n  mesh-l2vpn decode unknown.bin\n"
+      "  mesh-l2vpn decode night.pcapng | jq 'select(.faults)'");
   command->callback([options, &session] {
+    if (options->isCaptured || isCapture(options->input.file)) {
+      return decodeCapture(*options, session);
+    }
     const Bytes bytes = options->input.read();
     const int indent = options->isOnOneLine ? -1 : 2;
     if (options->input.message.empty()) {

@@ -13,6 +13,6 @@
 namespace tool {
 
 // The bytes of the one table that `send` hands over; none when it hands nothing over.
-std::vector<uint8_t> captureSent(const std::function<void()>& send);
+std::vector<uint8_t> takeSent(const std::function<void()>& send);
 
 }  // namespace tool

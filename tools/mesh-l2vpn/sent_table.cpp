@@ -1,28 +1,28 @@
-#include "capture.hpp"
+#include "sent_table.hpp"
 
 #include "zarnimesh/mesh.h"
 
 namespace tool {
 namespace {
 
-thread_local std::vector<uint8_t>* captured = nullptr;
+thread_local std::vector<uint8_t>* taken = nullptr;
 
 uint32_t keep(const mesh_msg_desc* descriptors, uint32_t count) {
-  if (captured == nullptr || count != 1) {
+  if (taken == nullptr || count != 1) {
     return UINT32_MAX;
   }
   const auto* const table = reinterpret_cast<const uint8_t*>(descriptors->data);
-  captured->assign(table, table + descriptors->length);
+  taken->assign(table, table + descriptors->length);
   return 0;
 }
 
 }  // namespace
 
-std::vector<uint8_t> captureSent(const std::function<void()>& send) {
+std::vector<uint8_t> takeSent(const std::function<void()>& send) {
   std::vector<uint8_t> table;
-  captured = &table;
+  taken = &table;
   send();
-  captured = nullptr;
+  taken = nullptr;
   return table;
 }
 

@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The program's commands on files: what they print, how they end.
+#
+#   commands.sh MESH-L2VPN
+tool=$1
+. "$(dirname "$0")/expect.sh"
+cd "$work"
+
+message=l2vpn_sync_vpls_ac_update
+echo '{"f0": 7, "f1": {"f0": 42, "f6": 1042, "f8": "010000000000000000000000"}}' >update.json
+
+expect_exit 0 "$tool" list
+[ "$(wc -l <out)" -eq 86 ] || fail "list does not have a head and 85 lines"
+expect_exit 0 "$tool" show 0x5EED5F0D
+expect_text out "fixed         120 bytes"
+expect_exit 0 "$tool" show $message --json
+expect_text out '"fixedPosition": 10'
+expect_exit 2 "$tool" show l2vpn_sync_vpls_acc
+expect_text err "did you mean l2vpn_sync_vpls_ac"
+
+"$tool" encode -m $message update.json >fixed.bin
+"$tool" encode -m $message --compact <update.json >compact.bin
+[ "$(stat -c %s fixed.bin)" -eq 120 ] || fail "the fixed update is not 120 bytes"
+[ "$(stat -c %s compact.bin)" -eq 96 ] || fail "the compact update is not 96 bytes"
+"$tool" encode -m $message --compact --hex update.json >compact.hex
+for file in fixed.bin compact.bin compact.hex; do
+  expect_exit 0 "$tool" decode -m $message --line "$file"
+  expect_text out '{"f0":7,"f1":{"f0":42,"f1":0,"f2":0,"f3":0,"f4":0,"f5":0,"f6":1042,'
+done
+expect_exit 0 "$tool" decode compact.bin
+expect_text out '"vtableLength": 8'
+expect_text out '"fit": "exact"'
+
+echo '{"f1": {"f99": 1}}' >unknown.json
+expect_exit 1 "$tool" encode -m $message unknown.json
+expect_text err "f1.f99: l2vpn_sync_vpls_ac has no such field"
+echo '{}' >empty.json
+expect_exit 2 "$tool" encode -m dbginfo_key_l2vpn --fixed empty.json
+expect_exit 3 "$tool" encode -m $message missing.json
+
+head -c 91 compact.bin >cut.bin
+expect_exit 1 "$tool" decode -m $message cut.bin
+expect_text err "byte 80, f1.f9: 12 bytes where 7 are left"
+expect_text out '"f6": 1042'
+head -c 10 compact.bin >stump.bin
+expect_exit 1 "$tool" decode -m $message stump.bin
+[ ! -s out ] || fail "a rejected message is printed"
+expect_exit 0 "$tool" --quiet decode -m $message compact.bin
+[ ! -s err ] || fail "--quiet says something"
+
+expect_exit 0 "$tool" explain -m $message compact.bin
+expect_text out "offset word                            28: leads to 46"
+expect_exit 1 "$tool" explain -m $message cut.bin
+expect_text out "^^ byte 80, f1.f9: 12 bytes where 7 are left"
+expect_exit 0 "$tool" --color always explain -m $message compact.bin
+expect_text out $'\033['
+expect_exit 0 "$tool" explain -m $message compact.bin
+! grep -q $'\033' out || fail "colours where the output is no terminal"
+expect_exit 0 "$tool" explain --html -m $message fixed.bin
+expect_text out '<title>'
+! grep -qE '(src|href)=' out || fail "the page is not self-contained"
+
+sed 's/1042/1043/' update.json | "$tool" encode -m $message --compact >other.bin
+expect_exit 0 "$tool" diff -m $message compact.bin compact.bin
+expect_exit 1 "$tool" diff -m $message compact.bin other.bin
+expect_text out "f1.f6  1042   1043"
+expect_text out "54    f1.f6 value   12     13"
+
+expect_exit 0 "$tool" completion bash
+bash -n out || fail "the completion script is no bash"
+bash -c '. ./out; COMP_WORDS=(mesh-l2vpn exp); COMP_CWORD=1; _mesh_l2vpn
+         [ "${COMPREPLY[*]}" = explain ]' || fail "explain is not completed"
+bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode -m l2vpn_sync_stp); COMP_CWORD=3; _mesh_l2vpn
+         [ "${#COMPREPLY[@]}" -eq 3 ]' || fail "messages are not completed"
+
+expect_exit 2 "$tool"
+expect_exit 2 "$tool" nonsense
+for command in list show decode encode explain diff send listen record replay stat dissector completion; do
+  expect_exit 0 "$tool" $command --help
+  expect_text out "Example"
+done
+"$tool" list | head -1 >/dev/null  # a pipe that ends early is no failure of ours to report

@@ -1,0 +1,29 @@
+# Read by the tests of the program: how they say what they expect. $tool is the program, $work a
+# directory that goes with the test.
+set -euo pipefail
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+  echo "FAILED: $*" >&2
+  exit 1
+}
+
+# expect_exit CODE COMMAND...: what it prints is in $work/out and $work/err.
+expect_exit() {
+  local expected=$1 code=0
+  shift
+  "$@" >"$work/out" 2>"$work/err" || code=$?
+  [ "$code" -eq "$expected" ] || {
+    cat "$work/out" "$work/err" >&2
+    fail "exit code $code, not $expected: $*"
+  }
+}
+
+expect_text() {
+  grep -qF -- "$2" "$1" || {
+    cat "$1" >&2
+    fail "'$2' is not in the ${1##*/}put above"
+  }
+}

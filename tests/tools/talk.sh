@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# send, listen, record, replay and stat, between processes.
+#
+#   talk.sh MESH-L2VPN LIBZARNIMESH
+tool=$1
+export MESH_L2VPN_MIDDLEWARE=$2
+. "$(dirname "$0")/expect.sh"
+cd "$work"
+mkdir -m 700 run
+export ZARNIMESH_RUNTIME_DIR=$work/run
+
+# until_said TEXT FILE: waits for a process to say it.
+until_said() {
+  for _ in $(seq 200); do
+    ! grep -qF "$1" "$2" || return 0
+    sleep 0.05
+  done
+  cat "$2" >&2
+  fail "never said: $1"
+}
+
+"$tool" listen 2 --count 2 --seconds 30 >heard 2>listener &
+listener=$!
+until_said "node 2 listens" listener
+echo '{"f0": 18446744073709551615}' | "$tool" send --to 2 --from 5 --extra 9 -m l2vpn_sync_vpls_macping
+echo '{"f3": "616263"}' | "$tool" send --to 2 --from 5 -m dbginfo_key_l2vpn
+wait $listener || fail "listen did not end well"
+expect_text heard '"source":5,"destination":2,"message":"l2vpn_sync_vpls_macping"'
+expect_text heard '"extra":9,'
+expect_text heard '"record":{"f0":18446744073709551615,'
+expect_text heard '"record":{"f0":0,"f1":0,"f2":0,"f3":"616263"}'
+
+"$tool" record 3 night.pcapng --count 5 --seconds 30 2>recorder &
+recorder=$!
+until_said "node 3 records" recorder
+for value in 1 2 3 4 5; do
+  echo "{\"f0\": $value}" | "$tool" --quiet send --to 3 --from 6 -m l2vpn_sync_stp
+done
+wait $recorder || fail "record did not end well"
+expect_exit 0 "$tool" decode night.pcapng
+[ "$(grep -c '"message":"l2vpn_sync_stp"' out)" -eq 5 ] || fail "five were not recorded"
+expect_exit 0 "$tool" stat night.pcapng
+expect_text out "l2vpn_sync_stp  5       200    40"
+expect_exit 0 "$tool" stat --json night.pcapng
+expect_text out '"missedCalls": 0'
+
+"$tool" listen 3 --count 5 --seconds 30 >heard 2>listener &
+listener=$!
+until_said "node 3 listens" listener
+expect_exit 0 "$tool" replay --at-once night.pcapng
+expect_text err "5 tables sent"
+wait $listener || fail "listen did not end well"
+[ "$(grep -o '"record":{"f0":[0-9]' heard | tr -dc '1-5')" = 12345 ] || fail "replayed in disorder"
+
+head -c -10 night.pcapng | head -c 500 >cut.pcapng
+expect_exit 1 "$tool" stat cut.pcapng
+expect_text err "cut inside a block"
+
+# What is flushed survives the recorder.
+"$tool" record 4 killed.pcapng 2>recorder &
+recorder=$!
+until_said "node 4 records" recorder
+echo '{"f0": 1}' | "$tool" --quiet send --to 4 -m l2vpn_sync_stp
+for _ in $(seq 100); do
+  [ "$(stat -c %s killed.pcapng)" -lt 150 ] || break
+  sleep 0.05
+done
+kill -KILL $recorder
+wait $recorder 2>/dev/null || true
+expect_exit 0 "$tool" decode killed.pcapng
+expect_text out '"record":{"f0":1,'
+
+# Interrupted, a recorder ends well.
+"$tool" record 4 ended.pcapng 2>recorder &
+recorder=$!
+until_said "node 4 records" recorder
+kill -TERM $recorder
+wait $recorder || fail "an interrupted recorder fails"
+
+echo '{}' >empty.json
+expect_exit 3 "$tool" send --middleware ./no.so --to 2 -m l2vpn_sync_stp empty.json
+expect_text err "no middleware"

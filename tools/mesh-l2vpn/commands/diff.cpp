@@ -1,0 +1,119 @@
+// diff: what differs between two messages.
+
+#include <iostream>
+
+#include "codec.hpp"
+#include "commands/commands.hpp"
+#include "commands/input_options.hpp"
+#include "difference.hpp"
+#include "message_choice.hpp"
+#include "text_table.hpp"
+
+namespace tool {
+namespace {
+
+struct Options {
+  InputOptions input;  // its file is the first
+  std::string other;
+  bool isJson = false;
+};
+
+struct Side {
+  Bytes bytes;
+  Reading reading;
+  Json record;
+};
+
+Side readSide(const std::string& file, const Message& message, Bytes bytes, Session& session) {
+  Reading reading = readTable(message, bytes);
+  for (const Fault& fault : reading.faults) {
+    session.say(file + ": " + faultText(fault));
+  }
+  if (!reading.isAccepted()) {
+    throw Failure(Exit::BadInput, file + ": receivers reject this " + std::string(message.name));
+  }
+  refuseTooMuchMemory(reading);
+  Json record = toJson(message.record(), decode(message, bytes).data());
+  return {std::move(bytes), std::move(reading), std::move(record)};
+}
+
+std::string orNothing(const std::string& text) {
+  return text.empty() ? "-" : text;
+}
+
+void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes,
+           const Session& session) {
+  if (!fields.empty()) {
+    TextTable table({"field", "first", "second"});
+    for (const FieldDifference& field : fields) {
+      table.add({field.path, orNothing(field.one), orNothing(field.other)});
+    }
+    std::cout << table.text(session);
+  }
+  if (!bytes.empty()) {
+    TextTable table({"byte", "in the first", "first", "second"});
+    for (const ByteDifference& difference : bytes) {
+      table.add(
+          {std::to_string(difference.at), difference.meaning, difference.one, difference.other});
+    }
+    std::cout << (fields.empty() ? "" : "\n") << table.text(session);
+  }
+}
+
+Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes) {
+  Json json = {{"fields", Json::array()}, {"bytes", Json::array()}};
+  const auto value = [](const std::string& text) {
+    return text.empty() ? Json() : parseJson(text);
+  };
+  for (const FieldDifference& field : fields) {
+    json["fields"].push_back(
+        {{"path", field.path}, {"first", value(field.one)}, {"second", value(field.other)}});
+  }
+  for (const ByteDifference& difference : bytes) {
+    json["bytes"].push_back({{"at", difference.at},
+                             {"meaning", difference.meaning},
+                             {"first", difference.one},
+                             {"second", difference.other}});
+  }
+  return json;
+}
+
+void run(const Options& options, Session& session) {
+  Bytes first = options.input.read();
+  Bytes second = readBytes(options.other, options.input.form());
+  const Message& message = chooseMessage(options.input.message, first, session);
+  const Side one = readSide(options.input.file, message, std::move(first), session);
+  const Side other = readSide(options.other, message, std::move(second), session);
+  const auto fields = fieldDifferences(one.record, other.record);
+  const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
+  if (options.isJson) {
+    std::cout << jsonOf(fields, bytes).dump(2) << '\n';
+  } else {
+    print(fields, bytes, session);
+  }
+  if (one.bytes.size() != other.bytes.size()) {
+    session.say(std::to_string(one.bytes.size()) + " bytes in the first, " +
+                std::to_string(other.bytes.size()) + " in the second");
+  }
+  const bool isSame = fields.empty() && bytes.empty() && one.bytes.size() == other.bytes.size();
+  session.result = isSame ? Exit::Success : Exit::BadInput;
+}
+
+}  // namespace
+
+void addDiff(CLI::App& app, Session& session) {
+  CLI::App* const command =
+      app.add_subcommand("diff", "What differs between two messages, by field and by byte");
+  const auto options = makeOptions<Options>();
+  command->add_option("-m,--message", options->input.message, "Name or identifier");
+  command->add_option("FIRST", options->input.file, "Bytes, or their hexadecimal text")->required();
+  command->add_option("SECOND", options->other, "The same")->required();
+  options->input.addFormTo(*command);
+  command->add_flag("--json", options->isJson, "As a JSON object");
+  command->footer(
+      "Exit status 0 when they are the same, 1 when they differ.\n\n"
+      "Example:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin");
+  command->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace tool

@@ -1,0 +1,40 @@
+// listen: what arrives at a node, as JSON lines.
+
+#include <iostream>
+
+#include "commands/commands.hpp"
+#include "commands/talk_options.hpp"
+
+namespace tool {
+namespace {
+
+void run(const ReceiveOptions& options, const Session& session) {
+  Node node(options.middleware, options.address);
+  session.say("node " + std::to_string(options.address) + " listens");
+  options.receiveAll(node, [](const Table& table) {
+    // Line by line, for whoever reads in a pipe.
+    std::cout << tableJson(table).dump() << std::endl;
+    if (!std::cout) {
+      throw Failure(Exit::System, "the output ended");
+    }
+  });
+  const mesh_node_statistics statistics = node.statistics();
+  session.say(std::to_string(statistics.received_records + statistics.unknown_identifiers) +
+              " tables in " + std::to_string(statistics.received_calls) + " calls; lost calls " +
+              std::to_string(statistics.lost_calls + statistics.missed_before_first) +
+              ", malformed " + std::to_string(statistics.malformed));
+}
+
+}  // namespace
+
+void addListen(CLI::App& app, Session& session) {
+  CLI::App* const command =
+      app.add_subcommand("listen", "What arrives at a node, as JSON lines, until interrupted");
+  const auto options = makeOptions<ReceiveOptions>();
+  options->addTo(*command);
+  command->footer(
+      "Examples:\n  mesh-l2vpn listen 2\n  mesh-l2vpn listen 2 --count 10 | jq .record");
+  command->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace tool

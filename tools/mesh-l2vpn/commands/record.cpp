@@ -1,0 +1,47 @@
+// record: what arrives at a node, into a capture.
+
+#include "capture_file.hpp"
+#include "commands/commands.hpp"
+#include "commands/talk_options.hpp"
+#include "progress.hpp"
+
+namespace tool {
+namespace {
+
+struct Options {
+  ReceiveOptions talk;
+  std::string file;
+};
+
+void run(const Options& options, const Session& session) {
+  CaptureWriter writer(options.file);
+  Node node(options.talk.middleware, options.talk.address);
+  session.say("node " + std::to_string(options.talk.address) + " records");
+  uint64_t written = 0;
+  {
+    Progress progress(session, "tables");
+    options.talk.receiveAll(node, [&](const Table& table) {
+      writer.write(table);
+      ++written;
+      progress.add();
+    });
+  }
+  const mesh_node_statistics statistics = node.statistics();
+  writer.writeStatistics(written, statistics.lost_calls + statistics.missed_before_first);
+  session.say(std::to_string(written) + " tables recorded");
+}
+
+}  // namespace
+
+void addRecord(CLI::App& app, Session& session) {
+  CLI::App* const command =
+      app.add_subcommand("record", "What arrives at a node, into a pcapng file, until interrupted");
+  const auto options = makeOptions<Options>();
+  options->talk.addTo(*command);
+  command->add_option("FILE", options->file, "The file to write; - for the standard output")
+      ->required();
+  command->footer("Example:\n  mesh-l2vpn record 2 night.pcapng");
+  command->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace tool

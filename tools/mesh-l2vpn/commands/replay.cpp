@@ -1,0 +1,107 @@
+// replay: a capture's tables, sent again.
+
+#include <thread>
+
+#include "capture_file.hpp"
+#include "commands/commands.hpp"
+#include "commands/talk_options.hpp"
+#include "progress.hpp"
+
+namespace tool {
+namespace {
+
+struct Options {
+  SendOptions talk;
+  std::string file;
+  double speed = 1;
+  double rate = 0;
+  bool isAtOnce = false;
+};
+
+// When each table is due.
+class Pace {
+ public:
+  explicit Pace(const Options& options) : options_(options) {}
+
+  void waitFor(const Table& table) {
+    if (options_.isAtOnce) {
+      return;
+    }
+    if (sent_ == 0) {
+      first_ = table.time;
+      start_ = Clock::now();
+    }
+    // Recorded clocks may have been set back.
+    const double original =
+        table.time > first_ ? static_cast<double>(table.time - first_) / 1e9 : 0;
+    const double due =
+        options_.rate > 0 ? static_cast<double>(sent_) / options_.rate : original / options_.speed;
+    ++sent_;
+    const auto at = start_ + std::chrono::duration<double>(due);
+    while (!isInterrupted() && Clock::now() < at) {
+      std::this_thread::sleep_for(
+          std::min<std::chrono::duration<double>>(at - Clock::now(), longestSleep));
+    }
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::milliseconds longestSleep{100};
+
+  const Options& options_;
+  uint64_t sent_ = 0;
+  uint64_t first_ = 0;
+  Clock::time_point start_;
+};
+
+void run(const Options& options, Session& session) {
+  catchInterruptions();
+  CaptureReader reader(options.file);
+  Node node(options.talk.middleware, options.talk.sender());
+  Pace pace(options);
+  uint64_t sent = 0;
+  {
+    Progress progress(session, "tables");
+    while (const auto table = reader.next()) {
+      pace.waitFor(*table);
+      if (isInterrupted()) {
+        break;
+      }
+      const auto to = options.talk.toOption->count() != 0 ? static_cast<uint32_t>(options.talk.to)
+                                                          : table->destination;
+      node.send(to, table->id, table->bytes, table->extra);
+      ++sent;
+      progress.add();
+    }
+  }
+  node.close();
+  session.say(std::to_string(sent) + " tables sent");
+  if (!reader.fault().empty()) {
+    throw Failure(Exit::BadInput, options.file + ": " + reader.fault());
+  }
+}
+
+}  // namespace
+
+void addReplay(CLI::App& app, Session& session) {
+  CLI::App* const command = app.add_subcommand("replay", "A capture's tables, sent again");
+  const auto options = makeOptions<Options>();
+  options->talk.addTo(*command, "Address of the receiving node; the recorded one otherwise");
+  command->add_option("FILE", options->file, "A capture; - for the standard input")->required();
+  CLI::Option* const speed =
+      command->add_option("--speed", options->speed, "As many times as fast as it was recorded")
+          ->check(CLI::PositiveNumber);
+  CLI::Option* const rate =
+      command->add_option("--rate", options->rate, "That many tables a second")
+          ->check(CLI::PositiveNumber)
+          ->excludes(speed);
+  command->add_flag("--at-once", options->isAtOnce, "As fast as the receiver takes them")
+      ->excludes(speed)
+      ->excludes(rate);
+  command->footer(
+      "Examples:\n  mesh-l2vpn replay --to 2 night.pcapng\n"
+      "  mesh-l2vpn replay --rate 1000 night.pcapng");
+  command->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace tool

@@ -1,0 +1,27 @@
+#include "interruption.hpp"
+
+#include <csignal>
+
+namespace tool {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void interrupt(int /*signal*/) {
+  interrupted = 1;
+}
+
+}  // namespace
+
+void catchInterruptions() {
+  struct sigaction action {};
+  action.sa_handler = &interrupt;
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+bool isInterrupted() {
+  return interrupted != 0;
+}
+
+}  // namespace tool

@@ -1,0 +1,55 @@
+// The workstation's middleware, loaded while the program runs: only commands that talk need it, and
+// its MESH_SendMsg must not take the place of this program's own (sent_table.hpp).
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "traffic.hpp"
+#include "zarnimesh/mesh.h"
+#include "zarnimesh/node.h"
+
+namespace tool {
+
+// A node of this process. One at a time.
+class Node {
+ public:
+  // `library`: the path of a libzarnimesh; empty for the one that came along. Fails when there is
+  // none, or when the node does not open.
+  Node(const std::string& library, uint32_t address);
+  ~Node();
+  Node(const Node&) = delete;
+  Node& operator=(const Node&) = delete;
+
+  // Fails with the middleware's text.
+  void send(uint32_t destination, uint32_t id, std::span<const uint8_t> table, uint64_t extra);
+
+  // Waits for the tables of one call and hands each over, without decoding it.
+  void receive(int timeoutMs, const std::function<void(const Table&)>& handler);
+
+  [[nodiscard]] mesh_node_statistics statistics() const;
+
+  // Fails when the middleware could not hand over what was sent.
+  void close();
+
+ private:
+  struct Functions;
+
+  static void takeRecord(const mesh_received* received, void* self);
+  static void takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
+                          void* self);
+  void take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra);
+
+  std::unique_ptr<Functions> functions_;
+  uint32_t address_;
+  mesh_node* node_ = nullptr;
+  const std::function<void(const Table&)>* handler_ = nullptr;
+  std::string failure_;
+};
+
+// The address of a node that only sends, different in every process.
+uint32_t passingAddress();
+
+}  // namespace tool

@@ -1,0 +1,78 @@
+#include "traffic.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+#include "../catalogue/catalogue.hpp"
+#include "codec.hpp"
+#include "hex.hpp"
+#include "table_reader.hpp"
+
+namespace tool {
+namespace {
+
+constexpr uint64_t second = 1'000'000'000;
+
+// Adds the record, or why there is none.
+void addContents(Json& json, const Message& message, std::span<const uint8_t> bytes) {
+  if (isOwnEncoding(message, bytes)) {
+    json["record"] = toJson(message.record(), decode(message, bytes).data());
+    return;
+  }
+  const Reading reading = readTable(message, bytes);
+  for (const Fault& fault : reading.faults) {
+    json["faults"].push_back(faultText(fault));
+  }
+  if (reading.memory > largestMemory) {
+    json["faults"].push_back("takes " + std::to_string(reading.memory) + " bytes to decode");
+  } else if (reading.isAccepted()) {
+    json["record"] = toJson(message.record(), decode(message, bytes).data());
+    return;
+  }
+  json["bytes"] = toHex(bytes);
+}
+
+}  // namespace
+
+uint64_t nowInNanoseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return static_cast<uint64_t>(now.tv_sec) * second + static_cast<uint64_t>(now.tv_nsec);
+}
+
+std::string timeText(uint64_t nanoseconds) {
+  const auto seconds = static_cast<time_t>(nanoseconds / second);
+  tm parts{};
+  gmtime_r(&seconds, &parts);
+  char text[80];
+  const size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
+  std::snprintf(text + length, sizeof text - length, ".%09uZ",
+                static_cast<unsigned>(nanoseconds % second));
+  return text;
+}
+
+Json tableJson(const Table& table) {
+  const Message* const message = findById(table.id);
+  Json json = {{"time", timeText(table.time)},
+               {"source", table.source},
+               {"destination", table.destination},
+               {"message", message == nullptr ? Json() : Json(message->name)},
+               {"identifier", catalogue::hex(table.id)},
+               {"extra", table.extra},
+               {"length", table.bytes.size()}};
+  if (message != nullptr) {
+    addContents(json, *message, table.bytes);
+  } else {
+    json["bytes"] = toHex(table.bytes);
+  }
+  return json;
+}
+
+bool isTaken(const Table& table) {
+  const Message* const message = findById(table.id);
+  return message != nullptr &&
+         (isOwnEncoding(*message, table.bytes) || readTable(*message, table.bytes).isAccepted());
+}
+
+}  // namespace tool
