@@ -34,7 +34,15 @@ def tree_of(lines):
     return root
 
 
+def is_zero(value):
+    if isinstance(value, dict):
+        return all(map(is_zero, value.values()))
+    return not value or set(str(value)) == {"0"}
+
+
 def is_same(value, shown, children):
+    if shown == "absent":
+        return is_zero(value)
     if isinstance(value, dict):
         return fields_are_same(value, children)
     if isinstance(value, list):
@@ -42,8 +50,6 @@ def is_same(value, shown, children):
             is_same(item, *children.get(str(number), ("", {}))) for number, item in enumerate(value))
     if isinstance(value, int):
         return str(value) == shown
-    if shown == "absent":
-        return set(value) <= {"0"}
     # Long bytes are cut off in the tree's text.
     cut = shown.rstrip(".\u2026")
     return value == shown or (cut != shown and len(cut) >= 16 and value.startswith(cut))
