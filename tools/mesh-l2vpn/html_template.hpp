@@ -11,12 +11,14 @@ inline constexpr const char* htmlHead = R"html(<!DOCTYPE html>
 <title>mesh-l2vpn explain</title>
 <style>
 :root { color-scheme: light; font: 14px/1.4 system-ui, sans-serif; }
-body { margin: 0; padding: 12px 16px; background: #fafafa; color: #1c1c1c; }
+body { margin: 0; padding: 12px 16px; box-sizing: border-box; height: 100vh; display: flex;
+       flex-direction: column; background: #fafafa; color: #1c1c1c; }
 h1 { font-size: 18px; margin: 0 0 2px; }
 .summary { margin: 0 0 10px; color: #555; }
 .bad { color: #b3001b; font-weight: 600; }
-main { display: grid; grid-template-columns: max-content minmax(0, 1fr); gap: 20px; }
-section { max-height: calc(100vh - 90px); overflow: auto; position: relative; }
+#summary { max-height: 25vh; overflow: auto; flex: none; }
+main { flex: 1; min-height: 0; display: grid; grid-template-rows: minmax(0, 1fr); grid-template-columns: max-content minmax(0, 1fr); gap: 20px; }
+section { overflow: auto; position: relative; }
 pre, td, .mono { font: 13px/1.5 ui-monospace, "DejaVu Sans Mono", monospace; }
 pre { margin: 0; position: relative; }
 .at { color: #999; user-select: none; }
@@ -31,12 +33,12 @@ pre { margin: 0; position: relative; }
 table { border-collapse: collapse; width: 100%; }
 td, th { text-align: left; padding: 1px 8px 1px 4px; vertical-align: top; overflow-wrap: anywhere; }
 th { position: sticky; top: 0; background: #fafafa; font-weight: 600; z-index: 1; }
+tr.slot { box-shadow: none; } tr.slot td { background: #fff3dd; }
 tr.lit td { background: #ffe2ad; } tr.target td { background: #e2d9fb; color: #000; }
-tr.slot td { box-shadow: inset 0 0 0 30px rgba(255, 190, 60, .15); }
 .key { display: inline-block; padding: 0 6px; margin-right: 6px; border-radius: 2px; }
 .message { color: #b3001b; } .message.soft { color: #8a5300; }
 svg { position: absolute; left: 0; top: 0; pointer-events: none; overflow: visible; }
-@media (max-width: 900px) { main { grid-template-columns: 1fr; } section { max-height: 45vh; } }
+@media (max-width: 900px) { main { grid-template-columns: 1fr; grid-template-rows: 1fr 1fr; } }
 </style>
 </head>
 <body>
@@ -136,8 +138,8 @@ const join = (from, to) => {
   const place = cell => [cell.offsetLeft + cell.offsetWidth / 2, cell.offsetTop + cell.offsetHeight / 2];
   const [[x1, y1], [x2, y2]] = [place(from), place(to)];
   const path = document.createElementNS("http://www.w3.org/2000/svg", "path");
-  path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + 40},${(y1 + y2) / 2} ${x2},${y2}`);
-  path.setAttribute("style", "fill:none;stroke:#7048e8;stroke-width:2");
+  path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + (y1 === y2 ? 0 : 40)},${(y1 + y2) / 2 - (y1 === y2 ? 26 : 0)} ${x2},${y2}`);
+  path.setAttribute("style", "fill:none;stroke:#7048e8;stroke-width:2;opacity:.7");
   line.append(path);
 };
 const point = (index, scrolls) => {
