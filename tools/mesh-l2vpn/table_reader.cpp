@@ -22,6 +22,10 @@ std::string number(uint64_t value) {
   return std::to_string(value);
 }
 
+// More than these nobody reads, and a hostile message can have as many as it has words.
+constexpr size_t mostFaults = 1000;
+constexpr size_t mostNotes = 100;
+
 class TableReader {
  public:
   TableReader(std::span<const uint8_t> bytes, Reading& reading)
@@ -56,8 +60,18 @@ class TableReader {
   void add(Range range) { reading_.ranges.push_back(std::move(range)); }
 
   bool fail(uint64_t at, uint32_t size, const std::string& path, std::string text) {
+    const bool isOneTooMany = reading_.faults.size() >= mostFaults;
+    if (isOneTooMany && (tolerant_ || !reading_.isAccepted())) {
+      return false;
+    }
     reading_.faults.push_back({static_cast<uint32_t>(at), size, path, std::move(text), tolerant_});
     return false;
+  }
+
+  void note(std::string text) {
+    if (reading_.notes.size() < mostNotes) {
+      reading_.notes.push_back(std::move(text));
+    }
   }
 
   [[nodiscard]] std::string ofBuffer() const {
@@ -68,8 +82,7 @@ class TableReader {
   bool readTable(const Record& record, uint64_t table, const Origin& from) {
     const auto [known, isNew] = tables_.try_emplace({&record, table}, false);
     if (!isNew) {
-      reading_.notes.push_back(from.path + " leads to a table that was read before, at " +
-                               number(table));
+      note(from.path + " leads to a table that was read before, at " + number(table));
       return known->second;
     }
     Frame frame{};
@@ -107,8 +120,7 @@ class TableReader {
       add({vtable + 2, 2, Part::Frame, from.path, "vtable: the table's length (not used)",
            number(load<uint16_t>(vtable + 2))});
     } else {
-      reading_.notes.push_back(named(from.path) + ": a vtable of " + number(length) +
-                               " bytes has no slot");
+      note(named(from.path) + ": a vtable of " + number(length) + " bytes has no slot");
     }
     frame = {at, vtable, length};
     return true;

@@ -47,7 +47,7 @@ struct Fault {
 
 struct Reading {
   std::vector<Range> ranges;  // by position; every byte is in one at least
-  std::vector<Fault> faults;  // in the order in which a reader meets them
+  std::vector<Fault> faults;  // in the order in which a reader meets them, 1000 at most
   std::vector<std::string> notes;
   uint64_t memory = 0;  // bytes that decoding allocates
 
