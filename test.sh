@@ -2,7 +2,8 @@
 # Installs what is missing, builds, and passes every test. Without presets also what is not a test of
 # one build: the Debian packages, the reference, the library on another processor.
 #
-#   ./test.sh [PRESET...]    presets of CMakePresets.json; release (g++), asan, tsan and msan (clang++) by default
+#   ./test.sh [PRESET...]    workflow presets of CMakePresets.json: by default release (g++), asan,
+#                            tsan-threads and msan (clang++)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -10,12 +11,11 @@ tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev
   libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 pkg-config abigail-tools
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
+[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan-threads msan)
+export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(nproc)}"
 for preset in "${presets[@]}"; do
   echo "== $preset"
-  cmake --preset "$preset" >/dev/null
-  cmake --build --preset "$preset"
-  ctest --preset "$preset" --parallel "$(nproc)" --progress
+  cmake --workflow --preset "$preset"
 done
 
 if [ $# -eq 0 ]; then
