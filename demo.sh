@@ -16,7 +16,8 @@ fi
 tools/setup.sh g++ cmake ninja-build libzmq3-dev
 
 build=build/demo
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF >"/dev/null"
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF \
+  -DMESH_L2VPN_TOOLS=OFF >/dev/null
 cmake --build "$build"
 
 # A directory of our own for the sockets: several demonstrations may run at once.

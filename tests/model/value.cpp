@@ -89,6 +89,7 @@ FieldValue zeroField(const Field& field) {
 Value zeroValue(const Message& message) {
   Value zero;
   zero.message = &message;
+  zero.fields.reserve(message.fields.size());
   for (const Field& field : message.fields) {
     zero.fields.push_back(zeroField(field));
   }
