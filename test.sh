@@ -3,7 +3,7 @@
 # one build: the Debian packages, the reference, the library on another processor.
 #
 #   ./test.sh [PRESET...]    workflow presets of CMakePresets.json: by default release (g++), asan,
-#                            tsan-threads and msan (clang++)
+#                            tsan and msan (clang++)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -11,7 +11,7 @@ tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev
   libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 pkg-config abigail-tools
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan-threads msan)
+[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
 export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(nproc)}"
 for preset in "${presets[@]}"; do
   echo "== $preset"
