@@ -19,6 +19,7 @@ thread_local uint32_t refusedRequest = 0;
 thread_local uint64_t requests = 0;
 thread_local uint64_t refused = 0;
 thread_local uint32_t answer = 0;
+thread_local std::vector<uint8_t> first;
 
 // Written so that the sum is used, and no compiler leaves the reading out.
 std::atomic<uint64_t> sink{0};
@@ -38,6 +39,8 @@ uint32_t takeTables(const mesh_msg_desc* descriptors, uint32_t count) {
   for (uint32_t index = 0; index < count; ++index) {
     sumOf(reinterpret_cast<const uint8_t*>(descriptors[index].data), descriptors[index].length);
   }
+  const auto* const table = reinterpret_cast<const uint8_t*>(descriptors[0].data);
+  first.assign(table, table + descriptors[0].length);
   counts.calls.fetch_add(1, std::memory_order_relaxed);
   counts.tables.fetch_add(count, std::memory_order_relaxed);
   return answer;
@@ -55,6 +58,10 @@ uint64_t refusedHere() {
 
 void answerWith(uint32_t result) {
   answer = result;
+}
+
+const std::vector<uint8_t>& firstTable() {
+  return first;
 }
 
 uint64_t sumOf(const uint8_t* bytes, uint64_t length) {

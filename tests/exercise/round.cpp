@@ -43,12 +43,13 @@ class RawRecord {
   uint8_t* bytes_;
 };
 
-void unpackAndPackAgain(const Operations& message, const std::vector<uint8_t>& bytes,
-                        Tally& tally) {
+// `received` holds the record whose compact message is `bytes`.
+void unpackAndPackAgain(const Operations& message, const std::vector<uint8_t>& received,
+                        const std::vector<uint8_t>& bytes, Tally& tally) {
   const uint64_t refusedBefore = refusedHere();
   RawRecord record(message.schema->size);
   const uint32_t size =
-      message.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
+      message.unpack(received.data(), static_cast<uint32_t>(received.size()), record.data());
   demand(size == message.schema->size, message, "__unpack returns another size");
   sumOf(record.data(), size);
   if (refusedHere() == refusedBefore) {
@@ -70,6 +71,14 @@ void check(const Operations& message, uint32_t result, uint32_t wanted, uint64_t
   demand(result == wanted, message, "a send returns another result than the middleware's");
   ++tally.sends;
   tally.tables += tables;
+}
+
+// What the middleware is handed for the first record; nothing when memory was refused.
+std::vector<uint8_t> sent(const Operations& message, const Records& records, Tally& tally) {
+  answerWith(0);
+  const uint64_t refused = refusedHere();
+  check(message, message.sendSingle(3, records.data(), 0), 0, refused, 1, tally);
+  return refusedHere() == refused ? firstTable() : std::vector<uint8_t>();
 }
 
 void send(const Operations& message, const Records& records, Tally& tally) {
@@ -102,16 +111,20 @@ void runRound(const Operations& message, Random& random, bool refusals, Tally& t
   refuseEvery(0);
   const std::vector<uint8_t> bytes = packed(message, records.data());
   refuseEvery(refusals ? 3 + random.below(5) : 0);
-  unpackAndPackAgain(message, bytes, tally);
+  unpackAndPackAgain(message, bytes, bytes, tally);
+  if (const std::vector<uint8_t> table = sent(message, records, tally); !table.empty()) {
+    unpackAndPackAgain(message, table, bytes, tally);
+  }
   send(message, records, tally);
   refuseEvery(0);
 }
 
 void runDamaged(const Operations& message, Random& random, Tally& tally) {
   const Records records(*message.schema, 1, random);
-  const std::vector<uint8_t> whole = packed(message, records.data());
+  const std::vector<uint8_t> compact = packed(message, records.data());
+  const std::vector<uint8_t> table = sent(message, records, tally);
   for (int round = 0; round < 20; ++round) {
-    std::vector<uint8_t> bytes = whole;
+    std::vector<uint8_t> bytes = round % 2 == 0 ? compact : table;
     damage(bytes, random);
     bytes.shrink_to_fit();
     RawRecord record(message.schema->size);

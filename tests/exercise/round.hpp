@@ -13,12 +13,12 @@ struct Tally {
   uint64_t tables = 0;  // that it was handed
 };
 
-// Packs a random record, unpacks it, packs it again, frees it and sends it in each way. With
-// `refusals`, memory is refused now and then, and every operation may fail for that. Ends the
-// process with a text where something is not as it should be.
+// Packs a random record and sends it in each way, unpacks what was packed and what was sent, packs
+// that again and frees it. With `refusals`, memory is refused now and then, and every operation may
+// fail for that. Ends the process with a text where something is not as it should be.
 void runRound(const Operations& message, Random& random, bool refusals, Tally& tally);
 
-// Unpacks and frees damaged messages.
+// Unpacks and frees damaged messages, packed ones and sent ones.
 void runDamaged(const Operations& message, Random& random, Tally& tally);
 
 }  // namespace exercise
