@@ -1,5 +1,6 @@
 #include "exercise/host.hpp"
 
+#include <array>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -21,8 +22,19 @@ thread_local uint64_t refused = 0;
 thread_local uint32_t answer = 0;
 thread_local std::vector<uint8_t> first;
 
-// Written so that the sum is used, and no compiler leaves the reading out.
-std::atomic<uint64_t> sink{0};
+// A byte that decides which address is read next: memory checkers speak up at those, whatever the
+// bytes beside it are. They do not where a sum is compared with a number that its other bytes
+// already rule out.
+constexpr auto weights = [] {
+  std::array<uint32_t, 256> list{};
+  for (uint32_t value = 0; value < list.size(); ++value) {
+    list[value] = value * 0x9E3779B1;
+  }
+  return list;
+}();
+
+// Where the sum goes, so that no compiler leaves the reading out.
+thread_local volatile uint64_t sink = 0;
 
 void* take(uint32_t size) {
   if (refusedRequest != 0 && ++requests % refusedRequest == 0) {
@@ -37,7 +49,7 @@ void* take(uint32_t size) {
 
 uint32_t takeTables(const mesh_msg_desc* descriptors, uint32_t count) {
   for (uint32_t index = 0; index < count; ++index) {
-    sumOf(reinterpret_cast<const uint8_t*>(descriptors[index].data), descriptors[index].length);
+    readAll(reinterpret_cast<const uint8_t*>(descriptors[index].data), descriptors[index].length);
   }
   const auto* const table = reinterpret_cast<const uint8_t*>(descriptors[0].data);
   first.assign(table, table + descriptors[0].length);
@@ -64,16 +76,12 @@ const std::vector<uint8_t>& firstTable() {
   return first;
 }
 
-uint64_t sumOf(const uint8_t* bytes, uint64_t length) {
+void readAll(const uint8_t* bytes, uint64_t length) {
   uint64_t sum = 0;
   for (uint64_t at = 0; at < length; ++at) {
-    sum = sum * 31 + bytes[at];
+    sum += weights[bytes[at]];
   }
-  // A branch on what was read: memory checkers speak up at those.
-  if (sum == 1) {
-    sink.fetch_add(1, std::memory_order_relaxed);
-  }
-  return sum;
+  sink = sum;
 }
 
 }  // namespace exercise
