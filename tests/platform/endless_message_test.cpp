@@ -2,6 +2,7 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <vector>
 
 #include "support/node_fixture.hpp"
 #include "support/own_process.hpp"
@@ -136,6 +137,32 @@ TEST_F(EndlessMessage, IsNotTakenForManyWaitingCalls) {
   }
   ASSERT_GT(calls, 20u);
   EXPECT_EQ(receiveNotes(node_, calls).size(), calls);
+  EXPECT_EQ(statisticsOf(node_).malformed, 0u);
+  EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
+}
+
+// The node looks after each call, and finds connections that brought none since the last look: it
+// was the turn of others.
+TEST_F(EndlessMessage, IsNotTakenForCallsThatWaitForTheirTurn) {
+  constexpr uint32_t senders = 3;
+  constexpr uint32_t callsOfEach = 14;
+  std::vector<OpenNode> others;
+  for (uint32_t sender = 0; sender < senders; ++sender) {
+    others.push_back(open(6 + sender, options_));
+    ASSERT_EQ(mesh_node_attach(others.back()), MESH_OK);
+    for (uint32_t call = 0; call < callsOfEach; ++call) {
+      ASSERT_EQ(sendNotes(own, {std::string(payloadLimit, 'a')}), MESH_OK);
+    }
+  }
+  const auto slowly = [](const mesh_received*, void*) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+  };
+  const Deadline deadline;
+  while (statisticsOf(node_).received_calls < senders * callsOfEach && !deadline.passed() &&
+         statisticsOf(node_).malformed == 0) {
+    ASSERT_GE(mesh_node_receive(node_, 1000, slowly, nullptr), 0);
+  }
+  EXPECT_EQ(statisticsOf(node_).received_calls, senders * callsOfEach);
   EXPECT_EQ(statisticsOf(node_).malformed, 0u);
   EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
 }
