@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The program's commands on files: what they print, how they end.
 #
-#   commands.sh MESH-L2VPN
+#   commands.sh MESH-L2VPN WRITE_CAPTURE
 tool=$1
+write_capture=$2
 . "$(dirname "$0")/expect.sh"
 cd "$work"
 
@@ -65,6 +66,29 @@ expect_exit 0 "$tool" diff -m $message compact.bin compact.bin
 expect_exit 1 "$tool" diff -m $message compact.bin other.bin
 expect_text out "f1.f6  1042   1043"
 expect_text out "54    f1.f6 value   12     13"
+
+# Lists of items that are spoilt here and there end no command early.
+list=l2vpn_cfg_query_dfx_rec
+echo '{"f1": [{"f1": 7}, {"f1": 8}]}' | "$tool" encode -m $list >list.bin
+for at in 21 24 38 42 46 48 54 58 62; do  # words, a count, vtables, entries
+  cp list.bin hostile.bin
+  printf '\377' | dd of=hostile.bin bs=1 seek=$at conv=notrunc status=none
+  "$tool" decode hostile.bin >raw 2>err || expect_text err "byte "
+  "$tool" explain --all -m $list hostile.bin >out || [ $? -eq 1 ] || fail "explain ends badly"
+  expect_text out "$list: "
+  "$tool" explain --html -m $list hostile.bin >out || [ $? -eq 1 ] || fail "explain ends badly"
+  expect_text out '</html>'
+  for command in "decode --line -m $list hostile.bin" "diff -m $list list.bin hostile.bin"; do
+    # shellcheck disable=SC2086
+    "$tool" $command >out 2>err || [ $? -eq 1 ] || fail "$command ends badly"
+    ! grep -q "too large" err || fail "$command encodes what was rejected"
+  done
+done
+"$write_capture" spoilt.pcapng 1020 damaged
+expect_exit 1 "$tool" decode spoilt.pcapng
+[ "$(wc -l <out)" -eq 1020 ] || fail "a spoilt table ends decode"
+expect_exit 0 "$tool" stat --json spoilt.pcapng
+[ "$(sed -n '/"all"/,$ s/ *"tables": \([0-9]*\),/\1/p' out)" -eq 1020 ] || fail "a spoilt table ends stat"
 
 expect_exit 0 "$tool" completion bash
 bash -n out || fail "the completion script is no bash"

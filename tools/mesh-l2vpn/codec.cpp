@@ -1,6 +1,7 @@
 #include "codec.hpp"
 
 #include <algorithm>
+#include <optional>
 
 #include "failure.hpp"
 #include "sent_table.hpp"
@@ -9,11 +10,6 @@
 namespace tool {
 namespace {
 
-[[noreturn]] void failEncoding(const OwnedRecord& record) {
-  throw Failure(Exit::BadInput,
-                "this " + std::string(record.message().name) + " is too large to be encoded");
-}
-
 // Whether a few bytes can ask for much memory.
 bool hasVector(const mesh::wire::Record& record) {
   return std::ranges::any_of(record.slots, [](const mesh::wire::Slot& slot) {
@@ -21,28 +17,46 @@ bool hasVector(const mesh::wire::Record& record) {
   });
 }
 
+// How many bytes the compact arrangement takes; none where there is no encoding.
+std::optional<uint32_t> compactSize(const OwnedRecord& record) {
+  uint32_t size = UINT32_MAX;
+  return record.message().pack(record.data(), nullptr, &size) == 0 ? std::optional(size)
+                                                                   : std::nullopt;
+}
+
+std::optional<Bytes> compactBytes(const OwnedRecord& record) {
+  auto size = compactSize(record);
+  if (!size) {
+    return std::nullopt;
+  }
+  Bytes bytes(*size);
+  return record.message().pack(record.data(), bytes.data(), &*size) == 0
+             ? std::optional(std::move(bytes))
+             : std::nullopt;
+}
+
+std::optional<Bytes> sentBytes(const OwnedRecord& record) {
+  uint32_t result = 0;
+  Bytes bytes = takeSent([&] { result = record.message().sendSingle(0, record.data(), 0); });
+  return result == 0 ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+Bytes orFail(std::optional<Bytes> bytes, const OwnedRecord& record) {
+  if (!bytes) {
+    throw Failure(Exit::BadInput,
+                  "this " + std::string(record.message().name) + " is too large to be encoded");
+  }
+  return std::move(*bytes);
+}
+
 }  // namespace
 
 Bytes encodeCompact(const OwnedRecord& record) {
-  const Message& message = record.message();
-  uint32_t length = UINT32_MAX;
-  if (message.pack(record.data(), nullptr, &length) != 0) {
-    failEncoding(record);
-  }
-  Bytes bytes(length);
-  if (message.pack(record.data(), bytes.data(), &length) != 0) {
-    failEncoding(record);
-  }
-  return bytes;
+  return orFail(compactBytes(record), record);
 }
 
 Bytes encodeAsSent(const OwnedRecord& record) {
-  uint32_t result = 0;
-  Bytes bytes = takeSent([&] { result = record.message().sendSingle(0, record.data(), 0); });
-  if (result != 0) {
-    failEncoding(record);
-  }
-  return bytes;
+  return orFail(sentBytes(record), record);
 }
 
 Bytes encodeFixed(const OwnedRecord& record) {
@@ -65,9 +79,13 @@ bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes) {
       (hasVector(message.record()) && readTable(message, bytes).memory > largestMemory)) {
     return false;
   }
+  // What a rejected message leaves may be a count without its items, which has no encoding.
   const OwnedRecord record = decode(message, bytes);
-  const auto encodes = [&](const Bytes& encoded) { return std::ranges::equal(encoded, bytes); };
-  return (message.isSentFixed() && encodes(encodeAsSent(record))) || encodes(encodeCompact(record));
+  const auto isEqual = [&](const std::optional<Bytes>& encoded) {
+    return encoded && std::ranges::equal(*encoded, bytes);
+  };
+  return (message.isSentFixed() && isEqual(sentBytes(record))) ||
+         (compactSize(record) == bytes.size() && isEqual(compactBytes(record)));
 }
 
 }  // namespace tool
