@@ -40,7 +40,7 @@ class Capture : public testing::Test {
     const Bytes bytes{1, 2, 3, 4, 5};
     for (size_t size = 3; size <= 5; ++size) {
       writer.write({1'700'000'000'123'456'789 + size, 7, 8, 0x5EED5F0D, UINT64_MAX - size,
-                    std::span(bytes).first(size)});
+                    std::span(bytes).first(size), size == 4 ? 2u : 0u});
     }
     writer.writeStatistics(3, 2);
   }
@@ -71,6 +71,45 @@ TEST_F(Capture, HoldsWhatWasWritten) {
   EXPECT_FALSE(reader.next());
   EXPECT_EQ(reader.fault(), "");
   EXPECT_EQ(reader.lost(), 2u);
+}
+
+TEST_F(Capture, TellsWhereCallsWereMissed) {
+  const Bytes bytes{1, 2, 3, 4, 5};
+  const std::vector<uint64_t> missed{2, 0, UINT32_MAX + uint64_t{1}};
+  {
+    CaptureWriter writer(path_);
+    for (const uint64_t count : missed) {
+      writer.write({1, 7, 8, 9, 0, bytes, count});
+    }
+  }
+  CaptureReader reader(path_);
+  for (const uint64_t count : missed) {
+    const auto table = reader.next();
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->missedBefore, count);
+    EXPECT_TRUE(std::ranges::equal(table->bytes, bytes));
+  }
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "");
+  EXPECT_EQ(reader.lost(), UINT32_MAX + uint64_t{3}) << "a recorder that was killed";
+}
+
+TEST_F(Capture, CountsWhatWasMissedOnce) {
+  const auto section = [this](uint64_t inPackets, std::optional<uint64_t> altogether) {
+    CaptureWriter writer(path_);
+    writer.write({1, 7, 8, 9, 0, {}, inPackets});
+    if (altogether) {
+      writer.writeStatistics(1, *altogether);
+    }
+  };
+  section(3, 5);
+  const std::string ended = readAll(path_);
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(lost_, 5u) << "two of them behind the last table";
+  section(4, std::nullopt);
+  write(ended + readAll(path_) + ended);
+  EXPECT_EQ(read().size(), 3u);
+  EXPECT_EQ(lost_, 14u);
 }
 
 TEST_F(Capture, CutAnywhereIsReadUpToThere) {
@@ -111,10 +150,11 @@ TEST_F(Capture, OfTheOtherByteOrderIsRead) {
   write(text({0x0A, 0x0D, 0x0D, 0x0A, 0, 0, 0, 28, 0x1A, 0x2B, 0x3C, 0x4D, 0, 1, 0, 0}) +
         std::string(8, '\xff') + text({0, 0, 0, 28}) +
         text({0, 0, 0, 1, 0, 0, 0, 20, 0, 147, 0, 0, 0, 0, 0, 0, 0, 0, 0, 20}) +
-        text({0, 0, 0, 6, 0, 0, 0, 68, 0, 0,  0, 0, 0, 0,
+        text({0, 0, 0, 6, 0, 0, 0, 84, 0, 0,  0, 0, 0, 0,
               0, 0, 0, 0, 0, 5, 0, 0,  0, 34, 0, 0, 0, 34}) +
         "MESH" + text({1, 0, 32, 0, 7, 0, 0, 0, 8, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0}) +
-        text({1, 0, 0, 0, 0, 0, 0, 0}) + text({0xAA, 0xBB, 0, 0}) + text({0, 0, 0, 68}));
+        text({1, 0, 0, 0, 0, 0, 0, 0}) + text({0xAA, 0xBB, 0, 0}) +
+        text({0, 4, 0, 8, 0, 0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0}) + text({0, 0, 0, 84}));
   CaptureReader reader(path_);
   const auto table = reader.next();
   ASSERT_TRUE(table) << reader.fault();
@@ -122,6 +162,7 @@ TEST_F(Capture, OfTheOtherByteOrderIsRead) {
   EXPECT_EQ(table->source, 7u);
   EXPECT_EQ(table->extra, 1u);
   EXPECT_EQ(table->bytes.size(), 2u);
+  EXPECT_EQ(table->missedBefore, 258u);
   EXPECT_FALSE(reader.next());
   EXPECT_EQ(reader.fault(), "");
 }

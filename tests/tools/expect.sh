@@ -21,6 +21,22 @@ expect_exit() {
   }
 }
 
+# until_said TEXT FILE: waits for a process to say it.
+until_said() {
+  for _ in $(seq 200); do
+    ! grep -qF -- "$1" "$2" || return 0
+    sleep 0.05
+  done
+  cat "$2" >&2
+  fail "never said: $1"
+}
+
+# use_middleware LIBZARNIMESH: from now on the program talks over it, in a directory of this test.
+use_middleware() {
+  export MESH_L2VPN_MIDDLEWARE=$1 ZARNIMESH_RUNTIME_DIR=$work/run
+  mkdir -m 700 "$ZARNIMESH_RUNTIME_DIR"
+}
+
 expect_text() {
   grep -qF -- "$2" "$1" || {
     cat "$1" >&2

@@ -3,21 +3,9 @@
 #
 #   talk.sh MESH-L2VPN LIBZARNIMESH
 tool=$1
-export MESH_L2VPN_MIDDLEWARE=$2
 . "$(dirname "$0")/expect.sh"
+use_middleware "$2"
 cd "$work"
-mkdir -m 700 run
-export ZARNIMESH_RUNTIME_DIR=$work/run
-
-# until_said TEXT FILE: waits for a process to say it.
-until_said() {
-  for _ in $(seq 200); do
-    ! grep -qF "$1" "$2" || return 0
-    sleep 0.05
-  done
-  cat "$2" >&2
-  fail "never said: $1"
-}
 
 "$tool" listen 2 --count 2 --seconds 30 >heard 2>listener &
 listener=$!

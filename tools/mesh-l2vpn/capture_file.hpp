@@ -8,6 +8,8 @@
 //    6  u16 length of this header, 32
 //    8  u32 source, u32 destination, u32 identifier, u32 zero
 //   24  u64 the word that travelled along
+//
+// Where calls were missed, the packet behind the gap has the option epb_dropcount: how many.
 #pragma once
 
 #include <cstdio>
@@ -55,8 +57,9 @@ class CaptureReader {
 
   // What is wrong with the file, and where; empty when nothing is. Reading ends there.
   [[nodiscard]] const std::string& fault() const { return fault_; }
-  // Calls that the recording node missed, as far as the file says.
-  [[nodiscard]] uint64_t lost() const { return lost_; }
+  // Calls that the recording node missed, as far as the file says: a recorder that was killed tells
+  // none behind its last table.
+  [[nodiscard]] uint64_t lost() const;
   // Packets that are no tables.
   [[nodiscard]] uint64_t otherPackets() const { return otherPackets_; }
   [[nodiscard]] uint64_t position() const { return position_; }
@@ -72,9 +75,12 @@ class CaptureReader {
   template <typename Integer>
   [[nodiscard]] Integer load(size_t at) const;
   bool takeInterface();
+  void takeSection();
   void takeStatistics();
   // The value of an option of the block, whose options begin at `at`; empty when it has none.
   [[nodiscard]] std::span<const uint8_t> option(size_t at, uint16_t code) const;
+  // The same as a count of 64 bits; 0 when it has none.
+  [[nodiscard]] uint64_t countOption(size_t at, uint16_t code) const;
   bool takePacket(std::optional<Table>& table);
 
   File file_;
@@ -86,7 +92,9 @@ class CaptureReader {
   std::string fault_;
   uint64_t position_ = 0;  // of the block being read
   uint64_t nextPosition_ = 0;
-  uint64_t lost_ = 0;
+  uint64_t lostBefore_ = 0;        // in the sections before
+  uint64_t lostByStatistics_ = 0;  // in this one
+  uint64_t lostByPackets_ = 0;
   uint64_t otherPackets_ = 0;
 };
 

@@ -16,6 +16,7 @@ inline constexpr uint16_t linkTypeUser0 = 147;
 
 inline constexpr uint16_t userApplication = 4;      // of a section
 inline constexpr uint16_t timestampResolution = 9;  // of an interface
+inline constexpr uint16_t dropCount = 4;            // of a packet
 inline constexpr uint16_t receivedPackets = 4;      // of statistics
 inline constexpr uint16_t droppedPackets = 5;
 

@@ -67,8 +67,7 @@ bool CaptureReader::readBlock() {
       return fail("a section without a byte order");
     }
     isSwapped_ = head[2] != byteOrderMagic;
-    hasSection_ = true;
-    interfaces_.clear();
+    takeSection();
   } else if (!hasSection_) {
     return fail("not a pcapng file");
   }
@@ -106,6 +105,15 @@ std::span<const uint8_t> CaptureReader::option(size_t at, uint16_t code) const {
   return {};
 }
 
+uint64_t CaptureReader::countOption(size_t at, uint16_t code) const {
+  const auto value = option(at, code);
+  if (value.size() != sizeof(uint64_t)) {
+    return 0;
+  }
+  const auto count = loadAs<uint64_t>(value.data());
+  return isSwapped_ ? reversed(count) : count;
+}
+
 bool CaptureReader::takeInterface() {
   if (block_.size() < 8) {
     return fail("an interface without its link type");
@@ -127,15 +135,21 @@ bool CaptureReader::takeInterface() {
   return true;
 }
 
+void CaptureReader::takeSection() {
+  hasSection_ = true;
+  interfaces_.clear();
+  lostBefore_ = lost();
+  lostByStatistics_ = 0;
+  lostByPackets_ = 0;
+}
+
 void CaptureReader::takeStatistics() {
-  if (block_.size() < 12) {
-    return;
-  }
-  const auto dropped = option(12, droppedPackets);
-  if (dropped.size() == 8) {
-    const auto count = loadAs<uint64_t>(dropped.data());
-    lost_ += isSwapped_ ? reversed(count) : count;
-  }
+  lostByStatistics_ += countOption(12, droppedPackets);
+}
+
+// The statistics count what the packets do, and what was missed behind the last.
+uint64_t CaptureReader::lost() const {
+  return lostBefore_ + std::max(lostByStatistics_, lostByPackets_);
 }
 
 bool CaptureReader::takePacket(std::optional<Table>& table) {
@@ -165,7 +179,9 @@ bool CaptureReader::takePacket(std::optional<Table>& table) {
                 loadAs<uint32_t>(packet + 12),
                 loadAs<uint32_t>(packet + 16),
                 loadAs<uint64_t>(packet + 24),
-                {packet + headerLength, length - headerLength}};
+                {packet + headerLength, length - headerLength},
+                countOption(20 + size_t{padded(length)}, dropCount)};
+  lostByPackets_ += table->missedBefore;
   return true;
 }
 

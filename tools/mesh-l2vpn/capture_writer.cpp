@@ -32,6 +32,10 @@ void appendOption(std::vector<uint8_t>& bytes, uint16_t code, std::span<const ui
   appendBytes(bytes, value);
 }
 
+void appendCount(std::vector<uint8_t>& bytes, uint16_t code, uint64_t count) {
+  appendOption(bytes, code, {reinterpret_cast<const uint8_t*>(&count), sizeof count});
+}
+
 void appendTime(std::vector<uint8_t>& bytes, uint64_t time) {
   append(bytes, static_cast<uint32_t>(time >> 32));
   append(bytes, static_cast<uint32_t>(time));
@@ -70,7 +74,7 @@ CaptureWriter::CaptureWriter(const std::string& file)
 void CaptureWriter::write(const Table& table) {
   const auto length = static_cast<uint32_t>(tableHeaderLength + table.bytes.size());
   std::vector<uint8_t> packet;
-  packet.reserve(20 + padded(length));
+  packet.reserve(20 + padded(length) + 16);
   append(packet, uint32_t{0});  // the interface
   appendTime(packet, table.time);
   append(packet, length);
@@ -84,6 +88,10 @@ void CaptureWriter::write(const Table& table) {
   append(packet, uint32_t{0});
   append(packet, table.extra);
   appendBytes(packet, table.bytes);
+  if (table.missedBefore != 0) {
+    appendCount(packet, dropCount, table.missedBefore);
+    append(packet, uint32_t{0});
+  }
   writeBlock(enhancedPacket, packet);
 }
 
@@ -91,11 +99,8 @@ void CaptureWriter::writeStatistics(uint64_t received, uint64_t lost) {
   std::vector<uint8_t> statistics;
   append(statistics, uint32_t{0});
   appendTime(statistics, nowInNanoseconds());
-  const auto appendCount = [&](uint16_t code, uint64_t count) {
-    appendOption(statistics, code, {reinterpret_cast<const uint8_t*>(&count), sizeof count});
-  };
-  appendCount(receivedPackets, received);
-  appendCount(droppedPackets, lost);
+  appendCount(statistics, receivedPackets, received);
+  appendCount(statistics, droppedPackets, lost);
   append(statistics, uint32_t{0});
   writeBlock(interfaceStatistics, statistics);
 }

@@ -136,6 +136,11 @@ mesh_node_statistics Node::statistics() const {
   return statistics;
 }
 
+uint64_t Node::missedCalls() const {
+  const mesh_node_statistics counted = statistics();
+  return counted.lost_calls + counted.missed_before_first;
+}
+
 void Node::takeRecord(const mesh_received* received, void* self) {
   static_cast<Node*>(self)->take(received->source, received->msg_id,
                                  {received->table, received->table_length}, received->extra);
@@ -153,7 +158,9 @@ void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, ui
     return;
   }
   try {
-    (*handler_)({nowInNanoseconds(), source, address_, id, extra, bytes});
+    const uint64_t missed = missedCalls();
+    (*handler_)({nowInNanoseconds(), source, address_, id, extra, bytes, missed - missedSoFar_});
+    missedSoFar_ = missed;
   } catch (const std::exception& error) {
     failure_ = error.what();
   }

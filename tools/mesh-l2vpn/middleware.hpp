@@ -26,10 +26,14 @@ class Node {
   // Fails with the middleware's text.
   void send(uint32_t destination, uint32_t id, std::span<const uint8_t> table, uint64_t extra);
 
-  // Waits for the tables of one call and hands each over, without decoding it.
+  // Waits for the tables of one call and hands each over, without decoding it. Calls that were
+  // missed are told with the first table behind them.
   void receive(int timeoutMs, const std::function<void(const Table&)>& handler);
 
   [[nodiscard]] mesh_node_statistics statistics() const;
+  // Calls to this node that did not arrive, those among them that a sender made before the first
+  // that did.
+  [[nodiscard]] uint64_t missedCalls() const;
 
   // Fails when the middleware could not hand over what was sent.
   void close();
@@ -47,6 +51,7 @@ class Node {
   mesh_node* node_ = nullptr;
   const std::function<void(const Table&)>* handler_ = nullptr;
   std::string failure_;
+  uint64_t missedSoFar_ = 0;
 };
 
 // The address of a node that only sends, different in every process.

@@ -61,6 +61,9 @@ Json tableJson(const Table& table) {
                {"identifier", catalogue::hex(table.id)},
                {"extra", table.extra},
                {"length", table.bytes.size()}};
+  if (table.missedBefore != 0) {
+    json["missedBefore"] = table.missedBefore;
+  }
   if (message != nullptr) {
     addContents(json, *message, table.bytes);
   } else {

@@ -15,6 +15,7 @@ struct Table {
   uint32_t id;
   uint64_t extra;
   std::span<const uint8_t> bytes;
+  uint64_t missedBefore = 0;  // calls that did not arrive between the table before and this one
 };
 
 uint64_t nowInNanoseconds();

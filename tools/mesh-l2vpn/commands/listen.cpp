@@ -21,8 +21,8 @@ void run(const ReceiveOptions& options, const Session& session) {
   const mesh_node_statistics statistics = node.statistics();
   session.say(std::to_string(statistics.received_records + statistics.unknown_identifiers) +
               " tables in " + std::to_string(statistics.received_calls) + " calls; lost calls " +
-              std::to_string(statistics.lost_calls + statistics.missed_before_first) +
-              ", malformed " + std::to_string(statistics.malformed));
+              std::to_string(node.missedCalls()) + ", malformed " +
+              std::to_string(statistics.malformed));
 }
 
 }  // namespace

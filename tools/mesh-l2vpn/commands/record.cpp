@@ -26,8 +26,7 @@ void run(const Options& options, const Session& session) {
       progress.add();
     });
   }
-  const mesh_node_statistics statistics = node.statistics();
-  writer.writeStatistics(written, statistics.lost_calls + statistics.missed_before_first);
+  writer.writeStatistics(written, node.missedCalls());
   session.say(std::to_string(written) + " tables recorded");
 }
 

@@ -34,9 +34,22 @@ struct Count {
   }
 };
 
+// Places where the recorder missed calls.
+struct Gaps {
+  uint64_t places = 0;
+  uint64_t calls = 0;
+
+  void add(uint64_t missed) {
+    ++places;
+    calls += missed;
+  }
+};
+
 struct Statistics {
   std::map<uint32_t, Count> byId;
   Count all;
+  std::map<uint32_t, Gaps> gapsBySource;
+  Gaps gaps;
   uint64_t first = std::numeric_limits<uint64_t>::max();
   uint64_t last = 0;
   uint64_t previous = 0;
@@ -45,6 +58,10 @@ struct Statistics {
   void add(const Table& table) {
     byId[table.id].add(table);
     all.add(table);
+    if (table.missedBefore != 0) {
+      gaps.add(table.missedBefore);
+      gapsBySource[table.source].add(table.missedBefore);
+    }
     if (all.tables > 1 && table.time > previous) {
       longestPause = std::max(longestPause, table.time - previous);
     }
@@ -78,6 +95,10 @@ std::string rateText(uint64_t count, double seconds) {
   return seconds > 0 ? text : "-";
 }
 
+std::string placesText(const Gaps& gaps) {
+  return std::to_string(gaps.places) + (gaps.places == 1 ? " place" : " places");
+}
+
 void printText(const Statistics& statistics, const CaptureReader& reader, const Session& session) {
   TextTable table({"message", "tables", "bytes", "length", "a second", "rejected"});
   const double seconds = statistics.seconds();
@@ -98,8 +119,16 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
               << seconds << " s\nlongest pause "
               << static_cast<double>(statistics.longestPause) / 1e9 << " s\n";
   }
-  std::cout << "calls that the recorder missed: " << reader.lost()
-            << "; packets that are no tables: " << reader.otherPackets() << '\n';
+  std::cout << "calls that the recorder missed: " << reader.lost();
+  if (statistics.gaps.places != 0) {
+    std::cout << ", in " << placesText(statistics.gaps);
+  }
+  std::cout << '\n';
+  for (const auto& [source, gaps] : statistics.gapsBySource) {
+    std::cout << "  of node " << source << ": " << gaps.calls << ", in " << placesText(gaps)
+              << '\n';
+  }
+  std::cout << "packets that are no tables: " << reader.otherPackets() << '\n';
 }
 
 void printJson(const Statistics& statistics, const CaptureReader& reader) {
@@ -114,6 +143,11 @@ void printJson(const Statistics& statistics, const CaptureReader& reader) {
   }
   json["longestPause"] = static_cast<double>(statistics.longestPause) / 1e9;
   json["missedCalls"] = reader.lost();
+  json["gaps"] = statistics.gaps.places;
+  json["missedOf"] = Json::object();
+  for (const auto& [source, gaps] : statistics.gapsBySource) {
+    json["missedOf"][std::to_string(source)] = {{"calls", gaps.calls}, {"gaps", gaps.places}};
+  }
   json["otherPackets"] = reader.otherPackets();
   json["fault"] = reader.fault().empty() ? Json() : Json(reader.fault());
   std::cout << json.dump(2) << '\n';

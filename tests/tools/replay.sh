@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# replay keeps the pace that it was asked for: it is never faster. How much slower it may be is for
+# the machine to say.
+#
+#   replay.sh MESH-L2VPN LIBZARNIMESH WRITE_CAPTURE
+tool=$1
+write_capture=$3
+. "$(dirname "$0")/expect.sh"
+use_middleware "$2"
+cd "$work"
+
+"$tool" listen 3 >heard 2>listener &
+listener=$!
+until_said "node 3 listens" listener
+
+# until_heard COUNT
+until_heard() {
+  for _ in $(seq 200); do
+    [ "$(wc -l <heard)" -lt "$1" ] || return 0
+    sleep 0.05
+  done
+  fail "$(wc -l <heard) tables were heard, not $1"
+}
+
+# In hundredths of a second, of a clock that nobody sets.
+now() {
+  local uptime
+  read -r uptime _ </proc/uptime
+  echo "${uptime/./}"
+}
+
+# expect_pace HUNDREDTHS OPTION...: a replay takes as long, give or take the clock's grain.
+expect_pace() {
+  local least=$1 start taken
+  shift
+  start=$(now)
+  expect_exit 0 "$tool" replay --to 3 "$@"
+  taken=$(($(now) - start))
+  [ "$taken" -ge $((least - 1)) ] || fail "replay $* took $taken hundredths of a second"
+  echo "replay $*: $taken hundredths of a second, at least $least"
+}
+
+"$write_capture" paced.pcapng 101  # one a millisecond
+expect_pace 10 paced.pcapng
+expect_pace 40 --speed 0.25 paced.pcapng
+expect_pace 5 --speed 2 paced.pcapng
+expect_pace 50 --rate 200 paced.pcapng
+"$write_capture" few.pcapng 4
+expect_pace 150 --rate 2 few.pcapng
+
+# Two recordings, years apart: only the recorded pace waits for them.
+"$tool" record 4 later.pcapng --count 1 2>recorder &
+recorder=$!
+until_said "node 4 records" recorder
+echo '{"f0": 1}' | "$tool" --quiet send --to 4 -m l2vpn_sync_stp
+wait $recorder
+cat few.pcapng later.pcapng >years.pcapng
+expect_exit 0 "$tool" replay --to 3 --at-once years.pcapng
+expect_text err "5 tables sent"
+expect_exit 0 "$tool" replay --to 3 --rate 1000 years.pcapng
+expect_text err "5 tables sent"
+"$tool" replay --to 3 years.pcapng 2>waiting &
+waiting=$!
+heard=$((4 * 101 + 4 + 2 * 5 + 4))
+until_heard $heard
+sleep 0.2
+kill -TERM $waiting
+wait $waiting || fail "an interrupted replay fails"
+expect_text waiting "4 tables sent"
+
+for pace in "--rate 0" "--rate -1" "--speed 0" "--rate 5 --speed 2" "--at-once --rate 5" \
+            "--at-once --speed 2"; do
+  # shellcheck disable=SC2086
+  expect_exit 2 "$tool" replay $pace few.pcapng
+done
+
+kill -TERM $listener
+wait $listener || fail "the listener fails"
+[ "$(wc -l <heard)" -eq $heard ] || fail "more was heard than was sent"
