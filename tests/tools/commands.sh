@@ -66,6 +66,28 @@ expect_exit 0 "$tool" diff -m $message compact.bin compact.bin
 expect_exit 1 "$tool" diff -m $message compact.bin other.bin
 expect_text out "f1.f6  1042   1043"
 expect_text out "54    f1.f6 value   12     13"
+expect_exit 1 "$tool" diff --json -m $message compact.bin other.bin
+tr -d ' \n' <out >line
+expect_text line '"fields":[{"path":"f1.f6","first":1042,"second":1043}]'
+expect_text line '"bytes":[{"at":54,"meaning":"f1.f6value","first":"12","second":"13"}]'
+expect_exit 1 "$tool" --quiet diff --json -m $message compact.bin fixed.bin
+tr -d ' \n' <out >line
+expect_text line '{"firstLength":96,"secondLength":120,"fields":[],"bytes":[{"at":0,'
+expect_exit 0 "$tool" diff --json -m $message compact.bin compact.bin
+tr -d ' \n' <out >line
+expect_text line '"fields":[],"bytes":[]}'
+
+# Bytes of all lengths, as base64 of another's making.
+for length in $(seq 0 40); do
+  text=$(head -c "$length" "$tool" | base64 -w 0)
+  echo "{\"f3\": \"$text\"}" | "$tool" encode --base64 -m dbginfo_key_l2vpn >key.bin
+  expect_exit 0 "$tool" decode --line --base64 -m dbginfo_key_l2vpn key.bin
+  expect_text out "\"f3\":\"$text\"}"
+done
+tail -c 40 key.bin | cmp - <(head -c 40 "$tool") || fail "other bytes were encoded"
+echo '{"f1": {"f8": "AAAA!AAAAAAAAAAA"}}' >bad.json
+expect_exit 1 "$tool" encode --base64 -m $message bad.json
+expect_text err "f1.f8: no base64 digit at character 4"
 
 # Lists of items that are spoilt here and there end no command early.
 list=l2vpn_cfg_query_dfx_rec

@@ -7,16 +7,17 @@ tool=$1
 use_middleware "$2"
 cd "$work"
 
-"$tool" listen 2 --count 2 --seconds 30 >heard 2>listener &
+"$tool" listen 2 --base64 --count 3 --seconds 30 >heard 2>listener &
 listener=$!
 until_said "node 2 listens" listener
 echo '{"f0": 18446744073709551615}' | "$tool" send --to 2 --from 5 --extra 9 -m l2vpn_sync_vpls_macping
 echo '{"f3": "616263"}' | "$tool" send --to 2 --from 5 -m dbginfo_key_l2vpn
+echo '{"f3": "YWJj"}' | "$tool" send --base64 --to 2 --from 5 -m dbginfo_key_l2vpn
 wait $listener || fail "listen did not end well"
 expect_text heard '"source":5,"destination":2,"message":"l2vpn_sync_vpls_macping"'
 expect_text heard '"extra":9,'
 expect_text heard '"record":{"f0":18446744073709551615,'
-expect_text heard '"record":{"f0":0,"f1":0,"f2":0,"f3":"616263"}'
+[ "$(grep -cF '"record":{"f0":0,"f1":0,"f2":0,"f3":"YWJj"}' heard)" -eq 2 ] || fail "other bytes: $(cat heard)"
 
 "$tool" record 3 night.pcapng --count 5 --seconds 30 2>recorder &
 recorder=$!

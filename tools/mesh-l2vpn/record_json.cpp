@@ -4,7 +4,6 @@
 #include <set>
 
 #include "failure.hpp"
-#include "hex.hpp"
 
 namespace tool {
 namespace {
@@ -41,34 +40,34 @@ void storeScalar(const Slot& slot, uint8_t* field, uint64_t value) {
   }
 }
 
-Json vectorToJson(const Slot& slot, const uint8_t* record) {
+Json vectorToJson(const Slot& slot, const uint8_t* record, ByteText form) {
   Json items = Json::array();
   const auto* const first = loadAs<const uint8_t*>(record + slot.recordOffset);
   if (first != nullptr) {
     const auto count = loadAs<uint32_t>(record + slot.countOffset);
     for (uint64_t item = 0; item < count; ++item) {
-      items.push_back(toJson(*slot.nested, first + item * slot.size));
+      items.push_back(toJson(*slot.nested, first + item * slot.size, form));
     }
   }
   return items;
 }
 
-std::string bytesToText(const Slot& slot, const uint8_t* record) {
+std::string bytesToText(const Slot& slot, const uint8_t* record, ByteText form) {
   const auto* const bytes = loadAs<const uint8_t*>(record + slot.recordOffset);
   return bytes == nullptr ? std::string()
-                          : toHex({bytes, loadAs<uint32_t>(record + slot.countOffset)});
+                          : toText(form, {bytes, loadAs<uint32_t>(record + slot.countOffset)});
 }
 
-Json slotToJson(const Slot& slot, const uint8_t* record) {
+Json slotToJson(const Slot& slot, const uint8_t* record, ByteText form) {
   switch (slot.kind) {
     case Kind::Array:
-      return toHex({record + slot.recordOffset, slot.size});
+      return toText(form, {record + slot.recordOffset, slot.size});
     case Kind::Bytes:
-      return bytesToText(slot, record);
+      return bytesToText(slot, record, form);
     case Kind::Table:
-      return toJson(*slot.nested, record + slot.recordOffset);
+      return toJson(*slot.nested, record + slot.recordOffset, form);
     case Kind::Vector:
-      return vectorToJson(slot, record);
+      return vectorToJson(slot, record, form);
     default:
       return loadScalar(slot, record + slot.recordOffset);
   }
@@ -77,7 +76,7 @@ Json slotToJson(const Slot& slot, const uint8_t* record) {
 // Fills one record from JSON, and those nested in it.
 class RecordFiller {
  public:
-  explicit RecordFiller(OwnedRecord& owner) : owner_(owner) {}
+  RecordFiller(OwnedRecord& owner, ByteText form) : owner_(owner), form_(form) {}
 
   void fill(const Record& schema, const Json& json, uint8_t* record, const std::string& path) {
     if (!json.is_object()) {
@@ -156,12 +155,14 @@ class RecordFiller {
     }
   }
 
-  static std::vector<uint8_t> parseBytes(const Json& json, const std::string& path) {
+  [[nodiscard]] std::vector<uint8_t> parseBytes(const Json& json, const std::string& path) const {
     if (!json.is_string()) {
-      fail(path, std::string("a text of hexadecimal digits was expected, not ") + json.type_name());
+      const char* const digits = form_ == ByteText::Base64 ? "base64" : "hexadecimal";
+      fail(path,
+           std::string("a text of ") + digits + " digits was expected, not " + json.type_name());
     }
     try {
-      return fromHex(json.get_ref<const std::string&>());
+      return fromText(form_, json.get_ref<const std::string&>());
     } catch (const Failure& failure) {
       fail(path, failure.what());
     }
@@ -193,21 +194,22 @@ class RecordFiller {
   }
 
   OwnedRecord& owner_;
+  ByteText form_;
 };
 
 }  // namespace
 
-Json toJson(const Record& schema, const uint8_t* record) {
+Json toJson(const Record& schema, const uint8_t* record, ByteText form) {
   Json json = Json::object();
   for (const Slot& slot : schema.slots) {
-    json[slot.name.data()] = slotToJson(slot, record);
+    json[slot.name.data()] = slotToJson(slot, record, form);
   }
   return json;
 }
 
-OwnedRecord fromJson(const Message& message, const Json& json) {
+OwnedRecord fromJson(const Message& message, const Json& json, ByteText form) {
   OwnedRecord record(message);
-  RecordFiller(record).fill(message.record(), json, record.data(), "");
+  RecordFiller(record, form).fill(message.record(), json, record.data(), "");
   return record;
 }
 

@@ -15,9 +15,10 @@ namespace {
 constexpr uint64_t second = 1'000'000'000;
 
 // Adds the record, or why there is none.
-void addContents(Json& json, const Message& message, std::span<const uint8_t> bytes) {
+void addContents(Json& json, const Message& message, std::span<const uint8_t> bytes,
+                 ByteText form) {
   if (isOwnEncoding(message, bytes)) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data());
+    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
     return;
   }
   const Reading reading = readTable(message, bytes);
@@ -27,7 +28,7 @@ void addContents(Json& json, const Message& message, std::span<const uint8_t> by
   if (reading.memory > largestMemory) {
     json["faults"].push_back("takes " + std::to_string(reading.memory) + " bytes to decode");
   } else if (reading.isAccepted()) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data());
+    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
     return;
   }
   json["bytes"] = toHex(bytes);
@@ -52,7 +53,7 @@ std::string timeText(uint64_t nanoseconds) {
   return text;
 }
 
-Json tableJson(const Table& table) {
+Json tableJson(const Table& table, ByteText form) {
   const Message* const message = findById(table.id);
   Json json = {{"time", timeText(table.time)},
                {"source", table.source},
@@ -65,7 +66,7 @@ Json tableJson(const Table& table) {
     json["missedBefore"] = table.missedBefore;
   }
   if (message != nullptr) {
-    addContents(json, *message, table.bytes);
+    addContents(json, *message, table.bytes, form);
   } else {
     json["bytes"] = toHex(table.bytes);
   }

@@ -24,8 +24,8 @@ uint64_t nowInNanoseconds();
 std::string timeText(uint64_t nanoseconds);
 
 // A table as one JSON object: who sent what when, and its record; or its faults, and its bytes
-// where there is no record.
-Json tableJson(const Table& table);
+// where there is no record, always hexadecimal.
+Json tableJson(const Table& table, ByteText form = ByteText::Hex);
 
 // Whether receivers take the table: they know the message, and their reader has no objection.
 bool isTaken(const Table& table);

@@ -4,6 +4,7 @@
 
 #include "capture_file.hpp"
 #include "codec.hpp"
+#include "commands/byte_text_option.hpp"
 #include "commands/commands.hpp"
 #include "commands/input_options.hpp"
 #include "progress.hpp"
@@ -16,11 +17,15 @@ namespace {
 
 struct Options {
   InputOptions input;
+  ByteTextOption bytes;
   bool isOnOneLine = false;
   bool isCaptured = false;
+
+  [[nodiscard]] int indent() const { return isOnOneLine ? -1 : 2; }
 };
 
-void decodeAs(const Message& message, const Bytes& bytes, int indent, Session& session) {
+void decodeAs(const Message& message, const Bytes& bytes, const Options& options,
+              Session& session) {
   const Reading reading = readTable(message, bytes);
   for (const Fault& fault : reading.faults) {
     session.say(faultText(fault));
@@ -31,7 +36,8 @@ void decodeAs(const Message& message, const Bytes& bytes, int indent, Session& s
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.record(), record.data()).dump(indent) << '\n';
+  std::cout << toJson(message.record(), record.data(), options.bytes.form()).dump(options.indent())
+            << '\n';
 }
 
 void decodeRaw(const Bytes& bytes, int indent) {
@@ -57,7 +63,7 @@ void decodeCapture(const Options& options, Session& session) {
       if (wanted != nullptr && table->id != wanted->data->id) {
         continue;
       }
-      const Json json = tableJson(*table);
+      const Json json = tableJson(*table, options.bytes.form());
       std::cout << json.dump() << '\n';
       session.result =
           json.contains("record") && !json.contains("faults") ? session.result : Exit::BadInput;
@@ -76,6 +82,7 @@ void addDecode(CLI::App& app, Session& session) {
       "decode", "Bytes in, JSON out; without a message the raw table and what it could be");
   const auto options = makeOptions<Options>();
   options->input.addTo(*command);
+  options->bytes.addTo(*command);
   command->add_flag("--line", options->isOnOneLine, "JSON on one line");
   command->add_flag("--capture", options->isCaptured,
                     "The input is a capture: a line of JSON for each table");
@@ -88,11 +95,10 @@ void addDecode(CLI::App& app, Session& session) {
       return decodeCapture(*options, session);
     }
     const Bytes bytes = options->input.read();
-    const int indent = options->isOnOneLine ? -1 : 2;
     if (options->input.message.empty()) {
-      decodeRaw(bytes, indent);
+      decodeRaw(bytes, options->indent());
     } else {
-      decodeAs(messageNamed(options->input.message), bytes, indent, session);
+      decodeAs(messageNamed(options->input.message), bytes, *options, session);
     }
   });
 }

@@ -60,8 +60,12 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
   }
 }
 
-Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes) {
-  Json json = {{"fields", Json::array()}, {"bytes", Json::array()}};
+Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes,
+            const Side& one, const Side& other) {
+  Json json = {{"firstLength", one.bytes.size()},
+               {"secondLength", other.bytes.size()},
+               {"fields", Json::array()},
+               {"bytes", Json::array()}};
   const auto value = [](const std::string& text) {
     return text.empty() ? Json() : parseJson(text);
   };
@@ -87,7 +91,7 @@ void run(const Options& options, Session& session) {
   const auto fields = fieldDifferences(one.record, other.record);
   const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
   if (options.isJson) {
-    std::cout << jsonOf(fields, bytes).dump(2) << '\n';
+    std::cout << jsonOf(fields, bytes, one, other).dump(2) << '\n';
   } else {
     print(fields, bytes, session);
   }

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "codec.hpp"
+#include "commands/byte_text_option.hpp"
 #include "commands/commands.hpp"
 #include "hex.hpp"
 #include "input.hpp"
@@ -16,14 +17,15 @@ namespace {
 struct Options {
   std::string message;
   std::string file = "-";
+  ByteTextOption bytes;
   bool isFixed = false;
   bool isCompact = false;
   bool isHex = false;
 };
 
 Bytes encode(const Options& options) {
-  const OwnedRecord record =
-      fromJson(messageNamed(options.message), parseJson(readAll(options.file)));
+  const OwnedRecord record = fromJson(messageNamed(options.message),
+                                      parseJson(readAll(options.file)), options.bytes.form());
   return options.isFixed     ? encodeFixed(record)
          : options.isCompact ? encodeCompact(record)
                              : encodeAsSent(record);
@@ -52,6 +54,7 @@ void addEncode(CLI::App& app, Session& /*session*/) {
   CLI::Option* const fixed =
       command->add_flag("--fixed", options->isFixed, "In the fixed arrangement");
   command->add_flag("--compact", options->isCompact, "In the compact arrangement")->excludes(fixed);
+  options->bytes.addTo(*command);
   command->add_flag("--hex", options->isHex, "As hexadecimal text, as on a terminal");
   command->footer(
       "Without --fixed or --compact in the arrangement that the message is sent in.\n\n"

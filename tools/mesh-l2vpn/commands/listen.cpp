@@ -2,18 +2,24 @@
 
 #include <iostream>
 
+#include "commands/byte_text_option.hpp"
 #include "commands/commands.hpp"
 #include "commands/talk_options.hpp"
 
 namespace tool {
 namespace {
 
-void run(const ReceiveOptions& options, const Session& session) {
-  Node node(options.middleware, options.address);
-  session.say("node " + std::to_string(options.address) + " listens");
-  options.receiveAll(node, [](const Table& table) {
+struct Options {
+  ReceiveOptions talk;
+  ByteTextOption bytes;
+};
+
+void run(const Options& options, const Session& session) {
+  Node node(options.talk.middleware, options.talk.address);
+  session.say("node " + std::to_string(options.talk.address) + " listens");
+  options.talk.receiveAll(node, [&](const Table& table) {
     // Line by line, for whoever reads in a pipe.
-    std::cout << tableJson(table).dump() << std::endl;
+    std::cout << tableJson(table, options.bytes.form()).dump() << std::endl;
     if (!std::cout) {
       throw Failure(Exit::System, "the output ended");
     }
@@ -30,8 +36,9 @@ void run(const ReceiveOptions& options, const Session& session) {
 void addListen(CLI::App& app, Session& session) {
   CLI::App* const command =
       app.add_subcommand("listen", "What arrives at a node, as JSON lines, until interrupted");
-  const auto options = makeOptions<ReceiveOptions>();
-  options->addTo(*command);
+  const auto options = makeOptions<Options>();
+  options->talk.addTo(*command);
+  options->bytes.addTo(*command);
   command->footer(
       "Examples:\n  mesh-l2vpn listen 2\n  mesh-l2vpn listen 2 --count 10 | jq .record");
   command->callback([options, &session] { run(*options, session); });
