@@ -1,8 +1,10 @@
 // stat: what a capture holds.
 
+#include <algorithm>
 #include <iostream>
 #include <limits>
 #include <map>
+#include <tuple>
 
 #include "../catalogue/catalogue.hpp"
 #include "capture_file.hpp"
@@ -99,6 +101,18 @@ std::string placesText(const Gaps& gaps) {
   return std::to_string(gaps.places) + (gaps.places == 1 ? " place" : " places");
 }
 
+// The busiest messages first.
+std::vector<std::pair<std::string, Count>> ranking(const Statistics& statistics) {
+  std::vector<std::pair<std::string, Count>> all;
+  for (const auto& [id, count] : statistics.byId) {
+    all.emplace_back(nameOf(id), count);
+  }
+  std::ranges::sort(all, [](const auto& one, const auto& other) {
+    return std::tie(other.second.tables, one.first) < std::tie(one.second.tables, other.first);
+  });
+  return all;
+}
+
 void printText(const Statistics& statistics, const CaptureReader& reader, const Session& session) {
   TextTable table({"message", "tables", "bytes", "length", "a second", "rejected"});
   const double seconds = statistics.seconds();
@@ -109,8 +123,8 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
                                                : shortest + " to " + std::to_string(count.longest),
                rateText(count.tables, seconds), std::to_string(count.rejected)});
   };
-  for (const auto& [id, count] : statistics.byId) {
-    add(nameOf(id), count);
+  for (const auto& [name, count] : ranking(statistics)) {
+    add(name, count);
   }
   if (statistics.all.tables != 0) {
     add("all", statistics.all);
@@ -133,8 +147,8 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
 
 void printJson(const Statistics& statistics, const CaptureReader& reader) {
   Json json = {{"messages", Json::object()}};
-  for (const auto& [id, count] : statistics.byId) {
-    json["messages"][nameOf(id)] = jsonOf(count, statistics.seconds());
+  for (const auto& [name, count] : ranking(statistics)) {
+    json["messages"][name] = jsonOf(count, statistics.seconds());
   }
   if (statistics.all.tables != 0) {
     json["all"] = jsonOf(statistics.all, statistics.seconds());
