@@ -1,7 +1,7 @@
 // What of a message is read by nobody, or twice.
 #pragma once
 
-#include "table_reader.hpp"
+#include "reading.hpp"
 
 namespace tool {
 

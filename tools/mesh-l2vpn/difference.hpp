@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
+#include "reading.hpp"
 #include "record_json.hpp"
-#include "table_reader.hpp"
 
 namespace tool {
 

@@ -4,8 +4,8 @@
 #include <span>
 #include <string>
 
+#include "reading.hpp"
 #include "session.hpp"
-#include "table_reader.hpp"
 
 namespace tool {
 

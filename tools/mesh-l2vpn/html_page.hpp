@@ -4,7 +4,8 @@
 #include <span>
 #include <string>
 
-#include "table_reader.hpp"
+#include "messages.hpp"
+#include "reading.hpp"
 
 namespace tool {
 

@@ -1,11 +1,9 @@
 #include "table_reader.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 
 #include "coverage.hpp"
-#include "failure.hpp"
 #include "owned_record.hpp"
 
 namespace tool {
@@ -21,10 +19,6 @@ constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
 std::string number(uint64_t value) {
   return std::to_string(value);
 }
-
-// More than these nobody reads, and a hostile message can have as many as it has words.
-constexpr size_t mostFaults = 1000;
-constexpr size_t mostNotes = 100;
 
 class TableReader {
  public:
@@ -60,18 +54,8 @@ class TableReader {
   void add(Range range) { reading_.ranges.push_back(std::move(range)); }
 
   bool fail(uint64_t at, uint32_t size, const std::string& path, std::string text) {
-    const bool isOneTooMany = reading_.faults.size() >= mostFaults;
-    if (isOneTooMany && (tolerant_ || !reading_.isAccepted())) {
-      return false;
-    }
-    reading_.faults.push_back({static_cast<uint32_t>(at), size, path, std::move(text), tolerant_});
+    reading_.addFault({static_cast<uint32_t>(at), size, path, std::move(text), tolerant_});
     return false;
-  }
-
-  void note(std::string text) {
-    if (reading_.notes.size() < mostNotes) {
-      reading_.notes.push_back(std::move(text));
-    }
   }
 
   [[nodiscard]] std::string ofBuffer() const {
@@ -82,7 +66,7 @@ class TableReader {
   bool readTable(const Record& record, uint64_t table, const Origin& from) {
     const auto [known, isNew] = tables_.try_emplace({&record, table}, false);
     if (!isNew) {
-      note(from.path + " leads to a table that was read before, at " + number(table));
+      reading_.addNote(from.path + " leads to a table that was read before, at " + number(table));
       return known->second;
     }
     Frame frame{};
@@ -120,7 +104,7 @@ class TableReader {
       add({vtable + 2, 2, Part::Frame, from.path, "vtable: the table's length (not used)",
            number(load<uint16_t>(vtable + 2))});
     } else {
-      note(named(from.path) + ": a vtable of " + number(length) + " bytes has no slot");
+      reading_.addNote(named(from.path) + ": a vtable of " + number(length) + " bytes has no slot");
     }
     frame = {at, vtable, length};
     return true;
@@ -221,7 +205,7 @@ class TableReader {
     if (length != 0) {
       const auto contents = static_cast<uint32_t>(target + 4);
       add({contents, length, Part::Contents, entry.path, "contents",
-           previewText(bytes_.subspan(contents, length))});
+           contentsText(bytes_.subspan(contents, length))});
     }
     if (slot.kind == Kind::Array && length != slot.size) {
       return fail(target, 4, entry.path,
@@ -267,15 +251,6 @@ class TableReader {
     return isGood;
   }
 
-  static std::string previewText(std::span<const uint8_t> contents) {
-    if (!std::ranges::all_of(contents, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
-      return std::ranges::all_of(contents, [](uint8_t byte) { return byte == 0; }) ? "zeros" : "";
-    }
-    const auto shown = contents.first(std::min<size_t>(contents.size(), 40));
-    return '"' + std::string(shown.begin(), shown.end()) +
-           (shown.size() < contents.size() ? "\"..." : "\"");
-  }
-
   std::span<const uint8_t> bytes_;
   Reading& reading_;
   bool tolerant_ = false;  // inside a table whose faults its holder ignores
@@ -283,10 +258,6 @@ class TableReader {
 };
 
 }  // namespace
-
-bool Reading::isAccepted() const {
-  return std::ranges::all_of(faults, &Fault::isTolerated);
-}
 
 Reading readTable(const Message& message, std::span<const uint8_t> bytes) {
   Reading reading;
@@ -298,26 +269,6 @@ Reading readTable(const Message& message, std::span<const uint8_t> bytes) {
   }
   coverBytes(bytes, reading);
   return reading;
-}
-
-void refuseTooMuchMemory(const Reading& reading) {
-  if (reading.memory > largestMemory) {
-    throw Failure(Exit::BadInput, "decoding this message takes " + number(reading.memory) +
-                                      " bytes of memory; up to " + number(largestMemory) +
-                                      " are given");
-  }
-}
-
-std::string faultText(const Fault& fault) {
-  return "byte " + number(fault.at) + (fault.path.empty() ? "" : ", " + fault.path) + ": " +
-         fault.text +
-         (fault.isTolerated ? " (receivers take the message, with what was read before)" : "");
-}
-
-std::string numberText(uint64_t value) {
-  char hex[24];
-  std::snprintf(hex, sizeof hex, "0x%llx", static_cast<unsigned long long>(value));
-  return value < 10 ? number(value) : number(value) + " (" + hex + ")";
 }
 
 }  // namespace tool

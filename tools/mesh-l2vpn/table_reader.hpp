@@ -4,67 +4,11 @@
 // The library remains the judge. That both accept and reject the same buffers is tested.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "messages.hpp"
+#include "reading.hpp"
 
 namespace tool {
 
-enum class Part : uint8_t {
-  Root,
-  Frame,  // a table's first word, its vtable's two lengths
-  Entry,  // of a slot in the vtable
-  Scalar,
-  Word,    // an offset word
-  Length,  // of bytes, or a vector's count
-  Contents,
-  Unknown,  // entries behind the last known slot
-  Padding,  // zeros that nobody reads
-  Unread,   // other bytes that nobody reads
-};
-
-// Bytes with one meaning.
-struct Range {
-  uint32_t at;
-  uint32_t size;
-  Part part;
-  std::string path;     // of the slot it belongs to, as "f1.f3"; empty for the root table
-  std::string meaning;  // "slot 3: offset word"
-  std::string value;    // "42 (0x2a)", "leads to 32"
-  int64_t target = -1;  // the position that it leads to
-};
-
-struct Fault {
-  uint32_t at;  // the bytes that are to blame
-  uint32_t size;
-  std::string path;
-  std::string text;
-  bool isTolerated;  // receivers take the message all the same
-};
-
-struct Reading {
-  std::vector<Range> ranges;  // by position; every byte is in one at least
-  std::vector<Fault> faults;  // in the order in which a reader meets them, 1000 at most
-  std::vector<std::string> notes;
-  uint64_t memory = 0;  // bytes that decoding allocates
-
-  // Whether receivers take the message.
-  [[nodiscard]] bool isAccepted() const;
-};
-
 Reading readTable(const Message& message, std::span<const uint8_t> bytes);
-
-// More memory than this is not given to one message: a small one can ask for nearly 4 GiB.
-inline constexpr uint64_t largestMemory = uint64_t{256} << 20;
-void refuseTooMuchMemory(const Reading& reading);
-
-// "byte 24, f1.f8: 13 bytes where 12 belong"
-std::string faultText(const Fault& fault);
-
-// What is written beside raw bytes: "42 (0x2a)".
-std::string numberText(uint64_t value);
 
 }  // namespace tool

@@ -7,6 +7,7 @@
 #include "commands/input_options.hpp"
 #include "difference.hpp"
 #include "message_choice.hpp"
+#include "table_reader.hpp"
 #include "text_table.hpp"
 
 namespace tool {

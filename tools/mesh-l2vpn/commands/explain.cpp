@@ -7,6 +7,7 @@
 #include "explanation.hpp"
 #include "html_page.hpp"
 #include "message_choice.hpp"
+#include "table_reader.hpp"
 
 namespace tool {
 namespace {
