@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/byte_order.hpp"
+
 namespace exercise {
 
 using mesh::wire::Kind;
@@ -53,6 +55,17 @@ uint32_t Records::fill(const Record& schema, uint8_t* record, Random& random) {
     }
   }
   return blocks;
+}
+
+bool ownsParts(const Record& schema, const uint8_t* record) {
+  return std::any_of(schema.slots.begin(), schema.slots.end(), [&](const Slot& slot) {
+    const uint8_t* const field = record + slot.recordOffset;
+    if (slot.kind == Kind::Table) {
+      return ownsParts(*slot.nested, field);
+    }
+    return mesh::wire::isOutOfLine(slot.kind) &&
+           mesh::host::loadPointer<const uint8_t>(field) != nullptr;
+  });
 }
 
 void damage(std::vector<uint8_t>& bytes, Random& random) {

@@ -44,6 +44,9 @@ class Records {
   uint32_t blocksOfFirst_ = 0;
 };
 
+// Whether a pointer in the record leads to a byte string or a run.
+bool ownsParts(const mesh::wire::Record& schema, const uint8_t* record);
+
 // One to three bytes changed, or an end cut off.
 void damage(std::vector<uint8_t>& bytes, Random& random);
 

@@ -54,6 +54,8 @@ void unpackAndPackAgain(const Operations& message, const std::vector<uint8_t>& r
   readAll(record.data(), size);
   if (refusedHere() == refusedBefore) {
     demand(packed(message, record.data()) == bytes, message, "another message comes back");
+  } else {
+    demand(!ownsParts(*message.schema, record.data()), message, "a rejected record keeps blocks");
   }
   message.freeUnpacked(record.data());
   message.freeUnpacked(record.data());
