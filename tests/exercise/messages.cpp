@@ -4,14 +4,9 @@
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
 
+#define OPERATIONS(X, identifier) EXPORTED_OPERATIONS(X),
+
 namespace exercise {
-namespace {
-
-#define OPERATIONS(X, identifier)    \
-  Operations{EXPORTED_OPERATIONS(X), \
-             mesh::msg::messageOf<X>.policy.arrangement == mesh::msg::Arrangement::Fixed},
-
-}  // namespace
 
 const std::vector<Operations>& messages() {
   static const std::vector<Operations> all{L2VPN_CFG_MESSAGES(OPERATIONS) L2VPN_STAT_MESSAGES(

@@ -7,9 +7,7 @@
 
 namespace exercise {
 
-struct Operations : harness::ExportedOperations {
-  bool sentFixed;
-};
+using Operations = harness::ExportedOperations;
 
 const std::vector<Operations>& messages();
 

@@ -14,8 +14,7 @@ using mesh::wire::Slot;
 Records::Records(const Record& schema, uint32_t count, Random& random)
     : records_(std::make_unique<uint8_t[]>(size_t{schema.size} * count)) {
   for (uint32_t index = 0; index < count; ++index) {
-    const uint32_t blocks = fill(schema, records_.get() + size_t{schema.size} * index, random);
-    blocksOfFirst_ = index == 0 ? blocks : blocksOfFirst_;
+    fill(schema, records_.get() + size_t{schema.size} * index, random);
   }
 }
 
@@ -23,8 +22,7 @@ uint8_t* Records::take(size_t size) {
   return parts_.emplace_back(std::make_unique<uint8_t[]>(size)).get();
 }
 
-uint32_t Records::fill(const Record& schema, uint8_t* record, Random& random) {
-  uint32_t blocks = 0;
+void Records::fill(const Record& schema, uint8_t* record, Random& random) {
   for (const Slot& slot : schema.slots) {
     uint8_t* const field = record + slot.recordOffset;
     if (mesh::wire::isScalar(slot.kind)) {
@@ -36,7 +34,7 @@ uint32_t Records::fill(const Record& schema, uint8_t* record, Random& random) {
         std::memcpy(field + at, &value, std::min<uint32_t>(8, slot.size - at));
       }
     } else if (slot.kind == Kind::Table) {
-      blocks += fill(*slot.nested, field, random);
+      fill(*slot.nested, field, random);
     } else {
       const uint32_t count = random.below(slot.kind == Kind::Bytes ? 40 : 3);
       if (count > 0) {
@@ -50,11 +48,9 @@ uint32_t Records::fill(const Record& schema, uint8_t* record, Random& random) {
         }
         std::memcpy(record + slot.countOffset, &count, sizeof count);
         std::memcpy(field, &part, sizeof part);
-        ++blocks;
       }
     }
   }
-  return blocks;
 }
 
 bool ownsParts(const Record& schema, const uint8_t* record) {

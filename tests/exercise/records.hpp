@@ -32,16 +32,12 @@ class Records {
 
   const uint8_t* data() const { return records_.get(); }
 
-  // Byte strings and runs that are not empty, in the first record: what decoding it allocates.
-  uint32_t blocksOfFirst() const { return blocksOfFirst_; }
-
  private:
   uint8_t* take(size_t size);
-  uint32_t fill(const mesh::wire::Record& schema, uint8_t* record, Random& random);
+  void fill(const mesh::wire::Record& schema, uint8_t* record, Random& random);
 
   std::unique_ptr<uint8_t[]> records_;
   std::vector<std::unique_ptr<uint8_t[]>> parts_;
-  uint32_t blocksOfFirst_ = 0;
 };
 
 // Whether a pointer in the record leads to a byte string or a run.
