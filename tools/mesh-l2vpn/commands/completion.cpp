@@ -42,8 +42,8 @@ void writeBash(const CLI::App& app) {
          "  local messages='"
       << messageNames() << "'\n  local options='" << optionsOf(app)
       << "'\n"
-         "  for each in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-         "    case $each in -*) ;; *) command=$each; break ;; esac\n"
+         "  for ((each = 1; each < COMP_CWORD; ++each)); do\n"
+         "    case ${COMP_WORDS[each]} in -*) ;; *) command=${COMP_WORDS[each]}; break ;; esac\n"
          "  done\n"
          "  COMPREPLY=()\n"
          "  case $before in\n"
