@@ -18,9 +18,9 @@ h1 { font-size: 18px; margin: 0 0 2px; }
 .bad { color: #b3001b; font-weight: 600; }
 #summary { max-height: 25vh; overflow: auto; flex: none; }
 main { flex: 1; min-height: 0; display: grid; grid-template-rows: minmax(0, 1fr); grid-template-columns: max-content minmax(0, 1fr); gap: 20px; }
-section { overflow: auto; position: relative; }
+section { overflow: auto; position: relative; scrollbar-gutter: stable; }
 pre, td, .mono { font: 13px/1.5 ui-monospace, "DejaVu Sans Mono", monospace; }
-pre { margin: 0; position: relative; }
+pre { margin: 0; padding-right: 3px; position: relative; }
 .at { color: #999; user-select: none; }
 .byte { padding: 1px 3px; border-radius: 2px; cursor: default; }
 .root, .frame { background: #d8e6fb; } .entry { background: #d3f1f3; }
@@ -33,6 +33,7 @@ pre { margin: 0; position: relative; }
 table { border-collapse: collapse; width: 100%; }
 td, th { text-align: left; padding: 1px 8px 1px 4px; vertical-align: top; overflow-wrap: anywhere; }
 th { position: sticky; top: 0; background: #fafafa; font-weight: 600; z-index: 1; }
+tr { scroll-margin-top: 28px; }
 tr.slot { box-shadow: none; } tr.slot td { background: #fff3dd; }
 tr.lit td { background: #ffe2ad; } tr.target td { background: #e2d9fb; color: #000; }
 .key { display: inline-block; padding: 0 6px; margin-right: 6px; border-radius: 2px; }
@@ -138,7 +139,9 @@ const join = (from, to) => {
   const place = cell => [cell.offsetLeft + cell.offsetWidth / 2, cell.offsetTop + cell.offsetHeight / 2];
   const [[x1, y1], [x2, y2]] = [place(from), place(to)];
   const path = document.createElementNS("http://www.w3.org/2000/svg", "path");
-  path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + (y1 === y2 ? 0 : 40)},${(y1 + y2) / 2 - (y1 === y2 ? 26 : 0)} ${x2},${y2}`);
+  // Bent, so that it is seen beside what it crosses; in the first row downwards, where there is room.
+  const [right, down] = y1 !== y2 ? [40, 0] : [0, y1 < 20 ? 26 : -26];
+  path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + right},${(y1 + y2) / 2 + down} ${x2},${y2}`);
   path.setAttribute("style", "fill:none;stroke:#7048e8;stroke-width:2;opacity:.7");
   line.append(path);
 };
