@@ -8,7 +8,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev \
-  libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 pkg-config abigail-tools tshark zsh
+  libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 pkg-config abigail-tools tshark zsh \
+  chromium chromium-driver python3-selenium
 
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
