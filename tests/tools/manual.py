@@ -44,11 +44,12 @@ def main():
     described = {text.split()[0]: text.splitlines()[0] for text in paragraphs(page, "COMMANDS")}
     if len(commands) < 13 or set(commands) != set(described):
         sys.exit(f"the program's commands are {commands}, the page's {list(described)}")
+    # Told once, for all commands that have them.
     shared = {"--help", "--middleware"}
-    general_written = set(LONG.findall("\n".join(paragraphs(page, "OPTIONS"))))
+    explained = set(LONG.findall("\n".join(paragraphs(page, "OPTIONS"))))
     count = 0
     for command in commands:
-        printed = options_of(help_of(tool, command)) 
+        printed = options_of(help_of(tool, command))
         written = set(LONG.findall(described[command]))
         if "-m MESSAGE" in described[command]:
             written.add("--message")
@@ -56,7 +57,7 @@ def main():
         if missing or surplus:
             sys.exit(f"{command}: not in the page {sorted(missing)}, not in the program {sorted(surplus)}")
         count += len(printed)
-    missing = (options_of(general) | shared) - general_written
+    missing = (options_of(general) | shared) - explained
     if missing or count < 30:
         sys.exit(f"not in the page: {sorted(missing)}; {count} options of commands")
     print(f"{len(commands)} commands and {count} options of theirs are in the page")
