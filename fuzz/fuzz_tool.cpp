@@ -45,7 +45,7 @@ void readMessage(const Message& message, std::span<const uint8_t> bytes) {
   const tool::Reading reading = tool::readTable(message, bytes);
   fuzz::expectNone(tool::unsoundness(reading, bytes));
   tool::explain(reading, bytes, true, tool::Session());
-  tool::htmlPage(message, reading, bytes);
+  tool::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {
     expect(tool::libraryAccepts(message, bytes) == reading.isAccepted(), message,
            "the two readers do not agree");

@@ -7,6 +7,7 @@
 
 #include "codec.hpp"
 #include "hex.hpp"
+#include "hostile.hpp"
 #include "library_reader.hpp"
 #include "model/generate.hpp"
 #include "model/record_image.hpp"
@@ -15,6 +16,14 @@ namespace tool {
 namespace {
 
 constexpr int mutationsOfEach = 1500;
+
+std::vector<std::string> faultTexts(const Verdict& verdict) {
+  std::vector<std::string> texts;
+  for (const Fault& fault : verdict.faults) {
+    texts.push_back(faultText(fault));
+  }
+  return texts;
+}
 
 class ReaderAgreement : public testing::TestWithParam<const char*> {};
 
@@ -36,6 +45,10 @@ TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
       bytes = model::mutate(bytes, random);
     }
     const Reading reading = readTable(message, bytes);
+    const Verdict verdict = judge(message, bytes);
+    ASSERT_EQ(faultTexts(verdict), faultTexts(reading)) << toHex(bytes);
+    ASSERT_EQ(verdict.memory, reading.memory) << toHex(bytes);
+    ASSERT_EQ(verdict.isAccepted(), reading.isAccepted()) << toHex(bytes);
     if (reading.memory > largestMemory) {
       continue;
     }
@@ -84,6 +97,71 @@ TEST(TableReader, AFaultInWhatAWrapperHoldsIsTolerated) {
   ASSERT_EQ(reading.faults.size(), 1u);
   EXPECT_TRUE(reading.faults[0].isTolerated);
   EXPECT_TRUE(reading.isAccepted());
+}
+
+TEST(TableReader, SaysTheBeginningOfContents) {
+  EXPECT_EQ(contentsText(Bytes(16'384)), "zeros");
+  EXPECT_EQ(contentsText(Bytes(16'385)), "zeros at first");
+  EXPECT_EQ(contentsText(Bytes(40, 'a')), '"' + std::string(40, 'a') + '"');
+  EXPECT_EQ(contentsText(Bytes(41, 'a')), '"' + std::string(40, 'a') + "\"...");
+  EXPECT_EQ(contentsText(Bytes{1, 0xAB}), "01ab");
+  EXPECT_EQ(contentsText(Bytes(21, 1)), toHex(Bytes(20, 1)) + "...");
+}
+
+// Schemas that no message has, so that what is true of them does not hang on the messages.
+struct Schema {
+  mesh::wire::Record record;
+  mesh::msg::Message data{&record, 1, {}};
+
+  [[nodiscard]] Message message() const {
+    Message message{};
+    message.data = &data;
+    message.freeUnpacked = [](void*) {};
+    return message;
+  }
+};
+
+mesh::wire::Record recordOf(uint32_t size, mesh::wire::NestedFailure failure,
+                            std::span<const mesh::wire::Slot> slots) {
+  return {"record", "", "", "", size, {mesh::wire::InlineOrder::Slots, failure}, slots};
+}
+
+TEST(TableReader, CountsTheMemoryOfATableForEveryItemThatLeadsToIt) {
+  using enum mesh::wire::NestedFailure;
+  const mesh::wire::Slot ofItem{{"f0"}, mesh::wire::Kind::Bytes, 1, 8, 0, nullptr};
+  const mesh::wire::Record item = recordOf(16, FailsTheTable, {&ofItem, 1});
+  const mesh::wire::Slot ofList{{"f0"}, mesh::wire::Kind::Vector, 16, 8, 0, &item};
+  const Schema schema{recordOf(16, FailsTheTable, {&ofList, 1})};
+  Bytes bytes;
+  put<uint32_t>(bytes, 12);
+  putAll<uint16_t>(bytes, {6, 8, 4, 0});      // at 4, the vtable of both tables
+  putAll<uint32_t>(bytes, {8, 4, 2, 8, 4});   // at 12, the list: two items at 32
+  putAll<uint32_t>(bytes, {32 - 4, 4, 100});  // at 32, the item, and how many bytes follow
+  bytes.resize(bytes.size() + 100);
+  EXPECT_EQ(judge(schema.message(), bytes).memory, 2 * (16 + 100));
+}
+
+TEST(TableReader, ReadsATableAgainWhereItsFaultsAreNotTolerated) {
+  using enum mesh::wire::NestedFailure;
+  const mesh::wire::Slot array{{"f0"}, mesh::wire::Kind::Array, 4, 0, 0, nullptr};
+  const mesh::wire::Record inner = recordOf(4, FailsTheTable, {&array, 1});
+  const mesh::wire::Slot held{{"f0"}, mesh::wire::Kind::Table, 4, 0, 0, &inner};
+  const mesh::wire::Record holder = recordOf(4, IsIgnored, {&held, 1});
+  const mesh::wire::Slot both[] = {{{"f0"}, mesh::wire::Kind::Table, 4, 0, 0, &holder},
+                                   {{"f1"}, mesh::wire::Kind::Table, 4, 4, 0, &inner}};
+  const Schema schema{recordOf(8, FailsTheTable, both)};
+  Bytes bytes;
+  put<uint32_t>(bytes, 12);
+  putAll<uint16_t>(bytes, {8, 12, 4, 8});               // at 4, the vtable of all
+  putAll<uint32_t>(bytes, {12 - 4, 24 - 16, 36 - 20});  // at 12, the root
+  putAll<uint32_t>(bytes, {24 - 4, 36 - 28, 0});        // at 24, the tolerant holder
+  putAll<uint32_t>(bytes, {36 - 4, 4, 3, 0});           // at 36, 3 bytes where 4 belong
+  const Verdict verdict = judge(schema.message(), bytes);
+  EXPECT_EQ(libraryAccepts(schema.message(), bytes), verdict.isAccepted());
+  EXPECT_FALSE(verdict.isAccepted());
+  ASSERT_EQ(verdict.faults.size(), 2u);
+  EXPECT_TRUE(verdict.faults[0].isTolerated);
+  EXPECT_EQ(verdict.faults[1].path, "f1.f0");
 }
 
 }  // namespace

@@ -76,7 +76,7 @@ OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes) {
 
 bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes) {
   if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
-      (hasVector(message.record()) && readTable(message, bytes).memory > largestMemory)) {
+      (hasVector(message.record()) && judge(message, bytes).memory > largestMemory)) {
     return false;
   }
   // What a rejected message leaves may be a count without its items, which has no encoding.

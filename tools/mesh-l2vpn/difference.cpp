@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hex.hpp"
+#include "range_walk.hpp"
 
 namespace tool {
 namespace {
@@ -39,18 +40,6 @@ class Comparison {
   static std::string text(const Json* json) { return json == nullptr ? "" : json->dump(); }
 };
 
-// The innermost range that holds a byte.
-const Range* rangeAt(const Reading& reading, uint32_t at) {
-  const Range* found = nullptr;
-  for (const Range& range : reading.ranges) {
-    if (range.at > at) {
-      break;
-    }
-    found = at - range.at < range.size ? &range : found;
-  }
-  return found;
-}
-
 }  // namespace
 
 std::vector<FieldDifference> fieldDifferences(const Json& one, const Json& other) {
@@ -64,14 +53,15 @@ std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
                                             const Reading& readingOfOne) {
   std::vector<ByteDifference> found;
   const auto length = static_cast<uint32_t>(std::min(one.size(), other.size()));
+  RangeWalk ranges(readingOfOne.ranges);
   for (uint32_t at = 0; at < length;) {
     if (one[at] == other[at]) {
       ++at;
       continue;
     }
-    const Range* const range = rangeAt(readingOfOne, at);
+    const Range* const range = ranges.at(at);
     uint32_t end = at + 1;
-    while (end < length && one[end] != other[end] && rangeAt(readingOfOne, end) == range) {
+    while (end < length && one[end] != other[end] && ranges.at(end) == range) {
       ++end;
     }
     std::string meaning;

@@ -46,28 +46,44 @@ class Explainer {
       meaningWidth_ = std::max(meaningWidth_, range.meaning.size());
     }
     positionWidth_ = std::to_string(bytes.size()).size();
+    for (const Fault& fault : reading.faults) {
+      faults_.push_back(&fault);
+    }
+    std::ranges::stable_sort(faults_, {}, &Fault::at);
   }
 
   std::string explain(bool isWhole) {
     std::string text;
-    for (const Range& range : reading_.ranges) {
-      text += rangeText(range, isWhole) + faultsAt(range);
+    const std::vector<Range>& ranges = reading_.ranges;
+    for (size_t index = 0; index < ranges.size(); ++index) {
+      const Range& range = ranges[index];
+      text += rangeText(range, isWhole);
+      shownEnd_ = std::max(shownEnd_, range.at + range.size);
+      text += faultsBefore(
+          std::max(range.at + 1, index + 1 < ranges.size() ? ranges[index + 1].at : UINT32_MAX));
     }
-    // What is too short to have a range.
-    if (reading_.ranges.empty()) {
-      for (const Fault& fault : reading_.faults) {
-        text += mark(fault);
-      }
-    }
-    return text;
+    return text + faultsBefore(UINT32_MAX);
   }
 
  private:
   [[nodiscard]] std::string rangeText(const Range& range, bool isWhole) const {
     const uint32_t lines = (range.size + bytesOnALine - 1) / bytesOnALine;
-    const uint32_t shown = isWhole ? lines : std::min(lines, linesOfContents);
+    const uint32_t head = std::min(lines, linesOfContents);
+    // Many long ranges may hold the same bytes.
+    const uint32_t shown = (std::max(shownEnd_, range.at) - range.at) / bytesOnALine;
+    const uint32_t tail = isWhole ? std::clamp(shown, head, lines) : lines;
+    std::string text = linesText(range, 0, head);
+    if (head < tail) {
+      text += std::string(positionWidth_ + 2, ' ') + "... " +
+              std::to_string(std::min(range.size, tail * bytesOnALine) - head * bytesOnALine) +
+              (isWhole ? " bytes that stand above\n" : " bytes more\n");
+    }
+    return text + linesText(range, tail, lines);
+  }
+
+  [[nodiscard]] std::string linesText(const Range& range, uint32_t from, uint32_t to) const {
     std::string text;
-    for (uint32_t line = 0; line < shown; ++line) {
+    for (uint32_t line = from; line < to; ++line) {
       const uint32_t at = range.at + line * bytesOnALine;
       const std::string hex =
           spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at)));
@@ -76,10 +92,6 @@ class Explainer {
       text += line == 0 ? session_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
                         : session_.ink(ink, hex);
       text += '\n';
-    }
-    if (shown < lines) {
-      text += std::string(positionWidth_ + 2, ' ') + "... " +
-              std::to_string(range.size - shown * bytesOnALine) + " bytes more\n";
     }
     return text;
   }
@@ -103,14 +115,11 @@ class Explainer {
     return text;
   }
 
-  // Faults are marked under the range that they begin in, once.
-  std::string faultsAt(const Range& range) {
+  // Faults are marked once, under the first range that begins where they do.
+  std::string faultsBefore(uint32_t end) {
     std::string text;
-    for (const Fault& fault : reading_.faults) {
-      if (fault.at == range.at && std::ranges::find(marked_, &fault) == marked_.end()) {
-        marked_.push_back(&fault);
-        text += mark(fault);
-      }
+    for (; marked_ < faults_.size() && faults_[marked_]->at < end; ++marked_) {
+      text += mark(*faults_[marked_]);
     }
     return text;
   }
@@ -127,7 +136,9 @@ class Explainer {
   size_t pathWidth_ = 0;
   size_t meaningWidth_ = 0;
   size_t positionWidth_ = 0;
-  std::vector<const Fault*> marked_;
+  std::vector<const Fault*> faults_;  // by position
+  size_t marked_ = 0;                 // how many of them
+  uint32_t shownEnd_ = 0;             // of the ranges before
 };
 
 }  // namespace

@@ -10,7 +10,8 @@
 namespace tool {
 
 // Position, bytes, slot, meaning and value of every range; faults under the bytes to blame. Of long
-// contents the beginning, unless all is asked for.
+// contents the beginning, unless all is asked for; bytes that are read again are never shown whole
+// a second time.
 std::string explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
                     const Session& session);
 

@@ -56,7 +56,6 @@ inline constexpr const char* htmlTail = R"html(</script>
 <script>
 "use strict";
 const data = JSON.parse(document.getElementById("data").textContent);
-const bytes = data.bytes.match(/../g) || [];
 const text = (name, content, className) => {
   const element = document.createElement(name);
   element.textContent = content;
@@ -66,7 +65,7 @@ const text = (name, content, className) => {
 document.title = data.message;
 document.getElementById("title").textContent = data.message;
 const summary = document.getElementById("summary");
-summary.append(`${bytes.length} bytes. `, text("span", data.accepted ?
+summary.append(`${data.length} bytes, ${data.faultCount}. `, text("span", data.accepted ?
   "Receivers take it." : "Receivers reject it.", data.accepted ? "" : "bad"));
 for (const fault of data.faults) {
   summary.append(document.createElement("br"),
@@ -74,55 +73,71 @@ for (const fault of data.faults) {
 }
 for (const note of data.notes) summary.append(document.createElement("br"), note);
 
-// Which range a byte shows: the last that begins at or before it and holds it.
-const owner = new Array(bytes.length).fill(-1);
-data.ranges.forEach((range, index) => {
-  for (let at = range.at; at < range.at + range.size; ++at) owner[at] = index;
-});
-const faultAt = new Array(bytes.length).fill("");
+// Which range a byte shows: the last that begins at or before it and holds it. Asked for byte after
+// byte, never back.
+const walk = () => {
+  let next = 0;
+  const open = [];
+  return at => {
+    for (; next < data.ranges.length && data.ranges[next].at <= at; ++next) open.push(next);
+    while (open.length && at - data.ranges[open.at(-1)].at >= data.ranges[open.at(-1)].size) open.pop();
+    return open.length ? open.at(-1) : -1;
+  };
+};
+const faultAt = new Map();
 for (const fault of data.faults) {
-  for (let at = fault.at; at < fault.at + fault.size && at < bytes.length; ++at) {
-    if (faultAt[at] !== "fault") faultAt[at] = fault.tolerated ? "tolerated" : "fault";
+  for (let at = fault.at; at < fault.at + fault.size; ++at) {
+    if (faultAt.get(at) !== "fault") faultAt.set(at, fault.tolerated ? "tolerated" : "fault");
   }
 }
 
 const cells = new Map();
 const dump = document.getElementById("bytes");
-const width = String(bytes.length).length;
-// Rows like the row before, inside one range, say nothing.
-const isRepeated = row => row >= 32 && row + 16 < bytes.length && owner[row - 32] === owner[row + 16] &&
-  bytes.slice(row, row + 16).join() === bytes.slice(row - 16, row).join() &&
-  !faultAt.slice(row, row + 16).some(Boolean);
-let left = 0;
-for (let row = 0; row < bytes.length; row += 16) {
-  if (isRepeated(row)) { left += 16; continue; }
-  if (left) { dump.append(text("span", `${"".padStart(width)}  ... ${left} bytes like these\n`, "at")); left = 0; }
-  dump.append(text("span", String(row).padStart(width) + "  ", "at"));
-  for (let at = row; at < Math.min(row + 16, bytes.length); ++at) {
-    const range = data.ranges[owner[at]];
-    const cell = text("span", bytes[at], `byte ${range ? range.part : ""} ${faultAt[at]}`);
-    cell.dataset.range = owner[at];
+const width = String(data.length).length;
+const ownerAt = walk();
+let end = 0;
+const leaveOut = count => {
+  if (count) dump.append(text("span", `${"".padStart(width)}  ... ${count} bytes more\n`, "at"));
+};
+for (const piece of data.pieces) {
+  leaveOut(piece.at - end);
+  const bytes = piece.hex.match(/../g);
+  bytes.forEach((byte, index) => {
+    const at = piece.at + index, owner = ownerAt(at);
+    if (at % 16 === 0) dump.append(text("span", String(at).padStart(width) + "  ", "at"));
+    const part = owner < 0 ? "" : data.ranges[owner].part;
+    const cell = text("span", byte, `byte ${part} ${faultAt.get(at) || ""}`);
+    cell.dataset.range = owner;
     cells.set(at, cell);
     dump.append(cell);
     if (at % 16 === 7) dump.append(" ");
-  }
-  dump.append("\n");
+    if (at % 16 === 15 || index === bytes.length - 1) dump.append("\n");
+  });
+  end = piece.at + bytes.length;
 }
+leaveOut(data.length - end);
 
 const table = document.getElementById("ranges");
 const head = document.createElement("tr");
 for (const name of ["byte", "slot", "meaning", "value"]) head.append(text("th", name));
 table.append(head);
+// Each fault once, at the first range that begins where it does.
+const faults = [...data.faults].sort((one, other) => one.at - other.at);
+const slots = new Map();
 const rows = data.ranges.map((range, index) => {
   const row = document.createElement("tr");
   row.dataset.range = index;
   row.append(text("td", range.at), text("td", range.path), text("td", range.meaning));
   const value = text("td", range.value);
-  for (const fault of data.faults.filter(f => f.at === range.at)) {
+  const next = index + 1 < data.ranges.length ? data.ranges[index + 1].at : Infinity;
+  while (faults.length && faults[0].at < Math.max(range.at + 1, next)) {
+    const fault = faults.shift();
     value.append(" ", text("span", fault.text, fault.tolerated ? "message soft" : "message"));
   }
   row.append(value);
   table.append(row);
+  if (range.path && !slots.has(range.path)) slots.set(range.path, []);
+  if (range.path) slots.get(range.path).push(index);
   return row;
 });
 
@@ -150,16 +165,15 @@ const point = (index, scrolls) => {
   line.replaceChildren();
   const range = data.ranges[index];
   if (!range) return;
-  if (range.path) {
-    data.ranges.forEach((other, number) => {
-      if (other.path === range.path) { lightBytes(other, "slot"); light(rows[number], "slot"); }
-    });
+  for (const other of slots.get(range.path) || []) {
+    lightBytes(data.ranges[other], "slot");
+    light(rows[other], "slot");
   }
   lightBytes(range, "lit");
   light(rows[index], "lit");
   if (range.target >= 0) {
     light(cells.get(range.target), "target");
-    light(rows[owner[range.target]], "target");
+    light(rows[walk()(range.target)], "target");
     join(cells.get(range.at), cells.get(range.target));
   }
   if (scrolls && rows[index]) rows[index].scrollIntoView({block: "nearest"});

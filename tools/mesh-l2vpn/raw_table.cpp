@@ -20,12 +20,12 @@ std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
   const uint32_t entries = entryCount(rawTable(bytes));
   std::vector<Candidate> candidates;
   for (const Message& message : messages()) {
-    const Reading reading = readTable(message, bytes);
-    if (!reading.isAccepted()) {
+    const Verdict verdict = judge(message, bytes);
+    if (!verdict.isAccepted()) {
       continue;
     }
     const bool isSame = entries == message.record().slots.size();
-    const bool isSound = reading.faults.empty();
+    const bool isSound = verdict.faults.empty();
     const bool isExact = isSame && isSound && isOwnEncoding(message, bytes);
     candidates.push_back({&message, isExact             ? Fit::Exact
                                     : isSame && isSound ? Fit::Same

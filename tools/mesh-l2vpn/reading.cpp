@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "failure.hpp"
+#include "hex.hpp"
 
 namespace tool {
 namespace {
@@ -13,31 +14,43 @@ constexpr size_t mostFaults = 1000;
 constexpr size_t mostNotes = 100;
 
 constexpr size_t mostCharacters = 40;
+constexpr size_t mostDigits = 40;
+
+// Of longer contents the rest is not looked at: many fields may lead to the same ones. No array is
+// longer.
+constexpr size_t mostLookedAt = 16384;
 
 }  // namespace
 
-bool Reading::isAccepted() const {
-  return std::ranges::all_of(faults, &Fault::isTolerated);
-}
-
-void Reading::addFault(Fault fault) {
-  if (faults.size() < mostFaults || (!fault.isTolerated && isAccepted())) {
+void Verdict::addFault(Fault fault) {
+  const bool rejects = !fault.isTolerated && !isRejected;
+  isRejected = isRejected || rejects;
+  if (faults.size() < mostFaults || rejects) {
     faults.push_back(std::move(fault));
+  } else {
+    hasMoreFaults = true;
   }
 }
 
-void Reading::addNote(std::string note) {
-  if (notes.size() < mostNotes) {
-    notes.push_back(std::move(note));
-  }
+bool Reading::takesNote() const {
+  return notes.size() < mostNotes;
 }
 
-void refuseTooMuchMemory(const Reading& reading) {
-  if (reading.memory > largestMemory) {
-    throw Failure(Exit::BadInput, "decoding this message takes " + std::to_string(reading.memory) +
+void refuseTooMuchMemory(const Verdict& verdict) {
+  if (verdict.memory > largestMemory) {
+    throw Failure(Exit::BadInput, "decoding this message takes " + std::to_string(verdict.memory) +
                                       " bytes of memory; up to " + std::to_string(largestMemory) +
                                       " are given");
   }
+}
+
+std::string faultCountText(const Verdict& verdict) {
+  const size_t count = verdict.faults.size();
+  if (count == 0) {
+    return "no fault";
+  }
+  return (verdict.hasMoreFaults ? "at least " : "") + std::to_string(count) +
+         (count == 1 ? " fault" : " faults");
 }
 
 std::string faultText(const Fault& fault) {
@@ -53,12 +66,17 @@ std::string numberText(uint64_t value) {
 }
 
 std::string contentsText(std::span<const uint8_t> contents) {
-  if (!std::ranges::all_of(contents, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
-    return std::ranges::all_of(contents, [](uint8_t byte) { return byte == 0; }) ? "zeros" : "";
+  const auto looked = contents.first(std::min(contents.size(), mostLookedAt));
+  if (std::ranges::all_of(looked, [](uint8_t byte) { return byte == 0; })) {
+    return looked.size() < contents.size() ? "zeros at first" : "zeros";
   }
-  const auto shown = contents.first(std::min(contents.size(), mostCharacters));
-  return '"' + std::string(shown.begin(), shown.end()) +
-         (shown.size() < contents.size() ? "\"..." : "\"");
+  if (std::ranges::all_of(looked, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
+    const auto shown = contents.first(std::min(contents.size(), mostCharacters));
+    return '"' + std::string(shown.begin(), shown.end()) +
+           (shown.size() < contents.size() ? "\"..." : "\"");
+  }
+  const auto shown = contents.first(std::min(contents.size(), mostDigits / 2));
+  return toHex(shown) + (shown.size() < contents.size() ? "..." : "");
 }
 
 }  // namespace tool

@@ -40,24 +40,39 @@ struct Fault {
   bool isTolerated;  // receivers take the message all the same
 };
 
-struct Reading {
-  std::vector<Range> ranges;  // by position; every byte is in one at least
-  std::vector<Fault> faults;  // in the order in which a reader meets them, 1000 at most
-  std::vector<std::string> notes;
-  uint64_t memory = 0;  // bytes that decoding allocates
+// What a reader decides.
+struct Verdict {
+  std::vector<Fault> faults;   // in the order in which a reader meets them, 1000 or so at most
+  bool hasMoreFaults = false;  // than are kept
+  bool isRejected = false;     // by receivers
+  uint64_t memory = 0;         // bytes that decoding allocates
 
-  // Whether receivers take the message.
-  [[nodiscard]] bool isAccepted() const;
+  [[nodiscard]] bool isAccepted() const { return !isRejected; }
 
-  // Faults and notes beyond what a person reads are dropped, but never the first that makes
-  // receivers reject the message.
+  // Faults beyond what a person reads are dropped, but never the first that makes receivers reject
+  // the message.
   void addFault(Fault fault);
-  void addNote(std::string note);
 };
 
+// And what it says of every byte.
+struct Reading : Verdict {
+  std::vector<Range> ranges;  // by position; every byte is in one at least
+  std::vector<std::string> notes;
+  bool isCut = false;  // there is more to say than there are ranges for
+
+  // Whether one more is of use to a person.
+  [[nodiscard]] bool takesNote() const;
+};
+
+// More ranges than any message has that can be decoded: 4049 items fit into the largest memory.
+inline constexpr size_t mostRanges = 250'000;
+
 // More memory than this is not given to one message: a small one can ask for nearly 4 GiB.
-inline constexpr uint64_t largestMemory = uint64_t{256} << 20;
-void refuseTooMuchMemory(const Reading& reading);
+inline constexpr uint64_t largestMemory = uint64_t{64} << 20;
+void refuseTooMuchMemory(const Verdict& verdict);
+
+// "2 faults"
+std::string faultCountText(const Verdict& verdict);
 
 // "byte 24, f1.f8: 13 bytes where 12 belong"
 std::string faultText(const Fault& fault);
@@ -65,7 +80,8 @@ std::string faultText(const Fault& fault);
 // What is written beside raw bytes: "42 (0x2a)".
 std::string numberText(uint64_t value);
 
-// What is written beside a string's bytes: "zeros", or the text that they are; else nothing.
+// What is written beside a string's bytes: "zeros", the text that they are, or hexadecimal digits;
+// the beginning of long ones.
 std::string contentsText(std::span<const uint8_t> contents);
 
 }  // namespace tool

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
+#include <tuple>
+#include <type_traits>
 
 #include "coverage.hpp"
+#include "meaning.hpp"
 #include "owned_record.hpp"
 
 namespace tool {
@@ -20,28 +24,41 @@ std::string number(uint64_t value) {
   return std::to_string(value);
 }
 
+// Result: a Verdict, or a Reading for one that explains.
+template <typename Result>
 class TableReader {
  public:
-  TableReader(std::span<const uint8_t> bytes, Reading& reading)
-      : bytes_(bytes), reading_(reading) {}
+  TableReader(std::span<const uint8_t> bytes, Result& result) : bytes_(bytes), result_(result) {}
 
   void readRoot(const Record& record) {
     const auto table = load<uint32_t>(0);
-    add({0, 4, Part::Root, "", "root", "table at " + number(table), table});
-    readTable(record, table, {0, ""});
+    add(rootRange, table);
+    const Path root;
+    readTable(record, table, {0, root});
   }
 
  private:
-  // A word that leads somewhere, and the slot it stands for.
+  static constexpr bool explains = std::is_same_v<Result, Reading>;
+
+  // A word that leads somewhere, and what it stands for.
   struct Origin {
     uint32_t at;
-    std::string path;
+    const Path& path;
   };
 
   struct Frame {
     uint32_t table;
     uint32_t vtable;
     uint32_t length;
+  };
+
+  // What a table is remembered by: the same bytes may be another record, or hang in a table whose
+  // faults its holder ignores.
+  using Key = std::tuple<const Record*, uint64_t, bool>;
+
+  struct Outcome {
+    bool isGood;
+    uint64_t memory;  // that the library allocates for it each time
   };
 
   [[nodiscard]] bool holds(uint64_t at, uint64_t size) const { return at + size <= bytes_.size(); }
@@ -51,10 +68,29 @@ class TableReader {
     return loadAs<Integer>(bytes_.data() + at);
   }
 
-  void add(Range range) { reading_.ranges.push_back(std::move(range)); }
+  // What is said of sound bytes is made only to be kept.
+  template <typename Make, typename... Arguments>
+  void add(Make make, const Arguments&... arguments) {
+    if constexpr (explains) {
+      if (result_.ranges.size() < mostRanges) {
+        result_.ranges.push_back(make(arguments...));
+      } else {
+        result_.isCut = true;
+      }
+    }
+  }
 
-  bool fail(uint64_t at, uint32_t size, const std::string& path, std::string text) {
-    reading_.addFault({static_cast<uint32_t>(at), size, path, std::move(text), tolerant_});
+  template <typename MakeNote>
+  void note(MakeNote makeNote) {
+    if constexpr (explains) {
+      if (result_.takesNote()) {
+        result_.notes.push_back(makeNote());
+      }
+    }
+  }
+
+  bool fail(uint64_t at, uint32_t size, const Path& path, std::string text) {
+    result_.addFault({static_cast<uint32_t>(at), size, path.text(), std::move(text), tolerant_});
     return false;
   }
 
@@ -62,17 +98,22 @@ class TableReader {
     return " of a buffer of " + number(bytes_.size()) + " bytes";
   }
 
+  void take(uint64_t memory) { result_.memory += std::min(memory, UINT64_MAX - result_.memory); }
+
   // Whether the table is in order; a table that two words lead to is read once.
   bool readTable(const Record& record, uint64_t table, const Origin& from) {
-    const auto [known, isNew] = tables_.try_emplace({&record, table}, false);
-    if (!isNew) {
-      reading_.addNote(from.path + " leads to a table that was read before, at " + number(table));
-      return known->second;
+    const Key key{&record, table, tolerant_};
+    if (const auto known = tables_.find(key); known != tables_.end()) {
+      note([&] {
+        return from.path.text() + " leads to a table that was read before, at " + number(table);
+      });
+      take(known->second.memory);
+      return known->second.isGood;
     }
+    const uint64_t before = result_.memory;
     Frame frame{};
-    // The iterator may not be used behind this: tables within this one are put in.
     const bool isGood = locate(table, from, frame) && readSlots(record, frame, from.path);
-    tables_[{&record, table}] = isGood;
+    tables_[key] = {isGood, result_.memory - before};
     return isGood;
   }
 
@@ -86,56 +127,66 @@ class TableReader {
     const auto at = static_cast<uint32_t>(table);
     const auto distance = load<uint32_t>(at);
     const uint32_t vtable = at - distance;
-    add({at, 4, Part::Frame, from.path, "table: distance of its vtable",
-         std::to_string(static_cast<int32_t>(distance)) + ": at " + number(vtable), vtable});
+    add(distanceRange, at, from.path, distance, vtable);
     if (vtable < 4 || vtable > largest) {
       return fail(
           at, 4, from.path,
           "leads to a vtable at " + number(vtable) + ", which is not from 4 to " + number(largest));
     }
     const uint32_t length = load<uint16_t>(vtable);
-    add({vtable, 2, Part::Frame, from.path, "vtable: its length", number(length)});
+    add(vtableLengthRange, vtable, from.path, length);
     if (!holds(vtable, length)) {
       return fail(vtable, 2, from.path,
                   "a vtable of " + number(length) + " bytes where " +
                       number(bytes_.size() - vtable) + " are left");
     }
     if (length >= 4) {
-      add({vtable + 2, 2, Part::Frame, from.path, "vtable: the table's length (not used)",
-           number(load<uint16_t>(vtable + 2))});
+      add(tableLengthRange, vtable + 2, from.path, load<uint16_t>(vtable + 2));
     } else {
-      reading_.addNote(named(from.path) + ": a vtable of " + number(length) + " bytes has no slot");
+      note([&] {
+        return named(from.path) + ": a vtable of " + number(length) + " bytes has no slot";
+      });
     }
     frame = {at, vtable, length};
     return true;
   }
 
-  static std::string named(const std::string& path) { return path.empty() ? "the root" : path; }
+  static std::string named(const Path& path) {
+    return path.holder == nullptr ? "the root" : path.text();
+  }
 
-  bool readSlots(const Record& record, const Frame& frame, const std::string& path) {
+  bool readSlots(const Record& record, const Frame& frame, const Path& path) {
     bool isGood = true;
     uint32_t entryAt = frame.vtable + 4;
     const uint32_t end = frame.vtable + frame.length;
-    for (size_t index = 0; entryAt + 2 <= end; ++index, entryAt += 2) {
-      const uint32_t entry = load<uint16_t>(entryAt);
-      if (index >= record.slots.size()) {
-        add({entryAt, 2, Part::Unknown, path, "entry of slot " + number(index),
-             number(entry) + ": unknown to this library"});
-        continue;
-      }
+    for (size_t index = 0; index < record.slots.size() && entryAt + 2 <= end; ++index) {
       const Slot& slot = record.slots[index];
-      const std::string slotPath = (path.empty() ? "" : path + '.') + slot.name.data();
-      add({entryAt, 2, Part::Entry, slotPath, "entry of slot " + number(index),
-           entry == 0 ? "0: absent" : number(entry) + ": at " + number(frame.table + entry),
-           entry == 0 ? -1 : int64_t{frame.table} + entry});
+      const uint32_t entry = load<uint16_t>(entryAt);
+      const Path slotPath{&path, slot.name.data()};
+      add(entryRange, entryAt, slotPath, index, entry, frame.table);
       isGood = (entry == 0 ||
                 readSlot(record, slot, uint64_t{frame.table} + entry, {entryAt, slotPath})) &&
                isGood;
+      entryAt += 2;
     }
-    if (entryAt < end) {
-      add({entryAt, end - entryAt, Part::Unknown, path, "vtable: half an entry", ""});
+    if constexpr (explains) {
+      addUnknown(entryAt, end, record.slots.size(), path);
     }
     return isGood;
+  }
+
+  // Entries behind the last known slot. Many tables may share them: they are explained once.
+  void addUnknown(uint32_t at, uint32_t end, size_t firstSlot, const Path& path) {
+    if (at >= end || !unknown_.insert(at).second) {
+      return;
+    }
+    const uint32_t count = (end - at) / 2;
+    if (count != 0) {
+      add(unknownEntriesRange, at, path, firstSlot, count);
+    }
+    if ((end - at) % 2 != 0) {
+      add(halfEntryRange, end - 1, path);
+    }
   }
 
   bool readSlot(const Record& record, const Slot& slot, uint64_t at, const Origin& entry) {
@@ -167,8 +218,7 @@ class TableReader {
     uint64_t value = 0;
     std::copy_n(bytes_.begin() + static_cast<ptrdiff_t>(at), slot.size,
                 reinterpret_cast<uint8_t*>(&value));
-    add({static_cast<uint32_t>(at), slot.size, Part::Scalar, entry.path, "value",
-         numberText(value)});
+    add(scalarRange, static_cast<uint32_t>(at), entry.path, slot.size, value);
     return true;
   }
 
@@ -180,8 +230,7 @@ class TableReader {
     }
     const auto offset = load<uint32_t>(at);
     target = at + offset;
-    add({static_cast<uint32_t>(at), 4, Part::Word, entry.path, "offset word",
-         number(offset) + ": leads to " + number(target), static_cast<int64_t>(target)});
+    add(wordRange, static_cast<uint32_t>(at), entry.path, offset, target);
     return target <= UINT32_MAX ||
            fail(at, 4, entry.path, "leads to " + number(target) + ", past 32 bits");
   }
@@ -196,7 +245,7 @@ class TableReader {
                   "leads to a length at " + number(target) + ", past the end" + ofBuffer());
     }
     const auto length = load<uint32_t>(target);
-    add({static_cast<uint32_t>(target), 4, Part::Length, entry.path, "length", number(length)});
+    add(lengthRange, static_cast<uint32_t>(target), entry.path, length);
     if (!holds(target + 4, length)) {
       return fail(
           target, 4, entry.path,
@@ -204,14 +253,13 @@ class TableReader {
     }
     if (length != 0) {
       const auto contents = static_cast<uint32_t>(target + 4);
-      add({contents, length, Part::Contents, entry.path, "contents",
-           contentsText(bytes_.subspan(contents, length))});
+      add(contentsRange, contents, entry.path, bytes_.subspan(contents, length));
     }
     if (slot.kind == Kind::Array && length != slot.size) {
       return fail(target, 4, entry.path,
                   number(length) + " bytes where " + number(slot.size) + " belong");
     }
-    reading_.memory += slot.kind == Kind::Bytes ? length : 0;
+    take(slot.kind == Kind::Bytes ? length : 0);
     return true;
   }
 
@@ -231,7 +279,7 @@ class TableReader {
                   "leads to a count at " + number(vector) + ", past the end" + ofBuffer());
     }
     const auto count = load<uint32_t>(vector);
-    add({static_cast<uint32_t>(vector), 4, Part::Length, entry.path, "count", number(count)});
+    add(countRange, static_cast<uint32_t>(vector), entry.path, count);
     if (count > largestVectorCount || !holds(vector + 4, uint64_t{4} * count)) {
       return fail(vector, 4, entry.path,
                   number(count) + " items, whose words pass the end" + ofBuffer());
@@ -241,32 +289,43 @@ class TableReader {
       return fail(vector, 4, entry.path,
                   number(count) + " items of " + number(slot.size) + " bytes pass 32 bits");
     }
-    reading_.memory += memory;
+    take(memory);
     bool isGood = true;
     for (uint64_t item = 0; item < count; ++item) {
       const auto word = static_cast<uint32_t>(vector + 4 + 4 * item);
-      const Origin origin{word, entry.path + '[' + number(item) + ']'};
-      isGood = readNested(*slot.nested, word, origin) && isGood;
+      const Path path{&entry.path, nullptr, item};
+      isGood = readNested(*slot.nested, word, {word, path}) && isGood;
     }
     return isGood;
   }
 
   std::span<const uint8_t> bytes_;
-  Reading& reading_;
+  Result& result_;
   bool tolerant_ = false;  // inside a table whose faults its holder ignores
-  std::map<std::pair<const Record*, uint64_t>, bool> tables_;
+  std::map<Key, Outcome> tables_;
+  std::set<uint32_t> unknown_;
 };
+
+template <typename Result>
+Result read(const Message& message, std::span<const uint8_t> bytes) {
+  Result result;
+  if (bytes.size() < 4 || bytes.size() > INT32_MAX) {
+    result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
+                     number(bytes.size()) + " bytes are no message", false});
+  } else {
+    TableReader(bytes, result).readRoot(message.record());
+  }
+  return result;
+}
 
 }  // namespace
 
+Verdict judge(const Message& message, std::span<const uint8_t> bytes) {
+  return read<Verdict>(message, bytes);
+}
+
 Reading readTable(const Message& message, std::span<const uint8_t> bytes) {
-  Reading reading;
-  if (bytes.size() < 4 || bytes.size() > INT32_MAX) {
-    reading.faults.push_back({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
-                              number(bytes.size()) + " bytes are no message", false});
-  } else {
-    TableReader(bytes, reading).readRoot(message.record());
-  }
+  auto reading = read<Reading>(message, bytes);
   coverBytes(bytes, reading);
   return reading;
 }

@@ -21,13 +21,13 @@ void addContents(Json& json, const Message& message, std::span<const uint8_t> by
     json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
     return;
   }
-  const Reading reading = readTable(message, bytes);
-  for (const Fault& fault : reading.faults) {
+  const Verdict verdict = judge(message, bytes);
+  for (const Fault& fault : verdict.faults) {
     json["faults"].push_back(faultText(fault));
   }
-  if (reading.memory > largestMemory) {
-    json["faults"].push_back("takes " + std::to_string(reading.memory) + " bytes to decode");
-  } else if (reading.isAccepted()) {
+  if (verdict.memory > largestMemory) {
+    json["faults"].push_back("takes " + std::to_string(verdict.memory) + " bytes to decode");
+  } else if (verdict.isAccepted()) {
     json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
     return;
   }
@@ -76,7 +76,7 @@ Json tableJson(const Table& table, ByteText form) {
 bool isTaken(const Table& table) {
   const Message* const message = findById(table.id);
   return message != nullptr &&
-         (isOwnEncoding(*message, table.bytes) || readTable(*message, table.bytes).isAccepted());
+         (isOwnEncoding(*message, table.bytes) || judge(*message, table.bytes).isAccepted());
 }
 
 }  // namespace tool

@@ -26,7 +26,7 @@ struct Options {
 
 void decodeAs(const Message& message, const Bytes& bytes, const Options& options,
               Session& session) {
-  const Reading reading = readTable(message, bytes);
+  const Verdict reading = judge(message, bytes);
   for (const Fault& fault : reading.faults) {
     session.say(faultText(fault));
     session.result = Exit::BadInput;

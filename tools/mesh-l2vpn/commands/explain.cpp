@@ -19,10 +19,7 @@ struct Options {
 };
 
 std::string verdict(const Message& message, const Reading& reading) {
-  const size_t count = reading.faults.size();
-  const std::string faults =
-      count == 0 ? "no fault" : std::to_string(count) + (count == 1 ? " fault" : " faults");
-  return std::string(message.name) + ": " + faults + ", receivers " +
+  return std::string(message.name) + ": " + faultCountText(reading) + ", receivers " +
          (reading.isAccepted() ? "take it" : "reject it");
 }
 
@@ -31,7 +28,7 @@ void run(const Options& options, Session& session) {
   const Message& message = chooseMessage(options.input.message, bytes, session);
   const Reading reading = readTable(message, bytes);
   if (options.isHtml) {
-    std::cout << htmlPage(message, reading, bytes);
+    std::cout << htmlPage(message, reading, bytes, options.isWhole);
   } else {
     std::cout << explain(reading, bytes, options.isWhole, session);
     for (const std::string& note : reading.notes) {
