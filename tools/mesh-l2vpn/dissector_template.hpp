@@ -24,7 +24,9 @@ local tolerated = ProtoExpert.new("mesh_l2vpn.tolerated", "Fault that receivers 
                                   expert.group.MALFORMED, expert.severity.WARN)
 local unknown = ProtoExpert.new("mesh_l2vpn.unknown", "Unknown message", expert.group.UNDECODED,
                                 expert.severity.NOTE)
-proto.experts = {fault, tolerated, unknown}
+local cut = ProtoExpert.new("mesh_l2vpn.cut", "Not shown as a whole", expert.group.UNDECODED,
+                            expert.severity.NOTE)
+proto.experts = {fault, tolerated, unknown, cut}
 
 local fields = {}
 for _, field in pairs(header) do table.insert(fields, field) end
@@ -45,15 +47,33 @@ proto.fields = fields
 
 local most_words = 0x3FFFFFFF
 local past_32_bits = 0x100000000
+-- Each takes memory in Wireshark, and a hostile message may ask for any number.
+local most_lines = 20000
 
 -- One message on its way into the tree. The rules are those of the library's reader.
 local function dissect(tvb, root_record, tree)
   local length = tvb:len()
   local is_tolerant = false
+  local is_rejected = false
+  local lines = 0
   local read_table
 
+  -- Whether one more line is shown. Reading goes on without it.
+  local function has_room()
+    lines = lines + 1
+    if lines == most_lines then
+      tree:add_proto_expert_info(cut, "more than " .. most_lines .. " lines are not shown")
+    end
+    return lines < most_lines
+  end
+
+  -- The first fault that rejects the message is shown whatever came before it.
   local function fail(item, text)
-    item:add_proto_expert_info(is_tolerant and tolerated or fault, text)
+    local rejects = not is_tolerant and not is_rejected
+    is_rejected = is_rejected or rejects
+    if has_room() or rejects then
+      item:add_proto_expert_info(is_tolerant and tolerated or fault, text)
+    end
     return false
   end
   local function holds(at, size) return at + size <= length end
@@ -75,10 +95,12 @@ local function dissect(tvb, root_record, tree)
     if not holds(target + 4, count) then
       return fail(item, slot.name .. ": " .. count .. " bytes where " .. length - target - 4 .. " are left")
     end
-    if count == 0 then
-      item:add(slot.field, tvb(target, 4)):set_text(slot.name .. ": ")
-    else
-      item:add(slot.field, tvb(target + 4, count))
+    if has_room() then
+      if count == 0 then
+        item:add(slot.field, tvb(target, 4)):set_text(slot.name .. ": ")
+      else
+        item:add(slot.field, tvb(target + 4, count))
+      end
     end
     if slot.kind == "array" and count ~= slot.size then
       return fail(item, slot.name .. ": " .. count .. " bytes where " .. slot.size .. " belong")
@@ -95,11 +117,15 @@ local function dissect(tvb, root_record, tree)
       return fail(item, slot.name .. ": " .. count .. " items, whose words pass the end")
     end
     if slot.size * count >= past_32_bits then return fail(item, slot.name .. ": too many items") end
-    local items = item:add(slot.field, tvb(target, 4), "")
-    items:set_text(slot.name .. ": " .. count .. " of " .. slot.nested)
+    local items = item
+    if has_room() then
+      items = item:add(slot.field, tvb(target, 4), "")
+      items:set_text(slot.name .. ": " .. count .. " of " .. slot.nested)
+    end
     for number = 0, count - 1 do
       local word = target + 4 + 4 * number
-      local one = items:add(proto, tvb(word, 4), "[" .. number .. "]: " .. slot.nested)
+      local one = items
+      if has_room() then one = items:add(proto, tvb(word, 4), "[" .. number .. "]: " .. slot.nested) end
       local leads, where = follow(word, one)
       is_good = leads and read_table(slot.nested, where, one) and is_good
     end
@@ -109,20 +135,24 @@ local function dissect(tvb, root_record, tree)
   local function read_nested(record, slot, at, item)
     local was_tolerant = is_tolerant
     is_tolerant = is_tolerant or record.tolerant
-    local nested = item:add(slot.field, holds(at, 4) and tvb(at, 4) or tvb(), "")
-    nested:set_text(slot.name .. ": " .. slot.nested)
+    local nested = item
+    if has_room() then
+      nested = item:add(slot.field, holds(at, 4) and tvb(at, 4) or tvb(), "")
+      nested:set_text(slot.name .. ": " .. slot.nested)
+    end
     local is_good, target = follow(at, nested)
     is_good = is_good and read_table(slot.nested, target, nested)
     is_tolerant = was_tolerant
     return is_good or record.tolerant
   end
 
-  local function add_absent(slot, item)
+  local function add_absent(slot, at, item)
+    if not has_room() then return end
     if slot.kind == "scalar" then
       local zero = slot.size == 8 and UInt64(0, 0) or 0
       item:add(slot.field, zero):set_generated()
     else
-      item:add(slot.field, tvb(), ""):set_text("[" .. slot.name .. ": absent]")
+      item:add(slot.field, tvb(at, 0), ""):set_text("[" .. slot.name .. ": absent]")
     end
   end
 
@@ -131,7 +161,7 @@ local function dissect(tvb, root_record, tree)
       if not holds(at, slot.size) then
         return fail(item, slot.name .. ": " .. slot.size .. " bytes at " .. at .. " pass the end")
       end
-      item:add_le(slot.field, tvb(at, slot.size))
+      if has_room() then item:add_le(slot.field, tvb(at, slot.size)) end
       return true
     elseif slot.kind == "table" then
       return read_nested(record, slot, at, item)
@@ -158,7 +188,7 @@ local function dissect(tvb, root_record, tree)
       local entry_at = 2 + 2 * index
       local entry = entry_at + 2 <= size and u16(vtable + entry_at) or 0
       if entry == 0 then
-        add_absent(slot, item)
+        add_absent(slot, at, item)
       else
         is_good = read_slot(record, slot, at + entry, item) and is_good
       end
