@@ -38,7 +38,13 @@ Side readSide(const std::string& file, const Message& message, Bytes bytes, Sess
   return {std::move(bytes), std::move(reading), std::move(record)};
 }
 
-std::string orNothing(const std::string& text) {
+// As much of a value as a column has room for.
+std::string shortened(const std::string& text) {
+  constexpr size_t most = 60;
+  constexpr size_t shown = 32;
+  if (text.size() > most) {
+    return text.substr(0, shown) + "... (" + std::to_string(text.size()) + " characters)";
+  }
   return text.empty() ? "-" : text;
 }
 
@@ -47,15 +53,15 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
   if (!fields.empty()) {
     TextTable table({"field", "first", "second"});
     for (const FieldDifference& field : fields) {
-      table.add({field.path, orNothing(field.one), orNothing(field.other)});
+      table.add({field.path, shortened(field.one), shortened(field.other)});
     }
     std::cout << table.text(session);
   }
   if (!bytes.empty()) {
     TextTable table({"byte", "in the first", "first", "second"});
     for (const ByteDifference& difference : bytes) {
-      table.add(
-          {std::to_string(difference.at), difference.meaning, difference.one, difference.other});
+      table.add({std::to_string(difference.at), difference.meaning, shortened(difference.one),
+                 shortened(difference.other)});
     }
     std::cout << (fields.empty() ? "" : "\n") << table.text(session);
   }
@@ -84,6 +90,9 @@ Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDi
 }
 
 void run(const Options& options, Session& session) {
+  if (options.input.file == "-" && options.other == "-") {
+    throw Failure(Exit::Usage, "the standard input cannot be both messages");
+  }
   Bytes first = options.input.read();
   Bytes second = readBytes(options.other, options.input.form());
   const Message& message = chooseMessage(options.input.message, first, session);
@@ -116,7 +125,8 @@ void addDiff(CLI::App& app, Session& session) {
   options->input.addFormTo(*command);
   command->add_flag("--json", options->isJson, "As a JSON object");
   command->footer(
-      "Exit status 0 when they are the same, 1 when they differ.\n\n"
+      "Exit status 0 when they are the same, faults and all; 1 when they differ, or receivers\n"
+      "reject one. Long values are shortened; --json has them whole.\n\n"
       "Example:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin");
   command->callback([options, &session] { run(*options, session); });
 }
