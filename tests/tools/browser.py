@@ -6,6 +6,7 @@ up, at the line that is drawn, at the faults, and at the width.
 """
 import shutil
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
@@ -110,6 +111,8 @@ def check_faults(browser, faults):
         kind = "tolerated" if fault["tolerated"] else "fault"
         expect(all(kind in name.split() or "fault" in name.split() for name in marked), f"unmarked: {fault}")
         expect(fault["text"] in browser.find_element(By.ID, "summary").text, f"not in the summary: {fault}")
+    told = browser.execute_script('return document.querySelectorAll("#ranges .message").length')
+    expect(told == len(faults), f"{told} rows tell of {len(faults)} faults")
     count = browser.execute_script('return document.querySelectorAll("#bytes .fault, #bytes .tolerated").length')
     expect((count > 0) == bool(faults), f"{count} bytes are marked, for {len(faults)} faults")
 
@@ -132,6 +135,33 @@ def check_page(browser, url, faults, picture):
         point_at(browser, word)
         browser.save_screenshot(picture)
     return f"{pointed} ranges pointed at, {lines} lines, {faults} faults"
+
+
+def items_of_one_text(items, size):
+    """A list whose items lead to one text that is too long for them all: 17 ranges and a fault each."""
+    vtable, tables = 24 + 4 * items, 40 + 4 * items
+    message = struct.pack("<I4H3I", 12, 8, 8, 0, 4, 8, 4, items)
+    message += b"".join(struct.pack("<I", tables - 24) for _ in range(items))
+    message += struct.pack("<8H", 14, 4, 4 * items, 0, 4 * items, 4 * items, 4 * items, 0)
+    message += b"".join(struct.pack("<I", tables - vtable + 4 * item) for item in range(items))
+    message += b"".join(struct.pack("<I", 4 * (items - item)) for item in range(items))
+    return message + struct.pack("<I", size) + b"<" * size
+
+
+def check_long_page(browser, url):
+    """A page that would have 70,000 rows comes to its end, says so, and answers to the pointer."""
+    browser.get(url)
+    data = browser.execute_script("return data")
+    rows = browser.execute_script('return document.querySelectorAll("#ranges tr[data-range]").length')
+    expect(rows == len(data["ranges"]) <= 10000, f"{rows} rows")
+    summary = browser.find_element(By.ID, "summary").text
+    expect("at least 1000 faults" in summary and "the page ends early" in summary, summary)
+    expect("bytes more" in browser.find_element(By.ID, "bytes").text, "nothing is left out")
+    told = browser.execute_script('return document.querySelectorAll("#ranges .message").length')
+    expect(told <= len(data["faults"]), f"{told} rows tell of {len(data['faults'])} faults")
+    found = point_at(browser, next(i for i, each in enumerate(data["ranges"]) if each["part"] == "entry"))
+    expect(found["rowsLit"] and found["lit"], found)
+    return f"{rows} rows"
 
 
 def open_browser():
@@ -171,6 +201,10 @@ def main():
             for name, message, json, arrangement, change, faults in pages:
                 url = page_of(tool, message, json, arrangement, directory, name, change)
                 print(name, check_page(browser, url, faults, pictures and f"{pictures}/{name}.png"))
+            name = "long"
+            url = page_of(tool, "l2vpn_cfg_query_dfx_rec", "{}", ["--compact"], directory, name,
+                          lambda encoded: items_of_one_text(4000, 16384))
+            print(name, check_long_page(browser, url))
     except Wrong as wrong:
         sys.exit(f"FAILED: {name}: {wrong}")
     finally:

@@ -5,6 +5,7 @@
 """
 import json
 import re
+import struct
 import subprocess
 import sys
 import tempfile
@@ -59,6 +60,28 @@ def fields_are_same(record, tree):
     return set(record) == set(tree) and all(is_same(record[name], *tree[name]) for name in record)
 
 
+def long_list(items):
+    """A capture of one list whose items all lead to one empty table."""
+    packet = struct.pack("<4sHHIIIIQ", b"MESH", 1, 32, 1, 2, 0xC900380B, 0, 0)
+    packet += struct.pack("<I4H3I", 12, 8, 8, 0, 4, 8, 4, items)
+    packet += b"".join(struct.pack("<I", 4 * (items - item) + 4) for item in range(items)) + struct.pack("<HHI", 4, 4, 4)
+    blocks = [(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1)), (1, struct.pack("<HHI", 147, 0, 0)),
+              (6, struct.pack("<5I", 0, 0, 0, len(packet), len(packet)) + packet)]
+    return b"".join(struct.pack("<II", kind, 12 + len(body)) + body + struct.pack("<I", 12 + len(body))
+                    for kind, body in blocks)
+
+
+def check_long_packet(work, script):
+    """The tree of one packet does not grow with what it asks for."""
+    with open(f"{work}/long.pcapng", "wb") as file:
+        file.write(long_list(16000))
+    lines = run("tshark", "-X", f"lua_script:{script}", "-r", f"{work}/long.pcapng", "-V").stdout.splitlines()
+    if not any("more than 20000 lines are not shown" in line for line in lines) or len(lines) > 20200:
+        sys.exit(f"{len(lines)} lines of a long packet, without a note: {lines[-3:]}")
+    if not any("[9]: l2vpn_cfg_query_dfx_item" in line for line in lines):
+        sys.exit(f"the items of a long packet are not shown: {lines[-3:]}")
+
+
 def main():
     tool, write_capture, count = sys.argv[1:4]
     with tempfile.TemporaryDirectory() as work:
@@ -85,6 +108,7 @@ def main():
                 sys.exit(f"{len(names)} messages were compared")
             faults = sum("faults" in table for table in tables)
             print(f"{count} tables of {len(names)} messages, {faults} of them with faults: no difference")
+        check_long_packet(work, script)
 
 
 main()

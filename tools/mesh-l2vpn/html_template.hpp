@@ -129,7 +129,7 @@ const rows = data.ranges.map((range, index) => {
   row.dataset.range = index;
   row.append(text("td", range.at), text("td", range.path), text("td", range.meaning));
   const value = text("td", range.value);
-  const next = index + 1 < data.ranges.length ? data.ranges[index + 1].at : Infinity;
+  const next = index + 1 < data.ranges.length ? data.ranges[index + 1].at : range.at + range.size;
   while (faults.length && faults[0].at < Math.max(range.at + 1, next)) {
     const fault = faults.shift();
     value.append(" ", text("span", fault.text, fault.tolerated ? "message soft" : "message"));
