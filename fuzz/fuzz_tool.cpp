@@ -43,7 +43,11 @@ void expectSurvivesJson(const Message& message, const tool::OwnedRecord& record)
 
 void readMessage(const Message& message, std::span<const uint8_t> bytes) {
   const tool::Reading reading = tool::readTable(message, bytes);
+  const tool::Verdict verdict = tool::judge(message, bytes);
   fuzz::expectNone(tool::unsoundness(reading, bytes));
+  expect(verdict.isAccepted() == reading.isAccepted() && verdict.memory == reading.memory &&
+             verdict.faults.size() == reading.faults.size(),
+         message, "a reading and its verdict differ");
   tool::explain(reading, bytes, true, tool::Session());
   tool::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {

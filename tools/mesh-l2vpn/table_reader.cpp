@@ -4,9 +4,9 @@
 #include <map>
 #include <set>
 #include <tuple>
-#include <type_traits>
 
 #include "coverage.hpp"
+#include "findings.hpp"
 #include "meaning.hpp"
 #include "owned_record.hpp"
 
@@ -28,18 +28,16 @@ std::string number(uint64_t value) {
 template <typename Result>
 class TableReader {
  public:
-  TableReader(std::span<const uint8_t> bytes, Result& result) : bytes_(bytes), result_(result) {}
+  TableReader(std::span<const uint8_t> bytes, Result& result) : bytes_(bytes), found_(result) {}
 
   void readRoot(const Record& record) {
     const auto table = load<uint32_t>(0);
-    add(rootRange, table);
+    found_.add(rootRange, table);
     const Path root;
     readTable(record, table, {0, root});
   }
 
  private:
-  static constexpr bool explains = std::is_same_v<Result, Reading>;
-
   // A word that leads somewhere, and what it stands for.
   struct Origin {
     uint32_t at;
@@ -68,29 +66,8 @@ class TableReader {
     return loadAs<Integer>(bytes_.data() + at);
   }
 
-  // What is said of sound bytes is made only to be kept.
-  template <typename Make, typename... Arguments>
-  void add(Make make, const Arguments&... arguments) {
-    if constexpr (explains) {
-      if (result_.ranges.size() < mostRanges) {
-        result_.ranges.push_back(make(arguments...));
-      } else {
-        result_.isCut = true;
-      }
-    }
-  }
-
-  template <typename MakeNote>
-  void note(MakeNote makeNote) {
-    if constexpr (explains) {
-      if (result_.takesNote()) {
-        result_.notes.push_back(makeNote());
-      }
-    }
-  }
-
   bool fail(uint64_t at, uint32_t size, const Path& path, std::string text) {
-    result_.addFault({static_cast<uint32_t>(at), size, path.text(), std::move(text), tolerant_});
+    found_.addFault(static_cast<uint32_t>(at), size, path, std::move(text), tolerant_);
     return false;
   }
 
@@ -98,22 +75,20 @@ class TableReader {
     return " of a buffer of " + number(bytes_.size()) + " bytes";
   }
 
-  void take(uint64_t memory) { result_.memory += std::min(memory, UINT64_MAX - result_.memory); }
-
   // Whether the table is in order; a table that two words lead to is read once.
   bool readTable(const Record& record, uint64_t table, const Origin& from) {
     const Key key{&record, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
-      note([&] {
+      found_.note([&] {
         return from.path.text() + " leads to a table that was read before, at " + number(table);
       });
-      take(known->second.memory);
+      found_.addMemory(known->second.memory);
       return known->second.isGood;
     }
-    const uint64_t before = result_.memory;
+    const uint64_t before = found_.memory();
     Frame frame{};
     const bool isGood = locate(table, from, frame) && readSlots(record, frame, from.path);
-    tables_[key] = {isGood, result_.memory - before};
+    tables_[key] = {isGood, found_.memory() - before};
     return isGood;
   }
 
@@ -127,23 +102,23 @@ class TableReader {
     const auto at = static_cast<uint32_t>(table);
     const auto distance = load<uint32_t>(at);
     const uint32_t vtable = at - distance;
-    add(distanceRange, at, from.path, distance, vtable);
+    found_.add(distanceRange, at, from.path, distance, vtable);
     if (vtable < 4 || vtable > largest) {
       return fail(
           at, 4, from.path,
           "leads to a vtable at " + number(vtable) + ", which is not from 4 to " + number(largest));
     }
     const uint32_t length = load<uint16_t>(vtable);
-    add(vtableLengthRange, vtable, from.path, length);
+    found_.add(vtableLengthRange, vtable, from.path, length);
     if (!holds(vtable, length)) {
       return fail(vtable, 2, from.path,
                   "a vtable of " + number(length) + " bytes where " +
                       number(bytes_.size() - vtable) + " are left");
     }
     if (length >= 4) {
-      add(tableLengthRange, vtable + 2, from.path, load<uint16_t>(vtable + 2));
+      found_.add(tableLengthRange, vtable + 2, from.path, load<uint16_t>(vtable + 2));
     } else {
-      note([&] {
+      found_.note([&] {
         return named(from.path) + ": a vtable of " + number(length) + " bytes has no slot";
       });
     }
@@ -163,13 +138,13 @@ class TableReader {
       const Slot& slot = record.slots[index];
       const uint32_t entry = load<uint16_t>(entryAt);
       const Path slotPath{&path, slot.name.data()};
-      add(entryRange, entryAt, slotPath, index, entry, frame.table);
+      found_.add(entryRange, entryAt, slotPath, index, entry, frame.table);
       isGood = (entry == 0 ||
                 readSlot(record, slot, uint64_t{frame.table} + entry, {entryAt, slotPath})) &&
                isGood;
       entryAt += 2;
     }
-    if constexpr (explains) {
+    if constexpr (Findings<Result>::explains) {
       addUnknown(entryAt, end, record.slots.size(), path);
     }
     return isGood;
@@ -182,10 +157,10 @@ class TableReader {
     }
     const uint32_t count = (end - at) / 2;
     if (count != 0) {
-      add(unknownEntriesRange, at, path, firstSlot, count);
+      found_.add(unknownEntriesRange, at, path, firstSlot, count);
     }
     if ((end - at) % 2 != 0) {
-      add(halfEntryRange, end - 1, path);
+      found_.add(halfEntryRange, end - 1, path);
     }
   }
 
@@ -218,7 +193,7 @@ class TableReader {
     uint64_t value = 0;
     std::copy_n(bytes_.begin() + static_cast<ptrdiff_t>(at), slot.size,
                 reinterpret_cast<uint8_t*>(&value));
-    add(scalarRange, static_cast<uint32_t>(at), entry.path, slot.size, value);
+    found_.add(scalarRange, static_cast<uint32_t>(at), entry.path, slot.size, value);
     return true;
   }
 
@@ -230,7 +205,7 @@ class TableReader {
     }
     const auto offset = load<uint32_t>(at);
     target = at + offset;
-    add(wordRange, static_cast<uint32_t>(at), entry.path, offset, target);
+    found_.add(wordRange, static_cast<uint32_t>(at), entry.path, offset, target);
     return target <= UINT32_MAX ||
            fail(at, 4, entry.path, "leads to " + number(target) + ", past 32 bits");
   }
@@ -245,7 +220,7 @@ class TableReader {
                   "leads to a length at " + number(target) + ", past the end" + ofBuffer());
     }
     const auto length = load<uint32_t>(target);
-    add(lengthRange, static_cast<uint32_t>(target), entry.path, length);
+    found_.add(lengthRange, static_cast<uint32_t>(target), entry.path, length);
     if (!holds(target + 4, length)) {
       return fail(
           target, 4, entry.path,
@@ -253,13 +228,13 @@ class TableReader {
     }
     if (length != 0) {
       const auto contents = static_cast<uint32_t>(target + 4);
-      add(contentsRange, contents, entry.path, bytes_.subspan(contents, length));
+      found_.add(contentsRange, contents, entry.path, bytes_.subspan(contents, length));
     }
     if (slot.kind == Kind::Array && length != slot.size) {
       return fail(target, 4, entry.path,
                   number(length) + " bytes where " + number(slot.size) + " belong");
     }
-    take(slot.kind == Kind::Bytes ? length : 0);
+    found_.addMemory(slot.kind == Kind::Bytes ? length : 0);
     return true;
   }
 
@@ -279,7 +254,7 @@ class TableReader {
                   "leads to a count at " + number(vector) + ", past the end" + ofBuffer());
     }
     const auto count = load<uint32_t>(vector);
-    add(countRange, static_cast<uint32_t>(vector), entry.path, count);
+    found_.add(countRange, static_cast<uint32_t>(vector), entry.path, count);
     if (count > largestVectorCount || !holds(vector + 4, uint64_t{4} * count)) {
       return fail(vector, 4, entry.path,
                   number(count) + " items, whose words pass the end" + ofBuffer());
@@ -289,7 +264,7 @@ class TableReader {
       return fail(vector, 4, entry.path,
                   number(count) + " items of " + number(slot.size) + " bytes pass 32 bits");
     }
-    take(memory);
+    found_.addMemory(memory);
     bool isGood = true;
     for (uint64_t item = 0; item < count; ++item) {
       const auto word = static_cast<uint32_t>(vector + 4 + 4 * item);
@@ -300,7 +275,7 @@ class TableReader {
   }
 
   std::span<const uint8_t> bytes_;
-  Result& result_;
+  Findings<Result> found_;
   bool tolerant_ = false;  // inside a table whose faults its holder ignores
   std::map<Key, Outcome> tables_;
   std::set<uint32_t> unknown_;
