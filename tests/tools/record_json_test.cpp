@@ -6,6 +6,7 @@
 
 #include "codec.hpp"
 #include "failure.hpp"
+#include "reading.hpp"
 
 namespace tool {
 namespace {
@@ -74,6 +75,52 @@ TEST(RecordJson, WhatIsNoObjectFails) {
   EXPECT_NE(failureOf("dbginfo_key_l2vpn", "{"), "");
   EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 1, "f0": 2})"),
             "the member 'f0' is there twice");
+}
+
+TEST(RecordJson, NumbersThatNoMachineHasFail) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 1e400})"),
+            "no JSON, at byte 12: number overflow parsing '1e400'");
+}
+
+TEST(RecordJson, DeepNestingFails) {
+  const std::string deep(100'000, '[');
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", deep.c_str()), "objects and arrays more than 64 deep");
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", (deep + std::string(deep.size(), ']')).c_str()),
+            "objects and arrays more than 64 deep");
+}
+
+TEST(RecordJson, LargeValuesAreNamedByTheirType) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": [{}, {}, {}]})"),
+            "f0: a whole number from 0 to 65535 was expected, not array");
+  const std::string text(100, 'a');
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", ("{\"f0\": \"" + text + "\"}").c_str()),
+            "f0: a whole number from 0 to 65535 was expected, not string");
+}
+
+// Three letters ask for an item of 16,572 bytes.
+TEST(RecordJson, TakesNoMoreMemoryThanDecoding) {
+  const size_t items = largestMemory / 16'572 + 1;
+  std::string json = R"({"f1": [{})";
+  for (size_t item = 1; item < items; ++item) {
+    json += ",{}";
+  }
+  EXPECT_EQ(failureOf("l2vpn_cfg_query_dfx_rec", (json + "]}").c_str()),
+            "f1: up to here this record takes " + std::to_string(items * 16'572) +
+                " bytes of memory; up to " + std::to_string(largestMemory) + " are given");
+}
+
+TEST(RecordJson, MoreMembersAndValuesThanAnyRecordHasFail) {
+  std::string members;
+  for (int member = 0; member <= 100; ++member) {
+    members.append(member == 0 ? "" : ",").append("\"a" + std::to_string(member) + "\":0");
+  }
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", ('{' + members + '}').c_str()),
+            "an object of more than 100 members");
+  std::string values = "[0";
+  for (int value = 0; value < 1'000'000; ++value) {
+    values += ",0";
+  }
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", (values + "]").c_str()), "more than 1000000 values");
 }
 
 TEST(RecordJson, FixedBytesOfAMessageThatHasNoneFail) {

@@ -1,9 +1,10 @@
 #include "record_json.hpp"
 
 #include <charconv>
-#include <set>
 
 #include "failure.hpp"
+#include "json_check.hpp"
+#include "reading.hpp"
 
 namespace tool {
 namespace {
@@ -98,6 +99,14 @@ class RecordFiller {
     throw Failure(Exit::BadInput, (path.empty() ? "the record" : path) + ": " + text);
   }
 
+  // The value where it is a short one, else what kind of value it is.
+  static std::string shortText(const Json& json) {
+    constexpr size_t longest = 60;
+    const std::string text =
+        json.is_structured() ? "" : json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return text.empty() || text.size() > longest ? json.type_name() : text;
+  }
+
   static const Slot* find(const Record& schema, std::string_view name) {
     for (const Slot& slot : schema.slots) {
       if (name == slot.name.data()) {
@@ -120,7 +129,7 @@ class RecordFiller {
         return;
       }
       case Kind::Bytes:
-        return fillBytes(slot, parseBytes(json, path), record);
+        return fillBytes(slot, parseBytes(json, path), record, path);
       case Kind::Table:
         return fill(*slot.nested, json, field, path);
       case Kind::Vector:
@@ -130,9 +139,20 @@ class RecordFiller {
     }
   }
 
-  void fillBytes(const Slot& slot, const std::vector<uint8_t>& bytes, uint8_t* record) {
+  // As much as decoding gives.
+  uint8_t* addBlock(uint64_t size, const std::string& path) {
+    memory_ += size;
+    if (memory_ > largestMemory) {
+      fail(path, "up to here this record takes " + std::to_string(memory_) +
+                     " bytes of memory; up to " + std::to_string(largestMemory) + " are given");
+    }
+    return owner_.addBlock(size);
+  }
+
+  void fillBytes(const Slot& slot, const std::vector<uint8_t>& bytes, uint8_t* record,
+                 const std::string& path) {
     if (!bytes.empty()) {
-      uint8_t* const block = owner_.addBlock(bytes.size());
+      uint8_t* const block = addBlock(bytes.size(), path);
       std::ranges::copy(bytes, block);
       storeAs(record + slot.countOffset, static_cast<uint32_t>(bytes.size()));
       storeAs(record + slot.recordOffset, block);
@@ -146,7 +166,7 @@ class RecordFiller {
     if (json.empty()) {
       return;
     }
-    uint8_t* const items = owner_.addBlock(json.size() * slot.size);
+    uint8_t* const items = addBlock(uint64_t{json.size()} * slot.size, path);
     storeAs(record + slot.countOffset, static_cast<uint32_t>(json.size()));
     storeAs(record + slot.recordOffset, items);
     for (size_t item = 0; item < json.size(); ++item) {
@@ -175,7 +195,7 @@ class RecordFiller {
                                     : parseHexNumber(json, value)) ||
         value > largest) {
       fail(path, "a whole number from 0 to " + std::to_string(largest) + " was expected, not " +
-                     json.dump(-1, ' ', false, Json::error_handler_t::replace));
+                     shortText(json));
     }
     return value;
   }
@@ -195,6 +215,7 @@ class RecordFiller {
 
   OwnedRecord& owner_;
   ByteText form_;
+  uint64_t memory_ = 0;
 };
 
 }  // namespace
@@ -214,27 +235,8 @@ OwnedRecord fromJson(const Message& message, const Json& json, ByteText form) {
 }
 
 Json parseJson(std::string_view text) {
-  // The parser would keep one of two members of a name, and nobody would know which.
-  std::vector<std::set<std::string>> members;
-  const auto refuseTwice = [&](int /*depth*/, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) {
-      members.emplace_back();
-    } else if (event == Json::parse_event_t::object_end) {
-      members.pop_back();
-    } else if (event == Json::parse_event_t::key &&
-               !members.back().insert(parsed.get<std::string>()).second) {
-      throw Failure(Exit::BadInput,
-                    "the member '" + parsed.get<std::string>() + "' is there twice");
-    }
-    return true;
-  };
-  try {
-    return Json::parse(text, refuseTwice);
-  } catch (const Json::parse_error& error) {
-    throw Failure(Exit::BadInput,
-                  "no JSON, at byte " + std::to_string(error.byte) + ": " +
-                      (error.what() + std::string_view(error.what()).rfind(": ") + 2));
-  }
+  refuseUnsound(text);
+  return Json::parse(text);
 }
 
 }  // namespace tool
