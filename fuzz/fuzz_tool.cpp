@@ -10,11 +10,12 @@
 #include "codec.hpp"
 #include "explanation.hpp"
 #include "failure.hpp"
-#include "hex.hpp"
+#include "hex_text.hpp"
 #include "html_page.hpp"
 #include "input.hpp"
 #include "raw_table.hpp"
 #include "record_json.hpp"
+#include "tools/dumps.hpp"
 #include "tools/library_reader.hpp"
 
 namespace {
@@ -72,9 +73,14 @@ void readUnknown(std::span<const uint8_t> bytes) {
 }
 
 void readHexText(std::string_view text) {
-  if (const auto bytes = tool::fromHexText(text)) {
-    fuzz::expectNone(tool::fromHex(tool::toHex(*bytes)) == *bytes ? ""
-                                                                  : "hexadecimal text differs");
+  const Bytes bytes(text.begin(), text.end());
+  for (const std::string& dump : tool::dumpsOf(bytes)) {
+    fuzz::expectNone(tool::fromHexText(dump) == bytes ? "" : "a dump is read otherwise: " + dump);
+  }
+  try {
+    tool::fromHexText(text);
+  } catch (const tool::Failure&) {
+    return;
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <tuple>
 
 #include "input.hpp"
 
@@ -55,7 +56,8 @@ class Capture : public testing::Test {
 
 TEST_F(Capture, HoldsWhatWasWritten) {
   writeThree();
-  EXPECT_TRUE(isCapture(path_));
+  InputFile file(path_);
+  EXPECT_TRUE(isCapture(file));
   CaptureReader reader(path_);
   for (size_t size = 3; size <= 5; ++size) {
     const auto table = reader.next();
@@ -129,15 +131,41 @@ TEST_F(Capture, CutAnywhereIsReadUpToThere) {
   EXPECT_EQ(sound, 5u);
 }
 
+// What is read of a capture, without times.
+using Told = std::tuple<uint32_t, uint32_t, uint32_t, uint64_t, Bytes>;
+
+std::vector<Told> tablesOf(const std::string& path) {
+  CaptureReader reader(path);
+  std::vector<Told> all;
+  while (const auto table = reader.next()) {
+    all.emplace_back(table->source, table->destination, table->id, table->extra,
+                     Bytes(table->bytes.begin(), table->bytes.end()));
+  }
+  return all;
+}
+
+// One changed byte changes one table at most, the one that it belongs to; the others are those that
+// were written, in their order.
 TEST_F(Capture, ChangedAnywhereIsReadOrRefused) {
   writeThree();
   const std::string whole = readAll(path_);
+  const std::vector<Told> written = tablesOf(path_);
+  constexpr size_t firstPacket = 48 + 32;  // behind the section and the interface
   for (size_t at = 0; at < whole.size(); ++at) {
     for (const char mask : {'\x01', '\x80', '\xff'}) {
       std::string changed = whole;
       changed[at] = static_cast<char>(changed[at] ^ mask);
       write(changed);
-      EXPECT_LE(read().size(), 3u);
+      size_t next = 0;
+      size_t others = 0;
+      for (const Told& told : tablesOf(path_)) {
+        const auto found =
+            std::find(written.begin() + static_cast<ptrdiff_t>(next), written.end(), told);
+        others += found == written.end() ? 1 : 0;
+        next = found == written.end() ? next + 1 : static_cast<size_t>(found - written.begin()) + 1;
+      }
+      EXPECT_LE(next, written.size()) << "byte " << at;
+      EXPECT_LE(others, at < firstPacket ? 0U : 1U) << "byte " << at;
     }
   }
 }
@@ -174,6 +202,99 @@ TEST_F(Capture, OtherFilesAreRefused) {
   write("");
   EXPECT_TRUE(read().empty());
   EXPECT_EQ(fault_, "byte 0: an empty file is no capture");
+}
+
+// A block of a little-endian file, its body filled up with zeros.
+std::string block(uint32_t type, std::string body) {
+  body.resize((body.size() + 3) / 4 * 4);
+  const auto word = [](uint32_t value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+  };
+  const auto length = static_cast<uint32_t>(body.size() + 12);
+  return word(type) + word(length) + body + word(length);
+}
+
+template <typename... Integer>
+std::string numbers(Integer... values) {
+  std::string text;
+  (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
+  return text;
+}
+
+std::string section() {
+  return block(0x0A0D0D0A, numbers(0x1A2B3C4Du, uint16_t{1}, uint16_t{0}, UINT64_MAX));
+}
+
+// Of microseconds.
+std::string interface(uint16_t linkType = 147) {
+  return block(1, numbers(linkType, uint16_t{0}, 0u));
+}
+
+std::string packet(uint64_t time, uint32_t original, const std::string& options = "") {
+  const std::string table =
+      "MESH" + numbers(uint16_t{1}, uint16_t{32}, 7u, 8u, 9u, 0u, uint64_t{0}, 0xABu);
+  return block(6, numbers(0u, static_cast<uint32_t>(time >> 32), static_cast<uint32_t>(time),
+                          static_cast<uint32_t>(table.size()), original) +
+                      table + options);
+}
+
+std::string statistics(uint32_t interface, uint64_t lost) {
+  return block(5, numbers(interface, 0u, 0u, uint16_t{5}, uint16_t{8}, lost));
+}
+
+TEST_F(Capture, OfATimeThatDoesNotFitIsFaulty) {
+  write(section() + interface() + packet(5, 36) + packet(UINT64_MAX, 36));
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(fault_, "byte 116: a packet of a time after the year 2554");
+}
+
+TEST_F(Capture, CountsOfLostCallsDoNotWrap) {
+  const auto lost = [](uint64_t count) { return numbers(uint16_t{4}, uint16_t{8}, count); };
+  write(section() + interface() + packet(1, 36, lost(UINT64_MAX)) + packet(1, 36, lost(5)));
+  EXPECT_EQ(read().size(), 2u);
+  EXPECT_EQ(lost_, UINT64_MAX);
+}
+
+TEST_F(Capture, StatisticsOfAnInterfaceCountFromTheBeginning) {
+  write(section() + interface() + interface() + statistics(0, 7) + statistics(0, 9) +
+        statistics(1, 4));
+  read();
+  EXPECT_EQ(fault_, "");
+  EXPECT_EQ(lost_, 13u);
+}
+
+TEST_F(Capture, StatisticsOfOtherTrafficAreNotOurs) {
+  write(section() + interface(1) + statistics(0, 7));
+  read();
+  EXPECT_EQ(fault_, "");
+  EXPECT_EQ(lost_, 0u);
+}
+
+TEST_F(Capture, PacketsOfEveryKindAreCounted) {
+  write(section() + interface() + block(3, numbers(4u, 1u)) + block(2, std::string(24, '\0')) +
+        packet(1, 36));
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(others_, 2u);
+}
+
+TEST_F(Capture, TellsWhatWasCutOffAPacket) {
+  write(section() + interface() + packet(1, 36) + packet(1, 100));
+  CaptureReader reader(path_);
+  EXPECT_EQ(reader.next()->cutOff, 0u);
+  EXPECT_EQ(reader.next()->cutOff, 64u);
+}
+
+TEST_F(Capture, OfAnErrorOfTheSystemIsNotCut) {
+  EXPECT_THROW(CaptureReader(testing::TempDir()), Failure);
+  CaptureReader reader("/proc/self/mem");  // can be opened; its first byte cannot be read
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "byte 0: Input/output error");
+  try {
+    reader.throwFault();
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.exit(), Exit::System);
+  }
 }
 
 }  // namespace

@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+#include "failure.hpp"
+#include "input.hpp"
 #include "traffic.hpp"
 
 namespace tool {
@@ -39,7 +41,11 @@ class CaptureWriter {
   // How many tables arrived, and how many calls did not, as the last block.
   void writeStatistics(uint64_t received, uint64_t lost);
 
+  // Fails where the system has kept an error until now. Nothing can be written any more.
+  void close();
+
  private:
+  [[noreturn]] void fail() const;
   void writeBlock(uint32_t type, const std::vector<uint8_t>& body);
 
   std::string name_;
@@ -49,14 +55,18 @@ class CaptureWriter {
 // Reads a capture, block by block: it holds one block at a time.
 class CaptureReader {
  public:
-  // Fails where the file cannot be read or is no pcapng file.
-  explicit CaptureReader(const std::string& file);
+  explicit CaptureReader(std::unique_ptr<InputFile> file) : file_(std::move(file)) {}
+  // Fails where the file cannot be opened.
+  explicit CaptureReader(const std::string& file)
+      : CaptureReader(std::make_unique<InputFile>(file)) {}
 
   // The next table; its bytes are good until the next call. Nothing at the end, or at a fault.
   std::optional<Table> next();
 
   // What is wrong with the file, and where; empty when nothing is. Reading ends there.
   [[nodiscard]] const std::string& fault() const { return fault_; }
+  // Ends the command when there is a fault.
+  void throwFault() const;
   // Calls that the recording node missed, as far as the file says: a recorder that was killed tells
   // none behind its last table.
   [[nodiscard]] uint64_t lost() const;
@@ -68,37 +78,40 @@ class CaptureReader {
   struct Interface {
     bool isOurs;
     uint64_t unitsPerSecond;
+    uint64_t lost = 0;  // as its last statistics say, which count from the beginning
   };
 
   bool readBlock();
-  bool fail(const std::string& text);
+  bool readBody(size_t length);
+  bool fail(const std::string& text, Exit exit = Exit::BadInput);
+  bool failReading(const std::string& text);
   template <typename Integer>
   [[nodiscard]] Integer load(size_t at) const;
   bool takeInterface();
   void takeSection();
-  void takeStatistics();
+  bool takeStatistics();
   // The value of an option of the block, whose options begin at `at`; empty when it has none.
   [[nodiscard]] std::span<const uint8_t> option(size_t at, uint16_t code) const;
-  // The same as a count of 64 bits; 0 when it has none.
-  [[nodiscard]] uint64_t countOption(size_t at, uint16_t code) const;
+  // The same as a count of 64 bits.
+  [[nodiscard]] std::optional<uint64_t> countOption(size_t at, uint16_t code) const;
   bool takePacket(std::optional<Table>& table);
 
-  File file_;
+  std::unique_ptr<InputFile> file_;
   std::vector<uint8_t> block_;  // its body, without type and lengths
   uint32_t type_ = 0;
   bool isSwapped_ = false;
   bool hasSection_ = false;
   std::vector<Interface> interfaces_;
   std::string fault_;
+  Exit faultExit_ = Exit::Success;
   uint64_t position_ = 0;  // of the block being read
   uint64_t nextPosition_ = 0;
-  uint64_t lostBefore_ = 0;        // in the sections before
-  uint64_t lostByStatistics_ = 0;  // in this one
-  uint64_t lostByPackets_ = 0;
+  uint64_t lostBefore_ = 0;     // in the sections before
+  uint64_t lostByPackets_ = 0;  // in this one
   uint64_t otherPackets_ = 0;
 };
 
-// Whether a file begins as a capture does. False for the standard input, which is not looked into.
-bool isCapture(const std::string& file);
+// Whether a file begins as a capture does.
+bool isCapture(InputFile& file);
 
 }  // namespace tool

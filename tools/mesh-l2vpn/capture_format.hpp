@@ -8,6 +8,8 @@ namespace tool::pcapng {
 
 inline constexpr uint32_t sectionHeader = 0x0A0D0D0A;
 inline constexpr uint32_t interfaceDescription = 1;
+inline constexpr uint32_t obsoletePacket = 2;
+inline constexpr uint32_t simplePacket = 3;
 inline constexpr uint32_t interfaceStatistics = 5;
 inline constexpr uint32_t enhancedPacket = 6;
 

@@ -1,12 +1,10 @@
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 #include "capture_file.hpp"
 #include "capture_format.hpp"
-#include "failure.hpp"
+#include "interruption.hpp"
+#include "saturation.hpp"
 
 namespace tool {
 namespace {
@@ -14,6 +12,8 @@ namespace {
 using namespace pcapng;
 
 constexpr uint64_t second = 1'000'000'000;
+constexpr size_t largestPiece = size_t{1} << 20;
+constexpr size_t mostInterfaces = 65536;
 
 template <typename Integer>
 Integer reversed(Integer value) {
@@ -22,24 +22,38 @@ Integer reversed(Integer value) {
   return value;
 }
 
-uint64_t toNanoseconds(uint64_t units, uint64_t unitsPerSecond) {
+// Nothing for a time that 64 bits do not hold.
+std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond) {
   const auto rest = static_cast<long double>(units % unitsPerSecond);
-  return units / unitsPerSecond * second +
-         static_cast<uint64_t>(rest * second / static_cast<long double>(unitsPerSecond));
+  const auto fraction =
+      static_cast<uint64_t>(rest * second / static_cast<long double>(unitsPerSecond));
+  uint64_t time = 0;
+  return __builtin_mul_overflow(units / unitsPerSecond, second, &time) ||
+                 __builtin_add_overflow(time, fraction, &time)
+             ? std::nullopt
+             : std::optional(time);
 }
 
 }  // namespace
 
-CaptureReader::CaptureReader(const std::string& file)
-    : file_(file == "-" ? fdopen(dup(STDIN_FILENO), "rb") : std::fopen(file.c_str(), "rb")) {
-  if (!file_) {
-    throw Failure(Exit::System, file + ": " + std::strerror(errno));
-  }
+bool CaptureReader::fail(const std::string& text, Exit exit) {
+  fault_ = "byte " + std::to_string(position_) + ": " + text;
+  faultExit_ = exit;
+  return false;
 }
 
-bool CaptureReader::fail(const std::string& text) {
-  fault_ = "byte " + std::to_string(position_) + ": " + text;
-  return false;
+// Where bytes are missing: cut off, not to be read, or not waited for.
+bool CaptureReader::failReading(const std::string& text) {
+  if (file_->error() != 0) {
+    return fail(std::strerror(file_->error()), Exit::System);
+  }
+  return !isInterrupted() && fail(text);
+}
+
+void CaptureReader::throwFault() const {
+  if (!fault_.empty()) {
+    throw Failure(faultExit_, file_->name() + ": " + fault_);
+  }
 }
 
 template <typename Integer>
@@ -52,16 +66,16 @@ Integer CaptureReader::load(size_t at) const {
 bool CaptureReader::readBlock() {
   position_ = nextPosition_;
   uint32_t head[3] = {};  // type, length, and of a section its byte order
-  const size_t got = std::fread(head, 1, 8, file_.get());
-  if (got == 0 && std::feof(file_.get()) != 0) {
-    return !hasSection_ && fail("an empty file is no capture");
+  const size_t got = file_->read(head, 8);
+  if (got == 0 && file_->error() == 0) {
+    return !hasSection_ && failReading("an empty file is no capture");
   }
   if (got != 8) {
-    return fail(std::ferror(file_.get()) != 0 ? std::strerror(errno) : "cut inside a block");
+    return failReading("cut inside a block");
   }
   if (head[0] == sectionHeader) {
-    if (std::fread(&head[2], 1, 4, file_.get()) != 4) {
-      return fail("cut inside a block");
+    if (file_->read(&head[2], 4) != 4) {
+      return failReading("cut inside a block");
     }
     if (head[2] != byteOrderMagic && head[2] != reversed(byteOrderMagic)) {
       return fail("a section without a byte order");
@@ -77,16 +91,28 @@ bool CaptureReader::readBlock() {
   if (length % 4 != 0 || length < read + 4 || length > largestBlock) {
     return fail("a block of " + std::to_string(length) + " bytes");
   }
-  block_.resize(length - 8);
-  std::memcpy(block_.data(), &head[2], read - 8);
-  if (std::fread(block_.data() + (read - 8), 1, length - read, file_.get()) != length - read) {
-    return fail("cut inside a block of " + std::to_string(length) + " bytes");
+  block_.resize(read - 8);
+  std::memcpy(block_.data(), &head[2], block_.size());
+  if (!readBody(length - 8)) {
+    return failReading("cut inside a block of " + std::to_string(length) + " bytes");
   }
   if (load<uint32_t>(block_.size() - 4) != length) {
     return fail("a block whose two lengths differ");
   }
   block_.resize(block_.size() - 4);
   nextPosition_ = position_ + length;
+  return true;
+}
+
+// Piece by piece: a block may say that it is longer than the file.
+bool CaptureReader::readBody(size_t length) {
+  while (block_.size() < length) {
+    const size_t before = block_.size();
+    block_.resize(std::min(length, before + largestPiece));
+    if (file_->read(block_.data() + before, block_.size() - before) != block_.size() - before) {
+      return false;
+    }
+  }
   return true;
 }
 
@@ -105,10 +131,10 @@ std::span<const uint8_t> CaptureReader::option(size_t at, uint16_t code) const {
   return {};
 }
 
-uint64_t CaptureReader::countOption(size_t at, uint16_t code) const {
+std::optional<uint64_t> CaptureReader::countOption(size_t at, uint16_t code) const {
   const auto value = option(at, code);
   if (value.size() != sizeof(uint64_t)) {
-    return 0;
+    return std::nullopt;
   }
   const auto count = loadAs<uint64_t>(value.data());
   return isSwapped_ ? reversed(count) : count;
@@ -117,6 +143,9 @@ uint64_t CaptureReader::countOption(size_t at, uint16_t code) const {
 bool CaptureReader::takeInterface() {
   if (block_.size() < 8) {
     return fail("an interface without its link type");
+  }
+  if (interfaces_.size() == mostInterfaces) {
+    return fail("more than " + std::to_string(mostInterfaces) + " interfaces");
   }
   uint64_t unitsPerSecond = 1'000'000;
   const auto resolution = option(8, timestampResolution);
@@ -137,19 +166,27 @@ bool CaptureReader::takeInterface() {
 
 void CaptureReader::takeSection() {
   hasSection_ = true;
-  interfaces_.clear();
   lostBefore_ = lost();
-  lostByStatistics_ = 0;
   lostByPackets_ = 0;
+  interfaces_.clear();
 }
 
-void CaptureReader::takeStatistics() {
-  lostByStatistics_ += countOption(12, droppedPackets);
+bool CaptureReader::takeStatistics() {
+  if (block_.size() < 12 || load<uint32_t>(0) >= interfaces_.size()) {
+    return fail("statistics of an interface that is not described");
+  }
+  Interface& interface = interfaces_[load<uint32_t>(0)];
+  interface.lost = countOption(12, droppedPackets).value_or(interface.lost);
+  return true;
 }
 
 // The statistics count what the packets do, and what was missed behind the last.
 uint64_t CaptureReader::lost() const {
-  return lostBefore_ + std::max(lostByStatistics_, lostByPackets_);
+  uint64_t byStatistics = 0;
+  for (const Interface& interface : interfaces_) {
+    byStatistics = addSaturating(byStatistics, interface.isOurs ? interface.lost : 0);
+  }
+  return addSaturating(lostBefore_, std::max(byStatistics, lostByPackets_));
 }
 
 bool CaptureReader::takePacket(std::optional<Table>& table) {
@@ -173,15 +210,21 @@ bool CaptureReader::takePacket(std::optional<Table>& table) {
     ++otherPackets_;
     return true;
   }
-  const uint64_t time = uint64_t{load<uint32_t>(4)} << 32 | load<uint32_t>(8);
-  table = Table{toNanoseconds(time, interfaces_[interface].unitsPerSecond),
+  const auto time = toNanoseconds(uint64_t{load<uint32_t>(4)} << 32 | load<uint32_t>(8),
+                                  interfaces_[interface].unitsPerSecond);
+  if (!time) {
+    return fail("a packet of a time after the year 2554");
+  }
+  const uint32_t original = std::max(length, load<uint32_t>(16));
+  table = Table{*time,
                 loadAs<uint32_t>(packet + 8),
                 loadAs<uint32_t>(packet + 12),
                 loadAs<uint32_t>(packet + 16),
                 loadAs<uint64_t>(packet + 24),
                 {packet + headerLength, length - headerLength},
-                countOption(20 + size_t{padded(length)}, dropCount)};
-  lostByPackets_ += table->missedBefore;
+                countOption(20 + size_t{padded(length)}, dropCount).value_or(0),
+                original - length};
+  lostByPackets_ = addSaturating(lostByPackets_, table->missedBefore);
   return true;
 }
 
@@ -194,18 +237,16 @@ std::optional<Table> CaptureReader::next() {
       takeStatistics();
     } else if (type_ == enhancedPacket) {
       takePacket(table);
+    } else if (type_ == simplePacket || type_ == obsoletePacket) {
+      ++otherPackets_;
     }
   }
   return table;
 }
 
-bool isCapture(const std::string& file) {
-  if (file == "-") {
-    return false;
-  }
-  const File opened(std::fopen(file.c_str(), "rb"));
-  uint32_t type = 0;
-  return opened && std::fread(&type, 1, 4, opened.get()) == 4 && type == sectionHeader;
+bool isCapture(InputFile& file) {
+  // The same in both byte orders.
+  return file.goesOnWith("\x0A\x0D\x0D\x0A");
 }
 
 }  // namespace tool

@@ -51,7 +51,7 @@ CaptureWriter::CaptureWriter(const std::string& file)
     : name_(file),
       file_(file == "-" ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(file.c_str(), "wb")) {
   if (!file_) {
-    throw Failure(Exit::System, file + ": " + std::strerror(errno));
+    fail();
   }
   std::vector<uint8_t> section;
   append(section, byteOrderMagic);
@@ -115,8 +115,18 @@ void CaptureWriter::writeBlock(uint32_t type, const std::vector<uint8_t>& body) 
   append(block, length);
   if (std::fwrite(block.data(), 1, block.size(), file_.get()) != block.size() ||
       std::fflush(file_.get()) != 0) {
-    throw Failure(Exit::System, name_ + ": " + std::strerror(errno));
+    fail();
   }
+}
+
+void CaptureWriter::close() {
+  if (std::fclose(file_.release()) != 0) {
+    fail();
+  }
+}
+
+void CaptureWriter::fail() const {
+  throw Failure(Exit::System, name_ + ": " + std::strerror(errno));
 }
 
 }  // namespace tool

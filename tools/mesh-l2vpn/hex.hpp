@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,14 +9,13 @@
 
 namespace tool {
 
+bool isHexDigit(char digit);
+// Of two digits.
+uint8_t byteOf(char high, char low);
+
 std::string toHex(std::span<const uint8_t> bytes);
 
 // Digits, two a byte, and nothing else. Fails otherwise.
 std::vector<uint8_t> fromHex(std::string_view digits);
-
-// The bytes of a text as people and programs write them down: digits two by two, with 0x, white
-// space, commas or colons between them, # for comments, or the lines of `xxd` and `hexdump -C`.
-// Nothing when the text is none of these.
-std::optional<std::vector<uint8_t>> fromHexText(std::string_view text);
 
 }  // namespace tool

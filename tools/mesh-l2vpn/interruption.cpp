@@ -18,6 +18,11 @@ void catchInterruptions() {
   action.sa_handler = &interrupt;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  // Who starts the program with nohup wants it to go on.
+  struct sigaction before {};
+  if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+    sigaction(SIGHUP, &action, nullptr);
+  }
 }
 
 bool isInterrupted() {

@@ -3,7 +3,7 @@
 
 namespace tool {
 
-// From now on SIGINT and SIGTERM only make isInterrupted true.
+// From now on SIGINT, SIGTERM and SIGHUP only make isInterrupted true.
 void catchInterruptions();
 bool isInterrupted();
 

@@ -59,12 +59,21 @@ size_t editDistance(std::string_view one, std::string_view other) {
   return row[std::min(other.size(), longestName)];
 }
 
+bool parseNumber(std::string_view digits, int base, uint32_t& number) {
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, number, base);
+  return error == std::errc{} && stop == end;
+}
+
 bool parseId(std::string_view text, uint32_t& id) {
   const bool isHex = text.starts_with("0x") || text.starts_with("0X");
-  const std::string_view digits = isHex ? text.substr(2) : text;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, id, isHex ? 16 : 10);
-  return error == std::errc{} && stop == end;
+  return parseNumber(isHex ? text.substr(2) : text, isHex ? 16 : 10, id);
+}
+
+// An identifier without its 0x is meant.
+bool isHexId(std::string_view text) {
+  uint32_t id = 0;
+  return parseNumber(text, 16, id) && findById(id) != nullptr;
 }
 
 }  // namespace
@@ -115,10 +124,14 @@ const Message& messageNamed(std::string_view nameOrId) {
     if (const Message* const message = findById(id)) {
       return *message;
     }
-    throw Failure(Exit::Usage, "no message has the identifier " + std::string(nameOrId));
   }
-  std::string text = "no message is called '" + std::string(nameOrId) + "'";
+  const std::string wanted(nameOrId);
+  std::string text = parseId(nameOrId, id) ? "no message has the identifier " + wanted
+                                           : "no message is called '" + wanted + "'";
   const char* before = "; did you mean ";
+  if (isHexId(nameOrId)) {
+    throw Failure(Exit::Usage, text + before + "0x" + wanted);
+  }
   for (const std::string_view name : nearestNames(nameOrId)) {
     text.append(before).append(name);
     before = ", ";

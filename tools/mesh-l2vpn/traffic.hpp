@@ -16,6 +16,7 @@ struct Table {
   uint64_t extra;
   std::span<const uint8_t> bytes;
   uint64_t missedBefore = 0;  // calls that did not arrive between the table before and this one
+  uint32_t cutOff = 0;        // bytes at its end that a capture does not hold
 };
 
 uint64_t nowInNanoseconds();

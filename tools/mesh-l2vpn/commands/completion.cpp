@@ -18,6 +18,19 @@ std::string optionsOf(const CLI::App& command) {
   return words;
 }
 
+// Of options that take a value, which is no command: --color.
+std::string optionsWithValue(const CLI::App& app) {
+  std::string words;
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      if (option->get_items_expected_min() > 0) {
+        words.append(words.empty() ? "--" : "|--").append(name);
+      }
+    }
+  }
+  return words;
+}
+
 std::string commandsOf(const CLI::App& app) {
   std::string words;
   for (const CLI::App* const command : app.get_subcommands({})) {
@@ -43,7 +56,13 @@ void writeBash(const CLI::App& app) {
       << messageNames() << "'\n  local options='" << optionsOf(app)
       << "'\n"
          "  for ((each = 1; each < COMP_CWORD; ++each)); do\n"
-         "    case ${COMP_WORDS[each]} in -*) ;; *) command=${COMP_WORDS[each]}; break ;; esac\n"
+         "    case ${COMP_WORDS[each]} in\n"
+         "      "
+      << optionsWithValue(app)
+      << ") each=$((each + 1)) ;;\n"
+         "      -*) ;;\n"
+         "      *) command=${COMP_WORDS[each]}; break ;;\n"
+         "    esac\n"
          "  done\n"
          "  COMPREPLY=()\n"
          "  case $before in\n"

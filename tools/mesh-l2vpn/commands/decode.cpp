@@ -52,9 +52,15 @@ void decodeRaw(const Bytes& bytes, int indent) {
   std::cout << json.dump(indent) << '\n';
 }
 
+std::string cutText(const Table& table) {
+  const size_t held = table.bytes.size();
+  return "the capture holds " + std::to_string(held) + " of its " +
+         std::to_string(held + table.cutOff) + " bytes";
+}
+
 // Table by table, in as much memory as the largest takes.
-void decodeCapture(const Options& options, Session& session) {
-  CaptureReader reader(options.input.file);
+void decodeCapture(std::unique_ptr<InputFile> file, const Options& options, Session& session) {
+  CaptureReader reader(std::move(file));
   const Message* const wanted =
       options.input.message.empty() ? nullptr : &messageNamed(options.input.message);
   {
@@ -63,16 +69,17 @@ void decodeCapture(const Options& options, Session& session) {
       if (wanted != nullptr && table->id != wanted->data->id) {
         continue;
       }
-      const Json json = tableJson(*table, options.bytes.form());
+      Json json = tableJson(*table, options.bytes.form());
+      if (table->cutOff != 0) {
+        json["faults"].push_back(cutText(*table));
+      }
       std::cout << json.dump() << '\n';
       session.result =
           json.contains("record") && !json.contains("faults") ? session.result : Exit::BadInput;
       progress.add();
     }
   }
-  if (!reader.fault().empty()) {
-    throw Failure(Exit::BadInput, options.input.file + ": " + reader.fault());
-  }
+  reader.throwFault();
 }
 
 }  // namespace
@@ -84,17 +91,20 @@ void addDecode(CLI::App& app, Session& session) {
   options->input.addTo(*command);
   options->bytes.addTo(*command);
   command->add_flag("--line", options->isOnOneLine, "JSON on one line");
-  command->add_flag("--capture", options->isCaptured,
-                    "The input is a capture: a line of JSON for each table");
+  command
+      ->add_flag("--capture", options->isCaptured,
+                 "The input is a capture: a line of JSON for each table")
+      ->excludes("--binary", "--hex");
   command->footer(
       "Examples:\n  mesh-l2vpn decode -m l2vpn_sync_vpls_ac_update update.bin\n"
       "  xxd -p update.bin | mesh-l2vpn decode -m 0x5EED5F0D -\n  mesh-l2vpn decode unknown.bin\n"
       "  mesh-l2vpn decode night.pcapng | jq 'select(.faults)'");
   command->callback([options, &session] {
-    if (options->isCaptured || isCapture(options->input.file)) {
-      return decodeCapture(*options, session);
+    auto file = std::make_unique<InputFile>(options->input.file);
+    if (options->isCaptured || (options->input.form() == InputForm::Guessed && isCapture(*file))) {
+      return decodeCapture(std::move(file), *options, session);
     }
-    const Bytes bytes = options->input.read();
+    const Bytes bytes = readBytes(*file, options->input.form());
     if (options->input.message.empty()) {
       decodeRaw(bytes, options->indent());
     } else {

@@ -119,7 +119,8 @@ void addDiff(CLI::App& app, Session& session) {
   CLI::App* const command =
       app.add_subcommand("diff", "What differs between two messages, by field and by byte");
   const auto options = makeOptions<Options>();
-  command->add_option("-m,--message", options->input.message, "Name or identifier");
+  command->add_option("-m,--message", options->input.message, "Name or identifier")
+      ->check(notEmpty());
   command->add_option("FIRST", options->input.file, "Bytes, or their hexadecimal text")->required();
   command->add_option("SECOND", options->other, "The same")->required();
   options->input.addFormTo(*command);

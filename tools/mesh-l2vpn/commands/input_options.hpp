@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "commands/checks.hpp"
 #include "input.hpp"
 
 namespace tool {
@@ -14,7 +15,7 @@ struct InputOptions {
   bool isHex = false;
 
   void addTo(CLI::App& command) {
-    command.add_option("-m,--message", message, "Name or identifier");
+    command.add_option("-m,--message", message, "Name or identifier")->check(notEmpty());
     command.add_option("FILE", file, "Bytes, or their hexadecimal text; - for the standard input")
         ->capture_default_str();
     addFormTo(command);

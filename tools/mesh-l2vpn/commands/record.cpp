@@ -14,8 +14,10 @@ struct Options {
 };
 
 void run(const Options& options, const Session& session) {
-  CaptureWriter writer(options.file);
+  catchInterruptions();
+  // First of all, so that an old capture is replaced only by one that can be made.
   Node node(options.talk.middleware, options.talk.address);
+  CaptureWriter writer(options.file);
   session.say("node " + std::to_string(options.talk.address) + " records");
   uint64_t written = 0;
   {
@@ -27,6 +29,7 @@ void run(const Options& options, const Session& session) {
     });
   }
   writer.writeStatistics(written, node.missedCalls());
+  writer.close();
   session.say(std::to_string(written) + " tables recorded");
 }
 

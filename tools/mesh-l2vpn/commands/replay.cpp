@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "../catalogue/catalogue.hpp"
 #include "capture_file.hpp"
 #include "commands/commands.hpp"
 #include "commands/talk_options.hpp"
@@ -54,6 +55,23 @@ class Pace {
   Clock::time_point start_;
 };
 
+std::string tablesText(uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " table" : " tables");
+}
+
+void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBefore) {
+  try {
+    node.send(destination, table.id, table.bytes, table.extra);
+  } catch (const Failure& failure) {
+    const Message* const message = findById(table.id);
+    const std::string name =
+        message == nullptr ? "identifier " + catalogue::hex(table.id) : std::string(message->name);
+    throw Failure(failure.exit(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +
+                                      failure.what() + "; " + tablesText(sentBefore) +
+                                      " went out before");
+  }
+}
+
 void run(const Options& options, Session& session) {
   catchInterruptions();
   CaptureReader reader(options.file);
@@ -69,16 +87,19 @@ void run(const Options& options, Session& session) {
       }
       const auto to = options.talk.toOption->count() != 0 ? static_cast<uint32_t>(options.talk.to)
                                                           : table->destination;
-      node.send(to, table->id, table->bytes, table->extra);
+      send(node, to, *table, sent);
       ++sent;
       progress.add();
     }
   }
-  node.close();
-  session.say(std::to_string(sent) + " tables sent");
-  if (!reader.fault().empty()) {
-    throw Failure(Exit::BadInput, options.file + ": " + reader.fault());
+  try {
+    node.close();
+  } catch (const Failure& failure) {
+    throw Failure(failure.exit(), std::string(failure.what()) + "; " + tablesText(sent) +
+                                      " had been handed to the middleware");
   }
+  session.say(tablesText(sent) + " sent");
+  reader.throwFault();
 }
 
 }  // namespace
@@ -90,10 +111,10 @@ void addReplay(CLI::App& app, Session& session) {
   command->add_option("FILE", options->file, "A capture; - for the standard input")->required();
   CLI::Option* const speed =
       command->add_option("--speed", options->speed, "As many times as fast as it was recorded")
-          ->check(CLI::PositiveNumber);
+          ->check(positive());
   CLI::Option* const rate =
       command->add_option("--rate", options->rate, "That many tables a second")
-          ->check(CLI::PositiveNumber)
+          ->check(positive())
           ->excludes(speed);
   command->add_flag("--at-once", options->isAtOnce, "As fast as the receiver takes them")
       ->excludes(speed)

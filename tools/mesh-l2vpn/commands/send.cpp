@@ -43,7 +43,8 @@ void addSend(CLI::App& app, Session& session) {
   command->add_option("FILE", options->file, "JSON; - for the standard input")
       ->capture_default_str();
   options->bytes.addTo(*command);
-  command->add_option("--extra", options->extra, "The word that travels along");
+  command->add_option("--extra", options->extra, "The word that travels along")
+      ->check(unlikeOctal());
   command->footer("Example:\n  echo '{\"f0\": 7}' | mesh-l2vpn send --to 2 -m l2vpn_sync_stp");
   command->callback([options, &session] { run(*options, session); });
 }

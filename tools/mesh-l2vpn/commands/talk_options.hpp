@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 
+#include "commands/checks.hpp"
 #include "interruption.hpp"
 #include "middleware.hpp"
 
@@ -21,8 +22,10 @@ struct SendOptions {
   void addTo(CLI::App& command, const char* toText) {
     command.add_option("--middleware", middleware, "The path of a libzarnimesh")
         ->envname("MESH_L2VPN_MIDDLEWARE");
-    command.add_option("--from", from, "Address of the sending node; one of its own otherwise");
+    command.add_option("--from", from, "Address of the sending node; one of its own otherwise")
+        ->check(unlikeOctal());
     toOption = command.add_option("--to", to, toText)
+                   ->check(unlikeOctal())
                    ->check(CLI::Range(uint64_t{0}, uint64_t{UINT32_MAX}));
   }
 
@@ -38,15 +41,17 @@ struct ReceiveOptions {
   void addTo(CLI::App& command) {
     command.add_option("--middleware", middleware, "The path of a libzarnimesh")
         ->envname("MESH_L2VPN_MIDDLEWARE");
-    command.add_option("ADDRESS", address, "Address of the node to be")->required();
-    command.add_option("--count", count, "End after that many tables");
-    command.add_option("--seconds", seconds, "End after that time");
+    command.add_option("ADDRESS", address, "Address of the node to be")
+        ->required()
+        ->check(unlikeOctal());
+    command.add_option("--count", count, "End after that many tables")->check(unlikeOctal());
+    command.add_option("--seconds", seconds, "End after that time")->check(positive());
   }
 
-  // Hands over what arrives until enough has, the time is over, or the user ends it.
+  // Hands over what arrives until enough has, the time is over, or the user ends it, whose
+  // interruptions are caught before.
   void receiveAll(Node& node, const std::function<void(const Table&)>& handler) const {
     using Clock = std::chrono::steady_clock;
-    catchInterruptions();
     const auto start = Clock::now();
     uint64_t received = 0;
     const auto isOver = [&] {
