@@ -1,8 +1,14 @@
 // mesh-l2vpn: see, make and record Layer-2 VPN messages.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <iostream>
+#include <new>
+#include <sstream>
 
 #include "commands/commands.hpp"
+#include "printable.hpp"
 
 namespace {
 
@@ -10,22 +16,61 @@ int exitCode(tool::Exit exit) {
   return static_cast<int>(exit);
 }
 
-int run(CLI::App& app, int count, char** words, tool::Session& session) {
+// A file that is opened must not become the standard output because that one is closed.
+void occupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      // The wrong way round, so that whoever uses it is told.
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
+}
+
+int parse(CLI::App& app, int count, char** words, const tool::Session& session) {
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : exitCode(tool::Exit::Usage);
-  } catch (const tool::Failure& failure) {
+    std::ostringstream text;
+    const bool isHelp = app.exit(error, std::cout, text) == 0;
+    std::istringstream lines(text.str());
+    for (std::string line; std::getline(lines, line);) {
+      std::cerr << tool::printable(line) << '\n';
+    }
     std::cout.flush();
-    std::cerr << "mesh-l2vpn: " << failure.what() << '\n';
-    return exitCode(failure.exit());
+    return isHelp ? 0 : exitCode(tool::Exit::Usage);
   }
-  return exitCode(std::cout.flush() ? session.result : tool::Exit::System);
+  std::cout.flush();
+  return exitCode(session.result);
+}
+
+int fail(const tool::Failure& failure) {
+  // What was printed before stands before; when that fails, there is enough to tell already.
+  std::cout.exceptions(std::ios::goodbit);
+  std::cout.flush();
+  tool::complain(failure.what());
+  return exitCode(failure.exit());
+}
+
+int run(CLI::App& app, int count, char** words, const tool::Session& session) {
+  // An output that fails ends the command at once.
+  std::cout.exceptions(std::ios::badbit);
+  try {
+    return parse(app, count, words, session);
+  } catch (const tool::Failure& failure) {
+    return fail(failure);
+  } catch (const std::ios::failure&) {
+    return fail(tool::outputFailure());
+  } catch (const std::bad_alloc&) {
+    return fail({tool::Exit::System, "out of memory"});
+  } catch (const std::exception& error) {
+    return fail({tool::Exit::System, error.what()});
+  }
 }
 
 }  // namespace
 
 int main(int count, char** words) {
+  occupyStandardStreams();
   std::ios::sync_with_stdio(false);
   tool::Session session;
   CLI::App app("Sees, makes and records the messages of the Layer-2 VPN feature.", "mesh-l2vpn");

@@ -2,8 +2,12 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
+
+#include "printable.hpp"
 
 namespace tool {
 
@@ -30,8 +34,16 @@ std::string Session::ink(Ink ink, std::string_view text) const {
 void Session::say(const std::string& text) const {
   if (!isQuiet) {
     std::cout.flush();
-    std::cerr << "mesh-l2vpn: " << text << '\n';
+    complain(text);
   }
+}
+
+void complain(std::string_view text) {
+  std::cerr << "mesh-l2vpn: " << printable(text) << '\n';
+}
+
+Failure outputFailure() {
+  return {Exit::System, std::string("the output: ") + std::strerror(errno)};
 }
 
 }  // namespace tool

@@ -26,4 +26,11 @@ struct Session {
   void say(const std::string& text) const;
 };
 
+// A line on the standard error, in which control characters of what was read are escaped: they
+// never reach a terminal.
+void complain(std::string_view text);
+
+// Why the output failed, told where an attempt to write has just done so.
+Failure outputFailure();
+
 }  // namespace tool

@@ -15,13 +15,16 @@ struct Options {
 };
 
 void run(const Options& options, const Session& session) {
+  catchInterruptions();
   Node node(options.talk.middleware, options.talk.address);
   session.say("node " + std::to_string(options.talk.address) + " listens");
   options.talk.receiveAll(node, [&](const Table& table) {
     // Line by line, for whoever reads in a pipe.
-    std::cout << tableJson(table, options.bytes.form()).dump() << std::endl;
-    if (!std::cout) {
-      throw Failure(Exit::System, "the output ended");
+    const std::string line = tableJson(table, options.bytes.form()).dump();
+    try {
+      std::cout << line << std::endl;
+    } catch (const std::ios::failure&) {
+      throw outputFailure();  // the middleware has the next word
     }
   });
   const mesh_node_statistics statistics = node.statistics();
