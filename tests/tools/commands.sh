@@ -18,6 +18,8 @@ expect_exit 0 "$tool" show $message --json
 expect_text out '"fixedPosition": 10'
 expect_exit 2 "$tool" show l2vpn_sync_vpls_acc
 expect_text err "did you mean l2vpn_sync_vpls_ac"
+expect_exit 2 "$tool" show 5EED5F0D
+expect_text err "did you mean 0x5EED5F0D"
 
 "$tool" encode -m $message update.json >fixed.bin
 "$tool" encode -m $message --compact <update.json >compact.bin
@@ -38,6 +40,10 @@ expect_text err "f1.f99: l2vpn_sync_vpls_ac has no such field"
 echo '{}' >empty.json
 expect_exit 2 "$tool" encode -m dbginfo_key_l2vpn --fixed empty.json
 expect_exit 3 "$tool" encode -m $message missing.json
+for command in decode explain encode "diff compact.bin"; do
+  # shellcheck disable=SC2086
+  expect_exit 2 "$tool" $command -m '' compact.bin
+done
 
 head -c 91 compact.bin >cut.bin
 expect_exit 1 "$tool" decode -m $message cut.bin
@@ -119,10 +125,12 @@ bash -c '. ./out; COMP_WORDS=(mesh-l2vpn exp); COMP_CWORD=1; _mesh_l2vpn
 bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode -m l2vpn_sync_stp); COMP_CWORD=3; _mesh_l2vpn
          [ "${#COMPREPLY[@]}" -eq 3 ]' || fail "messages are not completed"
 
+bash -c '. ./out; COMP_WORDS=(mesh-l2vpn --color always dec); COMP_CWORD=3; _mesh_l2vpn
+         [ "${COMPREPLY[*]}" = decode ]' || fail "decode is not completed behind an option"
+
 expect_exit 2 "$tool"
 expect_exit 2 "$tool" nonsense
 for command in list show decode encode explain diff send listen record replay stat dissector completion; do
   expect_exit 0 "$tool" $command --help
   expect_text out "Example"
 done
-"$tool" list | head -1 >/dev/null  # a pipe that ends early is no failure of ours to report

@@ -54,4 +54,5 @@ completes 'mesh-l2vpn show l2vpn_sync_vpls_macping_u' 'l2vpn_sync_vpls_macping_u
 completes 'mesh-l2vpn decode -m l2vpn_sync_vpls_ac_macdraw_d' 'l2vpn_sync_vpls_ac_macdraw_delete'
 completes 'mesh-l2vpn decode --capt' '--capture'
 completes 'mesh-l2vpn --qui' '--quiet'
-print "7 lines are completed"
+completes 'mesh-l2vpn --color always expl' 'always explain'
+print "8 lines are completed"

@@ -68,7 +68,25 @@ kill -TERM $waiting
 wait $waiting || fail "an interrupted replay fails"
 expect_text waiting "4 tables sent"
 
-for pace in "--rate 0" "--rate -1" "--speed 0" "--rate 5 --speed 2" "--at-once --rate 5" \
+# Waiting for the rest of a capture.
+mkfifo fifo
+exec 8<>fifo  # its writer does not go
+cat few.pcapng >&8
+"$tool" replay --to 3 --at-once - <&8 2>waiting &
+waiting=$!
+heard=$((heard + 4))
+until_heard $heard
+kill -HUP $waiting
+wait $waiting || fail "a replay that is interrupted while it waits fails"
+expect_text waiting "4 tables sent"
+exec 8>&-
+
+# Nobody is there.
+expect_exit 3 "$tool" replay --to 77 --at-once few.pcapng
+expect_text err "table 1, dbginfo_key_l2vpn: sending to node 77"
+expect_text err "; 0 tables went out before"
+
+for pace in "--rate nan" "--rate inf" "--speed nan" "--speed inf" "--rate 0" "--rate -1" "--speed 0" "--rate 5 --speed 2" "--at-once --rate 5" \
             "--at-once --speed 2"; do
   # shellcheck disable=SC2086
   expect_exit 2 "$tool" replay $pace few.pcapng

@@ -66,6 +66,34 @@ until_said "node 4 records" recorder
 kill -TERM $recorder
 wait $recorder || fail "an interrupted recorder fails"
 
+for options in "2 --seconds -1" "2 --seconds nan" "2 --seconds 0" 010 "2 --count 010"; do
+  # shellcheck disable=SC2086
+  expect_exit 2 timeout 20 "$tool" listen $options
+done
+
+# An old capture is replaced only by one that can be made.
+cp night.pcapng old.pcapng
+expect_exit 3 "$tool" record --middleware ./no.so 2 old.pcapng
+cmp night.pcapng old.pcapng || fail "a capture was destroyed"
+
+# A recorder whose terminal goes ends well; one that is to go on does so.
+"$tool" record 4 ended.pcapng 2>recorder &
+recorder=$!
+until_said "node 4 records" recorder
+kill -HUP $recorder
+wait $recorder || fail "a recorder whose terminal went fails"
+expect_text recorder "0 tables recorded"
+
+# What listen prints has to go somewhere.
+"$tool" listen 2 >/dev/full 2>listener &
+listener=$!
+until_said "node 2 listens" listener
+echo '{"f0": 1}' | "$tool" --quiet send --to 2 -m l2vpn_sync_stp
+code=0
+wait $listener || code=$?
+[ $code -eq 3 ] || fail "listen ends with $code where the output is full"
+expect_text listener "the output: No space left on device"
+
 echo '{}' >empty.json
 expect_exit 3 "$tool" send --middleware ./no.so --to 2 -m l2vpn_sync_stp empty.json
 expect_text err "no middleware"

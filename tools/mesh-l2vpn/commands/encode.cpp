@@ -24,8 +24,9 @@ struct Options {
 };
 
 Bytes encode(const Options& options) {
-  const OwnedRecord record = fromJson(messageNamed(options.message),
-                                      parseJson(readAll(options.file)), options.bytes.form());
+  const Message& message = messageNamed(options.message);
+  const OwnedRecord record =
+      fromJson(message, parseJson(readAll(options.file)), options.bytes.form());
   return options.isFixed     ? encodeFixed(record)
          : options.isCompact ? encodeCompact(record)
                              : encodeAsSent(record);
