@@ -3,7 +3,8 @@
 set -euo pipefail
 
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# A test that fails leaves nobody listening.
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$work"' EXIT
 
 fail() {
   echo "FAILED: $*" >&2

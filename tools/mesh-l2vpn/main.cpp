@@ -83,7 +83,7 @@ int main(int count, char** words) {
   app.footer(
       "Messages are named by name or identifier.\n\n"
       "Exit status: 0 done; 1 the input is at fault, or diff found a difference;\n"
-      "2 wrong usage; 3 a file or the middleware failed.\n\n"
+      "2 wrong usage; 3 a file, the output or the middleware failed.\n\n"
       "Examples:\n"
       "  mesh-l2vpn show l2vpn_sync_vpls_ac\n"
       "  mesh-l2vpn decode -m 0x5EED5F0D captured.bin\n"
