@@ -285,7 +285,7 @@ TEST_F(Capture, TellsWhatWasCutOffAPacket) {
 }
 
 TEST_F(Capture, OfAnErrorOfTheSystemIsNotCut) {
-  EXPECT_THROW(CaptureReader(testing::TempDir()), Failure);
+  EXPECT_THROW(CaptureReader{testing::TempDir()}, Failure);
   CaptureReader reader("/proc/self/mem");  // can be opened; its first byte cannot be read
   EXPECT_FALSE(reader.next());
   EXPECT_EQ(reader.fault(), "byte 0: Input/output error");
