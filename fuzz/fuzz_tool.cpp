@@ -6,6 +6,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <sstream>
+
 #include "capture_file.hpp"
 #include "codec.hpp"
 #include "explanation.hpp"
@@ -49,7 +51,8 @@ void readMessage(const Message& message, std::span<const uint8_t> bytes) {
   expect(verdict.isAccepted() == reading.isAccepted() && verdict.memory == reading.memory &&
              verdict.faults.size() == reading.faults.size(),
          message, "a reading and its verdict differ");
-  tool::explain(reading, bytes, true, tool::Session());
+  std::ostringstream text;
+  tool::explain(reading, bytes, true, tool::Session(), text);
   tool::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {
     expect(tool::libraryAccepts(message, bytes) == reading.isAccepted(), message,

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "explanation.hpp"
 #include "library_reader.hpp"
 #include "session.hpp"
@@ -49,7 +51,9 @@ TEST(HostileMessage, ContentsThatItemsShareAreShownWholeOnce) {
   const Bytes bytes = itemsOfOneText(items, 100'000, 'a');
   const Reading reading = readTable(list(), bytes);
   EXPECT_EQ(reading.faults.size(), items);
-  const std::string text = explain(reading, bytes, true, Session());
+  std::ostringstream out;
+  explain(reading, bytes, true, Session(), out);
+  const std::string text = out.str();
   EXPECT_NE(text.find("bytes that stand above"), std::string::npos);
   EXPECT_EQ(text.find("bytes more"), std::string::npos);
   // A line of 8 bytes is shorter than 200 characters.

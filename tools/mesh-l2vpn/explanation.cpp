@@ -1,6 +1,7 @@
 #include "explanation.hpp"
 
 #include <algorithm>
+#include <ostream>
 
 #include "hex.hpp"
 
@@ -39,8 +40,9 @@ std::string padded(std::string text, size_t width) {
 
 class Explainer {
  public:
-  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Session& session)
-      : reading_(reading), bytes_(bytes), session_(session) {
+  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Session& session,
+            std::ostream& out)
+      : reading_(reading), bytes_(bytes), session_(session), out_(out) {
     for (const Range& range : reading.ranges) {
       pathWidth_ = std::max(pathWidth_, range.path.size());
       meaningWidth_ = std::max(meaningWidth_, range.meaning.size());
@@ -52,48 +54,45 @@ class Explainer {
     std::ranges::stable_sort(faults_, {}, &Fault::at);
   }
 
-  std::string explain(bool isWhole) {
-    std::string text;
+  void explain(bool isWhole) {
     const std::vector<Range>& ranges = reading_.ranges;
     for (size_t index = 0; index < ranges.size(); ++index) {
       const Range& range = ranges[index];
-      text += rangeText(range, isWhole);
+      write(range, isWhole);
       shownEnd_ = std::max(shownEnd_, range.at + range.size);
-      text += faultsBefore(
+      markFaultsBefore(
           std::max(range.at + 1, index + 1 < ranges.size() ? ranges[index + 1].at : UINT32_MAX));
     }
-    return text + faultsBefore(UINT32_MAX);
+    markFaultsBefore(UINT32_MAX);
   }
 
  private:
-  [[nodiscard]] std::string rangeText(const Range& range, bool isWhole) const {
+  void write(const Range& range, bool isWhole) {
     const uint32_t lines = (range.size + bytesOnALine - 1) / bytesOnALine;
     const uint32_t head = std::min(lines, linesOfContents);
     // Many long ranges may hold the same bytes.
     const uint32_t shown = (std::max(shownEnd_, range.at) - range.at) / bytesOnALine;
     const uint32_t tail = isWhole ? std::clamp(shown, head, lines) : lines;
-    std::string text = linesText(range, 0, head);
+    writeLines(range, 0, head);
     if (head < tail) {
-      text += std::string(positionWidth_ + 2, ' ') + "... " +
-              std::to_string(std::min(range.size, tail * bytesOnALine) - head * bytesOnALine) +
-              (isWhole ? " bytes that stand above\n" : " bytes more\n");
+      out_ << std::string(positionWidth_ + 2, ' ') << "... "
+           << std::min(range.size, tail * bytesOnALine) - head * bytesOnALine
+           << (isWhole ? " bytes that stand above\n" : " bytes more\n");
     }
-    return text + linesText(range, tail, lines);
+    writeLines(range, tail, lines);
   }
 
-  [[nodiscard]] std::string linesText(const Range& range, uint32_t from, uint32_t to) const {
-    std::string text;
+  void writeLines(const Range& range, uint32_t from, uint32_t to) {
+    const Ink ink = inkOf(range.part);
     for (uint32_t line = from; line < to; ++line) {
       const uint32_t at = range.at + line * bytesOnALine;
       const std::string hex =
           spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at)));
-      const Ink ink = inkOf(range.part);
-      text += rightAligned(at) + "  ";
-      text += line == 0 ? session_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
-                        : session_.ink(ink, hex);
-      text += '\n';
+      out_ << rightAligned(at) << "  "
+           << (line == 0 ? session_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
+                         : session_.ink(ink, hex))
+           << '\n';
     }
-    return text;
   }
 
   [[nodiscard]] std::string meaningText(const Range& range) const {
@@ -116,23 +115,19 @@ class Explainer {
   }
 
   // Faults are marked once, under the first range that begins where they do.
-  std::string faultsBefore(uint32_t end) {
-    std::string text;
+  void markFaultsBefore(uint32_t end) {
     for (; marked_ < faults_.size() && faults_[marked_]->at < end; ++marked_) {
-      text += mark(*faults_[marked_]);
+      const Fault& fault = *faults_[marked_];
+      out_ << std::string(positionWidth_ + 2, ' ')
+           << session_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault))
+           << '\n';
     }
-    return text;
-  }
-
-  [[nodiscard]] std::string mark(const Fault& fault) const {
-    return std::string(positionWidth_ + 2, ' ') +
-           session_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault)) +
-           '\n';
   }
 
   const Reading& reading_;
   std::span<const uint8_t> bytes_;
   const Session& session_;
+  std::ostream& out_;
   size_t pathWidth_ = 0;
   size_t meaningWidth_ = 0;
   size_t positionWidth_ = 0;
@@ -143,9 +138,9 @@ class Explainer {
 
 }  // namespace
 
-std::string explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
-                    const Session& session) {
-  return Explainer(reading, bytes, session).explain(isWhole);
+void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
+             const Session& session, std::ostream& out) {
+  Explainer(reading, bytes, session, out).explain(isWhole);
 }
 
 }  // namespace tool

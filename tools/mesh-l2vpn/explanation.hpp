@@ -1,8 +1,8 @@
 // A reading as text, line by line.
 #pragma once
 
+#include <iosfwd>
 #include <span>
-#include <string>
 
 #include "reading.hpp"
 #include "session.hpp"
@@ -12,7 +12,7 @@ namespace tool {
 // Position, bytes, slot, meaning and value of every range; faults under the bytes to blame. Of long
 // contents the beginning, unless all is asked for; bytes that are read again are never shown whole
 // a second time.
-std::string explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
-                    const Session& session);
+void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
+             const Session& session, std::ostream& out);
 
 }  // namespace tool

@@ -30,7 +30,7 @@ void run(const Options& options, Session& session) {
   if (options.isHtml) {
     std::cout << htmlPage(message, reading, bytes, options.isWhole);
   } else {
-    std::cout << explain(reading, bytes, options.isWhole, session);
+    explain(reading, bytes, options.isWhole, session, std::cout);
     for (const std::string& note : reading.notes) {
       std::cout << session.ink(Ink::Yellow, "note: " + note) << '\n';
     }
