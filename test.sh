@@ -3,7 +3,7 @@
 # one build: the Debian packages, the reference, the library on another processor.
 #
 #   ./test.sh [PRESET...]    workflow presets of CMakePresets.json: by default release (g++), asan,
-#                            tsan and msan (clang++)
+#                            tsan-threads and msan (clang++)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -12,7 +12,7 @@ tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev
   chromium chromium-driver python3-selenium
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan msan)
+[ ${#presets[@]} -gt 0 ] || presets=(release asan tsan-threads msan)
 export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(nproc)}"
 for preset in "${presets[@]}"; do
   echo "== $preset"
