@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-tools/setup.sh g++ clang libclang-rt-dev cmake ninja-build binutils libgtest-dev libzmq3-dev \
+tools/setup.sh g++ clang libclang-rt-dev llvm cmake ninja-build binutils libgtest-dev libzmq3-dev \
   libbenchmark-dev libcli11-dev nlohmann-json3-dev python3 pkg-config abigail-tools tshark zsh \
   chromium chromium-driver python3-selenium
 

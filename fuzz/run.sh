@@ -17,7 +17,7 @@ fuzzers=("$@")
 # many tables share.
 declare -A longest=([fuzz_unpack]=20000 [fuzz_send]=2048 [fuzz_calls]=2048 [fuzz_tool]=20000)
 
-tools/setup.sh clang libclang-rt-dev cmake ninja-build libgtest-dev libcli11-dev nlohmann-json3-dev
+tools/setup.sh clang libclang-rt-dev llvm cmake ninja-build libgtest-dev libcli11-dev nlohmann-json3-dev
 build=${MESH_L2VPN_FUZZ_BUILD:-build/fuzz}
 cmake --preset fuzz -B "$build" >/dev/null
 cmake --build "$build" --target "${fuzzers[@]}"
