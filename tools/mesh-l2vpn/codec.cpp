@@ -11,8 +11,8 @@ namespace tool {
 namespace {
 
 // Whether a few bytes can ask for much memory.
-bool hasVector(const mesh::wire::Record& record) {
-  return std::ranges::any_of(record.slots, [](const mesh::wire::Slot& slot) {
+bool hasVector(const mesh::wire::Schema& schema) {
+  return std::ranges::any_of(schema.slots, [](const mesh::wire::Slot& slot) {
     return slot.kind == mesh::wire::Kind::Vector;
   });
 }
@@ -76,7 +76,7 @@ OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes) {
 
 bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes) {
   if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
-      (hasVector(message.record()) && judge(message, bytes).memory > largestMemory)) {
+      (hasVector(message.schema()) && judge(message, bytes).memory > largestMemory)) {
     return false;
   }
   // What a rejected message leaves may be a count without its items, which has no encoding.

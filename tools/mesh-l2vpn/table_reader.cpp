@@ -14,7 +14,7 @@ namespace tool {
 namespace {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 // More items than this cannot have their offset words inside any buffer.
@@ -30,11 +30,11 @@ class TableReader {
  public:
   TableReader(std::span<const uint8_t> bytes, Result& result) : bytes_(bytes), found_(result) {}
 
-  void readRoot(const Record& record) {
+  void readRoot(const Schema& schema) {
     const auto table = load<uint32_t>(0);
     found_.add(rootRange, table);
     const Path root;
-    readTable(record, table, {0, root});
+    readTable(schema, table, {0, root});
   }
 
  private:
@@ -52,7 +52,7 @@ class TableReader {
 
   // What a table is remembered by: the same bytes may be another record, or hang in a table whose
   // faults its holder ignores.
-  using Key = std::tuple<const Record*, uint64_t, bool>;
+  using Key = std::tuple<const Schema*, uint64_t, bool>;
 
   struct Outcome {
     bool isGood;
@@ -76,8 +76,8 @@ class TableReader {
   }
 
   // Whether the table is in order; a table that two words lead to is read once.
-  bool readTable(const Record& record, uint64_t table, const Origin& from) {
-    const Key key{&record, table, tolerant_};
+  bool readTable(const Schema& schema, uint64_t table, const Origin& from) {
+    const Key key{&schema, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
       found_.note([&] {
         return from.path.text() + " leads to a table that was read before, at " + number(table);
@@ -87,7 +87,7 @@ class TableReader {
     }
     const uint64_t before = found_.memory();
     Frame frame{};
-    const bool isGood = locate(table, from, frame) && readSlots(record, frame, from.path);
+    const bool isGood = locate(table, from, frame) && readSlots(schema, frame, from.path);
     tables_[key] = {isGood, found_.memory() - before};
     return isGood;
   }
@@ -130,22 +130,22 @@ class TableReader {
     return path.holder == nullptr ? "the root" : path.text();
   }
 
-  bool readSlots(const Record& record, const Frame& frame, const Path& path) {
+  bool readSlots(const Schema& schema, const Frame& frame, const Path& path) {
     bool isGood = true;
     uint32_t entryAt = frame.vtable + 4;
     const uint32_t end = frame.vtable + frame.length;
-    for (size_t index = 0; index < record.slots.size() && entryAt + 2 <= end; ++index) {
-      const Slot& slot = record.slots[index];
+    for (size_t index = 0; index < schema.slots.size() && entryAt + 2 <= end; ++index) {
+      const Slot& slot = schema.slots[index];
       const uint32_t entry = load<uint16_t>(entryAt);
       const Path slotPath{&path, slot.name.data()};
       found_.add(entryRange, entryAt, slotPath, index, entry, frame.table);
       isGood = (entry == 0 ||
-                readSlot(record, slot, uint64_t{frame.table} + entry, {entryAt, slotPath})) &&
+                readSlot(schema, slot, uint64_t{frame.table} + entry, {entryAt, slotPath})) &&
                isGood;
       entryAt += 2;
     }
     if constexpr (Findings<Result>::explains) {
-      addUnknown(entryAt, end, record.slots.size(), path);
+      addUnknown(entryAt, end, schema.slots.size(), path);
     }
     return isGood;
   }
@@ -164,14 +164,14 @@ class TableReader {
     }
   }
 
-  bool readSlot(const Record& record, const Slot& slot, uint64_t at, const Origin& entry) {
+  bool readSlot(const Schema& schema, const Slot& slot, uint64_t at, const Origin& entry) {
     switch (slot.kind) {
       case Kind::Array:
       case Kind::Bytes:
         return readBytes(slot, at, entry);
       case Kind::Table: {
         const bool wasTolerant = tolerant_;
-        const bool isIgnored = record.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
+        const bool isIgnored = schema.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
         tolerant_ = tolerant_ || isIgnored;
         const bool isGood = readNested(*slot.nested, at, entry);
         tolerant_ = wasTolerant;
@@ -238,7 +238,7 @@ class TableReader {
     return true;
   }
 
-  bool readNested(const Record& nested, uint64_t at, const Origin& entry) {
+  bool readNested(const Schema& nested, uint64_t at, const Origin& entry) {
     uint64_t table = 0;
     return follow(at, entry, table) &&
            readTable(nested, table, {static_cast<uint32_t>(at), entry.path});
@@ -288,7 +288,7 @@ Result read(const Message& message, std::span<const uint8_t> bytes) {
     result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
                      number(bytes.size()) + " bytes are no message", false});
   } else {
-    TableReader(bytes, result).readRoot(message.record());
+    TableReader(bytes, result).readRoot(message.schema());
   }
   return result;
 }

@@ -18,7 +18,7 @@ constexpr uint64_t second = 1'000'000'000;
 void addContents(Json& json, const Message& message, std::span<const uint8_t> bytes,
                  ByteText form) {
   if (isOwnEncoding(message, bytes)) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
+    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
     return;
   }
   const Verdict verdict = judge(message, bytes);
@@ -28,7 +28,7 @@ void addContents(Json& json, const Message& message, std::span<const uint8_t> by
   if (verdict.memory > largestMemory) {
     json["faults"].push_back("takes " + std::to_string(verdict.memory) + " bytes to decode");
   } else if (verdict.isAccepted()) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
+    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
     return;
   }
   json["bytes"] = toHex(bytes);

@@ -36,7 +36,7 @@ void decodeAs(const Message& message, const Bytes& bytes, const Options& options
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.record(), record.data(), options.bytes.form()).dump(options.indent())
+  std::cout << toJson(message.schema(), record.data(), options.bytes.form()).dump(options.indent())
             << '\n';
 }
 

@@ -34,7 +34,7 @@ Side readSide(const std::string& file, const Message& message, Bytes bytes, Sess
     throw Failure(Exit::BadInput, file + ": receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
-  Json record = toJson(message.record(), decode(message, bytes).data());
+  Json record = toJson(message.schema(), decode(message, bytes).data());
   return {std::move(bytes), std::move(reading), std::move(record)};
 }
 
