@@ -72,7 +72,7 @@ uint8_t* fill(const mesh::wire::Schema& schema, const Shape& shape, Random& rand
               uint8_t* parts) {
   for (const Slot& slot : schema.slots) {
     uint8_t* const at = record + slot.recordOffset;
-    if (isScalar(slot.kind)) {
+    if (slot.kind == Kind::Scalar) {
       fillScalar(slot, shape.fill, random, at);
     } else if (slot.kind == Kind::Array) {
       random.fill(at, slot.size);

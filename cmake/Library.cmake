@@ -16,14 +16,9 @@ foreach(service l2vpn_cfg l2vpn_stat l2vpn_sync)
 endforeach()
 
 add_library(mesh_l2vpn_objects OBJECT
-  host/binding.cpp
+  host/log.cpp
   host/memory.cpp
-  wire/reader.cpp
-  wire/report.cpp
-  wire/reverse.cpp
-  msg/registration.cpp
-  msg/send.cpp
-  msg/unpack.cpp
+  wire/slow_writer.cpp
   l2vpn_cfg/proof.cpp
   l2vpn_cfg/receive.cpp
   l2vpn_cfg/send.cpp
@@ -45,7 +40,7 @@ set_target_properties(mesh_l2vpn_objects PROPERTIES
 # library can be unloaded.
 target_compile_options(mesh_l2vpn_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics $<$<CONFIG:Release>:-O2>
-  $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique>
+  $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique -fno-ipa-cp -fno-ipa-sra>
   # An operation that its service's header does not declare would be hidden.
   $<$<CXX_COMPILER_ID:GNU>:-Wmissing-declarations>
   $<$<BOOL:${MESH_L2VPN_DEVELOPER}>:-g>)
@@ -74,9 +69,11 @@ set_target_properties(mesh_l2vpn PROPERTIES
   SOVERSION ${MESH_L2VPN_ABI}
   LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
   LINK_DEPENDS ${mesh_l2vpn_exports})
-# Bound lazily: a process that never sends needs no middleware.
+# Bound lazily: a process that never sends needs no middleware. The library's own calls of what it
+# exports are direct, and nobody overrides them.
 target_link_options(mesh_l2vpn PRIVATE
-  LINKER:--version-script=${mesh_l2vpn_exports} LINKER:-z,lazy LINKER:-z,relro LINKER:--as-needed)
+  LINKER:--version-script=${mesh_l2vpn_exports} LINKER:-Bsymbolic-functions
+  LINKER:-z,lazy LINKER:-z,relro LINKER:--as-needed)
 if(MESH_L2VPN_MIDDLEWARE)
   target_link_libraries(mesh_l2vpn PRIVATE ${MESH_L2VPN_MIDDLEWARE})
 else()

@@ -1,31 +1,161 @@
-// Late binding of the host's functions, once per module.
+// What one codec module knows of its host, and how it finds out: lazily, once, by symbol name.
 #pragma once
 
-#include "host/serial_env.hpp"
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <type_traits>
+
+#include "host/memory.hpp"
 
 namespace mesh::host {
+
+using LogWriteFn = void (*)(const void* env, uint32_t level, uint32_t code, const char* file,
+                            uint32_t line, const char* function, const char* format, ...);
+// Blocks are aligned for any type, as malloc's are.
+using AllocFn = void* (*)(uint32_t size, uint32_t owner, const char* caller);
+using FreeFn = void (*)(void* block, uint32_t owner, const char* caller);
+using MemUseFlagGetFn = uint32_t (*)(uint32_t owner);
 
 // The owner id of everything that decoding allocates, and the one the host is asked about.
 inline constexpr uint32_t unpackOwner = 12;
 
-void bindHostOnce(serial_env& env);
-void bindUnpackAllocatorOnce(Module& module);
+// The standard allocator behind the host allocator's signature.
+inline void* mallocWrapper(uint32_t size, uint32_t /*owner*/, const char* /*caller*/) {
+  return std::malloc(size);
+}
+inline void freeWrapper(void* block, uint32_t /*owner*/, const char* /*caller*/) {
+  std::free(block);
+}
+
+// The binding record. The host receives its address with every log call and reads the first word,
+// so the order of the fields is part of the interface.
+//
+// hostBound guards logWrite, memAlloc and memFree; unpackBound guards unpackAlloc and unpackFree.
+// Each flag is stored last, with release; whoever reads it nonzero with acquire sees the functions.
+struct serial_env {
+  const char* frameworkName = "VELTA";
+  const char* moduleName = "VELTA_PLOVANE_SERIAL";
+  uint16_t memModuleId = 0x6200;
+
+  pthread_mutex_t hostLock = PTHREAD_MUTEX_INITIALIZER;
+  LogWriteFn logWrite = nullptr;
+  AllocFn memAlloc = nullptr;
+  FreeFn memFree = nullptr;
+  std::atomic<uint32_t> hostBound = 0;
+
+  pthread_mutex_t unpackLock = PTHREAD_MUTEX_INITIALIZER;
+  std::atomic<uint32_t> unpackBound = 0;
+  AllocFn unpackAlloc = &mallocWrapper;
+  FreeFn unpackFree = &freeWrapper;
+};
+
+static_assert(sizeof(void*) == 8, "records, descriptors and this layout are those of 64-bit hosts");
+static_assert(std::is_standard_layout_v<serial_env>);
+static_assert(offsetof(serial_env, frameworkName) == 0);
+static_assert(offsetof(serial_env, moduleName) == 8);
+static_assert(offsetof(serial_env, memModuleId) == 16);
+static_assert(offsetof(serial_env, hostLock) == 24);
+static_assert(offsetof(serial_env, logWrite) == 24 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, memAlloc) == 32 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, memFree) == 40 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, hostBound) == 48 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackLock) == 56 + sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackBound) == 56 + 2 * sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackAlloc) == 64 + 2 * sizeof(pthread_mutex_t));
+static_assert(offsetof(serial_env, unpackFree) == 72 + 2 * sizeof(pthread_mutex_t));
+static_assert(std::atomic<uint32_t>::is_always_lock_free);
+
+// One direction of one service. Modules share nothing.
+struct Module {
+  serial_env env;
+
+  // Nonzero: every multi-byte value on the wire is byte-reversed. Read once a message; the
+  // load-time constructor and the unpack-side binding store 0.
+  std::atomic<uint32_t> swapBytes = 0;
+};
+
+inline ByteOrder byteOrder(const Module& module) {
+  return module.swapBytes.load(std::memory_order_relaxed) == 0 ? ByteOrder::Host
+                                                               : ByteOrder::Reversed;
+}
+
+class Guard {
+ public:
+  explicit Guard(pthread_mutex_t& mutex) : mutex_(mutex) { pthread_mutex_lock(&mutex_); }
+  ~Guard() { pthread_mutex_unlock(&mutex_); }
+  Guard(const Guard&) = delete;
+  Guard& operator=(const Guard&) = delete;
+
+ private:
+  pthread_mutex_t& mutex_;
+};
+
+// A null handle searches the global namespace, in load order.
+template <typename Function>
+Function lookUp(const char* symbol) {
+  return reinterpret_cast<Function>(dlsym(nullptr, symbol));
+}
+
+// A block must go back to the allocator it came from, so a pair is the host's or ours as a whole.
+inline void completePair(AllocFn& alloc, FreeFn& release) {
+  if (alloc == nullptr || release == nullptr) {
+    alloc = &mallocWrapper;
+    release = &freeWrapper;
+  }
+}
+
+[[gnu::cold, gnu::noinline]] inline void bindHostOnce(serial_env& env) {
+  const Guard guard(env.hostLock);
+  if (env.hostBound.load(std::memory_order_relaxed) != 0) {
+    return;
+  }
+  if (env.logWrite == nullptr) {
+    env.logWrite = lookUp<LogWriteFn>("DDM_OsalLogWrite");
+  }
+  env.memAlloc = lookUp<AllocFn>("DDM_OsalMemAlloc");
+  env.memFree = lookUp<FreeFn>("DDM_OsalMemFree");
+  completePair(env.memAlloc, env.memFree);
+  env.hostBound.store(1, std::memory_order_release);
+}
+
+[[gnu::cold, gnu::noinline]] inline void bindUnpackAllocator(Module& module) {
+  serial_env& env = module.env;
+  const Guard guard(env.unpackLock);
+  if (env.unpackBound.load(std::memory_order_relaxed) != 0) {
+    return;
+  }
+  module.swapBytes.store(0, std::memory_order_relaxed);
+  const auto useFlagGet = lookUp<MemUseFlagGetFn>("DDM_OsalMemUseFlagGet");
+  if (useFlagGet != nullptr && useFlagGet(unpackOwner) == 1) {
+    env.unpackAlloc = lookUp<AllocFn>("DDM_OsalMemCacheAlloc");
+    env.unpackFree = lookUp<FreeFn>("DDM_OsalMemFree");
+  }
+  completePair(env.unpackAlloc, env.unpackFree);
+  env.unpackBound.store(1, std::memory_order_release);
+}
 
 // Ensures that logWrite, memAlloc and memFree are bound. logWrite may stay null.
-[[gnu::always_inline]] inline void bindHost(serial_env& env) {
+inline void bindHost(serial_env& env) {
   if (env.hostBound.load(std::memory_order_acquire) == 0) [[unlikely]] {
     bindHostOnce(env);
   }
 }
 
-[[gnu::always_inline]] inline bool isUnpackAllocatorBound(const Module& module) {
+inline bool isCodecReady(const Module& module) {
   return module.env.unpackBound.load(std::memory_order_acquire) != 0;
 }
 
-// Ensures that unpackAlloc and unpackFree are bound; the binding clears swapBytes.
-[[gnu::always_inline]] inline void bindUnpackAllocator(Module& module) {
-  if (!isUnpackAllocatorBound(module)) [[unlikely]] {
-    bindUnpackAllocatorOnce(module);
+// Comes before every reading, writing and release of a message. The unpack side's binding clears
+// swapBytes, so whoever writes binds it too, to know the byte order; readers and releases need its
+// allocator as well.
+inline void readyCodec(Module& module) {
+  if (!isCodecReady(module)) [[unlikely]] {
+    bindUnpackAllocator(module);
   }
 }
 

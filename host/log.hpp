@@ -1,26 +1,29 @@
-// The host's log writer, called by one convention.
+// Every text that this library logs, through the host's log writer. `function` is the name text of
+// the operation that reports.
 #pragma once
 
-#include "host/binding.hpp"
+#include <cstdint>
 
 namespace mesh::host {
 
-enum class LogCode : uint32_t {
-  Allocation = 12,  // decoding was refused memory
-  Report = 22,      // everything else
-};
+struct serial_env;
 
-inline constexpr uint32_t logLevel = 2;
+// __unpack was given a null buffer or record, or a length that is below 4 as a signed number.
+void reportUnpackParameters(serial_env& env, const char* function, const void* data,
+                            uint32_t length, const void* record);
 
-// One call of the host's log writer, or nothing where the host has none. `line` is the reporting
-// statement's, `function` the operation's name text, `format` and `args` as for printf.
-template <typename... Args>
-[[gnu::cold, gnu::noinline]] void logError(serial_env& env, LogCode code, uint32_t line,
-                                           const char* function, const char* format, Args... args) {
-  bindHost(env);
-  if (env.logWrite != nullptr) {
-    env.logWrite(&env, logLevel, static_cast<uint32_t>(code), "", line, function, format, args...);
-  }
-}
+// __pack was given a null buffer.
+void reportPackParameters(serial_env& env, const char* function, const void* buffer, uint32_t room,
+                          const void* record);
+
+// `table` is the table's position, in the vtable's report too.
+void reportTableOffset(serial_env& env, const char* function, uint32_t table, uint32_t length);
+void reportVtableOffset(serial_env& env, const char* function, uint32_t table, uint32_t largest);
+void reportVtableLength(serial_env& env, const char* function, uint32_t vtableLength,
+                        uint32_t left);
+
+// Decoding was refused `size` bytes: in a message's own root decoder, and in a table reader.
+void reportRootAllocation(serial_env& env, const char* function, uint32_t size);
+void reportTableAllocation(serial_env& env, const char* function, uint32_t size);
 
 }  // namespace mesh::host

@@ -1,10 +1,11 @@
-// The door to the bounded memory functions. A process that has its own by these names is served by
-// them; where it has none, fallbacks of the same meaning serve (Annex K of C11, without a handler).
+// Memory: unaligned integers in either byte order, and the door to the bounded memory functions.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <tuple>
 
 extern "C" {
 [[gnu::weak]] int memcpy_s(void* to, size_t room, const void* from, size_t count);
@@ -14,41 +15,79 @@ extern "C" {
 
 namespace mesh::host {
 
-// Zero on success. On a violation (null pointer, count above room, overlap) the destination's room
-// is cleared (copy) or filled (fill) where it is a valid one, and the result is not zero.
-int fallbackCopy(void* to, size_t room, const void* from, size_t count);
-int fallbackFill(void* to, size_t room, int value, size_t count);
+// Some places store neighbouring integers as one.
+static_assert(std::endian::native == std::endian::little, "the devices are little-endian");
 
-// Copies and fills of a size that only the running process knows. The caller has checked it, so
-// the result has nothing to tell.
-inline void copyBytes(void* to, const void* from, size_t count) {
-  if (&::memcpy_sOptAsm != nullptr) {
-    static_cast<void>(::memcpy_sOptAsm(to, count, from, count));
-  } else {
-    static_cast<void>(fallbackCopy(to, count, from, count));
+enum class ByteOrder {
+  Host,
+  Reversed,
+};
+
+// The unsigned integer of `size` bytes: 1, 2, 4 or 8.
+template <size_t size>
+using Unsigned = std::tuple_element_t<std::bit_width(size) - 1,
+                                      std::tuple<uint8_t, uint16_t, uint32_t, uint64_t>>;
+
+// Copies an integer of `size` bytes from the byte order `order` to the host's, or back.
+template <ByteOrder order>
+void copyInteger(uint8_t* to, const uint8_t* from, size_t size) {
+  for (size_t at = 0; at < size; ++at) {
+    to[at] = from[order == ByteOrder::Host ? at : size - 1 - at];
   }
 }
 
-inline void clearBytes(void* to, size_t count) {
-  if (&::memset_s != nullptr) {
-    static_cast<void>(::memset_s(to, count, 0, count));
+// Nothing on the wire is aligned: integers and pointers are read and written through memcpy.
+template <typename Value, ByteOrder order = ByteOrder::Host>
+Value load(const uint8_t* from) {
+  Value value{};
+  if constexpr (order == ByteOrder::Host) {
+    std::memcpy(&value, from, sizeof value);
   } else {
-    static_cast<void>(fallbackFill(to, count, 0, count));
+    copyInteger<order>(reinterpret_cast<uint8_t*>(&value), from, sizeof value);
+  }
+  return value;
+}
+
+template <typename Value>
+void store(uint8_t* to, Value value) {
+  std::memcpy(to, &value, sizeof value);
+}
+
+// The bounded memory functions are the process's own where it has them; where it has none, these
+// fallbacks of the same meaning serve (Annex K of C11, without a handler). Zero on success. On a
+// violation (null pointer, count above room, overlap) the destination's room is cleared (copy) or
+// filled (fill) where it is a valid one, and the result is not zero.
+int fallbackCopy(void* to, size_t room, const void* from, size_t count);
+int fallbackFill(void* to, size_t room, int value, size_t count);
+
+// Copies and fills of a size that is known at run time. The caller has checked the size. A host's
+// function may refuse it all the same, for example above a limit of its own: then the C library's
+// function does the work, so that no byte stays unwritten.
+inline void copyBytes(void* to, const void* from, size_t count) {
+  const auto copy = &::memcpy_sOptAsm != nullptr ? &::memcpy_sOptAsm : &fallbackCopy;
+  if (copy(to, count, from, count) != 0) [[unlikely]] {
+    std::memmove(to, from, count);
   }
 }
 
 inline void copyChecked(void* to, const void* from, size_t count) {
-  if (&::memcpy_s != nullptr) {
-    static_cast<void>(::memcpy_s(to, count, from, count));
-  } else {
-    static_cast<void>(fallbackCopy(to, count, from, count));
+  const auto copy = &::memcpy_s != nullptr ? &::memcpy_s : &fallbackCopy;
+  if (copy(to, count, from, count) != 0) [[unlikely]] {
+    std::memmove(to, from, count);
   }
 }
 
-// Up to this size, what has a constant size is copied and cleared in place.
+inline void clearBytes(void* to, size_t count) {
+  const auto fill = &::memset_s != nullptr ? &::memset_s : &fallbackFill;
+  if (fill(to, count, 0, count) != 0) [[unlikely]] {
+    std::memset(to, 0, count);
+  }
+}
+
+// Arrays and records up to this size are copied and cleared in place.
 inline constexpr size_t largestInPlace = 256;
 
-// For those who walk a schema while they run: an array's contents, a record.
+// For the slot reader, which walks a schema at run time.
 inline void copyArray(uint8_t* to, const uint8_t* from, size_t count) {
   if (count <= largestInPlace) {
     std::memcpy(to, from, count);
@@ -68,11 +107,11 @@ inline void clearRecord(uint8_t* to, size_t count) {
 // The most that one store holds.
 inline constexpr size_t chunk = 16;
 
-// For those whom the compiler knows the size from. Moved sixteen bytes at a time, the last ones
-// overlapping those before: left to themselves, compilers turn some sizes into string instructions,
-// which cost more than the rest of a message together.
+// For sizes that the compiler knows. Moves sixteen bytes at a time, the last ones overlapping those
+// before: compilers turn some sizes into string instructions, which cost more than the rest of a
+// message together.
 template <size_t count>
-[[gnu::always_inline]] inline void copyConstant(uint8_t* to, const uint8_t* from) {
+void copyConstant(uint8_t* to, const uint8_t* from) {
   if constexpr (count > largestInPlace) {
     copyChecked(to, from, count);
   } else if constexpr (count <= chunk) {
@@ -88,18 +127,12 @@ template <size_t count>
 }
 
 template <size_t count>
-[[gnu::always_inline]] inline void clearConstant(uint8_t* to) {
+void clearConstant(uint8_t* to) {
   if constexpr (count > largestInPlace) {
     clearBytes(to, count);
-  } else if constexpr (count <= chunk) {
-    std::memset(to, 0, count);
   } else {
-    for (size_t at = 0; at + chunk <= count; at += chunk) {
-      std::memset(to + at, 0, chunk);
-    }
-    if constexpr (count % chunk != 0) {
-      std::memset(to + count - chunk, 0, chunk);
-    }
+    constexpr uint8_t zeros[count]{};
+    copyConstant<count>(to, zeros);
   }
 }
 

@@ -58,3 +58,5 @@ CFG_RECORD(l2vpn_cfg_query_dfx_item, scalarsFirst, fixed, SLOT_ARRAY(32, f0), SL
 CFG_RECORD(l2vpn_cfg_query_dfx_key, slotOrder, queryKey, SLOT_TABLE(f0), SLOT_TABLE(f1))
 CFG_RECORD(l2vpn_cfg_query_dfx_rec, slotOrder, compactByTableReader, SLOT_TABLE(f0),
            SLOT_VECTOR(f1))
+
+MESH_SERVICE(l2vpn_cfg, L2VPN_CFG_MESSAGES)

@@ -20,3 +20,5 @@ MESH_SCHEMA(l2vpn_stat_pw_stat, mesh::l2vpn_stat::scalarsFirst, SLOT_U32(f0), SL
             SLOT_U8(f2), SLOT_ARRAY(3, f3), SLOT_U32(f4), SLOT_U64(f5), SLOT_U64(f6), SLOT_U64(f7),
             SLOT_U64(f8), SLOT_U64(f9), SLOT_U64(f10), SLOT_U64(f11), SLOT_U64(f12))
 MESH_MESSAGE(mesh::l2vpn_stat::service, l2vpn_stat_pw_stat, mesh::l2vpn_stat::fixedByTableReader)
+
+MESH_SERVICE(l2vpn_stat, L2VPN_STAT_MESSAGES)

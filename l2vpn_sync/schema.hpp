@@ -35,8 +35,7 @@ inline constexpr msg::Policy ofWrapper{msg::Arrangement::Fixed, msg::RootDecodin
   MESH_SCHEMA(record_type, mesh::l2vpn_sync::style, __VA_ARGS__) \
   SYNC_MESSAGE(record_type, ofRecord)                            \
   SYNC_WRAPPER(record_type##_update)                             \
-  SYNC_WRAPPER(record_type##_delete)                             \
-  MESH_SAME_LAYOUT(record_type##_delete, record_type##_update)
+  SYNC_WRAPPER(record_type##_delete)
 
 SYNC_RECORD(l2vpn_sync_vpls_ac, plain, SLOT_U32(f0), SLOT_U32(f1), SLOT_U32(f2), SLOT_U32(f3),
             SLOT_U8(f4), SLOT_U8(f5), SLOT_U16(f6), SLOT_U8(f7), SLOT_ARRAY(12, f8),
@@ -106,11 +105,4 @@ SYNC_RECORD(l2vpn_sync_vpls_macping, plain, SLOT_U64(f0), SLOT_U32(f1), SLOT_U32
             SLOT_U16(f10), SLOT_U8(f11), SLOT_U8(f12))
 SYNC_RECORD(l2vpn_sync_stp, checked, SLOT_U32(f0), SLOT_U32(f1), SLOT_U32(f2), SLOT_U32(f3))
 
-// Records that are told apart by their names alone.
-#define SYNC_SAME_LAYOUT(record_type, model) \
-  MESH_SAME_LAYOUT(record_type, model)       \
-  MESH_SAME_LAYOUT(record_type##_update, model##_update)
-
-SYNC_SAME_LAYOUT(l2vpn_sync_vpls_inst_info, l2vpn_sync_vpls_inst)
-SYNC_SAME_LAYOUT(l2vpn_sync_vllexp, l2vpn_sync_vpls_exp)
-SYNC_SAME_LAYOUT(l2vpn_sync_pw_pmo, l2vpn_sync_vpls_inst_macdraw)
+MESH_SERVICE(l2vpn_sync, L2VPN_SYNC_MESSAGES)

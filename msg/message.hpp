@@ -1,12 +1,17 @@
 // What a message is: constant data beside its record's schema.
 #pragma once
 
+#include <span>
 #include <string_view>
 
-#include "wire/fixed_layout.hpp"
+#include "host/binding.hpp"
 #include "wire/schema.hpp"
 
 namespace mesh::msg {
+
+// What __pack and the send operations return of their own.
+inline constexpr uint32_t success = 0;
+inline constexpr uint32_t failure = 0xFFFFFFFF;
 
 // How the send operations encode. __pack always writes the compact arrangement.
 enum class Arrangement : uint8_t {
@@ -15,7 +20,8 @@ enum class Arrangement : uint8_t {
 };
 
 // Who verifies and decodes the root table: the message itself, which touches the record only once
-// the frame has been found good, or the record's table reader, which is given a cleared record.
+// the table's head has been found good, or the record's table reader, which is given a cleared
+// record.
 enum class RootDecoding : uint8_t {
   ByMessage,
   ByTableReader,
@@ -54,34 +60,26 @@ struct MessageOf;
 template <typename RecordType>
 inline constexpr const Message& messageOf = MessageOf<RecordType>::message;
 
-// The message whose code serves a record type: its own, or that of another one of the same layout.
-template <typename RecordType>
-struct LayoutOwner {
-  using Type = RecordType;
-};
-
-namespace detail {
-
-// An owner may have one itself.
-template <typename RecordType, typename Owner = typename LayoutOwner<RecordType>::Type>
-struct LastOwner : LastOwner<Owner> {};
-
-template <typename RecordType>
-struct LastOwner<RecordType, RecordType> {
-  static constexpr const Message& message = messageOf<RecordType>;
-};
-
-}  // namespace detail
-
-template <typename RecordType>
-inline constexpr const Message& layoutOwnerOf = detail::LastOwner<RecordType>::message;
-
-// Whether code made for one message does the same for another: what its names tell apart comes to
-// it as arguments. The release of out-of-line parts is made for one message alone.
+// Whether the code of one message does for another. Names and identifiers come to it as arguments,
+// but for the names that the release of out-of-line parts passes to the host.
 constexpr bool haveSameLayout(const Message& one, const Message& other) {
-  return one.policy == other.policy && wire::haveSameLayout(*one.schema, *other.schema) &&
-         !wire::ownsMemory(*one.schema);
+  return &one == &other ||
+         (one.policy == other.policy && wire::haveSameLayout(*one.schema, *other.schema) &&
+          !wire::ownsMemory(*one.schema));
 }
+
+constexpr size_t layoutOwnerIndex(std::span<const Message* const> messages,
+                                  const Message& message) {
+  size_t index = 0;
+  while (!haveSameLayout(*messages[index], message)) {
+    ++index;
+  }
+  return index;
+}
+
+// The message whose code serves `message`: the first of its service's that has the same layout.
+template <const auto& messages, const Message& message>
+inline constexpr const Message& layoutOwnerOf = *messages[layoutOwnerIndex(messages, message)];
 
 // 32-bit FNV-1a, continued from `hash`.
 constexpr uint32_t fnv1a(std::string_view text, uint32_t hash = 0x811C9DC5) {
@@ -121,11 +119,26 @@ consteval Message makeMessage(const Service& service, const wire::Schema& schema
         makeMessage(service, mesh::wire::schemaOf<::record_type>, message_policy); \
   };
 
-// Says that the code of `owner_type`'s message serves this record's too.
-#define MESH_SAME_LAYOUT(record_type, owner_type)                                    \
-  template <>                                                                        \
-  struct mesh::msg::LayoutOwner<::record_type> {                                     \
-    using Type = ::owner_type;                                                       \
-    static_assert(haveSameLayout(messageOf<::record_type>, messageOf<::owner_type>), \
-                  "the layouts differ");                                             \
-  };
+#define MESH_ADDRESS_OF_MESSAGE(message, identifier) &msg::messageOf<message>,
+
+// A service's two modules, and its messages in registration order, from its list of messages.
+#define MESH_SERVICE(service, list)                                                  \
+  namespace mesh::service {                                                          \
+  extern host::Module receiveModule;                                                 \
+  extern host::Module sendModule;                                                    \
+  inline constexpr const msg::Message* messages[] = {list(MESH_ADDRESS_OF_MESSAGE)}; \
+  }
+
+// Opens a module's source file, where `module` and `messages` are its module and its service's
+// messages from here on. The constructor is all that runs when the library is loaded.
+#define MESH_DEFINE_MODULE(service, module_name)                            \
+  constinit mesh::host::Module mesh::service::module_name;                  \
+  static constexpr mesh::host::Module& module = mesh::service::module_name; \
+  static constexpr const auto& messages = mesh::service::messages;          \
+  [[gnu::constructor]] static void clearSwapBytes() {                       \
+    module.swapBytes.store(0, std::memory_order_relaxed);                   \
+  }
+
+// Template arguments within a module's source file: the module, and the layout owner of a message.
+#define MESH_SERVED_BY(message) \
+  module, mesh::msg::layoutOwnerOf<messages, mesh::msg::messageOf<message>>

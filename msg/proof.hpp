@@ -7,6 +7,7 @@
 
 #include "msg/message.hpp"
 #include "wire/compact_size.hpp"
+#include "wire/fixed_image.hpp"
 
 namespace mesh::msg::proof {
 

@@ -1,5 +1,8 @@
-// __sendsingle, __sendbatch, __sendmsg and __sendtomsg: records become encoded tables, and one
-// middleware call takes them all. Every buffer lives for the call alone.
+// A service's send module: __pack, __sendsingle, __sendbatch, __sendmsg, __sendtomsg and
+// _send_init.
+//
+// To send is to encode records and to give all of them to the middleware in one call. Every buffer
+// lives for the call alone.
 #pragma once
 
 #include <bit>
@@ -7,7 +10,7 @@
 
 #include "msg/middleware.hpp"
 #include "msg/pack.hpp"
-#include "wire/fixed_writer.hpp"
+#include "wire/fixed_image.hpp"
 
 namespace mesh::msg {
 
@@ -16,22 +19,6 @@ struct Identity {
   uint32_t id;            // the message's
   const char* operation;  // the exported operation's name
 };
-
-// An exported __sendsingle.
-template <typename Record>
-using SendSingleOf = uint32_t(uint32_t destination, const Record* record, uint64_t unused,
-                              uint64_t extra);
-
-// One of whichever record. It takes the same registers.
-using AnySendSingle = uint32_t(uint32_t destination, const void* record, uint64_t unused,
-                               uint64_t extra);
-
-// Binds the module, then begins again: a call that came back would have every send save registers
-// for the one that is the module's first.
-uint32_t bindAndSend(uint32_t destination, const void* record, uint64_t unused, uint64_t extra,
-                     AnySendSingle* send, host::Module& module);
-
-namespace detail {
 
 // The longest fixed image that is built on the stack.
 inline constexpr uint32_t largestOnStack = 1024;
@@ -73,58 +60,99 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
 }
 
 // Makes the descriptor of a table, in one store.
-[[gnu::always_inline]] inline void describe(void* at, const uint8_t* table, uint32_t id,
-                                            uint32_t length) {
+inline void describe(void* at, const uint8_t* table, uint32_t id, uint32_t length) {
   using Halves [[gnu::vector_size(sizeof(mesh_msg_desc))]] = uint64_t;
   const Halves halves{reinterpret_cast<uintptr_t>(table), id | uint64_t{length} << 32};
   new (at) mesh_msg_desc(std::bit_cast<mesh_msg_desc>(halves));
 }
 
-// Hands one image over, turned round first.
-[[gnu::cold, gnu::noinline]] inline uint32_t handOverReversed(uint32_t destination,
-                                                              const mesh_msg_desc& descriptor,
-                                                              const wire::Schema& schema,
-                                                              uint8_t* image, uint64_t extra) {
-  wire::reverseMessage(schema, image);
-  return handOver(destination, &descriptor, 1, extra);
-}
-
-// In a module that is bound.
-template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
-                                                 const uint8_t* record, uint64_t extra) {
-  wire::writeFixedImage<*message.schema>(image, record);
+// One image of a module that is not bound yet, or whose wire is byte-reversed. Called last, so that
+// no other send saves registers for it.
+[[gnu::cold, gnu::noinline]] inline uint32_t sendSlowly(host::Module& module,
+                                                        const Message& message,
+                                                        uint32_t destination, const uint8_t* record,
+                                                        uint64_t extra) {
+  host::readyCodec(module);
+  uint8_t image[largestOnStack];
+  wire::writeImageAtRunTime(*message.schema, image, record);
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) {
+    wire::reverseMessage(*message.schema, image);
+  }
   mesh_msg_desc descriptor;
   describe(&descriptor, image, message.id, wire::fixedLength(*message.schema));
-  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    return handOverReversed(destination, descriptor, *message.schema, image, extra);
-  }
   return handOver(destination, &descriptor, 1, extra);
 }
 
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendOnStack(uint32_t destination, const uint8_t* record,
-                                                   uint64_t extra) {
+uint32_t sendOnStack(uint32_t destination, const uint8_t* record, uint64_t extra) {
+  if (!host::isCodecReady(module) || host::byteOrder(module) == host::ByteOrder::Reversed)
+      [[unlikely]] {
+    return sendSlowly(module, message, destination, record, extra);
+  }
   constexpr uint32_t length = wire::fixedLength(*message.schema);
   // Never across two pages: a store that is costs as much as all others together.
   alignas(std::bit_ceil(length)) uint8_t image[length];
-  return sendImage<module, message>(image, destination, record, extra);
+  wire::writeFixedImage<*message.schema>(image, record);
+  mesh_msg_desc descriptor;
+  describe(&descriptor, image, message.id, length);
+  return handOver(destination, &descriptor, 1, extra);
+}
+
+// Fixed images one after the other, and their descriptors.
+template <host::Module& module, const Message& owner>
+void writeImages(uint8_t* images, mesh_msg_desc* descriptors, const uint8_t* records,
+                 uint32_t count, uint32_t id) {
+  constexpr const wire::Schema& schema = *owner.schema;
+  constexpr uint32_t length = wire::fixedLength(schema);
+  if (count == 0) {
+    return;
+  }
+  host::readyCodec(module);
+  uint8_t* image = images;
+  mesh_msg_desc* const end = descriptors + count;
+  for (; descriptors != end; ++descriptors, image += length, records += schema.size) {
+    wire::writeFixedImage<schema>(image, records);
+    describe(descriptors, image, id, length);
+  }
+  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
+    for (uint8_t* written = images; written != image; written += length) {
+      wire::reverseMessage(schema, written);
+    }
+  }
 }
 
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendInBlock(uint32_t destination, const uint8_t* record,
-                                                   uint64_t extra, const char* operation) {
+uint32_t sendInBlock(uint32_t destination, const uint8_t* record, uint64_t extra,
+                     const char* operation) {
   const SendBlock<module> block(wire::fixedLength(*message.schema), operation);
   if (block.data() == nullptr) {
     return failure;
   }
-  host::bindUnpackAllocator(module);
-  return sendImage<module, message>(block.data(), destination, record, extra);
+  mesh_msg_desc descriptor;
+  writeImages<module, message>(block.data(), &descriptor, record, 1, message.id);
+  return handOver(destination, &descriptor, 1, extra);
+}
+
+template <host::Module& module, const Message& owner>
+uint32_t sendManyFixed(uint32_t destination, const uint8_t* records, uint32_t count, uint64_t extra,
+                       Identity identity) {
+  constexpr uint32_t length = wire::fixedLength(*owner.schema);
+  static_assert(length % alignof(mesh_msg_desc) == 0);
+  const uint64_t size = uint64_t{count} * (length + sizeof(mesh_msg_desc));
+  // The host is asked for the size modulo 2^32, as its allocator takes it.
+  const SendBlock<module> block(static_cast<uint32_t>(size), identity.operation);
+  if (block.data() == nullptr || size > UINT32_MAX) {
+    return failure;
+  }
+  uint8_t* const images = block.data();
+  auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(images + uint64_t{count} * length);
+  writeImages<module, owner>(images, descriptors, records, count, identity.id);
+  return handOver(destination, descriptors, count, extra);
 }
 
 template <host::Module& module, const Message& message>
-[[gnu::always_inline]] inline uint32_t sendOneCompact(uint32_t destination, const uint8_t* record,
-                                                      uint64_t extra, const char* operation) {
+uint32_t sendOneCompact(uint32_t destination, const uint8_t* record, uint64_t extra,
+                        const char* operation) {
   if (record == nullptr) {
     return failure;
   }
@@ -140,48 +168,6 @@ template <host::Module& module, const Message& message>
   mesh_msg_desc descriptor;
   describe(&descriptor, block.data(), message.id, size);
   return handOver(destination, &descriptor, 1, extra);
-}
-
-// Fixed images one after the other, and their descriptors.
-template <host::Module& module, const Message& owner>
-[[gnu::always_inline]] inline void writeImages(uint8_t* images, mesh_msg_desc* descriptors,
-                                               const uint8_t* records, uint32_t count,
-                                               uint32_t id) {
-  constexpr const wire::Schema& schema = *owner.schema;
-  constexpr uint32_t length = wire::fixedLength(schema);
-  if (count == 0) {
-    return;
-  }
-  host::bindUnpackAllocator(module);
-  uint8_t* image = images;
-  mesh_msg_desc* const end = descriptors + count;
-  for (; descriptors != end; ++descriptors, image += length, records += schema.size) {
-    wire::writeFixedImage<schema>(image, records);
-    describe(descriptors, image, id, length);
-  }
-  if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    for (uint8_t* written = images; written != image; written += length) {
-      wire::reverseMessage(schema, written);
-    }
-  }
-}
-
-template <host::Module& module, const Message& owner>
-[[gnu::always_inline]] inline uint32_t sendManyFixed(uint32_t destination, const uint8_t* records,
-                                                     uint32_t count, uint64_t extra,
-                                                     Identity identity) {
-  constexpr uint32_t length = wire::fixedLength(*owner.schema);
-  static_assert(length % alignof(mesh_msg_desc) == 0);
-  const uint64_t size = uint64_t{count} * (length + sizeof(mesh_msg_desc));
-  // The host is asked for the size modulo 2^32, as its allocator takes it.
-  const SendBlock<module> block(static_cast<uint32_t>(size), identity.operation);
-  if (block.data() == nullptr || size > UINT32_MAX) {
-    return failure;
-  }
-  uint8_t* const images = block.data();
-  auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(images + uint64_t{count} * length);
-  writeImages<module, owner>(images, descriptors, records, count, identity.id);
-  return handOver(destination, descriptors, count, extra);
 }
 
 // Encodes the records into the region, one descriptor each. Fails, with nothing sent, at the first
@@ -207,9 +193,8 @@ bool encodeBatch(uint8_t* region, mesh_msg_desc* descriptors, const uint8_t* rec
 }
 
 template <host::Module& module, const Message& owner>
-[[gnu::always_inline]] inline uint32_t sendManyCompact(uint32_t destination, const uint8_t* records,
-                                                       uint32_t count, uint64_t extra,
-                                                       Identity identity) {
+uint32_t sendManyCompact(uint32_t destination, const uint8_t* records, uint32_t count,
+                         uint64_t extra, Identity identity) {
   const uint64_t size = uint64_t{count} * sizeof(mesh_msg_desc) + batchRegion;
   const SendBlock<module> block(static_cast<uint32_t>(size), identity.operation);
   if (block.data() == nullptr || size > UINT32_MAX) {
@@ -222,51 +207,71 @@ template <host::Module& module, const Message& owner>
   return handOver(destination, descriptors, count, extra);
 }
 
-}  // namespace detail
-
-// One record. In the fixed arrangement the record must not be null. `self` is the exported
-// operation that this is the body of.
-template <host::Module& module, const Message& message, typename Record>
-[[gnu::always_inline]] inline uint32_t sendSingle(uint32_t destination, const Record* record,
-                                                  uint64_t unused, uint64_t extra,
-                                                  SendSingleOf<Record>* self,
-                                                  const char* operation) {
-  const auto* const from = reinterpret_cast<const uint8_t*>(record);
+// One record. In the fixed arrangement the record must not be null.
+template <host::Module& module, const Message& message>
+uint32_t sendSingle(uint32_t destination, const void* record, uint64_t extra,
+                    const char* operation) {
+  const auto* const from = static_cast<const uint8_t*>(record);
   if constexpr (message.policy.arrangement == Arrangement::Compact) {
-    return detail::sendOneCompact<module, message>(destination, from, extra, operation);
-  } else if constexpr (wire::fixedLength(*message.schema) > detail::largestOnStack) {
-    return detail::sendInBlock<module, message>(destination, from, extra, operation);
+    return sendOneCompact<module, message>(destination, from, extra, operation);
+  } else if constexpr (wire::fixedLength(*message.schema) > largestOnStack) {
+    return sendInBlock<module, message>(destination, from, extra, operation);
   } else {
-    if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
-      return bindAndSend(destination, record, unused, extra, reinterpret_cast<AnySendSingle*>(self),
-                         module);
-    }
-    return detail::sendOnStack<module, message>(destination, from, extra);
+    return sendOnStack<module, message>(destination, from, extra);
   }
 }
 
 // `count` contiguous records: one allocation, one middleware call, one descriptor each.
 template <host::Module& module, const Message& owner>
-[[gnu::noinline]] uint32_t sendBatch(uint32_t destination, const void* records, uint32_t count,
-                                     uint64_t extra, Identity identity) {
+[[gnu::noinline, gnu::flatten]] uint32_t sendBatch(uint32_t destination, const void* records,
+                                                   uint32_t count, uint64_t extra,
+                                                   Identity identity) {
   const auto* const from = static_cast<const uint8_t*>(records);
   if constexpr (owner.policy.arrangement == Arrangement::Fixed) {
-    return detail::sendManyFixed<module, owner>(destination, from, count, extra, identity);
+    return sendManyFixed<module, owner>(destination, from, count, extra, identity);
   } else {
-    return detail::sendManyCompact<module, owner>(destination, from, count, extra, identity);
+    return sendManyCompact<module, owner>(destination, from, count, extra, identity);
   }
-}
-
-// None fails, one is sent by the exported `single`, more as a batch.
-template <host::Module& module, const Message& owner, typename Record>
-[[gnu::always_inline]] inline uint32_t send(
-    uint32_t destination, const Record* records, uint32_t count, uint64_t extra,
-    uint32_t (*single)(uint32_t, const Record*, uint64_t, uint64_t), Identity batch) {
-  if (count == 0) {
-    return failure;
-  }
-  return count == 1 ? single(destination, records, 0, extra)
-                    : sendBatch<module, owner>(destination, records, count, extra, batch);
 }
 
 }  // namespace mesh::msg
+
+// The module of a service, from its list of messages.
+#define MESH_DEFINE_SEND_MODULE(service, list)                               \
+  MESH_DEFINE_MODULE(service, sendModule)                                    \
+  extern "C" uint32_t service##_send_init() {                                \
+    return MESH_RegIDLResorceCleanFuncHook(&service##__send_resource_clean); \
+  }                                                                          \
+  extern "C" void service##__send_resource_clean() {}                        \
+  list(MESH_DEFINE_SEND)
+
+// None fails, one goes out by __sendsingle, more as a batch.
+#define MESH_SEND(message, identifier, destination, records, count, extra) \
+  count == 0   ? mesh::msg::failure                                        \
+  : count == 1 ? message##__sendsingle(destination, records, 0, extra)     \
+               : mesh::msg::sendBatch<MESH_SERVED_BY(message)>(            \
+                     destination, records, count, extra, {identifier, #message "__sendbatch"})
+
+#define MESH_DEFINE_SEND(message, identifier)                                                     \
+  static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");      \
+  extern "C" uint32_t message##__pack(const message* record, uint8_t* buffer, uint32_t* length) { \
+    return mesh::msg::pack<MESH_SERVED_BY(message)>(record, buffer, length, #message "_pack");    \
+  }                                                                                               \
+  extern "C" [[gnu::flatten]] uint32_t message##__sendsingle(                                     \
+      uint32_t destination, const message* record, uint64_t /*unused*/, uint64_t extra) {         \
+    return mesh::msg::sendSingle<module, mesh::msg::messageOf<message>>(                          \
+        destination, record, extra, #message "__sendsingle");                                     \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendbatch(uint32_t destination, const message* records,          \
+                                           uint32_t count, uint64_t extra) {                      \
+    return mesh::msg::sendBatch<MESH_SERVED_BY(message)>(destination, records, count, extra,      \
+                                                         {identifier, #message "__sendbatch"});   \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendtomsg(uint32_t destination, const message* records,          \
+                                           uint32_t count, uint64_t extra) {                      \
+    return MESH_SEND(message, identifier, destination, records, count, extra);                    \
+  }                                                                                               \
+  extern "C" uint32_t message##__sendmsg(uint32_t destination, const message* records,            \
+                                         uint32_t count) {                                        \
+    return MESH_SEND(message, identifier, destination, records, count, 0);                        \
+  }

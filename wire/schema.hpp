@@ -1,8 +1,8 @@
 // A record's schema: the list of its slots, as constant data.
 //
-// Everything about a record follows from this list: its vtable, both arrangements, the reader, the
-// writers and the release. The codec reads it while the library is compiled; tools walk the same
-// data at run time.
+// Everything about a record follows from this list: its vtable, both arrangements, the readers, the
+// writers and the release. The codec reads it while the library is compiled; the slot reader and
+// the tools walk the same data at run time.
 #pragma once
 
 #include <array>
@@ -10,14 +10,14 @@
 #include <cstdint>
 #include <span>
 #include <type_traits>
+#include <utility>
+
+#include "host/memory.hpp"
 
 namespace mesh::wire {
 
 enum class Kind : uint8_t {
-  U8,
-  U16,
-  U32,
-  U64,
+  Scalar,  // unsigned integer of 1, 2, 4 or 8 bytes
   Array,   // counted byte string of one length, held in the record
   Bytes,   // counted byte string, held through a pointer beside its length
   Table,   // nested table, held in the record
@@ -80,17 +80,65 @@ struct SchemaOf;
 template <typename RecordType>
 inline constexpr const Schema& schemaOf = SchemaOf<RecordType>::schema;
 
-constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
-  return (value + step - 1) / step * step;
+// The type of a scalar slot's value.
+template <const Schema& schema, size_t index>
+using ScalarOf = host::Unsigned<schema.slots[index].size>;
+
+// Calls `each` with 0, 1, ... as types, so that the call knows its index at compile time:
+// `[](auto index) { constexpr const Slot& slot = schema.slots[index]; ... }`.
+template <size_t count, typename Each>
+constexpr void forEach(Each each) {
+  [&]<size_t... index>(std::index_sequence<index...>) {
+    (each(std::integral_constant<size_t, index>()), ...);
+  }
+  (std::make_index_sequence<count>());
 }
 
-constexpr bool isScalar(Kind kind) {
-  return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;
+// The same over a schema's slots: each of them; whether `holds` for all, up to the first that it
+// does not hold for; the sum of their sizes.
+template <const Schema& schema, typename Each>
+constexpr void forEachSlot(Each each) {
+  forEach<schema.slots.size()>(each);
+}
+
+template <const Schema& schema, typename Holds>
+constexpr bool allSlots(Holds holds) {
+  return [&]<size_t... index>(std::index_sequence<index...>) {
+    return (holds(std::integral_constant<size_t, index>()) && ...);
+  }
+  (std::make_index_sequence<schema.slots.size()>());
+}
+
+template <const Schema& schema, typename SizeOf>
+constexpr uint64_t sumSlots(SizeOf sizeOf) {
+  return [&]<size_t... index>(std::index_sequence<index...>) {
+    return (uint64_t{0} + ... + sizeOf(std::integral_constant<size_t, index>()));
+  }
+  (std::make_index_sequence<schema.slots.size()>());
+}
+
+constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
+  return (value + step - 1) / step * step;
 }
 
 // Whether the value lies outside the record, in a block of its own.
 constexpr bool isOutOfLine(Kind kind) {
   return kind == Kind::Bytes || kind == Kind::Vector;
+}
+
+// Where a slot's value begins and ends in the record, the count of an out-of-line one included.
+constexpr uint32_t recordBegin(const Slot& slot) {
+  return isOutOfLine(slot.kind) ? slot.countOffset : slot.recordOffset;
+}
+
+constexpr uint32_t recordEnd(const Slot& slot) {
+  return slot.recordOffset +
+         (isOutOfLine(slot.kind) ? static_cast<uint32_t>(sizeof(void*)) : slot.size);
+}
+
+// The bytes at a present slot's position that the table itself holds: a scalar, or an offset word.
+constexpr uint16_t footprint(const Slot& slot) {
+  return slot.kind == Kind::Scalar ? static_cast<uint16_t>(slot.size) : uint16_t{4};
 }
 
 constexpr uint32_t vtableLength(const Schema& schema) {

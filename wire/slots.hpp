@@ -34,11 +34,7 @@ consteval std::array<char, 8> slotName(std::string_view name) {
 template <typename Scalar, typename Field>
 consteval Slot scalarSlot(const char* name, size_t offset) {
   static_assert(std::is_same_v<Scalar, Field>, "the field has another width than its slot");
-  constexpr Kind kind = sizeof(Scalar) == 1   ? Kind::U8
-                        : sizeof(Scalar) == 2 ? Kind::U16
-                        : sizeof(Scalar) == 4 ? Kind::U32
-                                              : Kind::U64;
-  return {slotName(name), kind, sizeof(Scalar), static_cast<uint32_t>(offset), 0, nullptr};
+  return {slotName(name), Kind::Scalar, sizeof(Scalar), static_cast<uint32_t>(offset), 0, nullptr};
 }
 
 template <size_t size, typename Field>
@@ -82,7 +78,7 @@ consteval Slot vectorSlot(const char* name, size_t countOffset, size_t offset) {
 constexpr uint32_t alignmentOf(const Schema& schema);
 
 constexpr uint32_t alignmentOf(const Slot& slot) {
-  if (isScalar(slot.kind)) {
+  if (slot.kind == Kind::Scalar) {
     return slot.size;
   }
   if (slot.kind == Kind::Table) {
@@ -114,8 +110,7 @@ constexpr bool slotsAreTheStruct(const Schema& schema) {
     if (slot.recordOffset != roundUp(end, alignmentOf(slot))) {
       return false;
     }
-    end = slot.recordOffset +
-          (isOutOfLine(slot.kind) ? static_cast<uint32_t>(sizeof(void*)) : slot.size);
+    end = recordEnd(slot);
   }
   return schema.size == roundUp(end, alignmentOf(schema));
 }

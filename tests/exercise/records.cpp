@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/byte_order.hpp"
+#include "host/memory.hpp"
 
 namespace exercise {
 
@@ -25,7 +25,7 @@ uint8_t* Records::take(size_t size) {
 void Records::fill(const Schema& schema, uint8_t* record, Random& random) {
   for (const Slot& slot : schema.slots) {
     uint8_t* const field = record + slot.recordOffset;
-    if (mesh::wire::isScalar(slot.kind)) {
+    if (slot.kind == Kind::Scalar) {
       const uint64_t value = random.below(3) == 0 ? 0 : random.next();
       std::memcpy(field, &value, slot.size);
     } else if (slot.kind == Kind::Array) {
@@ -60,7 +60,7 @@ bool ownsParts(const Schema& schema, const uint8_t* record) {
       return ownsParts(*slot.nested, field);
     }
     return mesh::wire::isOutOfLine(slot.kind) &&
-           mesh::host::loadPointer<const uint8_t>(field) != nullptr;
+           mesh::host::load<const uint8_t*>(field) != nullptr;
   });
 }
 

@@ -5,8 +5,8 @@
 
 #include "host/process.hpp"
 #include "host/scenarios.hpp"
-#include "host/serial_env.hpp"
-#include "l2vpn_cfg/modules.hpp"
+#include "host/binding.hpp"
+#include "l2vpn_cfg/schema.hpp"
 
 namespace {
 

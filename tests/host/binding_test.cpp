@@ -8,10 +8,9 @@
 #include "host/binding.hpp"
 #include "host/process.hpp"
 #include "host/scenarios.hpp"
-#include "host/serial_env.hpp"
-#include "l2vpn_cfg/modules.hpp"
-#include "l2vpn_stat/modules.hpp"
-#include "l2vpn_sync/modules.hpp"
+#include "l2vpn_cfg/schema.hpp"
+#include "l2vpn_stat/schema.hpp"
+#include "l2vpn_sync/schema.hpp"
 #include "mesh_l2vpn/l2vpn_stat.h"
 #include "mesh_l2vpn/l2vpn_sync.h"
 
@@ -199,10 +198,10 @@ TEST(Binding, IsNotMadeAgainForWhoeverWaitedForIt) {
   EXPECT_EQ(inANewProcess([] {
               Module& module = mesh::l2vpn_sync::receiveModule;
               mesh::host::bindHost(module.env);
-              mesh::host::bindUnpackAllocator(module);
+              mesh::host::readyCodec(module);
               bring(harness::wholeHost);
               mesh::host::bindHostOnce(module.env);
-              mesh::host::bindUnpackAllocatorOnce(module);
+              mesh::host::bindUnpackAllocator(module);
               note(module.env.memAlloc == &mesh::host::mallocWrapper ? "kept" : "bound again");
               note(module.env.unpackAlloc == &mesh::host::mallocWrapper ? "kept" : "bound again");
             }),

@@ -1,8 +1,8 @@
 // Global, interface and STP records: glb_en, ifvlan, stp.
 
-#include "l2vpn_sync/modules.hpp"
+#include "l2vpn_sync/schema.hpp"
 #include "services/behaviour.hpp"
-#include "wire/reader.hpp"
+#include "wire/slot_reader.hpp"
 
 namespace {
 
@@ -115,9 +115,10 @@ void expectReaderChecksItsParameters() {
     std::memset(&record, mark, sizeof record);
     resetRecorder();
     const mesh::wire::Buffer<order> buffer{data, length};
-    const auto decoded = mesh::wire::decodeTable(
-        mesh::l2vpn_sync::receiveModule.env, mesh::wire::schemaOf<Record>, buffer,
-        hasRecord ? reinterpret_cast<uint8_t*>(&record) : nullptr, 4);
+    const auto decoded =
+        mesh::wire::SlotReader(mesh::l2vpn_sync::receiveModule.env, buffer)
+            .decodeTable(mesh::wire::schemaOf<Record>, 4,
+                         hasRecord ? reinterpret_cast<uint8_t*>(&record) : nullptr);
     EXPECT_EQ(decoded, mesh::wire::Decoded::No);
     EXPECT_EQ(bytesOf(record), marks(sizeof record));
     EXPECT_EQ(takeTrace(), Trace{reported(function, text)});

@@ -158,7 +158,7 @@ std::string compareSendOf(const Operations& operations, const void* records,
 
 void useByteOrder(const Operations& operations, bool reversed) {
   for (mesh::host::Module* const module : {operations.receive, operations.send}) {
-    mesh::host::bindUnpackAllocator(*module);
+    mesh::host::readyCodec(*module);
     module->swapBytes.store(reversed ? 1 : 0);
   }
 }

@@ -4,11 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "l2vpn_cfg/modules.hpp"
 #include "l2vpn_cfg/schema.hpp"
-#include "l2vpn_stat/modules.hpp"
 #include "l2vpn_stat/schema.hpp"
-#include "l2vpn_sync/modules.hpp"
 #include "l2vpn_sync/schema.hpp"
 
 namespace harness {

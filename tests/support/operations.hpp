@@ -5,7 +5,7 @@
 #include <ostream>
 #include <vector>
 
-#include "host/serial_env.hpp"
+#include "host/binding.hpp"
 #include "support/exported_operations.hpp"
 
 namespace harness {

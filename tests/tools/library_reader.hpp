@@ -2,9 +2,9 @@
 #pragma once
 
 #include "codec.hpp"
-#include "host/serial_env.hpp"
+#include "host/binding.hpp"
 #include "table_reader.hpp"
-#include "wire/reader.hpp"
+#include "wire/slot_reader.hpp"
 
 namespace tool {
 
@@ -16,10 +16,10 @@ inline bool libraryAccepts(const Message& message, std::span<const uint8_t> byte
   }
   using Buffer = mesh::wire::Buffer<mesh::host::ByteOrder::Host>;
   OwnedRecord record(message);
-  const bool isAccepted =
-      mesh::wire::decodeTable(
-          env, message.schema(), Buffer{bytes.data(), static_cast<uint32_t>(bytes.size())},
-          record.data(), loadAs<uint32_t>(bytes.data())) == mesh::wire::Decoded::Yes;
+  const Buffer buffer{bytes.data(), static_cast<uint32_t>(bytes.size())};
+  const bool isAccepted = mesh::wire::SlotReader(env, buffer)
+                              .decodeTable(message.schema(), loadAs<uint32_t>(bytes.data()),
+                                           record.data()) == mesh::wire::Decoded::Yes;
   record.setUnpacked();
   return isAccepted;
 }

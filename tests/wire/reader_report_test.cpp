@@ -4,13 +4,11 @@
 
 #include <set>
 
-#include "l2vpn_cfg/modules.hpp"
 #include "l2vpn_cfg/schema.hpp"
-#include "l2vpn_sync/modules.hpp"
 #include "l2vpn_sync/schema.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
-#include "wire/reader.hpp"
+#include "wire/slot_reader.hpp"
 
 namespace {
 
@@ -73,9 +71,9 @@ TEST(Report, HasALineOfItsOwn) {
 template <typename Record>
 Decoded readTable(const uint8_t* data, uint32_t length, Record* record, uint32_t table) {
   harness::resetRecorder();
-  return mesh::wire::decodeTable(mesh::l2vpn_sync::receiveModule.env, mesh::wire::schemaOf<Record>,
-                                 mesh::wire::Buffer<plain>{data, length},
-                                 reinterpret_cast<uint8_t*>(record), table);
+  return mesh::wire::SlotReader(mesh::l2vpn_sync::receiveModule.env,
+                                mesh::wire::Buffer<plain>{data, length})
+      .decodeTable(mesh::wire::schemaOf<Record>, table, reinterpret_cast<uint8_t*>(record));
 }
 
 template <typename Record>
@@ -144,10 +142,10 @@ TEST(TableReader, LeavesReleasingToItsCaller) {
   // A table reader leaves the binding to its caller.
   harness::useByteOrder(harness::operationsOf("dbginfo_endata_l2vpn"), false);
   harness::resetRecorder();
-  const Decoded decoded = mesh::wire::decodeTable(
-      mesh::l2vpn_cfg::receiveModule.env, mesh::wire::schemaOf<dbginfo_endata_l2vpn>,
-      mesh::wire::Buffer<plain>{bytes.data(), static_cast<uint32_t>(bytes.size())},
-      reinterpret_cast<uint8_t*>(&record), 38);
+  const mesh::wire::Buffer<plain> buffer{bytes.data(), static_cast<uint32_t>(bytes.size())};
+  const Decoded decoded = mesh::wire::SlotReader(mesh::l2vpn_cfg::receiveModule.env, buffer)
+                              .decodeTable(mesh::wire::schemaOf<dbginfo_endata_l2vpn>, 38,
+                                           reinterpret_cast<uint8_t*>(&record));
   EXPECT_EQ(decoded, Decoded::No);
   EXPECT_EQ(harness::takeTrace(),
             Trace({"unpackAlloc size=1 owner=12 caller=\"dbginfo_endata_l2vpn_unpack_non_root\""

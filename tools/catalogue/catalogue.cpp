@@ -29,14 +29,8 @@ Range compactRange(const Schema& schema) {
 
 std::string kindOf(const Slot& slot) {
   switch (slot.kind) {
-    case Kind::U8:
-      return "u8";
-    case Kind::U16:
-      return "u16";
-    case Kind::U32:
-      return "u32";
-    case Kind::U64:
-      return "u64";
+    case Kind::Scalar:
+      return "u" + std::to_string(8 * slot.size);
     case Kind::Array:
       return "bytes[" + std::to_string(slot.size) + "]";
     case Kind::Bytes:

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "catalogue.hpp"
-#include "wire/fixed_layout.hpp"
+#include "wire/fixed_image.hpp"
 
 namespace catalogue {
 namespace {

@@ -1,7 +1,7 @@
 #include "description.hpp"
 
 #include "../catalogue/catalogue.hpp"
-#include "wire/fixed_layout.hpp"
+#include "wire/fixed_image.hpp"
 
 namespace tool {
 

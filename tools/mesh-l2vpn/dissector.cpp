@@ -22,7 +22,7 @@ const char* kindName(Kind kind) {
 std::string slotText(const Slot& slot) {
   std::string text = std::string("    {name = \"") + slot.name.data() + "\", kind = \"" +
                      kindName(slot.kind) + "\"";
-  if (mesh::wire::isScalar(slot.kind) || slot.kind == Kind::Array) {
+  if (slot.kind == Kind::Scalar || slot.kind == Kind::Array) {
     text.append(", size = ").append(std::to_string(slot.size));
   } else if (slot.nested != nullptr) {
     text.append(", nested = \"").append(slot.nested->name).append("\"");

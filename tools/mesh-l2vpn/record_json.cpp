@@ -1,6 +1,7 @@
 #include "record_json.hpp"
 
 #include <charconv>
+#include <cstring>
 
 #include "failure.hpp"
 #include "json_check.hpp"
@@ -13,32 +14,15 @@ using mesh::wire::Kind;
 using mesh::wire::Schema;
 using mesh::wire::Slot;
 
+// The devices are little-endian: a scalar's bytes are the lowest of the number's.
 uint64_t loadScalar(const Slot& slot, const uint8_t* field) {
   uint64_t value = 0;
-  switch (slot.kind) {
-    case Kind::U8:
-      return loadAs<uint8_t>(field);
-    case Kind::U16:
-      return loadAs<uint16_t>(field);
-    case Kind::U32:
-      return loadAs<uint32_t>(field);
-    default:
-      value = loadAs<uint64_t>(field);
-  }
+  std::memcpy(&value, field, slot.size);
   return value;
 }
 
 void storeScalar(const Slot& slot, uint8_t* field, uint64_t value) {
-  switch (slot.kind) {
-    case Kind::U8:
-      return storeAs(field, static_cast<uint8_t>(value));
-    case Kind::U16:
-      return storeAs(field, static_cast<uint16_t>(value));
-    case Kind::U32:
-      return storeAs(field, static_cast<uint32_t>(value));
-    default:
-      return storeAs(field, value);
-  }
+  std::memcpy(field, &value, slot.size);
 }
 
 Json vectorToJson(const Slot& slot, const uint8_t* record, ByteText form) {

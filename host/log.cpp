@@ -1,12 +1,27 @@
-#include "wire/report.hpp"
-
 #include "host/log.hpp"
 
-namespace mesh::wire {
+#include "host/binding.hpp"
+
+namespace mesh::host {
 namespace {
 
-using host::LogCode;
-using host::logError;
+enum class LogCode : uint32_t {
+  Allocation = 12,  // decoding was refused memory
+  Report = 22,      // everything else
+};
+
+constexpr uint32_t logLevel = 2;
+
+// One call of the host's log writer, or nothing where the host has none. `line` is the reporting
+// statement's, `function` the operation's name text, `format` and `args` as for printf.
+template <typename... Args>
+void logError(serial_env& env, LogCode code, uint32_t line, const char* function,
+              const char* format, Args... args) {
+  bindHost(env);
+  if (env.logWrite != nullptr) {
+    env.logWrite(&env, logLevel, static_cast<uint32_t>(code), "", line, function, format, args...);
+  }
+}
 
 const char* nullness(const void* pointer) {
   return pointer == nullptr ? "null" : "nonNull";
@@ -57,4 +72,4 @@ const char* nullness(const void* pointer) {
            "[VELTA]:Malloc unpack data unsuccess,                size(%u)", size);
 }
 
-}  // namespace mesh::wire
+}  // namespace mesh::host

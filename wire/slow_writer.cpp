@@ -1,46 +1,30 @@
-#include "wire/reverse.hpp"
+#include "wire/slow_writer.hpp"
 
-#include "host/byte_order.hpp"
+#include <algorithm>
+
+#include "wire/fixed_image.hpp"
 
 namespace mesh::wire {
 namespace {
 
-using host::ByteOrder;
+void reverseTable(const Schema& schema, uint8_t* table);
 
-// Each returns the value as it was.
 template <typename Integer>
 Integer reverse(uint8_t* at) {
   const auto value = host::load<Integer>(at);
-  host::store<ByteOrder::Reversed>(at, value);
+  std::reverse(at, at + sizeof value);
   return value;
 }
 
+// Returns the word's target.
 uint8_t* reverseWord(uint8_t* word) {
   return word + reverse<uint32_t>(word);
 }
 
-void reverseTable(const Schema& schema, uint8_t* table);
-
-void reverseVector(const Schema& schema, uint8_t* vector) {
-  const auto count = reverse<uint32_t>(vector);
-  uint8_t* word = vector + 4;
-  for (uint32_t item = 0; item < count; ++item, word += 4) {
-    reverseTable(schema, reverseWord(word));
-  }
-}
-
 void reverseValue(const Slot& slot, uint8_t* value) {
   switch (slot.kind) {
-    case Kind::U8:
-      break;
-    case Kind::U16:
-      reverse<uint16_t>(value);
-      break;
-    case Kind::U32:
-      reverse<uint32_t>(value);
-      break;
-    case Kind::U64:
-      reverse<uint64_t>(value);
+    case Kind::Scalar:
+      std::reverse(value, value + slot.size);
       break;
     case Kind::Array:
     case Kind::Bytes:
@@ -49,9 +33,15 @@ void reverseValue(const Slot& slot, uint8_t* value) {
     case Kind::Table:
       reverseTable(*slot.nested, reverseWord(value));
       break;
-    case Kind::Vector:
-      reverseVector(*slot.nested, reverseWord(value));
+    case Kind::Vector: {
+      uint8_t* word = reverseWord(value);
+      const auto count = reverse<uint32_t>(word);
+      for (uint32_t item = 0; item < count; ++item) {
+        word += 4;
+        reverseTable(*slot.nested, reverseWord(word));
+      }
       break;
+    }
   }
 }
 
@@ -71,6 +61,16 @@ void reverseTable(const Schema& schema, uint8_t* table) {
 }
 
 }  // namespace
+
+[[gnu::cold]] void writeImageAtRunTime(const Schema& schema, uint8_t* image, const uint8_t* from) {
+  std::memset(image, 0, fixedLength(schema));
+  const auto put = [&](uint32_t at, auto value) { host::store(image + at, value); };
+  visitTemplate(schema, 0, put);
+  const auto copy = [&](const Leaf& leaf) {
+    std::memcpy(image + leaf.image, from + leaf.record, leaf.size);
+  };
+  visitLeaves(schema, 0, 0, copy);
+}
 
 [[gnu::cold]] void reverseMessage(const Schema& schema, uint8_t* message) {
   reverseTable(schema, message + reverse<uint32_t>(message));

@@ -1,0 +1,177 @@
+// The quick reader: reads sound tables, in either arrangement, in the host's byte order.
+//
+// One pass verifies each value and stores it; a second one takes the blocks of byte strings, so
+// that nothing is allocated before everything has been verified. Anything unusual (out of bounds,
+// short vtable, missing array or nested table) goes to the slot reader, which starts over: it
+// clears the record first, so what this reader has stored by then does not show. A record is not
+// touched before the head of the root table has been verified, as the slot reader leaves it alone
+// too.
+#pragma once
+
+#include <bit>
+
+#include "wire/slot_reader.hpp"
+
+namespace mesh::wire {
+
+using HostBuffer = Buffer<host::ByteOrder::Host>;
+
+// Not for vectors, whose items the slot reader decodes one by one, nor for records that the host's
+// own functions clear and copy: they would see the calls of a reading that is given up.
+constexpr bool hasQuickReader(const Schema& schema) {
+  for (const Slot& slot : schema.slots) {
+    if (slot.kind == Kind::Vector || (slot.kind == Kind::Table && !hasQuickReader(*slot.nested))) {
+      return false;
+    }
+  }
+  return schema.size <= host::largestInPlace;
+}
+
+// Eight slot entries at once.
+using Lanes [[gnu::vector_size(16)]] = uint16_t;
+inline constexpr size_t laneCount = 8;
+
+template <const Schema& schema, size_t first>
+inline constexpr auto footprints = [] {
+  std::array<uint16_t, laneCount> widths{};
+  for (size_t lane = 0; lane < laneCount; ++lane) {
+    widths[lane] = footprint(schema.slots[first + lane]);
+  }
+  return widths;
+}();
+
+// All ones in the lane of each entry whose footprint ends before `limit`, counted from the table.
+template <const Schema& schema, size_t first>
+Lanes entriesBefore(const uint8_t* entries, Lanes limit) {
+  const auto entry = host::load<Lanes>(entries + 2 * first);
+  const auto widths =
+      host::load<Lanes>(reinterpret_cast<const uint8_t*>(footprints<schema, first>.data()));
+  return reinterpret_cast<Lanes>(entry <= limit - widths);
+}
+
+constexpr uint32_t widestFootprint(const Schema& schema) {
+  uint32_t widest = 0;
+  for (const Slot& slot : schema.slots) {
+    widest = footprint(slot) > widest ? footprint(slot) : widest;
+  }
+  return widest;
+}
+
+// Whether every slot's position and footprint lie within `left` bytes from the table on. Zero, the
+// entry of an absent slot, is always inside: that of the vtable offset.
+template <const Schema& schema>
+bool entriesInside(const uint8_t* entries, uint32_t left) {
+  constexpr size_t count = schema.slots.size();
+  constexpr uint32_t widest = widestFootprint(schema);
+  if (left < widest) {
+    return false;
+  }
+  if constexpr (count < laneCount) {
+    return sumSlots<schema>([&](auto index) -> uint64_t {
+             return host::load<uint16_t>(entries + 2 * index) + footprint(schema.slots[index]) >
+                    left;
+           }) == 0;
+  } else {
+    // A position that sixteen bits cannot hold is left to the slot reader.
+    const Lanes limit = Lanes{} + static_cast<uint16_t>(left < UINT16_MAX ? left : UINT16_MAX);
+    Lanes inside = entriesBefore<schema, count - laneCount>(entries, limit);
+    forEach<count / laneCount>(
+        [&](auto block) { inside &= entriesBefore<schema, laneCount * block>(entries, limit); });
+    const auto halves = std::bit_cast<std::array<uint64_t, 2>>(inside);
+    return (halves[0] & halves[1]) == UINT64_MAX;
+  }
+}
+
+// The padding between a slot's value and what follows it in the record.
+template <const Schema& schema, size_t index>
+void clearPadding(uint8_t* into) {
+  constexpr uint32_t end = recordEnd(schema.slots[index]);
+  constexpr uint32_t next =
+      index + 1 < schema.slots.size() ? recordBegin(schema.slots[index + 1]) : schema.size;
+  if constexpr (end < next) {
+    host::clearConstant<next - end>(into + end);
+  }
+}
+
+// An absent one reads the vtable offset, and keeps nothing of it.
+template <typename Value>
+void readScalar(const uint8_t* at, uint16_t entry, uint8_t* field) {
+  const auto isThere = static_cast<Value>(0 - static_cast<Value>(entry != 0));
+  host::store(field, static_cast<Value>(host::load<Value>(at) & isThere));
+}
+
+// Verifies the table at `table` and fills the record, but for the parts of byte strings, which stay
+// null and of length 0. Returns false where the slot reader is to decide.
+template <const Schema& schema>
+bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
+  constexpr uint32_t wholeVtable = vtableLength(schema);
+  Head head;
+  if (buffer.readHead(table, head) != HeadFault::None || head.vtableLength < wholeVtable)
+      [[unlikely]] {
+    return false;
+  }
+  const uint8_t* const entries = buffer.data + head.vtable + 4;
+  if (!entriesInside<schema>(entries, buffer.length - table)) [[unlikely]] {
+    return false;
+  }
+  return allSlots<schema>([&](auto index) {
+    constexpr const Slot& slot = schema.slots[index];
+    const auto entry = host::load<uint16_t>(entries + 2 * index);
+    const Position at = Position{table} + entry;
+    uint8_t* const field = into + slot.recordOffset;
+    clearPadding<schema, index>(into);
+    if constexpr (slot.kind == Kind::Scalar) {
+      readScalar<ScalarOf<schema, index>>(buffer.data + at, entry, field);
+      return true;
+    } else if constexpr (slot.kind == Kind::Table) {
+      Position target = 0;
+      return entry != 0 && buffer.follow(at, target) &&
+             readSoundTable<*slot.nested>(buffer, static_cast<uint32_t>(target), field);
+    } else if constexpr (slot.kind == Kind::Array) {
+      Contents contents{};
+      if (entry == 0 || !buffer.locateBytes(at, contents) || contents.length != slot.size)
+          [[unlikely]] {
+        return false;
+      }
+      host::copyConstant<slot.size>(field, contents.bytes);
+      return true;
+    } else {
+      Contents contents{};
+      host::clearConstant<recordEnd(slot) - slot.countOffset>(into + slot.countOffset);
+      return entry == 0 || buffer.locateBytes(at, contents);
+    }
+  });
+}
+
+// Takes the blocks of a sound table's byte strings, in slot order. Where the host refuses one, what
+// lies behind it in the record is cleared: the slot reader would not have come so far.
+template <const Schema& schema, Decoder decoder>
+Decoded takeParts(host::serial_env& env, HostBuffer buffer, uint32_t table, uint8_t* into) {
+  const Position entries = Position{table - buffer.read<uint32_t>(table)} + 4;
+  const bool taken = allSlots<schema>([&](auto index) {
+    constexpr const Slot& slot = schema.slots[index];
+    auto decoded = Decoded::Yes;
+    if constexpr (slot.kind == Kind::Bytes ||
+                  (slot.kind == Kind::Table && ownsMemory(*slot.nested))) {
+      const auto entry = buffer.read<uint16_t>(entries + 2 * index);
+      const Position at = Position{table} + entry;
+      if constexpr (slot.kind == Kind::Bytes) {
+        Contents contents{};
+        if (entry != 0 && buffer.locateBytes(at, contents) && contents.length != 0) {
+          decoded = takeBytes(env, schema, decoder, slot, contents, into);
+        }
+      } else {
+        const auto nested = static_cast<uint32_t>(at) + buffer.read<uint32_t>(at);
+        decoded =
+            takeParts<*slot.nested, Decoder::Table>(env, buffer, nested, into + slot.recordOffset);
+      }
+    }
+    if (decoded == Decoded::No) [[unlikely]] {
+      std::memset(into + recordEnd(slot), 0, schema.size - recordEnd(slot));
+    }
+    return decoded == Decoded::Yes;
+  });
+  return taken ? Decoded::Yes : Decoded::No;
+}
+
+}  // namespace mesh::wire
