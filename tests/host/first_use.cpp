@@ -71,9 +71,9 @@ void Expected::bindHost(const char* direction) {
   }
   const std::string module = scene_.message.service + " " + direction;
   always(lockLine(module, "hostLock", contents_));
-  always(lookUpLine("DDM_OsalLogWrite"));
-  always(lookUpLine("DDM_OsalMemAlloc"));
-  always(lookUpLine("DDM_OsalMemFree"));
+  always(lookUpLine("DDM_OsalLogWrite", 0));
+  always(lookUpLine("DDM_OsalMemAlloc", 0));
+  always(lookUpLine("DDM_OsalMemFree", 0));
   contents_.hostBound = 1;
   contents_.logWrite = host_.has(LogWrite) ? "DDM_OsalLogWrite" : "none";
   contents_.memAlloc = host_.servesSending() ? "DDM_OsalMemAlloc" : "malloc";
@@ -87,10 +87,10 @@ void Expected::bindUnpack(const char* direction) {
   }
   const std::string module = scene_.message.service + " " + direction;
   always(lockLine(module, "unpackLock", contents_));
-  always(lookUpLine("DDM_OsalMemUseFlagGet"));
+  always(lookUpLine("DDM_OsalMemUseFlagGet", 0));
   add(host_.has(MemUseFlagGet), useFlagLine());
-  add(host_.asksForCache(), lookUpLine("DDM_OsalMemCacheAlloc"));
-  add(host_.asksForCache(), lookUpLine("DDM_OsalMemFree"));
+  add(host_.asksForCache(), lookUpLine("DDM_OsalMemCacheAlloc", 0));
+  add(host_.asksForCache(), lookUpLine("DDM_OsalMemFree", 0));
   contents_.unpackBound = 1;
   contents_.unpackAlloc = host_.servesReceiving() ? "DDM_OsalMemCacheAlloc" : "malloc";
   contents_.unpackFree = host_.servesReceiving() ? "DDM_OsalMemFree" : "free";

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <initializer_list>
 #include <memory>
 #include <utility>
@@ -30,6 +31,8 @@ using mesh::host::serial_env;
 bool observed = false;
 Host met;
 size_t mallocSize = 0;
+// Of the side that is being bound, while its mutex is held.
+const std::atomic<uint32_t>* heldFlag = nullptr;
 
 const std::initializer_list<std::pair<const char*, Module*>> modules{
     {"l2vpn_cfg receive", &mesh::l2vpn_cfg::receiveModule},
@@ -67,7 +70,7 @@ const std::initializer_list<Function> hostFunctions{
     {MemUseFlagGet, "DDM_OsalMemUseFlagGet", address(&answerUseFlag)}};
 
 void* answerLookUp(const std::string& symbol) {
-  trace(lookUpLine(symbol));
+  trace(heldFlag == nullptr ? "look up without a lock" : lookUpLine(symbol, heldFlag->load()));
   for (const Function& function : hostFunctions) {
     if (function.name == symbol && met.has(function.bit)) {
       return const_cast<void*>(function.address);
@@ -100,14 +103,25 @@ Contents contentsOf(const serial_env& env) {
       nameOf(address(env.unpackFree))};
 }
 
-using Line = std::string (*)(const std::string& module, const char* mutex, const Contents&);
-
-void noteMutex(const pthread_mutex_t* mutex, Line line) {
+void noteLocked(const pthread_mutex_t* mutex) {
   for (const auto& [name, module] : modules) {
-    if (mutex == &module->env.hostLock) {
-      trace(line(name, "hostLock", contentsOf(module->env)));
-    } else if (mutex == &module->env.unpackLock) {
-      trace(line(name, "unpackLock", contentsOf(module->env)));
+    const serial_env& env = module->env;
+    if (mutex == &env.hostLock) {
+      trace(lockLine(name, "hostLock", contentsOf(env)));
+      heldFlag = &env.hostBound;
+    } else if (mutex == &env.unpackLock) {
+      trace(lockLine(name, "unpackLock", contentsOf(env)));
+      heldFlag = &env.unpackBound;
+    }
+  }
+}
+
+void noteUnlocking(const pthread_mutex_t* mutex) {
+  for (const auto& [name, module] : modules) {
+    const serial_env& env = module->env;
+    if (mutex == &env.hostLock || mutex == &env.unpackLock) {
+      trace(unlockLine(name, mutex == &env.hostLock ? "hostLock" : "unpackLock", contentsOf(env)));
+      heldFlag = nullptr;
     }
   }
 }
@@ -122,8 +136,8 @@ std::string mutexLine(const char* what, const std::string& module, const char* m
 
 }  // namespace
 
-std::string lookUpLine(const std::string& symbol) {
-  return "look up " + symbol;
+std::string lookUpLine(const std::string& symbol, uint32_t flag) {
+  return "look up " + symbol + ", flag " + std::to_string(flag);
 }
 
 std::string useFlagLine() {
@@ -168,14 +182,14 @@ extern "C" {
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   const int result = __real_pthread_mutex_lock(mutex);
   if (harness::observed) {
-    harness::noteMutex(mutex, &harness::lockLine);
+    harness::noteLocked(mutex);
   }
   return result;
 }
 
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
   if (harness::observed) {
-    harness::noteMutex(mutex, &harness::unlockLine);
+    harness::noteUnlocking(mutex);
   }
   return __real_pthread_mutex_unlock(mutex);
 }

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 #include "host/process.hpp"
@@ -36,8 +35,9 @@ struct Contents {
   std::string unpackFree = "free";
 };
 
-// The lines that the observation adds to the trace. A module is named "l2vpn_cfg send".
-std::string lookUpLine(const std::string& symbol);
+// The lines that the observation adds to the trace. A module is named "l2vpn_cfg send"; `flag` is
+// that of the side whose mutex is held.
+std::string lookUpLine(const std::string& symbol, uint32_t flag);
 std::string useFlagLine();
 std::string lockLine(const std::string& module, const char* mutex, const Contents& contents);
 std::string unlockLine(const std::string& module, const char* mutex, const Contents& contents);
