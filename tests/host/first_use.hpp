@@ -30,9 +30,9 @@ struct Scene {
   void unpack(const Buffer& bytes) {
     operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), received.data());
   }
-  // __pack with `room` as the length.
-  void pack(const void* record, uint8_t* buffer, size_t room) {
-    auto length = static_cast<uint32_t>(room);
+  // __pack with as much room as the first record needs, and `more`.
+  void pack(const void* record, uint8_t* buffer, int more = 0) {
+    auto length = static_cast<uint32_t>(static_cast<int>(packed.size()) + more);
     operations.pack(record, buffer, &length);
   }
 

@@ -203,14 +203,12 @@ inline const void* null(const Scene&) {
 }
 using Records = const void* (*)(const Scene&);
 
-// Calls of the sender. Room that is added to or taken from what the message needs.
-inline Call pack(Records records, int room) {
-  return [=](Scene& scene) {
-    scene.pack(records(scene), scene.target.data(), scene.packed.size() + room);
-  };
+// Calls of the sender. `more` room than the message needs.
+inline Call pack(Records records, int more) {
+  return [=](Scene& scene) { scene.pack(records(scene), scene.target.data(), more); };
 }
-inline Call packNowhere(int room) {
-  return [=](Scene& scene) { scene.pack(good(scene), nullptr, scene.packed.size() + room); };
+inline Call packNowhere(int more) {
+  return [=](Scene& scene) { scene.pack(good(scene), nullptr, more); };
 }
 inline const Call packNoLength = [](Scene& scene) {
   scene.operations.pack(good(scene), scene.target.data(), nullptr);
