@@ -2,7 +2,7 @@
 // logs, as its host sees it: for every message, in hosts that have all functions, all but one, and
 // none.
 //
-// Each row is one call. `steps` is what the first call in a process does; the second does the same
+// A row is one call, and the steps that the first such call takes. The second takes the same steps
 // without the bindings.
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ struct Row {
   bool (*applies)(const Scene&);
   Call call;
   Steps steps;
-  // What the host must have for the row to mean anything.
+  // The functions without which the call cannot fail as it should.
   unsigned needs = 0;
 };
 
@@ -33,7 +33,7 @@ void PrintTo(const Row& row, std::ostream* out) {
 constexpr unsigned cache = harness::MemUseFlagGet | harness::MemCacheAlloc | harness::MemFree;
 constexpr unsigned memory = harness::MemAlloc | harness::MemFree;
 
-// Counts whose size wraps to that of one record, or of none.
+// Counts whose block size wraps: to one record, and to the batch region alone.
 constexpr uint32_t wrappedFixed = 0x20000001;
 constexpr uint32_t wrappedCompact = 0x10000000;
 

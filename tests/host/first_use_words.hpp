@@ -7,8 +7,8 @@
 
 namespace harness::first_use {
 
-// Messages. Who decodes the root is part of the order: the message checks the frame, then binds;
-// the table reader's caller binds, then checks.
+// Which messages. A message that decodes its own root checks the frame, then binds. One whose root
+// the table reader decodes binds, then checks.
 inline bool any(const Scene&) {
   return true;
 }
@@ -87,7 +87,7 @@ inline Step handOverWithExtra(uint32_t count) {
   return [=](Expected& expected) { expected.always(model::sendToMsgLine(5, count, 7)); };
 }
 
-// Reports of the receiver, under the name of whoever decodes the root.
+// Reports of the receiver, under the name of the decoder of the root.
 inline std::string rootName(const Scene& scene) {
   return scene.message.name + (scene.message.ownRoot ? "_unpack" : "_unpack_non_root");
 }
@@ -107,15 +107,15 @@ inline const Step logVtableLength = [](Expected& expected) {
   expected.log(model::vtableLengthLine(rootName(expected.scene()), 9, 8));
 };
 
-// Frames, for those reports and without a field.
+// A table without fields, and what those reports are about.
 inline const Buffer emptyTable = Layout().u32(8).u16(4, 4).u32(4);
 inline const Buffer badTable = Layout().u32(0).u16(4, 4).u32(4);
 inline const Buffer badVtable = Layout().u32(8).u16(4, 4).u32(8);
 inline const Buffer badVtableLength = Layout().u32(8).u16(9, 4).u32(4);
-// The first slot lies behind the end.
+// The first slot is past the end.
 inline const Buffer badSlot = Layout().u32(12).u16(6, 4, 0xFFF0, 0).u32(8);
 
-// A table that holds the first nested table alone, 1000 bytes behind its offset word.
+// A table whose only field is its first nested table, 1000 bytes past the offset word.
 inline Buffer badNestedTable(const Scene& scene) {
   const auto slot = static_cast<size_t>(scene.nestedTable() - scene.message.fields.data());
   Layout layout;
@@ -138,7 +138,7 @@ inline const Step logPackToNowhere = [](Expected& expected) {
                                          static_cast<uint32_t>(scene.packed.size()), false));
 };
 
-// The receiver's blocks: of a message that is in order, and of one whose first block is refused.
+// The receiver's blocks. The first one can be refused.
 inline model::UnpackResult unpacked(const Scene& scene, int failingAllocation) {
   return model::unpack(scene.message, scene.packed.data(),
                        static_cast<uint32_t>(scene.packed.size()), false, false, failingAllocation);
@@ -188,7 +188,7 @@ inline const Call unpackAndFree = [](Scene& scene) {
   freeRecord(scene);
 };
 
-// Records for the sender: two with values, two of which the second has no encoding, one without.
+// Records for the sender: two good ones; a good and a bad one; a bad one. Bad: it has no encoding.
 inline const void* good(const Scene& scene) {
   return scene.records.data();
 }
