@@ -222,8 +222,7 @@ TEST_P(FirstUse, TakesTheseSteps) {
 INSTANTIATE_TEST_SUITE_P(Of, FirstUse, testing::ValuesIn(table),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// Exactly 1 chooses the cache.
-TEST(FirstUse, AsksForTheCacheOnlyAtAFlagOfOne) {
+TEST(UseFlag, ChoosesTheCacheOnlyWhenItIsOne) {
   std::vector<Host> hosts;
   for (const uint32_t flag : {0U, 2U, 3U, 0x101U, 0x80000001U, 0xFFFFFFFFU}) {
     hosts.push_back({harness::wholeHost, flag});
