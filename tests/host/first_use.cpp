@@ -1,6 +1,7 @@
 #include "host/first_use.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace harness {
@@ -39,8 +40,11 @@ void noteIfReversed(const Buffer& table) {
   }
 }
 
-std::string textOf(const Host& host) {
-  return "functions " + std::to_string(host.functions) + ", flag " + std::to_string(host.useFlag);
+constexpr const char* titles[] = {"first call, ", "second call, "};
+
+std::string textOf(const Scene& scene, const Host& host) {
+  return scene.message.name + ", functions " + std::to_string(host.functions) + ", flag " +
+         std::to_string(host.useFlag);
 }
 
 }  // namespace
@@ -97,40 +101,45 @@ void Expected::bindUnpack(const char* direction) {
   always(unlockLine(module, "unpackLock", contents_));
 }
 
-Trace expectedLines(const Steps& steps, const Scene& scene, const std::vector<Host>& hosts) {
+Trace expectedLines(const Steps& steps, const std::list<Scene>& scenes,
+                    const std::vector<Host>& hosts) {
   Trace lines;
-  for (const Host& host : hosts) {
-    Expected expected(scene, host);
-    for (const char* title : {"first call, ", "second call, "}) {
-      expected.always(title + textOf(host));
-      for (const Step& step : steps) {
-        step(expected);
+  for (const Scene& scene : scenes) {
+    for (const Host& host : hosts) {
+      Expected expected(scene, host);
+      for (const char* title : titles) {
+        expected.always(title + textOf(scene, host));
+        for (const Step& step : steps) {
+          step(expected);
+        }
       }
-    }
-    for (const std::string& line : expected.take()) {
-      lines.push_back(line);
+      for (const std::string& line : expected.take()) {
+        lines.push_back(line);
+      }
     }
   }
   return lines;
 }
 
-Trace observedLines(const Call& call, Scene& scene, const std::vector<Host>& hosts) {
+Trace observedLines(const Call& call, std::list<Scene>& scenes, const std::vector<Host>& hosts) {
   return inANewProcess([&] {
-    for (const Host& host : hosts) {
-      meet(host);
-      // The binding clears it, and nothing is written before the binding.
-      scene.operations.send->swapBytes.store(0x100);
-      for (const char* title : {"first call, ", "second call, "}) {
-        note(title + textOf(host));
-        resetRecorder();
-        call(scene);
-        for (const std::string& line : recorder().trace) {
-          note(line);
+    for (Scene& scene : scenes) {
+      for (const Host& host : hosts) {
+        meet(host);
+        // The binding clears it, and nothing is written before the binding.
+        scene.operations.send->swapBytes.store(0x100);
+        for (const char* title : titles) {
+          note(title + textOf(scene, host));
+          resetRecorder();
+          call(scene);
+          for (const std::string& line : recorder().trace) {
+            note(line);
+          }
+          for (const SentTable& table : recorder().sent) {
+            noteIfReversed(table.bytes);
+          }
+          noteIfReversed(scene.target);
         }
-        for (const SentTable& table : recorder().sent) {
-          noteIfReversed(table.bytes);
-        }
-        noteIfReversed(scene.target);
       }
     }
   });

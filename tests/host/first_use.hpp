@@ -1,9 +1,9 @@
-// One call of one message's operation, made twice by a process whose modules nobody has used yet,
-// and the calls of the host, of the middleware and of the mutexes that it is to make.
+// One call of one message's operation, made twice in modules that nobody has used yet, and the
+// calls of the host, of the middleware and of the mutexes that it is to make.
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -86,11 +86,12 @@ using Steps = std::vector<Step>;
 
 using Call = std::function<void(Scene&)>;
 
-// The lines of two calls in one host after the other, each with a title.
-Trace expectedLines(const Steps& steps, const Scene& scene, const std::vector<Host>& hosts);
+// The lines of two calls in each host, for one scene after the other, each call with a title.
+Trace expectedLines(const Steps& steps, const std::list<Scene>& scenes,
+                    const std::vector<Host>& hosts);
 
 // The same of the engine, in a new process.
-Trace observedLines(const Call& call, Scene& scene, const std::vector<Host>& hosts);
+Trace observedLines(const Call& call, std::list<Scene>& scenes, const std::vector<Host>& hosts);
 
 // "", or the first call whose lines differ.
 std::string difference(const Trace& observed, const Trace& expected);
