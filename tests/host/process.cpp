@@ -1,16 +1,10 @@
 #include "host/process.hpp"
 
-#include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cstdio>
 #include <mutex>
-#include <utility>
-
-#include "host/functions/observer.hpp"
-#include "zarnimesh/mesh.h"
 
 // There where coverage is measured: a process that ends by _exit keeps its counts only if told to.
 extern "C" [[gnu::weak]] int __llvm_profile_write_file();
@@ -20,7 +14,6 @@ namespace {
 
 std::mutex notesLock;
 Lines notes;
-std::atomic<uint32_t> flag{0};
 
 void writeNotes(int pipe) {
   std::string text;
@@ -79,24 +72,6 @@ Lines inANewProcess(const std::function<void()>& scenario) {
   return lines;
 }
 
-void bring(unsigned functions, uint32_t useFlag) {
-  flag = useFlag;
-  for (const auto& [function, name] : std::initializer_list<std::pair<unsigned, const char*>>{
-           {LogWrite, "log_write"},
-           {MemAlloc, "mem_alloc"},
-           {MemFree, "mem_free"},
-           {MemCacheAlloc, "mem_cache_alloc"},
-           {MemUseFlagGet, "mem_use_flag_get"}}) {
-    if ((functions & function) != 0) {
-      const std::string path = std::string(HOST_FUNCTIONS_DIRECTORY "/host_") + name + ".so";
-      if (dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL) == nullptr) {
-        std::fprintf(stderr, "%s\n", dlerror());
-        _exit(3);
-      }
-    }
-  }
-}
-
 void note(const std::string& line) {
   const std::lock_guard guard(notesLock);
   notes.push_back(line);
@@ -108,29 +83,3 @@ void forgetNotes() {
 }
 
 }  // namespace harness
-
-extern "C" {
-
-void hostNote(const char* line) {
-  harness::note(line);
-}
-
-uint32_t hostUseFlag() {
-  return harness::flag;
-}
-
-// A middleware that takes everything.
-uint32_t MESH_SendMsg(uint32_t, const mesh_msg_desc*, uint32_t) {
-  return 0;
-}
-uint32_t MESH_SendToMsg(uint32_t, const mesh_msg_desc*, uint32_t, uint64_t) {
-  return 0;
-}
-uint32_t MESH_RegIDLFuncHook(uint32_t, mesh_unpack_hook, mesh_free_hook) {
-  return 0;
-}
-uint32_t MESH_RegIDLResorceCleanFuncHook(mesh_clean_hook) {
-  return 0;
-}
-
-}  // extern "C"
