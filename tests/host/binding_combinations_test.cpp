@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "host/binding.hpp"
 #include "host/process.hpp"
 #include "host/scenarios.hpp"
-#include "host/binding.hpp"
 #include "l2vpn_cfg/schema.hpp"
 
 namespace {

@@ -7,9 +7,9 @@
 
 #include "host/binding.hpp"
 #include "host/first_use.hpp"
-#include "l2vpn_cfg/modules.hpp"
-#include "l2vpn_stat/modules.hpp"
-#include "l2vpn_sync/modules.hpp"
+#include "l2vpn_cfg/schema.hpp"
+#include "l2vpn_stat/schema.hpp"
+#include "l2vpn_sync/schema.hpp"
 #include "mesh_l2vpn/l2vpn_cfg.h"
 #include "mesh_l2vpn/l2vpn_stat.h"
 #include "mesh_l2vpn/l2vpn_sync.h"

@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "ddm/osal.h"
-#include "host/serial_env.hpp"
-#include "l2vpn_cfg/modules.hpp"
-#include "l2vpn_stat/modules.hpp"
-#include "l2vpn_sync/modules.hpp"
+#include "host/binding.hpp"
+#include "l2vpn_cfg/schema.hpp"
+#include "l2vpn_stat/schema.hpp"
+#include "l2vpn_sync/schema.hpp"
 #include "support/recorder.hpp"
 
 // The linker (--wrap) leads every call of these in this executable to the __wrap_ functions below.
