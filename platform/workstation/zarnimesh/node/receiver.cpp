@@ -11,19 +11,20 @@
 namespace zarnimesh {
 namespace {
 
-std::span<const uint8_t> bytesOf(Message& message) {
+std::span<const uint8_t> bytesOf(MessagePart& message) {
   return {message.data(), message.size()};
 }
 
 // The parts behind the first. All of a message arrives at once, so nothing is waited for. False
 // when there are not exactly as many as a call has.
-[[nodiscard]] bool takeRest(Socket& socket, Message& first, Message& index, Message& payload) {
-  Message surplus;
-  Message* const rest[] = {&index, &payload};
+[[nodiscard]] bool takeRest(Socket& socket, MessagePart& first, MessagePart& index,
+                            MessagePart& payload) {
+  MessagePart surplus;
+  MessagePart* const rest[] = {&index, &payload};
   size_t taken = 0;
   bool more = first.more();
   while (more) {
-    Message& part = taken < std::size(rest) ? *rest[taken] : surplus;
+    MessagePart& part = taken < std::size(rest) ? *rest[taken] : surplus;
     if (zmq_msg_recv(part.raw(), socket.handle(), ZMQ_DONTWAIT) < 0) {
       return false;
     }
@@ -49,7 +50,7 @@ mesh_result Receiver::open(std::shared_ptr<Context> context) {
 }
 
 int64_t Receiver::receive(int32_t timeoutMs, const Handler& handler) {
-  Message first;
+  MessagePart first;
   switch (waitForMessage(first, timeoutMs)) {
     case Arrival::Message:
       return handle(first, handler);
@@ -61,7 +62,7 @@ int64_t Receiver::receive(int32_t timeoutMs, const Handler& handler) {
   return -int64_t{failFromTransport("receive")};
 }
 
-Receiver::Arrival Receiver::waitForMessage(Message& first, int32_t timeoutMs) {
+Receiver::Arrival Receiver::waitForMessage(MessagePart& first, int32_t timeoutMs) {
   void* const socket = listener_.socket().handle();
   const Clock::time_point end = Clock::now() + std::chrono::milliseconds(timeoutMs);
   for (;;) {
@@ -106,7 +107,7 @@ bool Receiver::isWellFormed(const FrameHeader& header, std::span<const uint8_t> 
          header.count <= settings_.countLimit() && lengthsAgree(header, index, payloadBytes);
 }
 
-bool Receiver::isFromItsSource(const FrameHeader& header, Message& first) const {
+bool Receiver::isFromItsSource(const FrameHeader& header, MessagePart& first) const {
   if (!settings_.keys || listener_.endpoint().transport != Transport::Tcp) {
     return true;
   }
@@ -114,10 +115,10 @@ bool Receiver::isFromItsSource(const FrameHeader& header, Message& first) const 
   return node != nullptr && std::to_string(header.source) == node;
 }
 
-int64_t Receiver::handle(Message& first, const Handler& handler) {
+int64_t Receiver::handle(MessagePart& first, const Handler& handler) {
   takeOver(first.data());
-  Message index;
-  Message payload;
+  MessagePart index;
+  MessagePart payload;
   const bool complete = takeRest(listener_.socket(), first, index, payload);
   const std::optional<FrameHeader> header = decodeHeader(bytesOf(first));
   if (!complete || !header || !isWellFormed(*header, bytesOf(index), payload.size()) ||

@@ -45,14 +45,14 @@ class Receiver {
     Failed,
   };
 
-  [[nodiscard]] Arrival waitForMessage(Message& first, int32_t timeoutMs);
+  [[nodiscard]] Arrival waitForMessage(MessagePart& first, int32_t timeoutMs);
   // Ends connections without end, and tells how long the next look can wait.
   [[nodiscard]] long watchConnections(long wait);
   [[nodiscard]] bool isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
                                   size_t payloadBytes) const;
   // Whether the message came from whom it says; asked of nodes that ask for keys.
-  [[nodiscard]] bool isFromItsSource(const FrameHeader& header, Message& first) const;
-  [[nodiscard]] int64_t handle(Message& first, const Handler& handler);
+  [[nodiscard]] bool isFromItsSource(const FrameHeader& header, MessagePart& first) const;
+  [[nodiscard]] int64_t handle(MessagePart& first, const Handler& handler);
   void noteSequence(const FrameHeader& header);
   [[nodiscard]] int64_t deliver(const FrameHeader& header, std::span<const uint8_t> index,
                                 const uint8_t* payload, const Handler& handler);

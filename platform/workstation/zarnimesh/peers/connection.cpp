@@ -48,7 +48,7 @@ mesh_result Connection::openSocket(Context& context, const std::string& endpoint
   }
   Socket watcher;
   if (ready && !inproc) {
-    watcher = watchEvents(context, socket, watchedEvents);
+    watcher = watchEvents(context.handle(), socket, watchedEvents);
     ready = static_cast<bool>(watcher);
   }
   if (!ready || zmq_connect(socket.handle(), endpoint.c_str()) != 0) {
@@ -108,7 +108,7 @@ Connection::Attempt Connection::trySend(Parts& parts) {
   for (size_t i = 0; i < parts.size(); ++i) {
     const int flags = ZMQ_DONTWAIT | (i + 1 < parts.size() ? ZMQ_SNDMORE : 0);
     // Shared, since the parts before a failing one are gone and the call may be tried again.
-    Message part;
+    MessagePart part;
     if (!part.share(parts[i])) {
       static_cast<void>(failFromTransport("message"));
       return Attempt::Failed;

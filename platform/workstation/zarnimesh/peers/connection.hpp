@@ -8,13 +8,14 @@
 #include "zarnimesh/configuration/settings.hpp"
 #include "zarnimesh/transport/context.hpp"
 #include "zarnimesh/transport/frame.hpp"
+#include "zarnimesh/transport/socket.hpp"
 
 namespace zarnimesh {
 
 // Used by one thread at a time. `settings` outlives it.
 class Connection {
  public:
-  using Parts = std::array<Message, partCount>;
+  using Parts = std::array<MessagePart, partCount>;
 
   enum class Attempt {
     Sent,

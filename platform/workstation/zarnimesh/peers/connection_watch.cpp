@@ -39,7 +39,7 @@ uint64_t systemBuffer(int file) {
 
 mesh_result ConnectionWatch::open(Context& context, Socket& listener, uint64_t limit) {
   limit_ = limit;
-  events_ = watchEvents(context, listener, watchedEvents);
+  events_ = watchEvents(context.handle(), listener, watchedEvents);
   return events_ ? MESH_OK : failFromTransport("watching connections");
 }
 
@@ -48,7 +48,7 @@ void ConnectionWatch::close(Socket& listener) {
   connections_.clear();
 }
 
-void ConnectionWatch::noteMessage(Message& message) {
+void ConnectionWatch::noteMessage(MessagePart& message) {
   ++taken_;
   const auto found = connections_.find(zmq_msg_get(message.raw(), ZMQ_SRCFD));
   if (found != connections_.end()) {

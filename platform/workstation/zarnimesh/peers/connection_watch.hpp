@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/socket.hpp"
 
 namespace zarnimesh {
 
@@ -30,7 +31,7 @@ class ConnectionWatch {
   bool isOpen() const { return static_cast<bool>(events_); }
 
   // A message was taken; the time counts from now for its connection.
-  void noteMessage(Message& message);
+  void noteMessage(MessagePart& message);
 
   // Nothing was there to be taken.
   void noteIdle() { idle_ = true; }

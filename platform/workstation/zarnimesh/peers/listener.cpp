@@ -2,11 +2,11 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <utility>
 
 #include "zarnimesh/configuration/runtime_directory.hpp"
-#include "zarnimesh/transport/authenticator.hpp"
 #include "zarnimesh/transport/inproc_table.hpp"
 #include "zarnimesh/transport/ipc_socket.hpp"
 
@@ -16,6 +16,22 @@ namespace {
 // The transport's own thread closes a listening socket; it is busy for longer only in a system that
 // has come to a halt.
 constexpr std::chrono::milliseconds closingTime{1000};
+
+std::string binaryKey(const std::string& text) {
+  std::array<uint8_t, 32> bytes{};
+  zmq_z85_decode(bytes.data(), text.c_str());
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// The keys that may connect: those of the key file, and the node's own.
+Authenticator::Known knownTo(const KeyRing& keys, uint32_t ownAddress) {
+  Authenticator::Known known;
+  for (const auto& [address, key] : keys.nodes()) {
+    known.emplace(binaryKey(key), address);
+  }
+  known[binaryKey(keys.ownPublic())] = ownAddress;
+  return known;
+}
 
 }  // namespace
 
@@ -120,7 +136,8 @@ void Listener::close() {
 }
 
 void Listener::stopListening() {
-  Socket watcher = watchEvents(*context_, socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
+  Socket watcher =
+      watchEvents(context_->handle(), socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
   if (zmq_unbind(socket_.handle(), bound_.c_str()) == 0 && watcher) {
     const auto end = std::chrono::steady_clock::now() + closingTime;
     while (!nextEvent(watcher) && std::chrono::steady_clock::now() < end) {

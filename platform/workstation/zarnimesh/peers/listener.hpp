@@ -7,6 +7,7 @@
 #include "zarnimesh/configuration/settings.hpp"
 #include "zarnimesh/transport/address_lock.hpp"
 #include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/socket.hpp"
 
 namespace zarnimesh {
 

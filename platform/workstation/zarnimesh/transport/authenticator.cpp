@@ -6,28 +6,22 @@
 #include <utility>
 #include <vector>
 
-#include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/socket.hpp"
 
 namespace zarnimesh {
 namespace {
 
 constexpr const char* endpoint = "inproc://zeromq.zap.01";
 
-// The parts of a question, by their places.
-enum Question : size_t { Version, RequestId, Domain, Address, Identity, Mechanism, Key };
+// The parts of a ZAP request, in order.
+enum Request : size_t { Version, RequestId, Domain, Address, Identity, Mechanism, Key };
 
-std::string binaryKey(const std::string& text) {
-  std::array<uint8_t, 32> bytes{};
-  zmq_z85_decode(bytes.data(), text.c_str());
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-// All parts of the next message; none once the context ends.
+// All parts of the next message. Empty when the context has ended.
 std::vector<std::string> receiveParts(void* socket) {
   std::vector<std::string> parts;
   bool more = true;
   while (more) {
-    Message part;
+    MessagePart part;
     if (zmq_msg_recv(part.raw(), socket, 0) < 0) {
       if (zmq_errno() == EINTR) {
         continue;
@@ -59,23 +53,22 @@ mesh_result Authenticator::start(void* context) {
 
 void Authenticator::serve(void* socket) {
   for (;;) {
-    const std::vector<std::string> question = receiveParts(socket);
-    if (question.empty()) {
+    const std::vector<std::string> request = receiveParts(socket);
+    if (request.empty()) {
       return;
     }
     std::string node;
-    if (question.size() == Key + 1 && question[Version] == "1.0" &&
-        question[Mechanism] == "CURVE") {
-      node = nodeOf(question[Domain], question[Key]);
+    if (request.size() == Key + 1 && request[Version] == "1.0" && request[Mechanism] == "CURVE") {
+      node = nodeOf(request[Domain], request[Key]);
     }
     const std::array<std::string, 6> answer{"1.0",
-                                            question.size() > RequestId ? question[RequestId] : "",
+                                            request.size() > RequestId ? request[RequestId] : "",
                                             node.empty() ? "400" : "200",
                                             node.empty() ? "unknown key" : "",
                                             node,
                                             ""};
     for (size_t i = 0; i < answer.size(); ++i) {
-      // Fails only when the context ends, which the next question tells.
+      // Fails only when the context has ended. The next receive then fails too.
       static_cast<void>(zmq_send(socket, answer[i].data(), answer[i].size(),
                                  i + 1 < answer.size() ? ZMQ_SNDMORE : 0));
     }
@@ -102,15 +95,6 @@ std::string Authenticator::addDomain(Known known) {
 void Authenticator::removeDomain(const std::string& name) {
   const std::lock_guard lock(mutex_);
   domains_.erase(name);
-}
-
-Authenticator::Known knownTo(const KeyRing& keys, uint32_t ownAddress) {
-  Authenticator::Known known;
-  for (const auto& [address, key] : keys.nodes()) {
-    known.emplace(binaryKey(key), address);
-  }
-  known[binaryKey(keys.ownPublic())] = ownAddress;
-  return known;
 }
 
 }  // namespace zarnimesh

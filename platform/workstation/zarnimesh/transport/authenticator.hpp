@@ -1,44 +1,42 @@
-// Who may connect to the nodes of this process that ask for keys.
+// Decides which peers may connect to this process's nodes with keys.
 #pragma once
 
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <unordered_map>
 
-#include "zarnimesh/configuration/key_ring.hpp"
+#include "zarnimesh/error.hpp"
 
 namespace zarnimesh {
 
-// Answers the transport's questions about connecting peers (its ZAP protocol) on a thread of its
-// own, for as long as its context lives. (Where nobody answers the transport lets everyone in, but
-// names nobody, and receivers take no message without a name.)
+// Answers ZeroMQ's authentication requests (ZAP protocol) on its own thread until its context ends.
+// Without an answer ZeroMQ accepts every peer but does not name it. Receivers drop messages of
+// peers without a name.
 class Authenticator {
  public:
-  // Binary public keys, and the node that each belongs to.
+  // The node address of each binary public key.
   using Known = std::unordered_map<std::string, uint32_t>;
 
   ~Authenticator();
 
-  // `context` is the transport's. Once.
+  // `context` is ZeroMQ's context. Called once.
   [[nodiscard]] mesh_result start(void* context);
 
-  // A name for the nodes that `known` may connect to, until it is removed.
+  // Registers the keys that may connect and returns the name of their domain.
   std::string addDomain(Known known);
   void removeDomain(const std::string& name);
 
  private:
   void serve(void* socket);
-  // The address of the node that the key belongs to, as text; empty when it may not connect.
+  // The address of the key's node, as text. Empty when the key may not connect.
   std::string nodeOf(const std::string& domain, const std::string& key);
 
-  std::mutex mutex_;  // guards the domains
+  std::mutex mutex_;  // guards domains_ and latest_
   std::unordered_map<std::string, Known> domains_;
   uint64_t latest_ = 0;
   std::thread thread_;
 };
-
-// All that may connect to a node: those whose keys it has, and itself.
-Authenticator::Known knownTo(const KeyRing& keys, uint32_t ownAddress);
 
 }  // namespace zarnimesh
