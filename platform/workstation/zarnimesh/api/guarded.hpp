@@ -1,4 +1,4 @@
-// Exceptions end at the C boundary.
+// Stops exceptions at the C boundary.
 #pragma once
 
 #include <exception>
@@ -8,7 +8,7 @@
 
 namespace zarnimesh {
 
-// What `body` returns, or the result for what it throws.
+// Returns the result of `body`, or the result for its exception.
 template <typename Body>
 [[nodiscard]] mesh_result guarded(Body&& body) {
   try {

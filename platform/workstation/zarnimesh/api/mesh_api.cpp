@@ -1,4 +1,4 @@
-// The middleware's interface to those who link against it.
+// The exported functions of zarnimesh/mesh.h.
 #include "zarnimesh/mesh.h"
 
 #include "zarnimesh/api/export.hpp"
@@ -37,7 +37,7 @@ ZARNIMESH_EXPORT uint32_t MESH_RegIDLFuncHook(uint32_t msg_id, mesh_unpack_hook 
                                               mesh_free_hook release) {
   return guarded([&] {
     if (unpack == nullptr || release == nullptr) {
-      return fail(MESH_BAD_ARGUMENT, "a null hook for the identifier 0x%08X", msg_id);
+      return fail(MESH_BAD_ARGUMENT, "null hook for the identifier 0x%08X", msg_id);
     }
     registerHook(msg_id, {.unpack = unpack, .release = release});
     return MESH_OK;
@@ -47,7 +47,7 @@ ZARNIMESH_EXPORT uint32_t MESH_RegIDLFuncHook(uint32_t msg_id, mesh_unpack_hook 
 ZARNIMESH_EXPORT uint32_t MESH_RegIDLResorceCleanFuncHook(mesh_clean_hook clean) {
   return guarded([&] {
     if (clean == nullptr) {
-      return fail(MESH_BAD_ARGUMENT, "a null clean hook");
+      return fail(MESH_BAD_ARGUMENT, "null clean hook");
     }
     registerCleanHook(clean);
     return MESH_OK;

@@ -1,4 +1,4 @@
-// The interface to nodes.
+// The exported functions of zarnimesh/node.h.
 #include "zarnimesh/node.h"
 
 #include "zarnimesh/api/export.hpp"
@@ -11,7 +11,7 @@ namespace {
 using namespace zarnimesh;
 
 [[nodiscard]] mesh_result noSuchNode() {
-  return fail(MESH_NOT_OPEN, "no open node of this process");
+  return fail(MESH_NOT_OPEN, "not an open node of this process");
 }
 
 [[nodiscard]] mesh_result busy() {
@@ -21,7 +21,8 @@ using namespace zarnimesh;
 [[nodiscard]] mesh_result openNode(uint32_t address, const mesh_node_options& options,
                                    mesh_node** out) {
   if (hasNodesOfAnotherProcess()) {
-    return fail(MESH_NOT_OPEN, "a forked child of a process with open nodes: exec first");
+    return fail(MESH_NOT_OPEN,
+                "this process is a forked child of one with open nodes; call exec first");
   }
   auto node = std::make_shared<Node>(address);
   if (const mesh_result result = node->open(options); result != MESH_OK) {
@@ -32,7 +33,7 @@ using namespace zarnimesh;
   return MESH_OK;
 }
 
-// The receiving half, taken for as long as the object lives.
+// Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
   explicit ReceiverHold(Node& node) : node_(node), held_(node.takeReceiver()) {}
@@ -74,7 +75,7 @@ ZARNIMESH_EXPORT mesh_result mesh_node_open(uint32_t address, const mesh_node_op
                                             mesh_node** out) {
   return guarded([&] {
     if (out == nullptr) {
-      return fail(MESH_BAD_ARGUMENT, "nowhere to put the node");
+      return fail(MESH_BAD_ARGUMENT, "out is null");
     }
     *out = nullptr;
     mesh_node_options defaults;
@@ -133,7 +134,7 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive(mesh_node* handle, int32_t timeout_ms
 ZARNIMESH_EXPORT mesh_result mesh_node_stats(mesh_node* handle, mesh_node_statistics* out) {
   return guarded([&] {
     if (out == nullptr) {
-      return fail(MESH_BAD_ARGUMENT, "nowhere to put the statistics");
+      return fail(MESH_BAD_ARGUMENT, "out is null");
     }
     const std::shared_ptr<Node> node = findNode(handle);
     if (node == nullptr) {

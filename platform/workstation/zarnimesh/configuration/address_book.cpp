@@ -26,7 +26,7 @@ mesh_result AddressBook::parse(std::string_view text, const std::string& name) {
     }
     const std::optional<uint32_t> address = parseAddress(first);
     if (!address) {
-      return wrong("an address is a number below 2^32, decimal or 0x and hexadecimal");
+      return wrong("an address must be a number below 2^32, decimal or hexadecimal with 0x");
     }
     const std::string_view second = takeWord(line);
     if (second.empty()) {
@@ -37,10 +37,10 @@ mesh_result AddressBook::parse(std::string_view text, const std::string& name) {
       return wrong(what);
     }
     if (!takeWord(line).empty()) {
-      return wrong("something follows the endpoint");
+      return wrong("unexpected text after the endpoint");
     }
     if (!entries.emplace(*address, std::move(endpoint)).second) {
-      return wrong("the address has an endpoint already");
+      return wrong("the address already has an endpoint");
     }
   }
   entries_ = std::move(entries);

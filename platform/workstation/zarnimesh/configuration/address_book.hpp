@@ -1,4 +1,4 @@
-// Endpoints of the addresses that are not found by default.
+// Endpoints of addresses that do not use the default.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@ namespace zarnimesh {
 
 class AddressBook {
  public:
-  // Takes over the entries of `text`: lines of an address, blanks and an endpoint, with comments
-  // behind #. `name` tells in errors where the text is from. No entry is kept on failure.
+  // Reads the entries of `text`: each line has an address, blanks and an endpoint. A # starts a
+  // comment. Errors name the source `name`. On failure the book stays as it was.
   [[nodiscard]] mesh_result parse(std::string_view text, const std::string& name);
 
-  // As parse, for the contents of a file.
+  // As parse, for a file.
   [[nodiscard]] mesh_result readFile(const std::string& path);
 
-  // Null when the book does not name the address.
+  // Null when the address is not in the book.
   const Endpoint* find(uint32_t address) const;
 
  private:

@@ -22,18 +22,18 @@ std::string_view hostOf(std::string_view hostAndPort) {
 const char* checkHostAndPort(std::string_view text) {
   const size_t colon = text.rfind(':');
   if (colon == std::string_view::npos || colon == 0) {
-    return "a tcp endpoint is tcp://host:port";
+    return "a tcp endpoint must be tcp://host:port";
   }
   const std::string_view port = text.substr(colon + 1);
   uint16_t number = 0;
   const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), number);
   if (error != std::errc{} || end != port.data() + port.size() || number == 0) {
-    return "a tcp port is a number from 1 to 65535";
+    return "a tcp port must be a number from 1 to 65535";
   }
   const std::string_view host = text.substr(0, colon);
   const bool bracketed = host.front() == '[' && host.back() == ']';
   if (!bracketed && host.find_first_of(":[]") != std::string_view::npos) {
-    return "an IPv6 address is written in brackets";
+    return "an IPv6 address must be in brackets";
   }
   return nullptr;
 }
@@ -62,10 +62,10 @@ const char* parseEndpoint(std::string_view text, Endpoint& out) {
     }
     const std::string_view rest = text.substr(prefix.size());
     if (rest.empty()) {
-      return "nothing follows the //";
+      return "the part after // is missing";
     }
     if (scheme == Transport::Ipc && rest.front() != '/') {
-      return "an ipc endpoint is ipc:// and an absolute path";
+      return "an ipc endpoint must be ipc:// and an absolute path";
     }
     if (scheme == Transport::Ipc && rest.size() >= sizeof sockaddr_un{}.sun_path) {
       return "the path is too long for a socket";
@@ -77,22 +77,22 @@ const char* parseEndpoint(std::string_view text, Endpoint& out) {
     }
     out = {.transport = scheme, .rest = std::string(rest)};
     if (scheme == Transport::Tcp && hostOf(out.rest) == "localhost") {
-      // Not left to the resolver, which may know nothing of it, or something else.
+      // The resolver may not know the name, or may map it to another address.
       out.rest.replace(0, hostOf(out.rest).size(), "127.0.0.1");
     }
     return nullptr;
   }
-  return "an endpoint starts with ipc://, inproc:// or tcp://";
+  return "an endpoint must start with ipc://, inproc:// or tcp://";
 }
 
-mesh_result checkBindable(const Endpoint& endpoint, bool asksForKeys) {
+mesh_result checkBindable(const Endpoint& endpoint, bool hasKeys) {
   if (endpoint.transport != Transport::Tcp) {
     return MESH_OK;
   }
   const std::string host(hostOf(endpoint.rest));
-  if (!asksForKeys && !isLoopback(host)) {
+  if (!hasKeys && !isLoopback(host)) {
     return fail(MESH_BAD_CONFIGURATION,
-                "%s: without keys a node receives only at a loopback address (127.x.y.z, [::1], "
+                "%s: a node without keys can receive only at a loopback address (127.x.y.z, [::1], "
                 "localhost)",
                 endpoint.text().c_str());
   }

@@ -1,4 +1,4 @@
-// Where a node receives.
+// The endpoints at which nodes receive.
 #pragma once
 
 #include <cstdint>
@@ -17,17 +17,16 @@ enum class Transport {
 
 struct Endpoint {
   Transport transport = Transport::Ipc;
-  std::string rest;  // behind the "//": a path, a name, or host:port
+  std::string rest;  // after the "//": a path, a name, or host:port
 
   std::string text() const;
 };
 
-// Parses ipc://path, inproc://name and tcp://host:port; localhost is 127.0.0.1. Returns null, or
-// what is wrong with it.
+// Parses ipc://path, inproc://name and tcp://host:port. Replaces localhost by 127.0.0.1. Returns
+// null, or an error text.
 [[nodiscard]] const char* parseEndpoint(std::string_view text, Endpoint& out);
 
-// Refuses a tcp endpoint that other machines could reach, unless whoever connects is asked for a
-// key.
-[[nodiscard]] mesh_result checkBindable(const Endpoint& endpoint, bool asksForKeys);
+// Rejects a tcp endpoint that other machines can reach, unless peers need a key.
+[[nodiscard]] mesh_result checkBindable(const Endpoint& endpoint, bool hasKeys);
 
 }  // namespace zarnimesh

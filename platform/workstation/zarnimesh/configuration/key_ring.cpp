@@ -21,14 +21,14 @@ bool isKey(const std::string& text) {
   return text.size() == keyTextLength && zmq_z85_decode(bytes.data(), text.c_str()) != nullptr;
 }
 
-// Null, or what is wrong with the open file.
+// Null, or an error text about the open file.
 const char* checkPrivate(int file) {
   struct stat status {};
   if (fstat(file, &status) != 0) {
     return std::strerror(errno);
   }
   if (!S_ISREG(status.st_mode)) {
-    return "it is not a file";
+    return "it is not a regular file";
   }
   if (status.st_uid != geteuid()) {
     return "it belongs to another user";
@@ -69,27 +69,28 @@ mesh_result KeyRing::parse(std::string_view text, const std::string& name) {
     const std::string_view first = takeWord(line);
     std::string key(takeWord(line));
     if (!isKey(key) || !takeWord(line).empty()) {
-      return wrong("a line is 'own PUBLIC SECRET' or 'node ADDRESS PUBLIC', keys in Z85");
+      return wrong("a line must be 'own PUBLIC SECRET' or 'node ADDRESS PUBLIC', with keys in Z85");
     }
     if (kind == "own") {
       std::array<char, keyTextLength + 1> derived;
       if (!read.ownSecret_.empty() || zmq_curve_public(derived.data(), key.c_str()) != 0 ||
           first != derived.data()) {
-        return wrong("there is one own pair, whose public key belongs to its secret one");
+        return wrong("there must be one own line, with a public key that matches the secret key");
       }
       read.ownPublic_ = first;
       read.ownSecret_ = std::move(key);
     } else if (kind == "node") {
       const std::optional<uint32_t> address = parseAddress(first);
       if (!address || read.knows(key) || !read.nodes_.emplace(*address, key).second) {
-        return wrong("a node has an address below 2^32 and a key, both its own");
+        return wrong(
+            "a node line needs an address below 2^32 and a key, and neither may be repeated");
       }
     } else {
-      return wrong("a line starts with own or node");
+      return wrong("a line must start with own or node");
     }
   }
   if (read.ownSecret_.empty()) {
-    return fail(MESH_BAD_CONFIGURATION, "%s: there is no own pair", name.c_str());
+    return fail(MESH_BAD_CONFIGURATION, "%s: the own line is missing", name.c_str());
   }
   *this = std::move(read);
   return MESH_OK;

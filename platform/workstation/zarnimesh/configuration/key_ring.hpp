@@ -1,4 +1,4 @@
-// The CURVE keys of a node and of the nodes it knows.
+// The CURVE keys of a node and of its peers.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace zarnimesh {
 
-// A key as it is written: 40 characters of Z85.
+// A key as text: 40 characters of Z85.
 inline constexpr size_t keyTextLength = 40;
 
 class KeyRing {
@@ -19,17 +19,17 @@ class KeyRing {
   // Reads a file of lines
   //   own PUBLIC SECRET
   //   node ADDRESS PUBLIC
-  // with comments behind a # that starts a line (keys may hold one). `own` stands there once. The
-  // file must be the user's and closed to others.
+  // with exactly one `own` line. A # at the start of a line starts a comment: keys may contain one.
+  // The file must belong to the user and be closed to others.
   [[nodiscard]] mesh_result readFile(const std::string& path);
 
-  // As readFile, for the contents. `name` tells in errors where they are from.
+  // As readFile, for the contents. Errors name the source `name`.
   [[nodiscard]] mesh_result parse(std::string_view text, const std::string& name);
 
   const std::string& ownPublic() const { return ownPublic_; }
   const std::string& ownSecret() const { return ownSecret_; }
 
-  // Null when the node's key is not known.
+  // Null when the key is unknown.
   const std::string* publicKeyOf(uint32_t address) const;
 
   const std::unordered_map<uint32_t, std::string>& nodes() const { return nodes_; }

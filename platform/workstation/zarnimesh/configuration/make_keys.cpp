@@ -1,7 +1,7 @@
 // zarnimesh-keys ADDRESS FILE
 //
-// Makes the CURVE keys of a node: writes them to FILE, which must not exist yet, and prints the
-// line by which other nodes' key files know this one.
+// Makes a node's CURVE keys and writes them to FILE, which must not exist. Prints the line for the
+// key files of other nodes.
 #include <fcntl.h>
 #include <unistd.h>
 #include <zmq.h>
@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
   char publicKey[zarnimesh::keyTextLength + 1];
   char secretKey[zarnimesh::keyTextLength + 1];
   if (zmq_curve_keypair(publicKey, secretKey) != 0) {
-    std::fprintf(stderr, "no keys: %s\n", zmq_strerror(zmq_errno()));
+    std::fprintf(stderr, "cannot make keys: %s\n", zmq_strerror(zmq_errno()));
     return 1;
   }
   const int file = open(argv[2], O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

@@ -25,7 +25,7 @@ std::string runtimeDirectoryName(const char* chosen) {
   if (named != nullptr && *named != '\0') {
     return named;
   }
-  // Left over from another login, the variable may name a directory that is gone.
+  // The variable may name the deleted directory of an earlier login.
   const char* login = std::getenv("XDG_RUNTIME_DIR");
   if (login != nullptr && *login == '/' && isDirectory(login)) {
     return std::string(login) + "/zarnimesh";

@@ -1,4 +1,4 @@
-// The directory of the default sockets, which nobody but its user may enter.
+// The user's private directory, with the default sockets.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 
 namespace zarnimesh {
 
-// The directory's name: `chosen` when not null, else $ZARNIMESH_RUNTIME_DIR, else
+// The directory's name: `chosen` if not null, else $ZARNIMESH_RUNTIME_DIR, else
 // $XDG_RUNTIME_DIR/zarnimesh, else /tmp/zarnimesh-<uid>.
 std::string runtimeDirectoryName(const char* chosen);
 
-// Creates the directory when it is missing, and refuses one that is another's or open to others:
-// whoever can write there could take the place of any node.
+// Creates the directory if it is missing. Rejects one that belongs to another user or is open to
+// others: anyone who can write there can replace any node.
 [[nodiscard]] mesh_result prepareRuntimeDirectory(const std::string& name);
 
 }  // namespace zarnimesh

@@ -15,26 +15,26 @@ namespace {
 
 [[nodiscard]] mesh_result checkNumbers(const mesh_node_options& options) {
   if (options.transport != MESH_TRANSPORT_IPC && options.transport != MESH_TRANSPORT_INPROC) {
-    return fail(MESH_BAD_ARGUMENT, "options: no such transport");
+    return fail(MESH_BAD_ARGUMENT, "options: unknown transport");
   }
   for (const uint32_t queue : {options.send_queue_calls, options.receive_queue_calls}) {
     if (queue == 0 || queue > INT_MAX / 2) {
-      return fail(MESH_BAD_ARGUMENT, "options: a queue holds from 1 to %d calls", INT_MAX / 2);
+      return fail(MESH_BAD_ARGUMENT, "options: a queue must hold from 1 to %d calls", INT_MAX / 2);
     }
   }
   for (const uint32_t time :
        {options.connect_timeout_ms, options.send_timeout_ms, options.linger_ms}) {
     if (time > INT_MAX) {
-      return fail(MESH_BAD_ARGUMENT, "options: a time is at most %d ms", INT_MAX);
+      return fail(MESH_BAD_ARGUMENT, "options: a time must be at most %d ms", INT_MAX);
     }
   }
   if (options.payload_limit == 0) {
-    return fail(MESH_BAD_ARGUMENT, "options: the payload limit is at least 1");
+    return fail(MESH_BAD_ARGUMENT, "options: the payload limit must be at least 1");
   }
   return MESH_OK;
 }
 
-// What the options name, or else the environment, unless it is empty.
+// The name from the options, else from the environment. Null when it is empty.
 const char* named(const char* option, const char* variable) {
   const char* name = option != nullptr ? option : std::getenv(variable);
   return name != nullptr && *name != '\0' ? name : nullptr;
@@ -73,7 +73,7 @@ mesh_result Settings::readKeys(const mesh_node_options& options) {
     return MESH_OK;
   }
   if (zmq_has("curve") == 0) {
-    return fail(MESH_BAD_CONFIGURATION, "keys %s: this ZeroMQ has no CURVE", file);
+    return fail(MESH_BAD_CONFIGURATION, "keys %s: this build of ZeroMQ has no CURVE", file);
   }
   return keys.emplace().readFile(file);
 }
@@ -94,7 +94,7 @@ uint32_t Settings::countLimit() const {
 }
 
 uint64_t Settings::messageLimit() const {
-  // What the transport adds to three parts, enciphered or not, is less than this.
+  // ZeroMQ adds less than this to three parts, with or without encryption.
   constexpr uint64_t overhead = 1024;
   return headerSize + uint64_t{countLimit()} * indexEntrySize + payloadLimit + overhead;
 }

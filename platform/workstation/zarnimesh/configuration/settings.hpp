@@ -16,7 +16,7 @@ namespace zarnimesh {
 struct Settings {
   Transport defaultTransport = Transport::Ipc;
   AddressBook book;
-  std::optional<KeyRing> keys;  // of tcp
+  std::optional<KeyRing> keys;  // for tcp
   std::string runtimeDirectory;
   int sendQueueCalls = 0;
   int receiveQueueCalls = 0;
@@ -30,16 +30,16 @@ struct Settings {
   // Reads the options, the environment, the address book and the keys.
   [[nodiscard]] mesh_result read(const mesh_node_options& options);
 
-  // By the address book, else by the default transport.
+  // From the address book, else from the default transport.
   Endpoint endpointOf(uint32_t address) const;
 
-  // Tables of one call; bounds the index as payloadLimit bounds the payload.
+  // The most tables of one call.
   uint32_t countLimit() const;
 
-  // Bytes of the largest part of any message.
+  // The most bytes of one message part.
   int64_t partLimit() const;
 
-  // Bytes that a whole message takes at most on its way.
+  // The most bytes of a whole message on the wire.
   uint64_t messageLimit() const;
 
  private:

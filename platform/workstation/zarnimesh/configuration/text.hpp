@@ -1,4 +1,4 @@
-// Taking configuration texts apart.
+// Parsing of configuration texts.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,16 @@
 
 namespace zarnimesh {
 
-// Cuts the next line off `text`.
+// Removes and returns the first line of `text`.
 std::string_view takeLine(std::string_view& text);
 
-// Cuts the next word off `line`; empty when there is none.
+// Removes and returns the first word of `line`. Empty when there is none.
 std::string_view takeWord(std::string_view& line);
 
-// A number below 2^32, decimal or 0x and hexadecimal.
+// A number below 2^32, decimal or hexadecimal with 0x.
 std::optional<uint32_t> parseAddress(std::string_view word);
 
-// The contents of an open file; nothing when it cannot be read, errno telling why.
+// The contents of an open file. Nothing when it cannot be read; errno is then set.
 std::optional<std::string> contentsOf(int file);
 
 }  // namespace zarnimesh

@@ -10,7 +10,7 @@ namespace zarnimesh {
 namespace {
 
 struct Hooks {
-  std::shared_mutex mutex;  // guards both
+  std::shared_mutex mutex;  // guards the members below
   std::unordered_map<uint32_t, Hook> byId;
   std::vector<mesh_clean_hook> clean;
 };

@@ -1,5 +1,5 @@
-// The decoding functions of each message type, and the services' clean functions. One registry a
-// process; it needs no open node.
+// The decoding functions of each message type, and the services' clean functions. The process has
+// one registry. It works without open nodes.
 #pragma once
 
 #include <optional>
@@ -13,12 +13,12 @@ struct Hook {
   mesh_free_hook release;
 };
 
-// Safe from any thread; a second registration replaces the first.
+// Thread-safe. A second registration replaces the first.
 void registerHook(uint32_t id, Hook hook);
 std::optional<Hook> findHook(uint32_t id);
 
-// A function registered twice is called once. callCleanHooks calls each in the order of
-// registration, without holding a lock, and keeps them for the next time.
+// callCleanHooks calls each function once, in order of registration, without holding a lock. The
+// functions stay registered.
 void registerCleanHook(mesh_clean_hook clean);
 void callCleanHooks();
 

@@ -17,8 +17,8 @@ mesh_result Node::open(const mesh_node_options& options) {
 }
 
 void Node::close() {
-  // The receiving half goes last, and with it perhaps the context, whose end waits for what the
-  // sending half left lingering.
+  // The receiver goes last. It may hold the last reference to the context, whose destructor waits
+  // for the sender's lingering messages.
   sender_.close();
   receiver_.close();
 }

@@ -1,4 +1,4 @@
-// One node: its settings, its counters and its two halves.
+// One node: its settings, counters, sender and receiver.
 #pragma once
 
 #include <unistd.h>
@@ -18,13 +18,13 @@ class Node {
 
   [[nodiscard]] mesh_result open(const mesh_node_options& options);
 
-  // Takes the receiving half for the calling thread; false when another thread has it. Closing
-  // takes it and does not give it back.
+  // Reserves the receiver for the calling thread. False when another thread has it. A closing
+  // thread takes it and keeps it.
   [[nodiscard]] bool takeReceiver() { return !receiving_.exchange(true); }
   void giveReceiverBack() { receiving_.store(false); }
 
-  // For the thread that has taken the receiving half. Everything that was opened is closed, and the
-  // process's context ended when no other node uses it.
+  // Closes everything. Also ends the process's context if no other node uses it. The calling thread
+  // must have taken the receiver.
   void close();
 
   Sender& sender() { return sender_; }

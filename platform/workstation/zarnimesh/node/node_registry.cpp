@@ -9,18 +9,18 @@ namespace zarnimesh {
 namespace {
 
 struct Registry {
-  std::mutex mutex;                          // guards the list
-  std::vector<std::shared_ptr<Node>> nodes;  // in the order of opening
+  std::mutex mutex;                          // guards nodes
+  std::vector<std::shared_ptr<Node>> nodes;  // in order of opening
 };
 
-// Never destroyed: a thread may still send while the process exits, and nodes that were left open
-// then end with it.
+// Never destroyed: a thread may still send while the process exits. Nodes that are still open end
+// with the process.
 Registry& registry() {
   static Registry& instance = *new Registry;
   return instance;
 }
 
-// With the registry's mutex held; null as for findNode.
+// Requires the registry's mutex. Null as for findNode.
 std::shared_ptr<Node> findLocked(const Node* wanted) {
   const auto& nodes = registry().nodes;
   const auto found = std::find_if(nodes.begin(), nodes.end(),

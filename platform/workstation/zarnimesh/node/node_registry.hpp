@@ -1,4 +1,4 @@
-// The process's open nodes, and which of them each thread sends from.
+// The process's open nodes, and the node from which each thread sends.
 #pragma once
 
 #include <memory>
@@ -7,26 +7,27 @@
 
 namespace zarnimesh {
 
-// All are safe from any thread.
+// All functions are thread-safe.
 
-// What a caller holds of a node. It is never dereferenced before it was found among the open ones.
+// The caller's handle of a node. It is dereferenced only after it was found among the open nodes.
 mesh_node* handleOf(const Node& node);
 
-// Whether this is a forked child of a process with open nodes, whose transport it must not touch.
+// Whether this is a forked child of a process with open nodes. It must not touch the parent's
+// sockets.
 bool hasNodesOfAnotherProcess();
 
 void addNode(std::shared_ptr<Node> node);
 
-// The open node of the handle; null when there is none, or when it is a parent process's.
+// The open node of the handle. Null when there is none, or when it belongs to a parent process.
 std::shared_ptr<Node> findNode(const mesh_node* handle);
 
-// True when that was the last one.
+// True when it was the last open node.
 [[nodiscard]] bool removeNode(const Node& node);
 
-// Null goes back to the oldest open node.
+// Null selects the oldest open node again.
 void attachToThread(const std::shared_ptr<Node>& node);
 
-// The node that the calling thread sends from; null when there is none or its node is closed.
+// The node from which the calling thread sends. Null when there is none or it is closed.
 std::shared_ptr<Node> sendingNode();
 
 }  // namespace zarnimesh

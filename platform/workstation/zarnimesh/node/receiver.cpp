@@ -15,8 +15,8 @@ std::span<const uint8_t> bytesOf(MessagePart& message) {
   return {message.data(), message.size()};
 }
 
-// The parts behind the first. All of a message arrives at once, so nothing is waited for. False
-// when there are not exactly as many as a call has.
+// Reads the parts after the first, without waiting: a message arrives whole. False when their
+// number is wrong.
 [[nodiscard]] bool takeRest(Socket& socket, MessagePart& first, MessagePart& index,
                             MessagePart& payload) {
   MessagePart surplus;
@@ -96,7 +96,7 @@ Receiver::Arrival Receiver::waitForMessage(MessagePart& first, int32_t timeoutMs
 }
 
 long Receiver::watchConnections(long wait) {
-  statistics_.malformed.add(watch_.look());
+  statistics_.malformed.add(watch_.check());
   constexpr long interval = ConnectionWatch::interval.count();
   return wait < 0 ? interval : std::min(wait, interval);
 }
@@ -148,7 +148,7 @@ int64_t Receiver::deliver(const FrameHeader& header, std::span<const uint8_t> in
     const IndexEntry entry = decodeIndexEntry(index.data() + at);
     const uint8_t* const table = payload;
     payload += entry.length;
-    // Calls mostly carry runs of one type.
+    // Most calls have runs of one type: look up only when it changes.
     if (!hook || entry.id != hookId) {
       hook = findHook(entry.id);
       hookId = entry.id;

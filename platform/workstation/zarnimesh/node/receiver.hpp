@@ -1,4 +1,4 @@
-// A node's receiving half: takes messages apart and hands out their records.
+// A node's receiver: checks messages, decodes their tables and passes the records to the handler.
 #pragma once
 
 #include <chrono>
@@ -14,13 +14,13 @@
 
 namespace zarnimesh {
 
-// Where records go.
+// The caller's handler.
 struct Handler {
   mesh_record_handler function;  // may be null
   void* user;
 };
 
-// Used by one thread at a time. `settings` and `statistics` outlive it.
+// For one thread at a time. `settings` and `statistics` must outlive it.
 class Receiver {
  public:
   Receiver(const Settings& settings, Statistics& statistics, uint32_t address)
@@ -28,7 +28,7 @@ class Receiver {
 
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context);
 
-  // Waits for one message; how many of its records were delivered, or the negative of a result.
+  // Waits for one message. Returns the number of delivered records, or a negated result.
   [[nodiscard]] int64_t receive(int32_t timeoutMs, const Handler& handler);
 
   void close() {
@@ -41,16 +41,16 @@ class Receiver {
 
   enum class Arrival {
     Message,
-    Nothing,  // in the time given, or until a signal came
+    Nothing,  // before the timeout or a signal
     Failed,
   };
 
   [[nodiscard]] Arrival waitForMessage(MessagePart& first, int32_t timeoutMs);
-  // Ends connections without end, and tells how long the next look can wait.
+  // Ends connections with endless messages. Returns how long to wait at most for the next check.
   [[nodiscard]] long watchConnections(long wait);
   [[nodiscard]] bool isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
                                   size_t payloadBytes) const;
-  // Whether the message came from whom it says; asked of nodes that ask for keys.
+  // Whether the peer's key belongs to the header's source. Always true without keys.
   [[nodiscard]] bool isFromItsSource(const FrameHeader& header, MessagePart& first) const;
   [[nodiscard]] int64_t handle(MessagePart& first, const Handler& handler);
   void noteSequence(const FrameHeader& header);

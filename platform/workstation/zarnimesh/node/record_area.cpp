@@ -17,7 +17,7 @@ size_t pageSize() {
 }  // namespace
 
 mesh_result RecordArea::map() {
-  // Reserved as a whole without access, then opened up to the guard page.
+  // Map all pages without access, then make all but the guard page accessible.
   void* mapped = mmap(nullptr, size + pageSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) {
     return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));

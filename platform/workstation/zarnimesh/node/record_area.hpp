@@ -1,4 +1,4 @@
-// Where received records are decoded: an area that ends at a page that traps.
+// The memory for received records, followed by a guard page.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +16,14 @@ class RecordArea {
   RecordArea(const RecordArea&) = delete;
   RecordArea& operator=(const RecordArea&) = delete;
 
-  // Once; the area is zero afterwards.
+  // Called once. The area is then zero.
   [[nodiscard]] mesh_result map();
 
   void* data() const { return data_; }
 
-  // Makes the area zero again after a record of `recordSize` bytes. A decoder may leave a record
-  // untouched when it is given nonsense, and the release must not find another record's pointers.
+  // Zeroes the area again after a record of `recordSize` bytes. A decoder may leave a record
+  // untouched when it rejects a table. The release must then not find the previous record's
+  // pointers.
   void clear(size_t recordSize);
 
  private:

@@ -9,7 +9,7 @@
 namespace zarnimesh {
 namespace {
 
-// Checks the call against the limits; `payloadBytes` is the sum of the tables' lengths.
+// Checks the call against the limits. Sets `payloadBytes` to the sum of the tables' lengths.
 [[nodiscard]] mesh_result checkCall(const Settings& settings, const mesh_msg_desc* descriptors,
                                     uint32_t count, uint64_t& payloadBytes) {
   payloadBytes = 0;
@@ -17,7 +17,7 @@ namespace {
     return fail(MESH_REFUSED, "null descriptors with a count of %u", count);
   }
   if (count > settings.countLimit()) {
-    return fail(MESH_REFUSED, "%u tables are above the limit of %u", count, settings.countLimit());
+    return fail(MESH_REFUSED, "%u tables exceed the limit of %u", count, settings.countLimit());
   }
   for (uint32_t i = 0; i < count; ++i) {
     if (descriptors[i].data == 0 && descriptors[i].length != 0) {
@@ -26,7 +26,7 @@ namespace {
     payloadBytes += descriptors[i].length;
   }
   if (payloadBytes > settings.payloadLimit) {
-    return fail(MESH_REFUSED, "%llu bytes of tables are above the limit of %u",
+    return fail(MESH_REFUSED, "%llu bytes of tables exceed the limit of %u",
                 static_cast<unsigned long long>(payloadBytes), settings.payloadLimit);
   }
   return MESH_OK;
@@ -39,7 +39,7 @@ void copyIndex(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
   }
 }
 
-// Tables that lie back to back are copied as one.
+// Copies adjacent tables with one memcpy.
 void copyTables(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
   for (size_t i = 0; i < descriptors.size();) {
     const uint64_t start = descriptors[i].data;
@@ -118,7 +118,7 @@ Destination* Sender::find(uint32_t address) {
 
 void Sender::close() {
   {
-    // After this no destination is added, and the map may be walked without the lock.
+    // No destination is added after this, so the loop below needs no lock.
     const std::lock_guard lock(mutex_);
     closing_.store(true);
   }

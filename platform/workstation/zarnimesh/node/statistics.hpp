@@ -1,4 +1,4 @@
-// A node's counters. Each is counted by whichever thread sees the event and read by any.
+// A node's counters. Any thread may count and read.
 #pragma once
 
 #include <atomic>

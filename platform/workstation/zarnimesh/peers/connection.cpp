@@ -8,7 +8,7 @@
 namespace zarnimesh {
 namespace {
 
-// A receiver that has just been started is found within this time.
+// A new receiver is found within this time.
 constexpr int reconnectMs = 20;
 
 constexpr int watchedEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
@@ -34,8 +34,8 @@ mesh_result Connection::openInproc(Context& context) {
 mesh_result Connection::openSocket(Context& context, const std::string& endpoint) {
   const bool inproc = endpoint_.transport == Transport::Inproc;
   Socket socket(zmq_socket(context.handle(), ZMQ_PUSH));
-  // Immediate: only a receiver that is there gets a queue, so nothing waits for one that may never
-  // come. Inproc connects at once and has no use for it.
+  // ZMQ_IMMEDIATE: queue messages only for a connected receiver. Inproc connects at once and does
+  // not need it.
   bool ready = socket && socket.set(ZMQ_SNDHWM, settings_.sendQueueCalls) &&
                socket.set(ZMQ_LINGER, static_cast<int>(settings_.linger.count())) &&
                socket.set(ZMQ_IMMEDIATE, inproc ? 0 : 1) &&
@@ -66,7 +66,7 @@ mesh_result Connection::secure(Socket& socket) {
   const KeyRing& keys = *settings_.keys;
   const std::string* theirs = keys.publicKeyOf(destination_);
   if (theirs == nullptr) {
-    return fail(MESH_BAD_CONFIGURATION, "%s: the keys do not name node %u",
+    return fail(MESH_BAD_CONFIGURATION, "%s: the key file has no key of node %u",
                 endpoint_.text().c_str(), destination_);
   }
   if (!socket.set(ZMQ_CURVE_SERVERKEY, *theirs) ||
@@ -107,7 +107,7 @@ void Connection::readEvents() {
 Connection::Attempt Connection::trySend(Parts& parts) {
   for (size_t i = 0; i < parts.size(); ++i) {
     const int flags = ZMQ_DONTWAIT | (i + 1 < parts.size() ? ZMQ_SNDMORE : 0);
-    // Shared, since the parts before a failing one are gone and the call may be tried again.
+    // Send a shared copy: the call may be retried, and sending consumes the part.
     MessagePart part;
     if (!part.share(parts[i])) {
       static_cast<void>(failFromTransport("message"));
@@ -129,7 +129,7 @@ Connection::Attempt Connection::trySend(Parts& parts) {
 void Connection::waitForChange(std::chrono::milliseconds atMost) {
   const bool inproc = endpoint_.transport == Transport::Inproc;
   if (!isOpen()) {
-    // Only inproc waits without a socket: elsewhere opening has succeeded or ended the call.
+    // Only inproc: over ipc and tcp open() succeeds or ends the call.
     InprocTable::instance().waitFor(endpoint_.rest, atMost);
     return;
   }
@@ -141,7 +141,7 @@ void Connection::waitForChange(std::chrono::milliseconds atMost) {
   if (inproc || peerPresent_) {
     items[count++] = {.socket = socket_.handle(), .fd = 0, .events = ZMQ_POLLOUT, .revents = 0};
   }
-  // Interrupted or not, the caller looks again.
+  // The caller checks again in any case.
   static_cast<void>(zmq_poll(items, count, static_cast<long>(atMost.count())));
 }
 

@@ -1,4 +1,4 @@
-// The sending end of one way to one destination.
+// A connection to one destination: its sending end.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace zarnimesh {
 
-// Used by one thread at a time. `settings` outlives it.
+// For one thread at a time. `settings` must outlive it.
 class Connection {
  public:
   using Parts = std::array<MessagePart, partCount>;
@@ -20,8 +20,8 @@ class Connection {
   enum class Attempt {
     Sent,
     NoRoom,
-    Broken,  // the receiver went away in the middle; nothing was sent
-    Failed,  // by the transport; the text is kept
+    Broken,  // the receiver disappeared during the call; nothing was sent
+    Failed,  // ZeroMQ failed; the error text is set
   };
 
   Connection(const Settings& settings, uint32_t destination)
@@ -34,20 +34,19 @@ class Connection {
 
   bool isOpen() const { return static_cast<bool>(socket_); }
 
-  // Starts connecting. Over inproc it leaves the connection closed when nobody receives there.
+  // Starts connecting. Over inproc the connection stays closed when there is no receiver.
   [[nodiscard]] mesh_result open(const std::shared_ptr<Context>& context);
 
-  // Bytes that were sent linger behind the scenes.
+  // Sent messages linger in the background.
   void close();
 
-  // Whether a receiver is there now. Closes an inproc connection whose receiver is gone.
+  // Whether a receiver is connected now. Closes an inproc connection whose receiver is gone.
   [[nodiscard]] bool answered();
 
-  // Hands over all parts or none, without waiting. They stay as they are unless sent.
+  // Sends all parts or none, without waiting. Does not change `parts`.
   [[nodiscard]] Attempt trySend(Parts& parts);
 
-  // Waits until something may have changed: a receiver has come or gone, or, while one is there, it
-  // has made room.
+  // Waits until a receiver may have connected, disconnected or made room.
   void waitForChange(std::chrono::milliseconds atMost);
 
   const Endpoint& endpoint() const { return endpoint_; }
@@ -62,9 +61,9 @@ class Connection {
   const uint32_t destination_;
   Endpoint endpoint_;
   Socket socket_;
-  Socket watcher_;            // ipc and tcp: tells when a receiver has come or gone
-  bool peerPresent_ = false;  // ipc and tcp: by the watcher
-  uint64_t generation_ = 0;   // inproc: the receiver connected to
+  Socket watcher_;            // ipc and tcp: reports that a receiver connected or disconnected
+  bool peerPresent_ = false;  // ipc and tcp: as the watcher reported
+  uint64_t generation_ = 0;   // inproc: of the connected receiver
 };
 
 }  // namespace zarnimesh

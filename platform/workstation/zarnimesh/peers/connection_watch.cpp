@@ -30,7 +30,7 @@ std::optional<uint64_t> bytesReceived(int file) {
   return info ? std::optional<uint64_t>(info->tcpi_bytes_received) : std::nullopt;
 }
 
-// What the system itself may hold of a connection, beside what the transport has taken.
+// Bytes that the kernel may hold beyond those that ZeroMQ has read.
 uint64_t systemBuffer(int file) {
   return static_cast<uint64_t>(option<int>(file, SOL_SOCKET, SO_RCVBUF).value_or(0));
 }
@@ -56,15 +56,15 @@ void ConnectionWatch::noteMessage(MessagePart& message) {
   }
 }
 
-uint64_t ConnectionWatch::look() {
+uint64_t ConnectionWatch::check() {
   const Clock::time_point now = Clock::now();
-  if (now < nextLook_) {
+  if (now < nextCheck_) {
     return 0;
   }
-  nextLook_ = now + interval;
+  nextCheck_ = now + interval;
   readEvents();
-  // The transport serves its connections in turn. Where this many messages were taken, or none was
-  // left, one that delivered nothing has nothing complete.
+  // ZeroMQ serves its connections in turn. After this many messages, or when none is left, a
+  // connection that delivered nothing has no complete message.
   const bool allHadTheirTurn = idle_ || taken_ >= connections_.size();
   uint64_t ended = 0;
   if (allHadTheirTurn) {
@@ -97,14 +97,14 @@ void ConnectionWatch::add(int file) {
 bool ConnectionWatch::endIfEndless(int file, Connection& connection) {
   const std::optional<uint64_t> received = bytesReceived(file);
   if (!received || cookieOf(file) != connection.cookie) {
-    return false;  // gone, and soon an event will say so
+    return false;  // closed; its event follows
   }
   if (connection.delivered) {
     connection.bytesAtStart = *received;
     connection.delivered = false;
   }
   const bool large = *received - connection.bytesAtStart > limit_ + systemBuffer(file);
-  // At the second look in a row: what was large at the first may have been about to be delivered.
+  // Only at the second check in a row: at the first, a complete message may be about to arrive.
   const bool endless = large && connection.suspect;
   connection.suspect = large;
   if (endless) {

@@ -1,9 +1,9 @@
-// Ends tcp connections whose peers send a message without end.
+// Ends tcp connections whose peers send an endless message.
 //
-// The transport bounds each part of a message and how many messages wait, but not how many parts a
-// message has, and shows none of it before its last part is there. The system, though, counts what
-// a tcp connection received. (It does not for Unix sockets, whose peers are the user's own
-// programs.)
+// ZeroMQ limits the size of each part and the number of queued messages. It does not limit the
+// number of parts, and it shows no part before the last one has arrived. But the kernel counts the
+// bytes that a tcp connection received. It does not count them for Unix sockets; their peers are
+// the user's own programs.
 #pragma once
 
 #include <chrono>
@@ -15,34 +15,34 @@
 
 namespace zarnimesh {
 
-// Used by the thread that receives.
+// Used by the receiving thread only.
 class ConnectionWatch {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // How often to look while there are connections.
+  // The time between checks.
   static constexpr std::chrono::milliseconds interval{20};
 
-  // Watches who connects to `listener`, on which no message may take more than `limit` bytes.
+  // Watches the connections of `listener`. A message may take at most `limit` bytes.
   [[nodiscard]] mesh_result open(Context& context, Socket& listener, uint64_t limit);
-  // Before `listener` is closed.
+  // Must be called before `listener` is closed.
   void close(Socket& listener);
 
   bool isOpen() const { return static_cast<bool>(events_); }
 
-  // A message was taken; the time counts from now for its connection.
+  // A message was received: the count of its connection starts again.
   void noteMessage(MessagePart& message);
 
-  // Nothing was there to be taken.
+  // No message was waiting.
   void noteIdle() { idle_ = true; }
 
-  // Looks when it is time. How many connections it ended.
-  uint64_t look();
+  // Checks if the interval has passed. Returns the number of ended connections.
+  uint64_t check();
 
  private:
   struct Connection {
-    uint64_t cookie;        // tells the connection from a later one of the same number
-    uint64_t bytesAtStart;  // received when it last had nothing unfinished, as far as we know
+    uint64_t cookie;        // identifies the connection: file descriptors are reused
+    uint64_t bytesAtStart;  // received up to its latest complete message, as far as known
     bool delivered = false;
     bool suspect = false;
   };
@@ -54,9 +54,9 @@ class ConnectionWatch {
   Socket events_;
   uint64_t limit_ = 0;
   std::unordered_map<int, Connection> connections_;
-  Clock::time_point nextLook_{};
-  uint64_t taken_ = 0;  // messages since the last look
-  bool idle_ = false;   // since the last look
+  Clock::time_point nextCheck_{};
+  uint64_t taken_ = 0;  // messages since the last check
+  bool idle_ = false;   // since the last check
 };
 
 }  // namespace zarnimesh

@@ -13,7 +13,7 @@ using std::chrono::milliseconds;
 // How soon a waiting sender notices that its node is being closed.
 constexpr milliseconds slice{50};
 
-// Between a receiver's answer and the queue to it there is a moment that is nobody's fault.
+// Time between the connection of a receiver and the creation of its queue.
 constexpr milliseconds settling{50};
 
 }  // namespace
@@ -23,11 +23,11 @@ mesh_result Destination::send(FrameHeader header, Connection::Parts& parts,
                               const std::atomic<bool>& closing) {
   const Clock::time_point start = Clock::now();
   if (!gate_.try_lock_until(start + std::max(settings_.connectTimeout, settings_.sendTimeout))) {
-    return fail(MESH_QUEUE_FULL, "%s: other threads' calls took all the time",
+    return fail(MESH_QUEUE_FULL, "%s: timed out while other threads were sending",
                 connection_.endpoint().text().c_str());
   }
   const std::lock_guard lock(gate_, std::adopt_lock);
-  // A number is used up only by a call that was sent: receivers take a gap for a loss.
+  // Only a sent call uses up a number: receivers count a gap as a loss.
   header.sequence = sentCalls_ + 1;
   if (!parts[0].allocate(headerSize)) {
     return fail(MESH_OUT_OF_MEMORY, "no memory for a header");
@@ -59,7 +59,7 @@ mesh_result Destination::sendLocked(Connection::Parts& parts,
         case Connection::Attempt::Sent:
           return MESH_OK;
         case Connection::Attempt::Failed:
-          // Perhaps in the middle of a message, which the next one must not continue.
+          // Part of the message may be sent. The next message must not continue it.
           connection_.close();
           return MESH_SYSTEM_ERROR;
         case Connection::Attempt::Broken:
@@ -78,11 +78,11 @@ mesh_result Destination::sendLocked(Connection::Parts& parts,
     if (now >= deadline) {
       const std::string endpoint = connection_.endpoint().text();
       if (answered) {
-        return fail(MESH_QUEUE_FULL, "%s: the receiver left no room", endpoint.c_str());
+        return fail(MESH_QUEUE_FULL, "%s: the receiver's queue is full", endpoint.c_str());
       }
-      // Nothing is queued without a receiver; closing ends the attempts to reach one.
+      // Without a receiver nothing is queued. Closing stops the connection attempts.
       connection_.close();
-      return fail(MESH_NO_DESTINATION, "%s: nobody answers", endpoint.c_str());
+      return fail(MESH_NO_DESTINATION, "%s: no receiver answers", endpoint.c_str());
     }
     const auto left = std::chrono::ceil<milliseconds>(deadline - now);
     connection_.waitForChange(std::min(left, slice));

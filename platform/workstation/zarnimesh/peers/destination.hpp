@@ -1,4 +1,4 @@
-// Everything a node knows of one destination: the connection to it and the number of its calls.
+// One destination of a node: the connection to it, and the number of calls sent.
 #pragma once
 
 #include <atomic>
@@ -9,19 +9,19 @@
 
 namespace zarnimesh {
 
-// Safe from any thread: one at a time gets to the connection.
+// Thread-safe: one thread at a time uses the connection.
 class Destination {
  public:
   Destination(const Settings& settings, uint32_t address)
       : settings_(settings), connection_(settings, address) {}
 
-  // Numbers the call and sends it, waiting within the timeouts. `parts` hold index and payload and
-  // an empty header. Ends early in MESH_NOT_OPEN once `closing` is set.
+  // Numbers the call and sends it, waiting within the timeouts. `parts` holds an empty header,
+  // index and payload. Returns MESH_NOT_OPEN once `closing` is set.
   [[nodiscard]] mesh_result send(FrameHeader header, Connection::Parts& parts,
                                  const std::shared_ptr<Context>& context,
                                  const std::atomic<bool>& closing);
 
-  // Waits for a send in progress; `closing` must be set before.
+  // Waits for a send in progress. `closing` must be set before.
   void close();
 
  private:
@@ -32,7 +32,7 @@ class Destination {
                                        const std::atomic<bool>& closing, Clock::time_point start);
 
   const Settings& settings_;
-  Gate gate_;  // guards all below
+  Gate gate_;  // guards the members below
   Connection connection_;
   uint64_t sentCalls_ = 0;
 };

@@ -1,4 +1,4 @@
-// A lock that is waited for until a moment of the steady clock.
+// A mutex with a timed lock on the steady clock.
 #pragma once
 
 #include <chrono>
@@ -7,8 +7,8 @@
 
 namespace zarnimesh {
 
-// Does what std::timed_mutex does. The thread sanitizer does not see that one's timed lock
-// (pthread_mutex_clocklock), and would take all that it guards for unguarded.
+// Works as std::timed_mutex. The thread sanitizer does not know its pthread_mutex_clocklock, and
+// would report everything that it guards as a race.
 class Gate {
  public:
   using Clock = std::chrono::steady_clock;
@@ -37,7 +37,7 @@ class Gate {
   }
 
  private:
-  std::mutex mutex_;  // guards taken_, for moments only
+  std::mutex mutex_;  // guards taken_; held briefly
   std::condition_variable opened_;
   bool taken_ = false;
 };

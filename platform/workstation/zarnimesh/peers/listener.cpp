@@ -13,8 +13,7 @@
 namespace zarnimesh {
 namespace {
 
-// The transport's own thread closes a listening socket; it is busy for longer only in a system that
-// has come to a halt.
+// ZeroMQ's I/O thread closes a listening socket. Only on a stalled system does that take longer.
 constexpr std::chrono::milliseconds closingTime{1000};
 
 std::string binaryKey(const std::string& text) {
@@ -39,7 +38,7 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
                            uint32_t address) {
   context_ = std::move(context);
   if (settings.defaultTransport == Transport::Ipc) {
-    // Asked of every node that may come to use it: senders trust it as much as receivers do.
+    // Checked for every node that may use the directory: senders trust it too.
     if (const auto result = prepareRuntimeDirectory(settings.runtimeDirectory); result != MESH_OK) {
       return result;
     }
@@ -54,7 +53,7 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
   return openSocket(settings, address);
 }
 
-// Makes sure that nobody alive receives at the endpoint; for tcp, binding tells that.
+// Makes sure that no live node receives at the endpoint. For tcp zmq_bind does that.
 mesh_result Listener::claim() {
   if (endpoint_.transport == Transport::Ipc) {
     return lock_.acquire(endpoint_.rest + ".lock");
@@ -62,7 +61,7 @@ mesh_result Listener::claim() {
   if (endpoint_.transport == Transport::Inproc) {
     generation_ = InprocTable::instance().add(endpoint_.rest);
     if (!generation_) {
-      return fail(MESH_ADDRESS_IN_USE, "%s: held by a node of this process",
+      return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",
                   endpoint_.text().c_str());
     }
   }
@@ -82,7 +81,7 @@ mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
   if (endpoint_.transport == Transport::Ipc) {
     result = listenOnIpc();
   } else if (endpoint_.transport == Transport::Tcp && settings.keys) {
-    result = askForKeys(*settings.keys, address);
+    result = requireKeys(*settings.keys, address);
   }
   if (result == MESH_OK && zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
     result = failFromTransport(endpoint.c_str());
@@ -103,7 +102,7 @@ mesh_result Listener::listenOnIpc() {
   return result;
 }
 
-mesh_result Listener::askForKeys(const KeyRing& keys, uint32_t address) {
+mesh_result Listener::requireKeys(const KeyRing& keys, uint32_t address) {
   Authenticator* const authenticator = context_->authenticator();
   if (authenticator == nullptr) {
     return MESH_SYSTEM_ERROR;
@@ -117,7 +116,7 @@ mesh_result Listener::askForKeys(const KeyRing& keys, uint32_t address) {
 }
 
 void Listener::close() {
-  // The order matters: whoever may open the endpoint next must find the listening socket gone.
+  // The order matters: the listening socket must be closed before the endpoint is released.
   if (generation_) {
     InprocTable::instance().remove(endpoint_.rest);
     generation_.reset();

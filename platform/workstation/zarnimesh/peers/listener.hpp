@@ -1,4 +1,4 @@
-// The receiving end of a node: the bound socket, and what makes it the only one at its endpoint.
+// A node's bound socket, and its exclusive claim to the endpoint.
 #pragma once
 
 #include <memory>
@@ -11,16 +11,16 @@
 
 namespace zarnimesh {
 
-// Opened and closed once, and used by one thread at a time.
+// For one thread at a time. Opened and closed once.
 class Listener {
  public:
   ~Listener() { close(); }
 
-  // Owns the endpoint of `address` from now on.
+  // Claims the endpoint of `address` and binds to it.
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context, const Settings& settings,
                                  uint32_t address);
 
-  // Gives the endpoint up: it can be opened again at once, by anyone.
+  // Releases the endpoint. Any process can then bind to it at once.
   void close();
 
   Socket& socket() { return socket_; }
@@ -30,15 +30,15 @@ class Listener {
   [[nodiscard]] mesh_result claim();
   [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
   [[nodiscard]] mesh_result listenOnIpc();
-  [[nodiscard]] mesh_result askForKeys(const KeyRing& keys, uint32_t address);
+  [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);
   void stopListening();
 
   std::shared_ptr<Context> context_;
   Endpoint endpoint_;
-  std::string bound_;                   // as given to the transport; empty when not bound
+  std::string bound_;                   // as passed to zmq_bind; empty when not bound
   std::optional<uint64_t> generation_;  // inproc
   AddressLock lock_;                    // ipc
-  std::string domain_;                  // tcp with keys: of those who may connect
+  std::string domain_;                  // tcp with keys: names the keys that may connect
   Socket socket_;
 };
 

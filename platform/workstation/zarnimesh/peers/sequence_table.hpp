@@ -1,4 +1,4 @@
-// What the numbers of received calls tell about those that did not arrive.
+// Detects lost and duplicate calls by their sequence numbers.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 namespace zarnimesh {
 
 struct SequenceFindings {
-  uint64_t lost = 0;               // missing between the last call heard and this one
-  uint64_t missedBeforeFirst = 0;  // sent before the first call heard of this incarnation
-  bool duplicate = false;          // not above the last one heard
+  uint64_t lost = 0;               // missing between the highest received call and this one
+  uint64_t missedBeforeFirst = 0;  // sent before the first received call of this incarnation
+  bool duplicate = false;          // not above the highest received number
 };
 
-// Remembers the latest number of each sending incarnation. Of more than `capacity` of them the one
-// heard longest ago is forgotten; should it speak again, it is taken for a new one.
+// Remembers the highest number of each sending incarnation. Above `capacity` it forgets the one
+// that was silent longest. If that one sends again, it counts as new.
 class SequenceTable {
  public:
   static constexpr size_t capacity = 1024;
@@ -31,7 +31,7 @@ class SequenceTable {
   void forgetOldest();
 
   std::unordered_map<uint64_t, Sender> senders_;
-  uint64_t clock_ = 0;  // one tick a call
+  uint64_t clock_ = 0;  // one tick per call
 };
 
 }  // namespace zarnimesh

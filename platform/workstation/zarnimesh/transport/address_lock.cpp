@@ -23,7 +23,7 @@ mesh_result AddressLock::acquire(const std::string& path) {
   const int error = errno;
   release();
   if (error == EAGAIN || error == EACCES) {
-    return fail(MESH_ADDRESS_IN_USE, "%s: held by a live node", path.c_str());
+    return fail(MESH_ADDRESS_IN_USE, "%s: in use by a live node", path.c_str());
   }
   return fail(MESH_SYSTEM_ERROR, "%s: %s", path.c_str(), std::strerror(error));
 }

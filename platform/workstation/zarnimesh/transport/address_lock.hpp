@@ -1,4 +1,4 @@
-// One live owner for one socket path.
+// Lets only one live node own a socket path.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 
 namespace zarnimesh {
 
-// Holds a lock on a file for as long as it lives. The lock belongs to the open file, not to the
-// file's existence: a process that dies leaves nothing behind that blocks the next one. The file
-// stays, since removing it would let two owners lock two files of one name.
+// Locks a file during its lifetime. The kernel drops the lock when the last descriptor closes, even
+// after a crash. The file itself stays: if it were removed, two owners could lock two files of the
+// same name.
 class AddressLock {
  public:
   AddressLock() = default;

@@ -1,8 +1,8 @@
-// What travels: one call is one multipart message of a header, an index and a payload.
+// The wire format: one call is one multipart message of header, index and payload.
 //
 //   header   56 bytes, below
-//   index    for each table its identifier and its length, 8 bytes
-//   payload  the tables, back to back
+//   index    8 bytes for each table: identifier and length
+//   payload  the tables, without gaps
 //
 // All integers are little-endian.
 //
@@ -27,8 +27,8 @@ inline constexpr size_t partCount = 3;
 struct FrameHeader {
   uint32_t source;
   uint32_t destination;
-  uint64_t incarnation;  // of the sending node: drawn at random when it was opened
-  uint64_t sequence;     // of the call, within the incarnation and the destination
+  uint64_t incarnation;  // random number of the sending node, new at each open
+  uint64_t sequence;     // of the call, for this incarnation and destination
   uint64_t extra;
   uint32_t count;
   uint64_t payloadBytes;
@@ -42,11 +42,11 @@ struct IndexEntry {
 void encodeHeader(const FrameHeader& header, uint8_t* to);
 void encodeIndexEntry(const IndexEntry& entry, uint8_t* to);
 
-// Nothing when the bytes are no header of this version.
+// Nothing when the bytes are not a header of this version.
 std::optional<FrameHeader> decodeHeader(std::span<const uint8_t> bytes);
 IndexEntry decodeIndexEntry(const uint8_t* from);
 
-// Whether index and payload are as long as the header and the index itself say.
+// Whether the lengths of index and payload match the header, and the tables fill the payload.
 bool lengthsAgree(const FrameHeader& header, std::span<const uint8_t> index, size_t payloadBytes);
 
 }  // namespace zarnimesh

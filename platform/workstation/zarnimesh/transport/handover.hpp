@@ -1,5 +1,5 @@
-// Tells the thread sanitizer, which cannot see into the transport, that what one thread wrote
-// before it sent a message is visible to the thread that received it. Nothing in other builds.
+// Tells the thread sanitizer that a message's receiver sees what its sender wrote. The sanitizer
+// cannot see that inside ZeroMQ. Does nothing in other builds.
 #pragma once
 
 #if defined(__SANITIZE_THREAD__)
@@ -16,7 +16,7 @@
 
 namespace zarnimesh {
 
-// The bytes of a part that both threads see at one address.
+// `bytes` are those of a part that both threads see at the same address.
 inline void handOver([[maybe_unused]] void* bytes) {
 #ifdef ZARNIMESH_THREAD_SANITIZER
   __tsan_release(bytes);

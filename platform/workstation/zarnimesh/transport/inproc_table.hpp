@@ -1,5 +1,5 @@
-// Which nodes of this process receive over inproc. The transport itself cannot tell: it lets anyone
-// connect to a name that nobody has bound yet.
+// The nodes of this process that receive over inproc. ZeroMQ cannot tell: it lets sockets connect
+// to a name that is not bound yet.
 #pragma once
 
 #include <chrono>
@@ -14,24 +14,24 @@ namespace zarnimesh {
 
 class InprocTable {
  public:
-  // The process's one.
+  // The only one of the process.
   static InprocTable& instance();
 
-  // The generation of the node that receives at the name from now on; nothing when one does
-  // already.
+  // Adds a node that receives at the name and returns its generation. Nothing when the name is in
+  // use.
   std::optional<uint64_t> add(const std::string& name);
   void remove(const std::string& name);
 
   std::optional<uint64_t> find(const std::string& name);
-  // Waits for a node to receive at the name.
+  // Waits until a node receives at the name.
   void waitFor(const std::string& name, std::chrono::milliseconds atMost);
 
-  // What the transport binds and connects: each generation has a name of its own, so that a late
-  // sender cannot reach the successor of the node it looked up.
+  // The endpoint for ZeroMQ. Each generation has its own, so that a late sender cannot reach the
+  // successor of the node that it looked up.
   static std::string boundEndpoint(const std::string& name, uint64_t generation);
 
  private:
-  std::mutex mutex_;  // guards all below
+  std::mutex mutex_;  // guards the members below
   std::condition_variable added_;
   std::unordered_map<std::string, uint64_t> generations_;
   uint64_t latest_ = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int backlog = 100;
 
-// Nobody connects to a socket that does not listen yet: its mode is right before that.
+// Sets the mode before listen(): nobody can connect earlier.
 bool bindAndListen(int file, const sockaddr_un& address) {
   return bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
          chmod(address.sun_path, 0600) == 0 && listen(file, backlog) == 0;
@@ -32,7 +32,7 @@ mesh_result listenAt(const std::string& path, int& file) {
   struct stat status {};
   if (lstat(path.c_str(), &status) == 0) {
     if (!S_ISSOCK(status.st_mode)) {
-      return fail(MESH_BAD_CONFIGURATION, "%s: there is something that is no socket", path.c_str());
+      return fail(MESH_BAD_CONFIGURATION, "%s: the file exists and is not a socket", path.c_str());
     }
     unlink(path.c_str());
   }

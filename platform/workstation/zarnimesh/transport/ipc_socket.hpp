@@ -1,4 +1,4 @@
-// A listening Unix socket that nobody but its user can connect to, from its first moment on.
+// A listening Unix socket to which only its user can ever connect.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace zarnimesh {
 
-// Whoever holds the path's lock calls it. A socket that a node left there is replaced, anything
-// else is not. On success `file` is the listening socket, the caller's to close.
+// The caller must hold the path's lock. Replaces a socket that a node left at the path, but no
+// other file. On success `file` is the listening socket, which the caller closes.
 [[nodiscard]] mesh_result listenAt(const std::string& path, int& file);
 
 }  // namespace zarnimesh

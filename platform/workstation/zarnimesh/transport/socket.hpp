@@ -13,7 +13,7 @@
 
 namespace zarnimesh {
 
-// Used by one thread at a time.
+// For one thread at a time.
 class Socket {
  public:
   Socket() = default;

@@ -1,4 +1,4 @@
-// Sends that end in something other than success.
+// Sends that fail or have to wait.
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -15,7 +15,7 @@ class Send : public NodeFixture, public ::testing::WithParamInterface<mesh_trans
  protected:
   static mesh_node_options options() { return impatient(GetParam()); }
 
-  // With room for a single call on either side.
+  // Queues of one call on both sides.
   static mesh_node_options narrow() {
     mesh_node_options options = impatient(GetParam());
     options.send_queue_calls = 1;
@@ -23,7 +23,7 @@ class Send : public NodeFixture, public ::testing::WithParamInterface<mesh_trans
     return options;
   }
 
-  // Sends numbered calls, of a size that system buffers hold few of, until one is refused.
+  // Sends numbered calls until one fails. They are large, so that system buffers hold only a few.
   static uint32_t fill(uint32_t destination, uint32_t& accepted) {
     const std::string padding(256 << 10, ' ');
     for (accepted = 0; accepted < 1000; ++accepted) {
@@ -42,17 +42,17 @@ class Send : public NodeFixture, public ::testing::WithParamInterface<mesh_trans
 
 INSTANTIATE_TEST_SUITE_P(Transports, Send, bothTransports, transportName);
 
-TEST_P(Send, FindsNoDestinationWhenNobodyAnswersInTime) {
+TEST_P(Send, ReturnsNoDestinationAfterTheTimeout) {
   const OpenNode node = open(1, options());
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(sendNotes(2, {"a"}), MESH_NO_DESTINATION);
   EXPECT_GE(since(start), milliseconds(300));
   EXPECT_EQ(statisticsOf(node).failed_no_destination, 1u);
   EXPECT_EQ(statisticsOf(node).sent_calls, 0u);
-  EXPECT_NE(std::string(mesh_node_last_error()).find("nobody answers"), std::string::npos);
+  EXPECT_NE(std::string(mesh_node_last_error()).find("no receiver answers"), std::string::npos);
 }
 
-TEST_P(Send, FindsADestinationThatComesWhileItWaits) {
+TEST_P(Send, FindsAReceiverThatOpensDuringTheWait) {
   mesh_node_options patient = options();
   patient.connect_timeout_ms = 10000;
   const OpenNode sender = open(1, patient);
@@ -66,23 +66,23 @@ TEST_P(Send, FindsADestinationThatComesWhileItWaits) {
   EXPECT_EQ(statisticsOf(receiver).missed_before_first, 0u);
 }
 
-TEST_P(Send, FindsADestinationThatComesAfterAFailure) {
+TEST_P(Send, FindsAReceiverThatOpensAfterAFailure) {
   const OpenNode sender = open(1, options());
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_NO_DESTINATION);
   const OpenNode receiver = open(2, options());
   ASSERT_EQ(sendNotes(2, {"b"}), MESH_OK);
   EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
-  // The call that failed took no number.
+  // The failed call used no sequence number.
   EXPECT_EQ(statisticsOf(receiver).missed_before_first, 0u);
 }
 
-TEST_P(Send, NoticesThatTheDestinationClosed) {
+TEST_P(Send, ReturnsNoDestinationAfterTheReceiverClosed) {
   const OpenNode sender = open(1, options());
   OpenNode receiver = open(2, options());
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
   ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
   ASSERT_EQ(receiver.close(), MESH_OK);
-  // The connection's end may take a moment to be known.
+  // The sender may notice the end of the connection a moment later.
   uint32_t result = MESH_OK;
   for (int i = 0; i < 1000 && result == MESH_OK; ++i) {
     result = sendNotes(2, {"b"});
@@ -91,7 +91,7 @@ TEST_P(Send, NoticesThatTheDestinationClosed) {
   EXPECT_EQ(result, uint32_t{MESH_NO_DESTINATION});
 }
 
-TEST_P(Send, WaitsForRoomThenFindsTheQueueFullAndLosesNothing) {
+TEST_P(Send, ReturnsQueueFullAndLosesNothing) {
   const OpenNode sender = open(1, narrow());
   const OpenNode receiver = open(2, narrow());
   uint32_t accepted = 0;
@@ -111,7 +111,7 @@ TEST_P(Send, WaitsForRoomThenFindsTheQueueFullAndLosesNothing) {
   EXPECT_EQ(statisticsOf(receiver).lost_calls, 0u);
 }
 
-TEST_P(Send, GoesOnOnceTheReceiverMakesRoom) {
+TEST_P(Send, ContinuesWhenTheReceiverMakesRoom) {
   mesh_node_options patient = narrow();
   patient.send_timeout_ms = 30000;
   const OpenNode sender = open(1, patient);
@@ -130,7 +130,7 @@ TEST_P(Send, GoesOnOnceTheReceiverMakesRoom) {
   EXPECT_EQ(failures, 0u);
 }
 
-TEST_P(Send, CountsTheWaitForOtherThreadsWithinTheTimeout) {
+TEST_P(Send, IncludesTheWaitForOtherThreadsInTheTimeout) {
   mesh_node_options options = impatient(GetParam());
   options.connect_timeout_ms = 500;
   options.send_timeout_ms = 500;
@@ -178,7 +178,7 @@ TEST_P(Send, EndsWhenItsNodeIsClosed) {
   EXPECT_EQ(absent, uint32_t{MESH_NOT_OPEN});
 }
 
-TEST_P(Send, RefusesMessagesThatMakeNoSense) {
+TEST_P(Send, RefusesBadDescriptors) {
   const OpenNode node = open(1, options());
   EXPECT_EQ(MESH_SendMsg(1, nullptr, 1), uint32_t{MESH_REFUSED});
   const mesh_msg_desc descriptors[] = {{0, noteId, 0}, {0, noteId, 1}};
@@ -188,7 +188,7 @@ TEST_P(Send, RefusesMessagesThatMakeNoSense) {
   EXPECT_EQ(mesh_node_receive(node, 50, nullptr, nullptr), 0);
 }
 
-TEST_P(Send, RefusesWhatIsAboveTheLimits) {
+TEST_P(Send, RefusesCallsAboveTheLimits) {
   mesh_node_options limited = options();
   limited.payload_limit = 100;
   const OpenNode node = open(1, limited);
