@@ -5,18 +5,18 @@
  *    else from the oldest open node.
  * 2. The default endpoint needs no configuration: a Unix socket in the user's private directory. An
  *    address book can name other endpoints. Each line has an address (decimal, or hexadecimal with
- *    0x) and an endpoint (ipc://path, inproc://name or tcp://host:port). A # starts a comment. A
- * node without keys can receive over tcp only at a loopback address (127.x.y.z, [::1] or
- * localhost).
+ *    0x) and an endpoint (ipc://path, inproc://name or tcp://host:port). A # starts a comment.
+ *    Without keys a node can receive over tcp only at a loopback address (127.x.y.z, [::1] or
+ *    localhost).
  * 3. Functions return a mesh_result. mesh_node_last_error describes the latest failure.
  * 4. Functions are thread-safe, with two limits: only one thread at a time can receive on a node,
- * and a node cannot be closed while a thread receives on it. The second thread gets MESH_BUSY.
+ *    and a node cannot be closed while a thread receives on it. The second thread gets MESH_BUSY.
  * 5. A forked child must not use its parent's nodes or open a node: every function returns
  *    MESH_NOT_OPEN. It may call exec.
  * 6. Hooks, handlers and callbacks must not throw.
  * 7. A node with a key file uses CURVE over tcp (not over ipc or inproc). It sends only to nodes
- * whose public keys are in the file, and accepts connections only from them. Each node can send
- * only under its own address. */
+ *    whose public keys are in the file, and accepts connections only from them. Each node can send
+ *    only under its own address. */
 #ifndef ZARNIMESH_NODE_H
 #define ZARNIMESH_NODE_H
 
@@ -47,8 +47,7 @@ typedef enum mesh_transport {
   MESH_TRANSPORT_INPROC = 1 /* between threads of this process */
 } mesh_transport;
 
-/* Called for a received table whose identifier has no hook. `data` is valid during the call only.
- */
+/* Called for a received table without a hook. `data` is valid during the call only. */
 typedef void (*mesh_unknown_hook)(uint32_t source, uint32_t msg_id, const uint8_t* data,
                                   uint32_t length, void* user);
 
@@ -68,7 +67,7 @@ typedef struct mesh_node_options {
   uint32_t linger_ms;            /* 2000: how long closing waits for the delivery of sent calls */
   uint32_t payload_limit;        /* 67108864: bytes of one call's tables, sent or received; at
                                     least 1. Nodes that talk need the same limit. A call may have
-                                    payload_limit / 8 tables, and always 8 */
+                                    payload_limit / 8 tables, but at least 8 */
   mesh_unknown_hook unknown;     /* null: unknown identifiers are counted only */
   void* unknown_user;            /* passed to `unknown` */
 } mesh_node_options;

@@ -12,8 +12,7 @@ namespace zarnimesh {
 // The caller's handle of a node. It is dereferenced only after it was found among the open nodes.
 mesh_node* handleOf(const Node& node);
 
-// Whether this is a forked child of a process with open nodes. It must not touch the parent's
-// sockets.
+// Whether this is a forked child of a process with open nodes. It must not use their sockets.
 bool hasNodesOfAnotherProcess();
 
 void addNode(std::shared_ptr<Node> node);

@@ -15,8 +15,7 @@ std::span<const uint8_t> bytesOf(MessagePart& message) {
   return {message.data(), message.size()};
 }
 
-// Reads the parts after the first, without waiting: a message arrives whole. False when their
-// number is wrong.
+// Reads the other parts without waiting: a message arrives whole. False when their number is wrong.
 [[nodiscard]] bool takeRest(Socket& socket, MessagePart& first, MessagePart& index,
                             MessagePart& payload) {
   MessagePart surplus;

@@ -17,8 +17,7 @@ class InprocTable {
   // The only one of the process.
   static InprocTable& instance();
 
-  // Adds a node that receives at the name and returns its generation. Nothing when the name is in
-  // use.
+  // Adds a receiver at the name and returns its generation. Nothing when the name is in use.
   std::optional<uint64_t> add(const std::string& name);
   void remove(const std::string& name);
 

@@ -27,8 +27,7 @@ Socket watchEvents(void* context, Socket& watched, int events) {
     return {};
   }
   Socket watcher(zmq_socket(context, ZMQ_PAIR));
-  // No limit: events are read only during sends and receives, and ZeroMQ's I/O thread must not wait
-  // for them.
+  // No limit: events are read only during sends and receives. ZeroMQ's I/O thread must not block.
   if (!watcher || !watcher.set(ZMQ_RCVHWM, 0) || !watcher.set(ZMQ_LINGER, 0) ||
       zmq_connect(watcher.handle(), endpoint) != 0) {
     zmq_socket_monitor(watched.handle(), nullptr, 0);
