@@ -1,4 +1,4 @@
-// Peers that send a message of ever more parts.
+// Peers that send a message with an endless number of parts.
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -29,14 +29,14 @@ class EndlessMessage : public NodeFixture {
   OpenNode node_;
 };
 
-TEST_F(EndlessMessage, EndsItsConnectionAndTakesNoMoreMemoryThanItsPart) {
+TEST_F(EndlessMessage, EndsItsConnectionWithBoundedMemory) {
   const size_t before = residentMebibytes();
   std::atomic<uint64_t> taken = 0;
   std::atomic<bool> ended = false;
   std::thread peer([&] {
     RawConnection connection(port_);
     const std::string part(64 << 10, 'a');
-    // Four GiB are without end, where a message may have two MiB.
+    // A message may have 2 MiB, so 4 GiB counts as endless.
     while (taken < uint64_t{4} << 30 && connection.sendPart(part, true)) {
       taken += part.size();
     }
@@ -62,8 +62,8 @@ TEST_F(EndlessMessage, EndsItsConnectionAndTakesNoMoreMemoryThanItsPart) {
   EXPECT_EQ(statisticsOf(node_).received_calls, 1u);
 }
 
-TEST_F(EndlessMessage, IsFoundBesideASenderThatKeepsTheNodeBusy) {
-  // Slower than what is sent, so that there is always more to receive.
+TEST_F(EndlessMessage, IsDetectedOnABusyNode) {
+  // Slower than the sender, so that there is always more to receive.
   const auto slowly = [](const mesh_received*, void*) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   };
@@ -74,7 +74,7 @@ TEST_F(EndlessMessage, IsFoundBesideASenderThatKeepsTheNodeBusy) {
   std::thread busy([&] {
     EXPECT_EQ(mesh_node_attach(other), MESH_OK);
     while (!ended) {
-      // Once the test is over, nobody makes room.
+      // After the test the queue stays full.
       const uint32_t result = sendNotes(own, {std::string(1000, 'b')});
       failures += result != MESH_OK && !ended ? 1 : 0;
     }
@@ -103,8 +103,8 @@ TEST_F(EndlessMessage, IsFoundBesideASenderThatKeepsTheNodeBusy) {
   EXPECT_EQ(statisticsOf(node_).malformed, 1u);
 }
 
-// What is as large as it may be is not without end, however slowly it comes.
-TEST_F(EndlessMessage, IsNotTakenForALargeOne) {
+// A message of the largest size is accepted, even if it arrives slowly.
+TEST_F(EndlessMessage, IsNotALargeMessage) {
   RawConnection connection(port_);
   RawHeader header;
   header.destination = own;
@@ -118,7 +118,7 @@ TEST_F(EndlessMessage, IsNotTakenForALargeOne) {
     header.sequence = call;
     ASSERT_TRUE(connection.sendPart(header.bytes(), true));
     ASSERT_TRUE(connection.sendPart(index, true));
-    // The node looks while the payload is still missing.
+    // The node checks its connections while the payload is missing.
     EXPECT_EQ(mesh_node_receive(node_, 50, nullptr, nullptr), 0);
     ASSERT_TRUE(connection.sendPart(std::string(payloadLimit, 'a'), false));
     EXPECT_EQ(mesh_node_receive(node_, 10000, nullptr, nullptr), header.count);
@@ -127,8 +127,8 @@ TEST_F(EndlessMessage, IsNotTakenForALargeOne) {
   EXPECT_EQ(statisticsOf(node_).received_calls, 12u);
 }
 
-// Calls that wait for a node that does not receive are many, and each has an end.
-TEST_F(EndlessMessage, IsNotTakenForManyWaitingCalls) {
+// Many complete calls wait for a node that does not receive yet.
+TEST_F(EndlessMessage, IsNotABacklogOfCalls) {
   const OpenNode other = open(6, options_);
   ASSERT_EQ(mesh_node_attach(other), MESH_OK);
   uint32_t calls = 0;
@@ -141,9 +141,9 @@ TEST_F(EndlessMessage, IsNotTakenForManyWaitingCalls) {
   EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
 }
 
-// The node looks after each call, and finds connections that brought none since the last look: it
-// was the turn of others.
-TEST_F(EndlessMessage, IsNotTakenForCallsThatWaitForTheirTurn) {
+// At a check some connections have delivered nothing since the last one, because ZeroMQ served the
+// others.
+TEST_F(EndlessMessage, IsNotACallThatWaitsForItsTurn) {
   constexpr uint32_t senders = 3;
   constexpr uint32_t callsOfEach = 14;
   std::vector<OpenNode> others;

@@ -1,4 +1,4 @@
-// Where nodes are found: address book, tcp, the private directory.
+// Endpoints of nodes: address book, tcp, private directory.
 #include <dlfcn.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -51,11 +51,11 @@ TEST_F(AddressBook, ReadsAddressesCommentsAndBlanks) {
   }
 }
 
-// The modes of Unix sockets at the moment they began to listen; filled by our listen() below.
+// The modes of Unix sockets when they start to listen. Our listen() below fills it.
 std::vector<mode_t> modesWhenListening;
 
-// Whoever may connect to it may do so from that moment on.
-TEST_F(AddressBook, NamesSocketsThatAreClosedToOthersFromTheirFirstMoment) {
+// From listen() on, the mode decides who can connect.
+TEST_F(AddressBook, SetsSocketModeBeforeListen) {
   const std::string book = "1 ipc://" + directory() + "/one";
   modesWhenListening.clear();
   const mode_t before = umask(0);
@@ -64,7 +64,7 @@ TEST_F(AddressBook, NamesSocketsThatAreClosedToOthersFromTheirFirstMoment) {
   EXPECT_EQ(modesWhenListening, std::vector<mode_t>({0600}));
 }
 
-TEST_F(AddressBook, NeverReplacesAFileThatIsNoSocket) {
+TEST_F(AddressBook, KeepsAFileThatIsNotASocket) {
   const std::string precious = directory() + "/precious";
   std::ofstream(precious) << "kept";
   const std::string error = errorOfBook("1 ipc://" + precious);
@@ -74,7 +74,7 @@ TEST_F(AddressBook, NeverReplacesAFileThatIsNoSocket) {
   EXPECT_EQ(left, "kept");
 }
 
-TEST_F(AddressBook, LeavesOtherAddressesToTheDefault) {
+TEST_F(AddressBook, UsesTheDefaultForOtherAddresses) {
   const std::string book = "1 inproc://one\n";
   const OpenNode named = open(1, withBook(book));
   const OpenNode unnamed = open(2, withBook(book));
@@ -84,7 +84,7 @@ TEST_F(AddressBook, LeavesOtherAddressesToTheDefault) {
   EXPECT_EQ(receiveNotes(unnamed, 1).size(), 1u);
 }
 
-TEST_F(AddressBook, IsReadFromTheFileThatTheEnvironmentNames) {
+TEST_F(AddressBook, IsReadFromTheEnvironmentsFile) {
   const std::string path = directory() + "/book";
   std::ofstream(path) << "1 ipc://" << directory() << "/from-file\n";
   setenv("ZARNIMESH_ADDRESS_BOOK", path.c_str(), 1);
@@ -93,7 +93,7 @@ TEST_F(AddressBook, IsReadFromTheFileThatTheEnvironmentNames) {
   EXPECT_EQ(stat((directory() + "/from-file").c_str(), &status), 0);
 }
 
-TEST_F(AddressBook, TellsTheFileAndTheLineOfAnError) {
+TEST_F(AddressBook, ReportsFileAndLineOfAnError) {
   const std::string path = directory() + "/book";
   std::ofstream(path) << "1 inproc://one\n\nnonsense\n";
   setenv("ZARNIMESH_ADDRESS_BOOK", path.c_str(), 1);
@@ -102,14 +102,14 @@ TEST_F(AddressBook, TellsTheFileAndTheLineOfAnError) {
       << mesh_node_last_error();
 }
 
-TEST_F(AddressBook, IsNeededWhenTheEnvironmentNamesOne) {
+TEST_F(AddressBook, RejectsAMissingEnvironmentsFile) {
   setenv("ZARNIMESH_ADDRESS_BOOK", (directory() + "/absent").c_str(), 1);
   EXPECT_EQ(resultOfOpening(1, defaults()), MESH_BAD_CONFIGURATION);
   setenv("ZARNIMESH_ADDRESS_BOOK", directory().c_str(), 1);
   EXPECT_EQ(resultOfOpening(1, defaults()), MESH_BAD_CONFIGURATION);
 }
 
-TEST_F(AddressBook, RefusesBadLines) {
+TEST_F(AddressBook, RejectsBadLines) {
   const char* const lines[] = {
       "x inproc://a",
       "-1 inproc://a",
@@ -140,7 +140,7 @@ TEST_F(AddressBook, RefusesBadLines) {
   EXPECT_NE(errorOfBook("2 ipc:///" + std::string(200, 'a')).find("too long"), std::string::npos);
 }
 
-TEST_F(Tcp, CarriesCallsOverLoopback) {
+TEST_F(Tcp, DeliversOverLoopback) {
   const std::string book = "1 tcp://127.0.0.1:" + std::to_string(freePort()) +
                            "\n2 tcp://localhost:" + std::to_string(freePort()) + "\n";
   const OpenNode one = open(1, withBook(book));
@@ -153,7 +153,7 @@ TEST_F(Tcp, CarriesCallsOverLoopback) {
   EXPECT_EQ(receiveNotes(one, 1).size(), 1u);
 }
 
-TEST_F(Tcp, CarriesCallsOverLoopbackOfTheSixthVersion) {
+TEST_F(Tcp, DeliversOverIpv6Loopback) {
   const int probe = ::socket(AF_INET6, SOCK_STREAM, 0);
   sockaddr_in6 address{};
   address.sin6_family = AF_INET6;
@@ -170,13 +170,13 @@ TEST_F(Tcp, CarriesCallsOverLoopbackOfTheSixthVersion) {
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
 }
 
-TEST_F(Tcp, FindsNoDestinationWhenNobodyListens) {
+TEST_F(Tcp, ReturnsNoDestinationWithoutListener) {
   const std::string book = "2 tcp://127.0.0.1:" + std::to_string(freePort()) + "\n";
   const OpenNode node = open(1, withBook(book));
   EXPECT_EQ(sendNotes(2, {"a"}), MESH_NO_DESTINATION);
 }
 
-TEST_F(Tcp, RefusesAPortInUseAndFreesItOnClosing) {
+TEST_F(Tcp, RejectsAPortInUseAndFreesItOnClose) {
   const std::string book = "1 tcp://127.0.0.1:" + std::to_string(freePort()) + "\n";
   for (int round = 0; round < 5; ++round) {
     const OpenNode node = open(1, withBook(book));
@@ -184,7 +184,7 @@ TEST_F(Tcp, RefusesAPortInUseAndFreesItOnClosing) {
   }
 }
 
-TEST_F(Tcp, RefusesToReceiveWhereOtherMachinesCouldReach) {
+TEST_F(Tcp, RejectsNonLoopbackAddressesWithoutKeys) {
   for (const char* host :
        {"0.0.0.0", "*", "192.168.1.1", "[::]", "[2001:db8::1]", "eth0", "126.0.0.1",
         "127.0.0.1.example", "localhost.example", "[::ffff:10.0.0.1]"}) {
@@ -194,7 +194,7 @@ TEST_F(Tcp, RefusesToReceiveWhereOtherMachinesCouldReach) {
   }
 }
 
-TEST_F(RuntimeDirectory, IsMadePrivateWhenMissing) {
+TEST_F(RuntimeDirectory, IsCreatedPrivate) {
   const std::string path = directory() + "/new";
   mesh_node_options options = defaults();
   options.runtime_directory = path.c_str();
@@ -204,7 +204,7 @@ TEST_F(RuntimeDirectory, IsMadePrivateWhenMissing) {
   EXPECT_EQ(status.st_mode & 0777, 0700u);
 }
 
-TEST_F(RuntimeDirectory, LiesInTheLoginsByDefault) {
+TEST_F(RuntimeDirectory, DefaultsToXdgRuntimeDir) {
   unsetenv("ZARNIMESH_RUNTIME_DIR");
   setenv("XDG_RUNTIME_DIR", directory().c_str(), 1);
   const OpenNode node = open(1);
@@ -212,7 +212,7 @@ TEST_F(RuntimeDirectory, LiesInTheLoginsByDefault) {
   EXPECT_EQ(stat((directory() + "/zarnimesh/1").c_str(), &status), 0);
 }
 
-TEST_F(RuntimeDirectory, IsRefusedWhenOpenToOthers) {
+TEST_F(RuntimeDirectory, IsRejectedWhenOpenToOthers) {
   for (const mode_t mode : {0755u, 0710u, 0701u, 0770u}) {
     ASSERT_EQ(chmod(directory().c_str(), mode), 0);
     EXPECT_EQ(resultOfOpening(1, defaults()), MESH_BAD_CONFIGURATION);
@@ -222,7 +222,7 @@ TEST_F(RuntimeDirectory, IsRefusedWhenOpenToOthers) {
   EXPECT_EQ(resultOfOpening(1, defaults()), MESH_OK);
 }
 
-TEST_F(RuntimeDirectory, IsRefusedWhenAnotherUsers) {
+TEST_F(RuntimeDirectory, IsRejectedWhenOwnedByAnotherUser) {
   if (geteuid() != 0) {
     GTEST_SKIP() << "only root can give a directory away";
   }
@@ -231,7 +231,7 @@ TEST_F(RuntimeDirectory, IsRefusedWhenAnotherUsers) {
   EXPECT_NE(std::string(mesh_node_last_error()).find("another user"), std::string::npos);
 }
 
-TEST_F(RuntimeDirectory, IsRefusedWhenItIsNone) {
+TEST_F(RuntimeDirectory, IsRejectedWithABadPath) {
   const std::string file = directory() + "/file";
   std::ofstream(file) << "x";
   const std::string link = directory() + "/link";
@@ -247,7 +247,7 @@ TEST_F(RuntimeDirectory, IsRefusedWhenItIsNone) {
 }  // namespace
 }  // namespace platform_test
 
-// Stands before the system's, for the middleware and its transport too.
+// Replaces the system's listen(), also for the middleware and ZeroMQ.
 extern "C" int listen(int file, int backlog) {
   sockaddr_un address{};
   socklen_t length = sizeof address;

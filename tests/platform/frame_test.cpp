@@ -1,4 +1,4 @@
-// What a node makes of messages that did not come from another node's sending half, or not all.
+// How a node handles malformed messages, sequence numbers and unknown identifiers.
 #include <vector>
 
 #include "support/node_fixture.hpp"
@@ -24,7 +24,7 @@ class Frame : public NodeFixture {
     return littleEndian(id, 4) + littleEndian(length, 4);
   }
 
-  // Sends the malformed message, then a good one, and sees what becomes of both.
+  // Sends a malformed message, then a good one. Expects only the good one to be delivered.
   void expectDropped(const std::vector<std::string>& parts) {
     const OpenNode node = open(own);
     RawSender sender(endpoint());
@@ -36,7 +36,7 @@ class Frame : public NodeFixture {
     EXPECT_EQ(statisticsOf(node).received_calls, 1u);
   }
 
-  // A call of one note, changed by the test before it is put together.
+  // A call of one note. The test changes its header first.
   static std::vector<std::string> oneNote(RawHeader changed) {
     return {changed.bytes(), entry(noteId, 3), "abc"};
   }
@@ -50,7 +50,7 @@ class Frame : public NodeFixture {
 
 using Node = Frame;
 
-TEST_F(Frame, IsReadFromItsBytes) {
+TEST_F(Frame, IsDecoded) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   RawHeader two = header();
@@ -63,7 +63,7 @@ TEST_F(Frame, IsReadFromItsBytes) {
   EXPECT_EQ(receiveNotes(node, 2), expected);
 }
 
-TEST_F(Frame, IsDroppedWithoutParts) {
+TEST_F(Frame, IsDroppedWithOneEmptyPart) {
   expectDropped({""});
 }
 
@@ -96,13 +96,13 @@ TEST_F(Frame, IsDroppedWithAnEmptyHeader) {
   expectDropped({"", "", ""});
 }
 
-TEST_F(Frame, IsDroppedWithAnotherMagic) {
+TEST_F(Frame, IsDroppedWithWrongMagic) {
   RawHeader other = oneNoteHeader();
   other.magic = "ZMSI";
   expectDropped(oneNote(other));
 }
 
-TEST_F(Frame, IsDroppedWithAnotherVersion) {
+TEST_F(Frame, IsDroppedWithUnknownVersion) {
   RawHeader other = oneNoteHeader();
   other.version = 2;
   expectDropped(oneNote(other));
@@ -120,13 +120,13 @@ TEST_F(Frame, IsDroppedWhenTheReservedWordIsNotZero) {
   expectDropped(oneNote(other));
 }
 
-TEST_F(Frame, IsDroppedWithoutANumber) {
+TEST_F(Frame, IsDroppedWithSequenceZero) {
   RawHeader other = oneNoteHeader();
   other.sequence = 0;
   expectDropped(oneNote(other));
 }
 
-TEST_F(Frame, IsDroppedWhenItIsForAnotherNode) {
+TEST_F(Frame, IsDroppedForAnotherDestination) {
   RawHeader other = oneNoteHeader();
   other.destination = own + 1;
   expectDropped(oneNote(other));
@@ -150,7 +150,7 @@ TEST_F(Frame, IsDroppedWithACountBelowItsIndex) {
   expectDropped(oneNote(other));
 }
 
-TEST_F(Frame, IsDroppedWithARaggedIndex) {
+TEST_F(Frame, IsDroppedWithAPartialIndexEntry) {
   expectDropped({oneNoteHeader().bytes(), entry(noteId, 3) + "x", "abc"});
 }
 
@@ -162,20 +162,20 @@ TEST_F(Frame, IsDroppedWhenTheTablesEndBeforeThePayload) {
   expectDropped({oneNoteHeader().bytes(), entry(noteId, 2), "abc"});
 }
 
-TEST_F(Frame, IsDroppedWhenLengthsAddUpOnlyInThirtyTwoBits) {
+TEST_F(Frame, IsDroppedWhenTheLengthSumWrapsAt32Bits) {
   RawHeader other = oneNoteHeader();
   other.count = 2;
   expectDropped({other.bytes(), entry(noteId, 0xFFFFFFFF) + entry(noteId, 4), "abc"});
 }
 
-TEST_F(Frame, IsDroppedWhenTheHeaderTellsAnotherPayloadSize) {
+TEST_F(Frame, IsDroppedWithAWrongPayloadSize) {
   RawHeader other = oneNoteHeader();
   other.payloadBytes = 4;
   expectDropped(oneNote(other));
 }
 
-TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsLimit) {
-  // Over inproc the transport does not limit sizes; the node does.
+TEST_F(Frame, IsDroppedAboveThePayloadLimitOverInproc) {
+  // Over inproc ZeroMQ does not limit sizes, but the node does.
   mesh_node_options small = defaults();
   small.transport = MESH_TRANSPORT_INPROC;
   small.payload_limit = 100;
@@ -188,7 +188,7 @@ TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsLimit) {
   EXPECT_EQ(statisticsOf(receiver).received_records, 0u);
 }
 
-TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsCountOfTables) {
+TEST_F(Frame, IsDroppedAboveTheTableLimitOverInproc) {
   mesh_node_options small = defaults();
   small.transport = MESH_TRANSPORT_INPROC;
   small.payload_limit = 100;
@@ -201,7 +201,7 @@ TEST_F(Frame, IsDroppedByAnInprocNodeAboveItsCountOfTables) {
   EXPECT_EQ(statisticsOf(receiver).received_records, 0u);
 }
 
-TEST_F(Frame, IsNotTakenFromTheTransportAboveTheLimit) {
+TEST_F(Frame, IsRejectedByZeroMqAboveThePayloadLimit) {
   mesh_node_options small = defaults();
   small.payload_limit = 1000;
   const OpenNode node = open(own, small);
@@ -217,11 +217,11 @@ TEST_F(Frame, IsNotTakenFromTheTransportAboveTheLimit) {
   sender.sendNote(header(), "good");
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
   EXPECT_EQ(statisticsOf(node).received_calls, 1u);
-  // Not even looked at.
+  // ZeroMQ dropped it: the node never saw it.
   EXPECT_EQ(statisticsOf(node).malformed, 0u);
 }
 
-TEST_F(Node, CountsAGapWhenASequenceNumberIsMissing) {
+TEST_F(Node, CountsLostCalls) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   for (const uint64_t sequence : {1u, 2u, 5u, 6u, 8u}) {
@@ -233,7 +233,7 @@ TEST_F(Node, CountsAGapWhenASequenceNumberIsMissing) {
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 0u);
 }
 
-TEST_F(Node, CountsApartWhatWasSentBeforeItFirstHeardOfASender) {
+TEST_F(Node, CountsCallsMissedBeforeTheFirst) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   sender.sendNote(header(11), "a");
@@ -243,7 +243,7 @@ TEST_F(Node, CountsApartWhatWasSentBeforeItFirstHeardOfASender) {
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
 }
 
-TEST_F(Node, DeliversAndCountsDuplicatesAndLatecomers) {
+TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   for (const uint64_t sequence : {1u, 3u, 3u, 2u, 4u}) {
@@ -254,7 +254,7 @@ TEST_F(Node, DeliversAndCountsDuplicatesAndLatecomers) {
   EXPECT_EQ(statisticsOf(node).lost_calls, 1u);
 }
 
-TEST_F(Node, SurvivesTheLargestSequenceNumber) {
+TEST_F(Node, AcceptsTheLargestSequenceNumber) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   sender.sendNote(header(1), "a");
@@ -265,7 +265,7 @@ TEST_F(Node, SurvivesTheLargestSequenceNumber) {
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 1u);
 }
 
-TEST_F(Node, NumbersEachIncarnationByItself) {
+TEST_F(Node, TracksEachIncarnationSeparately) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   for (const uint64_t incarnation : {1u, 2u, 3u}) {
@@ -281,7 +281,7 @@ TEST_F(Node, NumbersEachIncarnationByItself) {
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 0u);
 }
 
-TEST_F(Node, ForgetsTheIncarnationHeardLongestAgoOfMoreThan1024) {
+TEST_F(Node, ForgetsTheOldestOfMoreThan1024Incarnations) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
   const auto sendAs = [&](uint64_t incarnation, uint64_t sequence) {
@@ -294,12 +294,12 @@ TEST_F(Node, ForgetsTheIncarnationHeardLongestAgoOfMoreThan1024) {
   for (uint64_t other = 3; other <= 1024; ++other) {
     sendAs(other, 1);
   }
-  sendAs(1, 2);     // heard again: now the second is the oldest
-  sendAs(1025, 1);  // takes the second's place
+  sendAs(1, 2);     // used again: now 2 is the oldest
+  sendAs(1025, 1);  // replaces 2
   sendAs(1, 3);
   EXPECT_EQ(receiveNotes(node, 1027).size(), 1027u);
   EXPECT_EQ(statisticsOf(node).missed_before_first, 0u);
-  sendAs(2, 2);  // unknown again
+  sendAs(2, 2);  // counts as new
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
   EXPECT_EQ(statisticsOf(node).missed_before_first, 1u);
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
@@ -319,7 +319,7 @@ TEST_F(Node, CountsUnknownIdentifiersAndDeliversTheRest) {
   EXPECT_EQ(statisticsOf(node).malformed, 0u);
 }
 
-TEST_F(Node, TellsOfUnknownIdentifiersWhenAsked) {
+TEST_F(Node, CallsTheUnknownHook) {
   std::vector<Received> unknown;
   mesh_node_options options = defaults();
   options.unknown_user = &unknown;

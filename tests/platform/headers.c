@@ -1,4 +1,4 @@
-/* Every interface header in a C program, linked against what is behind it. */
+/* A C program that includes every public header and calls the libraries. */
 #include <bounded/memory.h>
 #include <ddm/osal.h>
 #include <ddm/osal_workstation.h>

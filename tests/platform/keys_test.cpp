@@ -1,4 +1,4 @@
-// Nodes with keys: over tcp nobody without a known key gets in.
+// Nodes with keys: over tcp they accept only peers with a known key.
 #include <sys/stat.h>
 
 #include <fstream>
@@ -19,8 +19,8 @@ class Keys : public NodeFixture {
  protected:
   Keys() {
     book_ = "1 " + tcpEndpoint(freePort()) + "\n2 " + endpoint_ + "\n";
-    writeKeys("one", {"own " + one_.open + " " + one_.secret, "node 2 " + two_.open});
-    writeKeys("two", {"own " + two_.open + " " + two_.secret, "node 1 " + one_.open});
+    writeKeys("one", {"own " + one_.publicKey + " " + one_.secretKey, "node 2 " + two_.publicKey});
+    writeKeys("two", {"own " + two_.publicKey + " " + two_.secretKey, "node 1 " + one_.publicKey});
   }
 
   std::string path(const std::string& name) const { return directory() + "/" + name; }
@@ -59,7 +59,7 @@ class Keys : public NodeFixture {
     return header;
   }
 
-  // Nothing arrives, not even something malformed.
+  // No message arrives, not even a malformed one.
   static void expectNothing(mesh_node* node) {
     EXPECT_EQ(mesh_node_receive(node, 250, nullptr, nullptr), 0);
     EXPECT_EQ(statisticsOf(node).malformed, 0u);
@@ -85,16 +85,16 @@ TEST_F(Keys, LetKnownNodesTalk) {
 }
 
 TEST_F(Keys, LetANodeTalkToItself) {
-  writeKeys("two", {"own " + two_.open + " " + two_.secret, "node 2 " + two_.open});
+  writeKeys("two", {"own " + two_.publicKey + " " + two_.secretKey, "node 2 " + two_.publicKey});
   const OpenNode two = openWith(2, "two");
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
   EXPECT_EQ(receiveNotes(two, 1).size(), 1u);
 }
 
-TEST_F(Keys, KeepOutWhoHasNone) {
+TEST_F(Keys, RejectAPeerWithoutKeys) {
   const OpenNode two = openWith(2, "two");
   RawSender sender(endpoint_);
-  sender.forget();
+  sender.discardUnsent();
   sender.sendNote(from(1), "open");
   expectNothing(two);
   RawConnection byHand(port_);
@@ -102,7 +102,7 @@ TEST_F(Keys, KeepOutWhoHasNone) {
   expectNothing(two);
 }
 
-TEST_F(Keys, KeepOutANodeOfThisLibraryThatHasNone) {
+TEST_F(Keys, RejectANodeWithoutKeys) {
   const OpenNode two = openWith(2, "two");
   mesh_node_options options = impatient();
   options.address_book = book_.c_str();
@@ -112,24 +112,25 @@ TEST_F(Keys, KeepOutANodeOfThisLibraryThatHasNone) {
   expectNothing(two);
 }
 
-TEST_F(Keys, KeepOutAKeyThatIsNotKnown) {
+TEST_F(Keys, RejectAnUnknownKey) {
   const OpenNode two = openWith(2, "two");
-  RawSender sender(endpoint_, two_.open, newKeyPair());
-  sender.sendNote(from(1), "a stranger's");
+  RawSender sender(endpoint_, two_.publicKey, newKeyPair());
+  sender.sendNote(from(1), "unknown key");
   expectNothing(two);
 }
 
-TEST_F(Keys, KeepOutAKnownKeyWithoutItsSecret) {
+TEST_F(Keys, RejectAPublicKeyWithoutItsSecret) {
   const OpenNode two = openWith(2, "two");
-  RawSender sender(endpoint_, two_.open, {one_.open, newKeyPair().secret});
-  sender.sendNote(from(1), "a pretender's");
+  RawSender sender(endpoint_, two_.publicKey, {one_.publicKey, newKeyPair().secretKey});
+  sender.sendNote(from(1), "wrong secret");
   expectNothing(two);
 }
 
-TEST_F(Keys, KeepANodeFromTalkingToAnImpostor) {
-  // Someone else receives where node 2 should be.
+TEST_F(Keys, RejectAnImpostorReceiver) {
+  // Another receiver has node 2's endpoint.
   const KeyPair impostor = newKeyPair();
-  writeKeys("impostor", {"own " + impostor.open + " " + impostor.secret, "node 1 " + one_.open});
+  writeKeys("impostor",
+            {"own " + impostor.publicKey + " " + impostor.secretKey, "node 1 " + one_.publicKey});
   const OpenNode two = openWith(2, "impostor");
   const OpenNode one = openWith(1, "one");
   ASSERT_EQ(mesh_node_attach(one), MESH_OK);
@@ -137,77 +138,79 @@ TEST_F(Keys, KeepANodeFromTalkingToAnImpostor) {
   expectNothing(two);
 }
 
-TEST_F(Keys, LetANodeSpeakInItsOwnNameOnly) {
+TEST_F(Keys, RejectAnotherNodesAddress) {
   const OpenNode two = openWith(2, "two");
-  RawSender sender(endpoint_, two_.open, one_);
-  sender.sendNote(from(3), "in another's name");
-  sender.sendNote(from(2), "in the receiver's");
-  sender.sendNote(from(1), "in its own");
-  const std::vector<Received> expected{{1, noteId, 0, "in its own", 0}};
+  RawSender sender(endpoint_, two_.publicKey, one_);
+  sender.sendNote(from(3), "from another node");
+  sender.sendNote(from(2), "from the receiver");
+  sender.sendNote(from(1), "from itself");
+  const std::vector<Received> expected{{1, noteId, 0, "from itself", 0}};
   EXPECT_EQ(receiveNotes(two, 1), expected);
   EXPECT_EQ(statisticsOf(two).malformed, 2u);
 }
 
-TEST_F(Keys, AreEachNodesOwn) {
-  // What one node of the process lets in, another does not.
+TEST_F(Keys, AreSeparateForEachNode) {
+  // Node 1 knows the key; node 2 of the same process does not.
   const KeyPair stranger = newKeyPair();
-  writeKeys("one", {"own " + one_.open + " " + one_.secret, "node 3 " + stranger.open});
+  writeKeys("one",
+            {"own " + one_.publicKey + " " + one_.secretKey, "node 3 " + stranger.publicKey});
   const OpenNode one = openWith(1, "one");
   const OpenNode two = openWith(2, "two");
-  RawSender sender(endpoint_, two_.open, stranger);
-  sender.sendNote(from(3), "known next door");
+  RawSender sender(endpoint_, two_.publicKey, stranger);
+  sender.sendNote(from(3), "unknown to node 2");
   expectNothing(two);
 }
 
-TEST_F(Keys, AreNeededOfWhoeverIsSentTo) {
-  writeKeys("one", {"own " + one_.open + " " + one_.secret});
+TEST_F(Keys, AreRequiredForTheDestination) {
+  writeKeys("one", {"own " + one_.publicKey + " " + one_.secretKey});
   const OpenNode one = openWith(1, "one");
   EXPECT_EQ(sendNotes(2, {"a"}), MESH_BAD_CONFIGURATION);
   EXPECT_NE(std::string(mesh_node_last_error()).find("node 2"), std::string::npos);
 }
 
-TEST_F(Keys, LetANodeReceiveWhereOtherMachinesReach) {
+TEST_F(Keys, AllowNonLoopbackAddresses) {
   book_ = "2 tcp://0.0.0.0:" + std::to_string(port_) + "\n";
   const OpenNode two = openWith(2, "two");
-  RawSender sender(endpoint_, two_.open, one_);
+  RawSender sender(endpoint_, two_.publicKey, one_);
   sender.sendNote(from(1), "a");
   EXPECT_EQ(receiveNotes(two, 1).size(), 1u);
-  RawSender stranger(endpoint_, two_.open, newKeyPair());
+  RawSender stranger(endpoint_, two_.publicKey, newKeyPair());
   stranger.sendNote(from(1), "b");
   expectNothing(two);
 }
 
-TEST_F(Keys, ComeFromTheFileThatTheEnvironmentNames) {
+TEST_F(Keys, AreReadFromTheEnvironmentsFile) {
   setenv("ZARNIMESH_KEYS", path("two").c_str(), 1);
   mesh_node_options options = impatient();
   options.address_book = book_.c_str();
   const OpenNode two = open(2, options);
   unsetenv("ZARNIMESH_KEYS");
   RawSender stranger(endpoint_);
-  stranger.forget();
+  stranger.discardUnsent();
   stranger.sendNote(from(1), "open");
   expectNothing(two);
 }
 
-TEST_F(Keys, AreRefusedWhereOthersCouldReadThem) {
-  const std::string own = "own " + one_.open + " " + one_.secret;
+TEST_F(Keys, AreRejectedWhenOpenToOthers) {
+  const std::string own = "own " + one_.publicKey + " " + one_.secretKey;
   for (const mode_t mode : {0640u, 0604u, 0620u}) {
     EXPECT_NE(errorOf({own}, mode).find("open to other users"), std::string::npos);
   }
 }
 
-TEST_F(Keys, AreRefusedWithALineThatMakesNoSense) {
-  const std::string own = "own " + one_.open + " " + one_.secret;
-  EXPECT_NE(errorOf({"# nothing"}).find("no own pair"), std::string::npos);
-  EXPECT_NE(errorOf({own, own}).find("line 2: there is one own pair"), std::string::npos);
-  EXPECT_NE(errorOf({"own " + two_.open + " " + one_.secret}).find("line 1"), std::string::npos)
-      << "another pair's public key";
-  const std::string shortKey = two_.open.substr(1);
+TEST_F(Keys, AreRejectedWithABadLine) {
+  const std::string own = "own " + one_.publicKey + " " + one_.secretKey;
+  EXPECT_NE(errorOf({"# nothing"}).find("own line is missing"), std::string::npos);
+  EXPECT_NE(errorOf({own, own}).find("line 2: there must be one own line"), std::string::npos);
+  EXPECT_NE(errorOf({"own " + two_.publicKey + " " + one_.secretKey}).find("line 1"),
+            std::string::npos)
+      << "a public key of another pair";
+  const std::string shortKey = two_.publicKey.substr(1);
   for (const std::string& line :
-       {std::string("own"), std::string("node 2"), "node 2 " + shortKey, "node x " + two_.open,
-        "node 2 " + two_.open + "\nnode 2 " + one_.open,
-        "node 2 " + two_.open + "\nnode 3 " + two_.open, "peer 2 " + two_.open,
-        "node 2 " + two_.open + " more", "node 2 " + shortKey + "~"}) {
+       {std::string("own"), std::string("node 2"), "node 2 " + shortKey, "node x " + two_.publicKey,
+        "node 2 " + two_.publicKey + "\nnode 2 " + one_.publicKey,
+        "node 2 " + two_.publicKey + "\nnode 3 " + two_.publicKey, "peer 2 " + two_.publicKey,
+        "node 2 " + two_.publicKey + " more", "node 2 " + shortKey + "~"}) {
     EXPECT_NE(errorOf({own, "# two", line}).find(", line "), std::string::npos) << line;
   }
   mesh_node_options options = impatient();
@@ -215,7 +218,7 @@ TEST_F(Keys, AreRefusedWithALineThatMakesNoSense) {
   EXPECT_EQ(resultOfOpening(1, options), MESH_BAD_CONFIGURATION);
 }
 
-TEST_F(Keys, AreMadeByTheirProgram) {
+TEST_F(Keys, AreMadeByZarnimeshKeys) {
   std::vector<std::string> lines;
   for (const std::string name : {"1", "2"}) {
     ChildProcess maker({ZARNIMESH_KEYS_PROGRAM, name, path("made" + name)});
@@ -233,7 +236,7 @@ TEST_F(Keys, AreMadeByTheirProgram) {
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
   EXPECT_EQ(receiveNotes(two, 1).size(), 1u);
   ChildProcess again({ZARNIMESH_KEYS_PROGRAM, "1", path("made1")}, true);
-  EXPECT_EQ(again.wait(), 1) << "a file that is there is never replaced";
+  EXPECT_EQ(again.wait(), 1) << "an existing file is kept";
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ bool endsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// Whether the extended regular expression is found in the text.
+// Whether the text matches the extended regular expression.
 bool matches(const std::string& text, const char* expression) {
   regex_t compiled;
   EXPECT_EQ(regcomp(&compiled, expression, REG_EXTENDED | REG_NOSUB), 0);
@@ -30,7 +30,7 @@ bool matches(const std::string& text, const char* expression) {
   return found;
 }
 
-TEST(Log, WritesOneReadableLine) {
+TEST(Log, WritesOneLine) {
   const auto lines = logged([] {
     DDM_OsalLogWrite(env, 2, 22, "", 123, "dbg_unpack", "[TEST]:offset(%u) of %s", 7u, "buffer");
   });
@@ -41,13 +41,13 @@ TEST(Log, WritesOneReadableLine) {
       << lines[0];
 }
 
-TEST(Log, NamesTheFileWhenThereIsOne) {
+TEST(Log, IncludesTheFile) {
   const auto lines = logged([] { DDM_OsalLogWrite(env, 1, 2, "a.c", 3, "f", "text"); });
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_TRUE(endsWith(lines[0], "a.c f:3: text")) << lines[0];
 }
 
-TEST(Log, StandsNullTexts) {
+TEST(Log, AcceptsNullTexts) {
   const char* const nameless[] = {nullptr};
   const auto lines = logged([&] {
     DDM_OsalLogWrite(nullptr, 1, 2, nullptr, 3, nullptr, "a");
@@ -57,7 +57,7 @@ TEST(Log, StandsNullTexts) {
   EXPECT_TRUE(endsWith(lines[0], " - level 1 code 2 :3: a")) << lines[0];
 }
 
-TEST(Log, CutsALongMessageAndKeepsItOnOneLine) {
+TEST(Log, CutsALongTextToOneLine) {
   const std::string text = "a\nb\tc" + std::string(5000, 'x');
   const auto lines = logged([&] { DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "%s", text.c_str()); });
   ASSERT_EQ(lines.size(), 1u);
@@ -65,7 +65,7 @@ TEST(Log, CutsALongMessageAndKeepsItOnOneLine) {
   EXPECT_LT(lines[0].size(), 1024u);
 }
 
-TEST(Log, LeavesErrnoAlone) {
+TEST(Log, KeepsErrno) {
   static_cast<void>(logged([] {
     errno = 77;
     DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "a");
@@ -73,7 +73,7 @@ TEST(Log, LeavesErrnoAlone) {
   }));
 }
 
-TEST(Log, SuppressesWhatIsAboveTheLimitAndTellsHowMuch) {
+TEST(Log, CountsLinesAboveTheLimit) {
   const auto lines = logged([] {
     ddm_osal_log_limit(0, 2);
     for (int i = 0; i < 10; ++i) {
@@ -86,12 +86,12 @@ TEST(Log, SuppressesWhatIsAboveTheLimitAndTellsHowMuch) {
   ASSERT_EQ(lines.size(), 5u);
   EXPECT_TRUE(endsWith(lines[0], "line 0"));
   EXPECT_TRUE(endsWith(lines[1], "line 1"));
-  EXPECT_TRUE(endsWith(lines[2], "8 messages suppressed"));
+  EXPECT_TRUE(endsWith(lines[2], "8 lines suppressed"));
   EXPECT_TRUE(endsWith(lines[3], "recovered"));
   EXPECT_TRUE(endsWith(lines[4], "and on"));
 }
 
-TEST(Log, LetsMoreThroughAsTimePasses) {
+TEST(Log, RefillsTheLimitOverTime) {
   const auto lines = logged([] {
     ddm_osal_log_limit(20, 1);
     DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "first");
@@ -101,16 +101,16 @@ TEST(Log, LetsMoreThroughAsTimePasses) {
   EXPECT_EQ(lines.size(), 2u);
 }
 
-TEST(Log, TellsAtExitWhatItSuppressed) {
+TEST(Log, ReportsSuppressedLinesAtExit) {
   ChildProcess child(peer({"log", "5", "2"}), true);
   const auto lines = linesOf(child.readAll());
   EXPECT_EQ(child.wait(), 0);
   ASSERT_EQ(lines.size(), 3u);
   EXPECT_TRUE(endsWith(lines[1], "line 1"));
-  EXPECT_TRUE(endsWith(lines[2], "3 messages suppressed"));
+  EXPECT_TRUE(endsWith(lines[2], "3 lines suppressed"));
 }
 
-TEST(Log, NeitherMixesNorLosesLinesOfSeveralThreads) {
+TEST(Log, KeepsLinesOfThreadsApart) {
   const auto lines = logged([] {
     ddm_osal_log_limit(0, 300);
     std::vector<std::thread> threads;
@@ -128,7 +128,7 @@ TEST(Log, NeitherMixesNorLosesLinesOfSeveralThreads) {
     DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "end.");
   });
   ASSERT_EQ(lines.size(), 302u);
-  EXPECT_TRUE(endsWith(lines[300], "100 messages suppressed"));
+  EXPECT_TRUE(endsWith(lines[300], "100 lines suppressed"));
   for (size_t i = 0; i < 300; ++i) {
     EXPECT_TRUE(matches(lines[i], "f:3: thread [0-9] line [0-9]+\\.$")) << lines[i];
   }

@@ -66,7 +66,7 @@ TEST(Memory, AccountsForEachOwner) {
   EXPECT_EQ(after.total_bytes, 150u);
 }
 
-TEST(Memory, HasNothingToTellOfAnOwnerThatTookNone) {
+TEST(Memory, ReportsZerosForAnUnknownOwner) {
   const ddm_osal_memory_usage usage = usageOf(0x999);
   EXPECT_EQ(usage.total_blocks, 0u);
   EXPECT_EQ(ddm_osal_memory_usage_get(0x999, nullptr), 1u);
@@ -88,7 +88,7 @@ TEST(Memory, IgnoresNull) {
   EXPECT_EQ(faultsNow().foreign_free, before);
 }
 
-TEST(Memory, ReportsAReleaseUnderAnotherOwnerAndBooksItToTheTrueOne) {
+TEST(Memory, ReportsAFreeUnderAnotherOwner) {
   const uint64_t before = faultsNow().wrong_owner;
   void* block = DDM_OsalMemAlloc(10, 0x201, "taker");
   const auto lines = logged([&] { DDM_OsalMemFree(block, 0x202, "releaser"); });
@@ -100,18 +100,18 @@ TEST(Memory, ReportsAReleaseUnderAnotherOwnerAndBooksItToTheTrueOne) {
   EXPECT_EQ(usageOf(0x202).total_blocks, 0u);
 }
 
-TEST(Memory, ReportsABlockGivenBackTwice) {
+TEST(Memory, ReportsADoubleFree) {
   const uint64_t before = faultsNow().double_free;
   void* block = DDM_OsalMemAlloc(64, 0x201, "taker");
   DDM_OsalMemFree(block, 0x201, "first");
   const auto lines = logged([&] { DDM_OsalMemFree(block, 0x201, "second"); });
   ASSERT_EQ(lines.size(), 1u);
-  EXPECT_NE(lines[0].find("given back twice"), std::string::npos) << lines[0];
+  EXPECT_NE(lines[0].find("freed twice"), std::string::npos) << lines[0];
   EXPECT_EQ(faultsNow().double_free, before + 1);
   EXPECT_EQ(usageOf(0x201).blocks_out, 0u);
 }
 
-TEST(Memory, ReportsAPointerThatIsNoBlock) {
+TEST(Memory, ReportsAForeignPointer) {
   const uint64_t before = faultsNow().foreign_free;
   alignas(16) unsigned char bytes[128] = {};
   const auto lines = logged([&] {
@@ -123,10 +123,10 @@ TEST(Memory, ReportsAPointerThatIsNoBlock) {
   EXPECT_EQ(faultsNow().foreign_free, before + 2);
 }
 
-TEST(Memory, ReportsWhatWasNotGivenBackByOwnerAndCaller) {
-  EXPECT_EQ(report().find("not given back"), std::string::npos);
+TEST(Memory, ReportsLeaksByOwnerAndCaller) {
+  EXPECT_EQ(report().find("not freed"), std::string::npos);
   std::vector<void*> blocks;
-  // One text at two addresses is one caller.
+  // The same text at two addresses is one caller.
   const std::string copy = "leaky_unpack";
   for (const char* caller : {"leaky_unpack", copy.c_str(), "leaky_unpack", "other_unpack"}) {
     blocks.push_back(DDM_OsalMemAlloc(10, 0x401, caller));
@@ -139,22 +139,22 @@ TEST(Memory, ReportsWhatWasNotGivenBackByOwnerAndCaller) {
   const std::string text = report(&out);
   EXPECT_EQ(out, 5u);
   for (const char* line :
-       {"owner 0x401: 3 blocks of 30 bytes out, peak 40 bytes; in all 4 of 40\n",
-        "owner 0x402: 2 blocks of 6 bytes out, peak 6 bytes; in all 2 of 6\n",
-        "not given back: 2 blocks of 20 bytes, owner 0x401, caller leaky_unpack\n",
-        "not given back: 1 blocks of 10 bytes, owner 0x401, caller other_unpack\n",
-        "not given back: 1 blocks of 5 bytes, owner 0x402, caller leaky_unpack\n",
-        "not given back: 1 blocks of 1 bytes, owner 0x402, caller (no caller)\n"}) {
+       {"owner 0x401: 3 blocks (30 bytes) in use, peak 40 bytes, total 4 blocks (40 bytes)\n",
+        "owner 0x402: 2 blocks (6 bytes) in use, peak 6 bytes, total 2 blocks (6 bytes)\n",
+        "not freed: 2 blocks (20 bytes), owner 0x401, caller leaky_unpack\n",
+        "not freed: 1 blocks (10 bytes), owner 0x401, caller other_unpack\n",
+        "not freed: 1 blocks (5 bytes), owner 0x402, caller leaky_unpack\n",
+        "not freed: 1 blocks (1 bytes), owner 0x402, caller (no caller)\n"}) {
     EXPECT_NE(text.find(line), std::string::npos) << line << "is not in\n" << text;
   }
   for (void* block : blocks) {
     static_cast<void>(logged([&] { DDM_OsalMemFree(block, 0x401, "end"); }));
   }
-  EXPECT_EQ(report(&out).find("not given back"), std::string::npos);
+  EXPECT_EQ(report(&out).find("not freed"), std::string::npos);
   EXPECT_EQ(out, 0u);
 }
 
-TEST(Memory, KeepsTheBooksOfSeveralThreads) {
+TEST(Memory, CountsAcrossThreads) {
   const uint64_t decodedBefore = usageOf(12).total_bytes;
   std::vector<std::thread> threads;
   for (int thread = 0; thread < 4; ++thread) {
@@ -173,10 +173,10 @@ TEST(Memory, KeepsTheBooksOfSeveralThreads) {
   EXPECT_EQ(usageOf(0x301).bytes_out, 0u);
   EXPECT_EQ(usageOf(0x301).total_blocks, 20000u);
   EXPECT_EQ(usageOf(12).total_bytes - decodedBefore, 160000u);
-  EXPECT_EQ(report().find("not given back"), std::string::npos);
+  EXPECT_EQ(report().find("not freed"), std::string::npos);
 }
 
-TEST(Memory, OffersTheCacheToTheDecodingOwnerUnlessToldOtherwise) {
+TEST(Memory, OffersTheCacheToTheDecodingOwner) {
   unsetenv("DDM_OSAL_CACHE");
   EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 1u);
   EXPECT_EQ(DDM_OsalMemUseFlagGet(11), 0u);
@@ -187,7 +187,7 @@ TEST(Memory, OffersTheCacheToTheDecodingOwnerUnlessToldOtherwise) {
   EXPECT_EQ(DDM_OsalMemUseFlagGet(12), 1u);
 }
 
-// The owner limit as long as a test lives.
+// Sets the owner limit for one test.
 class OwnerLimit {
  public:
   explicit OwnerLimit(uint64_t bytes) { ddm_osal_owner_limit(bytes); }
@@ -198,16 +198,16 @@ class OwnerLimit {
   static constexpr uint64_t usual = 256 << 20;
 };
 
-TEST(MemoryLimit, IsOfEachOwnerAndOfWhatIsOutAtOnce) {
+TEST(MemoryLimit, LimitsEachOwnersBytesInUse) {
   const OwnerLimit limit(100);
   void* first = DDM_OsalMemAlloc(60, 0x501, "limit");
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(DDM_OsalMemAlloc(41, 0x501, "limit"), nullptr);
   EXPECT_EQ(DDM_OsalMemCacheAlloc(UINT32_MAX, 0x501, "limit"), nullptr);
   void* second = DDM_OsalMemCacheAlloc(40, 0x501, "limit");
-  EXPECT_NE(second, nullptr) << "the refused ones took nothing";
+  EXPECT_NE(second, nullptr) << "refused requests use nothing of the limit";
   void* other = DDM_OsalMemAlloc(100, 0x502, "limit");
-  EXPECT_NE(other, nullptr) << "another owner has its own";
+  EXPECT_NE(other, nullptr) << "each owner has its own limit";
   DDM_OsalMemFree(first, 0x501, "limit");
   first = DDM_OsalMemAlloc(60, 0x501, "limit");
   EXPECT_NE(first, nullptr);
@@ -218,13 +218,13 @@ TEST(MemoryLimit, IsOfEachOwnerAndOfWhatIsOutAtOnce) {
   EXPECT_EQ(usage.total_blocks, 3u);
   EXPECT_EQ(usage.refusals, 2u);
   EXPECT_EQ(usageOf(0x502).refusals, 0u);
-  EXPECT_NE(report().find("owner 0x501: refused 2 times for its limit\n"), std::string::npos);
+  EXPECT_NE(report().find("owner 0x501: 2 requests refused at the limit\n"), std::string::npos);
   DDM_OsalMemFree(first, 0x501, "limit");
   DDM_OsalMemFree(second, 0x501, "limit");
   DDM_OsalMemFree(other, 0x502, "limit");
 }
 
-TEST(MemoryLimit, HoldsForSeveralThreadsTogether) {
+TEST(MemoryLimit, HoldsAcrossThreads) {
   const OwnerLimit limit(1000);
   std::vector<std::thread> threads;
   std::atomic<uint64_t> given = 0;
@@ -247,8 +247,8 @@ TEST(MemoryLimit, HoldsForSeveralThreadsTogether) {
   EXPECT_GT(given, 0u);
 }
 
-// Just under 1 MiB asks for all that one request can be.
-TEST(MemoryLimit, BoundsWhatAMessageCanMakeDecodingAskFor) {
+// Just under 1 MiB requests the largest possible block.
+TEST(MemoryLimit, LimitsWhatAMessageCanAllocate) {
   ChildProcess small(peer({"amplify", "1000"}));
   EXPECT_EQ(small.readLine(), "4032 bytes: decoded, refused 0 times, peak 16572000");
   EXPECT_EQ(small.wait(), 0);
@@ -274,20 +274,20 @@ TEST(MemoryLimit, ComesFromTheEnvironment) {
   }
 }
 
-TEST(Memory, KeepsTheBooksOfMoreOwnersAndCallersThanItTellsApart) {
-  // In a process of its own, since no account is free afterwards.
+TEST(Memory, CountsMoreOwnersAndCallersThanAccounts) {
+  // In a separate process: no account is free afterwards.
   ChildProcess child(peer({"crowd", "100", "3000"}));
   const std::string text = child.readAll();
   EXPECT_EQ(child.wait(), 0);
-  const size_t end = text.find("all given back\n");
+  const size_t end = text.find("all freed\n");
   ASSERT_NE(end, std::string::npos) << text;
   const std::string taken = text.substr(0, end);
   EXPECT_NE(taken.find("other owners: "), std::string::npos) << taken;
   EXPECT_NE(taken.find(", other callers\n"), std::string::npos) << taken;
-  EXPECT_NE(taken.find("3000 blocks out\n"), std::string::npos) << taken;
+  EXPECT_NE(taken.find("3000 blocks in use\n"), std::string::npos) << taken;
   const std::string after = text.substr(end);
-  EXPECT_EQ(after.find("not given back"), std::string::npos) << after;
-  EXPECT_NE(after.find("\n0 blocks out\n"), std::string::npos) << after;
+  EXPECT_EQ(after.find("not freed"), std::string::npos) << after;
+  EXPECT_NE(after.find("\n0 blocks in use\n"), std::string::npos) << after;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Opening, attaching and closing nodes; hooks.
+// Opening, attaching and closing nodes. Registration of hooks.
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,12 +16,12 @@ namespace {
 class NodeLife : public NodeFixture {};
 using Registration = NodeLife;
 
-TEST_F(NodeLife, RefusesToSendBeforeAnyNodeIsOpen) {
+TEST_F(NodeLife, RejectsSendsWithoutAnOpenNode) {
   EXPECT_EQ(sendNotes(1, {"a"}), MESH_NOT_OPEN);
   EXPECT_STRNE(mesh_node_last_error(), "");
 }
 
-TEST_F(NodeLife, RefusesToSendAfterTheLastNodeClosed) {
+TEST_F(NodeLife, RejectsSendsAfterTheLastClose) {
   ASSERT_EQ(open(1).close(), MESH_OK);
   EXPECT_EQ(sendNotes(1, {"a"}), MESH_NOT_OPEN);
 }
@@ -54,7 +54,7 @@ TEST_F(NodeLife, SendsFromTheThreadsAttachedNode) {
   }
 }
 
-TEST_F(NodeLife, RefusesToSendFromAnAttachedNodeThatClosed) {
+TEST_F(NodeLife, RejectsSendsFromAClosedAttachedNode) {
   const OpenNode other = open(1);
   OpenNode node = open(2);
   ASSERT_EQ(mesh_node_attach(node), MESH_OK);
@@ -64,7 +64,7 @@ TEST_F(NodeLife, RefusesToSendFromAnAttachedNodeThatClosed) {
   EXPECT_EQ(sendNotes(1, {"a"}), MESH_OK);
 }
 
-TEST_F(NodeLife, KnowsAClosedNodesHandleNoMore) {
+TEST_F(NodeLife, RejectsAClosedHandle) {
   mesh_node* node = nullptr;
   ASSERT_EQ(mesh_node_open(1, nullptr, &node), MESH_OK);
   ASSERT_EQ(mesh_node_close(node), MESH_OK);
@@ -76,7 +76,7 @@ TEST_F(NodeLife, KnowsAClosedNodesHandleNoMore) {
   EXPECT_EQ(mesh_node_close(nullptr), MESH_NOT_OPEN);
 }
 
-TEST_F(NodeLife, RefusesArgumentsWithoutMeaning) {
+TEST_F(NodeLife, RejectsBadArguments) {
   EXPECT_EQ(mesh_node_open(1, nullptr, nullptr), MESH_BAD_ARGUMENT);
   const OpenNode node = open(1);
   EXPECT_EQ(mesh_node_stats(node, nullptr), MESH_BAD_ARGUMENT);
@@ -98,7 +98,7 @@ TEST_F(NodeLife, RefusesArgumentsWithoutMeaning) {
   EXPECT_EQ(resultOfOpening(2, options), MESH_BAD_ARGUMENT);
 }
 
-TEST_F(NodeLife, RefusesAnAddressThatALiveNodeHas) {
+TEST_F(NodeLife, RejectsAnAddressInUse) {
   const OpenNode node = open(7);
   EXPECT_EQ(resultOfOpening(7, defaults()), MESH_ADDRESS_IN_USE);
 
@@ -108,9 +108,9 @@ TEST_F(NodeLife, RefusesAnAddressThatALiveNodeHas) {
   EXPECT_EQ(resultOfOpening(7, inproc), MESH_ADDRESS_IN_USE);
 }
 
-TEST_F(NodeLife, TurnsASecondReceiverAway) {
+TEST_F(NodeLife, RejectsASecondReceiver) {
   const OpenNode node = open(1);
-  // The thread keeps receiving, so that sooner or later the test comes second.
+  // The thread keeps receiving, so the test will call at the same time.
   std::atomic<bool> done = false;
   std::thread first([&] {
     while (!done) {
@@ -127,7 +127,7 @@ TEST_F(NodeLife, TurnsASecondReceiverAway) {
   EXPECT_EQ(second, -MESH_BUSY);
 }
 
-TEST_F(NodeLife, IsNotClosedUnderAReceiver) {
+TEST_F(NodeLife, RejectsCloseDuringReceive) {
   const OpenNode node = open(1);
   ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
   struct Closing {
@@ -135,14 +135,14 @@ TEST_F(NodeLife, IsNotClosedUnderAReceiver) {
     mesh_result result;
   } closing{node, MESH_OK};
   const auto close = [](const mesh_received*, void* user) {
-    auto* wish = static_cast<Closing*>(user);
-    wish->result = mesh_node_close(wish->node);
+    auto* attempt = static_cast<Closing*>(user);
+    attempt->result = mesh_node_close(attempt->node);
   };
   ASSERT_EQ(mesh_node_receive(node, 10000, close, &closing), 1);
   EXPECT_EQ(closing.result, MESH_BUSY);
 }
 
-TEST_F(NodeLife, IsNotOpenInAForkedChild) {
+TEST_F(NodeLife, RejectsUseInAForkedChild) {
   const OpenNode node = open(1);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
@@ -158,11 +158,11 @@ TEST_F(NodeLife, IsNotOpenInAForkedChild) {
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(sendNotes(1, {"the parent's works on"}), MESH_OK);
+  EXPECT_EQ(sendNotes(1, {"from the parent"}), MESH_OK);
   EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
 }
 
-TEST_F(Registration, RefusesNullHooks) {
+TEST_F(Registration, RejectsNullHooks) {
   const mesh_unpack_hook unpack = [](const uint8_t*, uint32_t, void*) { return 0u; };
   const mesh_free_hook release = [](void*) {};
   EXPECT_EQ(MESH_RegIDLFuncHook(1, nullptr, release), uint32_t{MESH_BAD_ARGUMENT});
@@ -170,7 +170,7 @@ TEST_F(Registration, RefusesNullHooks) {
   EXPECT_EQ(MESH_RegIDLResorceCleanFuncHook(nullptr), uint32_t{MESH_BAD_ARGUMENT});
 }
 
-TEST_F(Registration, ReplacesAnEarlierOneOfTheIdentifier) {
+TEST_F(Registration, ReplacesAnEarlierRegistration) {
   const mesh_free_hook release = [](void*) {};
   const mesh_unpack_hook one = [](const uint8_t*, uint32_t, void*) { return 1u; };
   const mesh_unpack_hook two = [](const uint8_t*, uint32_t, void*) { return 2u; };
@@ -196,7 +196,7 @@ TEST_F(Registration, ReplacesAnEarlierOneOfTheIdentifier) {
 std::atomic<int> firstCleaned = 0;
 std::atomic<int> secondCleaned = 0;
 
-TEST_F(Registration, CallsEachCleanHookOnceWhenTheLastNodeCloses) {
+TEST_F(Registration, CallsEachCleanHookOnceAtTheLastClose) {
   const mesh_clean_hook first = [] { ++firstCleaned; };
   const mesh_clean_hook second = [] { ++secondCleaned; };
   ASSERT_EQ(MESH_RegIDLResorceCleanFuncHook(first), uint32_t{MESH_OK});
@@ -213,12 +213,12 @@ TEST_F(Registration, CallsEachCleanHookOnceWhenTheLastNodeCloses) {
   EXPECT_EQ(firstCleaned, 2);
 }
 
-// By the signal of a touched page, or (a sanitizer's report) by an exit code that is not 0.
-bool diedAtATrap(int status) {
+// By SIGSEGV, or with a sanitizer's nonzero exit code.
+bool diedAtTheGuardPage(int status) {
   return WIFSIGNALED(status) ? WTERMSIG(status) == SIGSEGV : WEXITSTATUS(status) != 0;
 }
 
-TEST_F(Registration, GivesDecodersAZeroedMebibyteThatEndsAtATrap) {
+TEST_F(Registration, GivesDecodersAZeroedMebibyteWithAGuardPage) {
   constexpr uint32_t areaSize = 1 << 20;
   const mesh_free_hook release = [](void*) {};
   const mesh_unpack_hook fill = [](const uint8_t*, uint32_t length, void* record) {
@@ -249,12 +249,12 @@ TEST_F(Registration, GivesDecodersAZeroedMebibyteThatEndsAtATrap) {
     static_cast<void>(sendNotes(1, {"over"}, 0, 0x2002));
     static_cast<void>(mesh_node_receive(node, 10000, nullptr, nullptr));
   };
-  // Nothing but the trap ends the child this way, and not before the decoder has the record. Under
-  // a sanitizer, which handles the signal itself, the child says so instead.
-  EXPECT_EXIT(overrun(), diedAtATrap, "decoding|SEGV");
+  // Only the guard page ends the child this way, after the decoder has the record. A sanitizer
+  // handles the signal and reports SEGV instead.
+  EXPECT_EXIT(overrun(), diedAtTheGuardPage, "decoding|SEGV");
 }
 
-TEST(ResultText, NamesEveryResultDifferently) {
+TEST(ResultText, IsDifferentForEachResult) {
   for (uint32_t one = 0; one <= MESH_BAD_CONFIGURATION; ++one) {
     for (uint32_t other = one + 1; other <= MESH_BAD_CONFIGURATION + 1; ++other) {
       EXPECT_STRNE(mesh_result_text(one), mesh_result_text(other));

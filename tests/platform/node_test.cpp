@@ -1,4 +1,4 @@
-// Nodes within one process, over both transports that need no configuration.
+// Nodes of one process, over both transports that need no configuration.
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -19,7 +19,7 @@ class Node : public NodeFixture, public ::testing::WithParamInterface<mesh_trans
 
 INSTANTIATE_TEST_SUITE_P(Transports, Node, bothTransports, transportName);
 
-TEST_P(Node, DeliversTheRecordsOfACallInOrder) {
+TEST_P(Node, DeliversRecordsInOrder) {
   const OpenNode sender = open(1, options());
   const OpenNode receiver = open(2, options());
   ASSERT_EQ(sendNotes(2, {"one", "two", "three"}), MESH_OK) << mesh_node_last_error();
@@ -28,14 +28,14 @@ TEST_P(Node, DeliversTheRecordsOfACallInOrder) {
   EXPECT_EQ(receiveNotes(receiver, 3), expected);
 }
 
-TEST_P(Node, PassesTheExtraWordOn) {
+TEST_P(Node, PassesTheExtraWord) {
   const OpenNode node = open(1, options());
   ASSERT_EQ(sendNotes(1, {"a"}, 0xFEDCBA9876543210), MESH_OK);
   const std::vector<Received> expected{{1, noteId, 0xFEDCBA9876543210, "a", 0}};
   EXPECT_EQ(receiveNotes(node, 1), expected);
 }
 
-TEST_P(Node, CarriesTablesOfSeveralTypesInOneCall) {
+TEST_P(Node, DeliversSeveralTypesInOneCall) {
   const OpenNode node = open(1, options());
   const char text[] = "abc";
   const auto at = reinterpret_cast<uintptr_t>(text);
@@ -46,7 +46,7 @@ TEST_P(Node, CarriesTablesOfSeveralTypesInOneCall) {
   EXPECT_EQ(receiveNotes(node, 3), expected);
 }
 
-TEST_P(Node, TakesTheBytesBeforeTheCallReturns) {
+TEST_P(Node, CopiesTablesBeforeReturning) {
   const OpenNode node = open(1, options());
   std::string text = "before";
   const mesh_msg_desc descriptor{reinterpret_cast<uintptr_t>(text.data()), noteId, 6};
@@ -57,7 +57,7 @@ TEST_P(Node, TakesTheBytesBeforeTheCallReturns) {
   EXPECT_EQ(notes[0].text, "before");
 }
 
-TEST_P(Node, SendsACallWithoutTables) {
+TEST_P(Node, AcceptsACallWithoutTables) {
   const OpenNode node = open(1, options());
   ASSERT_EQ(MESH_SendMsg(1, nullptr, 0), MESH_OK);
   EXPECT_EQ(receiveUntil(node, &mesh_node_statistics::received_calls, 1), 1u);
@@ -65,7 +65,7 @@ TEST_P(Node, SendsACallWithoutTables) {
   EXPECT_EQ(statisticsOf(node).malformed, 0u);
 }
 
-TEST_P(Node, CarriesEmptyTables) {
+TEST_P(Node, DeliversEmptyTables) {
   const OpenNode node = open(1, options());
   const mesh_msg_desc descriptor{0, noteId, 0};
   ASSERT_EQ(MESH_SendMsg(1, &descriptor, 1), MESH_OK);
@@ -73,16 +73,17 @@ TEST_P(Node, CarriesEmptyTables) {
   EXPECT_EQ(receiveNotes(node, 1), expected);
 }
 
-TEST_P(Node, FindsNoRemainsOfTheRecordBeforeInARecordLeftUntouched) {
+TEST_P(Node, ClearsTheRecordAreaBetweenRecords) {
   const OpenNode node = open(1, options());
-  // The second is left alone by its decoder; the release would free the first's copy again.
+  // The decoder leaves the second record untouched. With old bytes in it, the release would free
+  // the first copy again.
   ASSERT_EQ(sendNotes(1, {"full", "", "again"}), MESH_OK);
   const std::vector<Received> expected{
       {1, noteId, 0, "full", 0}, {1, noteId, 0, "", 0}, {1, noteId, 0, "again", 0}};
   EXPECT_EQ(receiveNotes(node, 3), expected);
 }
 
-TEST_P(Node, CarriesALargeCall) {
+TEST_P(Node, DeliversALargeCall) {
   const OpenNode node = open(1, options());
   const std::string large(3 << 20, 'x');
   ASSERT_EQ(sendNotes(1, {large, "end"}), MESH_OK);
@@ -98,13 +99,13 @@ TEST_P(Node, DecodesWithoutAHandler) {
   EXPECT_EQ(mesh_node_receive(node, 10000, nullptr, nullptr), 2);
 }
 
-TEST_P(Node, ReturnsZeroWhenTheTimePasses) {
+TEST_P(Node, ReturnsZeroAtTimeout) {
   const OpenNode node = open(1, options());
   EXPECT_EQ(mesh_node_receive(node, 20, nullptr, nullptr), 0);
   EXPECT_EQ(mesh_node_receive(node, 0, nullptr, nullptr), 0);
 }
 
-TEST_P(Node, CanBeReopenedAtOnceAndHearsOnlyWhatIsNew) {
+TEST_P(Node, ReopensAtOnceWithoutOldCalls) {
   OpenNode first = open(2, options());
   const OpenNode sender = open(1, options());
   ASSERT_EQ(sendNotes(2, {"old"}), MESH_OK);
@@ -112,7 +113,7 @@ TEST_P(Node, CanBeReopenedAtOnceAndHearsOnlyWhatIsNew) {
   for (int round = 0; round < 5; ++round) {
     ASSERT_EQ(first.close(), MESH_OK);
     first = open(2, options());
-    // What was sent into the old connection's last moments is lost, and a sender may be told yes.
+    // A call sent just before the old connection ends may return MESH_OK and be lost.
     std::vector<Received> notes;
     const Deadline deadline;
     while (notes.empty() && !deadline.passed()) {
@@ -124,7 +125,7 @@ TEST_P(Node, CanBeReopenedAtOnceAndHearsOnlyWhatIsNew) {
   }
 }
 
-TEST_P(Node, CountsWhatItSendsAndReceives) {
+TEST_P(Node, CountsSentAndReceivedCalls) {
   const OpenNode sender = open(1, options());
   const OpenNode receiver = open(2, options());
   ASSERT_EQ(sendNotes(2, {"12", "345"}), MESH_OK);
@@ -144,7 +145,7 @@ TEST_P(Node, CountsWhatItSendsAndReceives) {
   EXPECT_EQ(received.sent_calls, 0u);
 }
 
-TEST_P(Node, KeepsEachThreadsOrderWhenSeveralSend) {
+TEST_P(Node, KeepsEachThreadsOrder) {
   constexpr uint32_t threads = 4;
   constexpr uint32_t calls = 200;
   const OpenNode sender = open(1, options());
@@ -172,7 +173,7 @@ TEST_P(Node, KeepsEachThreadsOrderWhenSeveralSend) {
   EXPECT_EQ(statisticsOf(receiver).duplicate_calls, 0u);
 }
 
-TEST_P(Node, HandsOverWhatWasSentBeforeItCloses) {
+TEST_P(Node, DeliversSentCallsOnClose) {
   const OpenNode receiver = open(2, options());
   OpenNode sender = open(1, options());
   ASSERT_EQ(mesh_node_attach(sender), MESH_OK);

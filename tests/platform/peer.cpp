@@ -1,16 +1,17 @@
-// The other process of the tests.
+// The tests' second process.
 //
-//   receive <address> <count>          receives so many notes and tells what it counted
-//   count <address>                    receives until its input ends and tells what it counted
-//   stream <address> <to> <notes a call>   sends without end, and waits to be killed
-//   hold <address>                     opens a node, never reads, and waits to be killed
-//   send <address> <to> <calls> <notes a call>
-//   log <lines> <burst>                writes log lines that may not all pass
-//   crowd <owners> <callers>           takes a block as each caller, gives it back, reports twice
-//   largest                            tells the largest block of 2^n MiB, up to 1024, that it gets
-//   amplify <items>                    decodes a message whose every item is four bytes
+//   receive <address> <count>          receives `count` notes, prints its counters
+//   count <address>                    receives until its input ends, prints its counters
+//   stream <address> <to> <notes>      sends calls of `notes` notes until it is killed
+//   hold <address>                     opens a node and never receives, until it is killed
+//   send <address> <to> <calls> <notes>
+//                                      sends `calls` calls of `notes` notes
+//   log <lines> <burst>                writes log lines, some above the limit
+//   crowd <owners> <callers>           allocates and frees a block per caller, reports twice
+//   largest                            prints the largest block of 2^n MiB (up to 1024) it gets
+//   amplify <items>                    decodes a message with four bytes per item
 //
-// Each tells "ready" when its node is open. The exit code is the result of what it did.
+// Each prints "ready" when its node is open. The exit code is the result.
 #include <poll.h>
 #include <unistd.h>
 
@@ -35,7 +36,7 @@ uint32_t number(const char* text) {
   return static_cast<uint32_t>(std::strtoul(text, nullptr, 0));
 }
 
-mesh_node* openAndTell(const char* address, const mesh_node_options* options) {
+mesh_node* openAndReport(const char* address, const mesh_node_options* options) {
   mesh_node* node = nullptr;
   const mesh_result result = mesh_node_open(number(address), options, &node);
   if (result != MESH_OK) {
@@ -49,7 +50,7 @@ mesh_node* openAndTell(const char* address, const mesh_node_options* options) {
 
 int receive(const char* address, const char* count) {
   registerNotes();
-  mesh_node* node = openAndTell(address, nullptr);
+  mesh_node* node = openAndReport(address, nullptr);
   const std::vector<Received> notes = receiveNotes(node, number(count));
   const mesh_node_statistics counted = statisticsOf(node);
   std::printf("notes %zu lost %" PRIu64 " missed %" PRIu64 "\n", notes.size(), counted.lost_calls,
@@ -59,7 +60,7 @@ int receive(const char* address, const char* count) {
 
 int count(const char* address) {
   registerNotes();
-  mesh_node* node = openAndTell(address, nullptr);
+  mesh_node* node = openAndReport(address, nullptr);
   pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
   while (poll(&input, 1, 0) == 0) {
     static_cast<void>(mesh_node_receive(node, 50, nullptr, nullptr));
@@ -74,7 +75,7 @@ int count(const char* address) {
 }
 
 int stream(const char* address, const char* to, const char* notes) {
-  openAndTell(address, nullptr);
+  openAndReport(address, nullptr);
   const std::vector<std::string> texts(number(notes), std::string(100, 'n'));
   while (sendNotes(number(to), texts) == MESH_OK) {
   }
@@ -85,14 +86,14 @@ int stream(const char* address, const char* to, const char* notes) {
 int hold(const char* address) {
   mesh_node_options options;
   mesh_node_options_default(&options);
-  openAndTell(address, &options);
+  openAndReport(address, &options);
   for (;;) {
     pause();
   }
 }
 
 int send(const char* address, const char* to, const char* calls, const char* notes) {
-  mesh_node* node = openAndTell(address, nullptr);
+  mesh_node* node = openAndReport(address, nullptr);
   for (uint32_t call = 0; call < number(calls); ++call) {
     std::vector<std::string> texts;
     for (uint32_t i = 0; i < number(notes); ++i) {
@@ -117,7 +118,7 @@ int log(const char* lines, const char* burst) {
 
 void report() {
   const uint64_t out = ddm_osal_memory_report(stdout);
-  std::printf("%" PRIu64 " blocks out\n", out);
+  std::printf("%" PRIu64 " blocks in use\n", out);
 }
 
 int crowd(const char* owners, const char* callers) {
@@ -134,7 +135,7 @@ int crowd(const char* owners, const char* callers) {
   for (size_t i = 0; i < blocks.size(); ++i) {
     DDM_OsalMemFree(blocks[i], static_cast<uint32_t>(i % number(owners)), "crowd");
   }
-  std::puts("all given back");
+  std::puts("all freed");
   report();
   return 0;
 }
@@ -150,12 +151,13 @@ int largest() {
   return 0;
 }
 
-// A message of l2vpn_cfg_query_dfx_rec whose items are all one table without fields.
+// A message of l2vpn_cfg_query_dfx_rec. All its items are the same table without fields.
 std::string manyItemsOfOneTable(uint32_t count) {
   std::string bytes = littleEndian(12, 4) + littleEndian(8, 2) + littleEndian(8, 2) +
                       littleEndian(0, 2) + littleEndian(4, 2) + littleEndian(8, 4) +
                       littleEndian(4, 4) + littleEndian(count, 4);
-  // Each word counts from itself to the table: 4 bytes of vtable lie between the last and it.
+  // Each word is the distance to the table. The 4-byte vtable lies between the last word and the
+  // table.
   for (uint32_t item = 0; item < count; ++item) {
     bytes += littleEndian(4 * (count - item) + 4, 4);
   }
@@ -206,6 +208,6 @@ int main(int argc, char** argv) {
   if (command == "amplify" && argc == 3) {
     return amplify(argv[2]);
   }
-  std::fputs("no such command\n", stderr);
+  std::fputs("unknown command\n", stderr);
   return 100;
 }

@@ -10,7 +10,7 @@ namespace {
 
 class Processes : public NodeFixture {};
 
-TEST_F(Processes, SendToOneAnother) {
+TEST_F(Processes, SendToEachOther) {
   const OpenNode node = open(1);
   ChildProcess receiver(peer({"receive", "2", "3"}));
   ASSERT_EQ(receiver.readLine(), "ready");
@@ -20,7 +20,7 @@ TEST_F(Processes, SendToOneAnother) {
   EXPECT_EQ(receiver.wait(), 0);
 }
 
-TEST_F(Processes, HandOverEverythingBeforeTheyEnd) {
+TEST_F(Processes, DeliverEverythingBeforeExit) {
   const OpenNode node = open(1);
   ChildProcess sender(peer({"send", "2", "1", "50", "20"}));
   EXPECT_EQ(receiveNotes(node, 1000).size(), 1000u);
@@ -30,7 +30,7 @@ TEST_F(Processes, HandOverEverythingBeforeTheyEnd) {
   EXPECT_EQ(statisticsOf(node).missed_before_first, 0u);
 }
 
-TEST_F(Processes, MayComeInAnyOrder) {
+TEST_F(Processes, StartInAnyOrder) {
   ChildProcess sender(peer({"send", "2", "1", "1", "1"}));
   ASSERT_EQ(sender.readLine(), "ready");
   const OpenNode node = open(1);
@@ -43,11 +43,11 @@ TEST_F(Processes, CannotShareAnAddress) {
   ASSERT_EQ(holder.readLine(), "ready");
   EXPECT_EQ(resultOfOpening(7, defaults()), MESH_ADDRESS_IN_USE);
   ChildProcess rival(peer({"receive", "7", "1"}));
-  EXPECT_NE(rival.readLine().find("held by a live node"), std::string::npos);
+  EXPECT_NE(rival.readLine().find("in use by a live node"), std::string::npos);
   EXPECT_EQ(rival.wait(), MESH_ADDRESS_IN_USE);
 }
 
-TEST_F(Processes, LeaveTheirAddressFreeWhenTheyCrash) {
+TEST_F(Processes, FreeTheirAddressOnCrash) {
   ChildProcess holder(peer({"hold", "7"}));
   ASSERT_EQ(holder.readLine(), "ready");
   holder.kill();
@@ -57,7 +57,7 @@ TEST_F(Processes, LeaveTheirAddressFreeWhenTheyCrash) {
   EXPECT_EQ(receiveNotes(successor, 1).size(), 1u);
 }
 
-TEST_F(Processes, LeaveTheirAddressFreeWhenTheyEnd) {
+TEST_F(Processes, FreeTheirAddressOnExit) {
   for (int round = 0; round < 3; ++round) {
     const OpenNode node = open(1);
     ChildProcess receiver(peer({"receive", "7", "1"}));
@@ -67,7 +67,7 @@ TEST_F(Processes, LeaveTheirAddressFreeWhenTheyEnd) {
   }
 }
 
-TEST_F(Processes, LearnHowManyCallsDiedWithTheirPredecessor) {
+TEST_F(Processes, CountCallsLostWithAKilledPredecessor) {
   const OpenNode sender = open(1, impatient());
   ChildProcess killed(peer({"hold", "2"}));
   ASSERT_EQ(killed.readLine(), "ready");
@@ -76,11 +76,11 @@ TEST_F(Processes, LearnHowManyCallsDiedWithTheirPredecessor) {
   }
   killed.kill();
   killed.wait();
-  // Until the connection's end is known, further calls go the way of the first ten.
+  // Calls are lost in the same way until the sender notices the end of the connection.
   uint32_t result = MESH_OK;
   const Deadline deadline;
   while (result == MESH_OK && !deadline.passed()) {
-    result = sendNotes(2, {"nobody there"});
+    result = sendNotes(2, {"no receiver"});
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   EXPECT_EQ(result, uint32_t{MESH_NO_DESTINATION});

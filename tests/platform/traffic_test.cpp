@@ -1,5 +1,5 @@
-// Processes that die, stop and come back in the middle of traffic: nothing hangs past its timeouts,
-// nothing is lost that no counter tells.
+// Processes that are killed, stopped and restarted during traffic: sends end within their timeouts,
+// and every lost call is counted.
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -16,14 +16,14 @@ using std::chrono::steady_clock;
 
 class Traffic : public NodeFixture {
  protected:
-  // Whatever a send waits for ends within its timeouts; the rest is a busy machine's.
+  // A send ends within its timeouts. A busy machine may add some time.
   static void expectInTime(steady_clock::time_point start, const mesh_node_options& options) {
     const auto took = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
     EXPECT_LT(took.count(), options.connect_timeout_ms + options.send_timeout_ms + 3000);
   }
 };
 
-TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
+TEST_F(Traffic, ToAKilledReceiverIsDeliveredOrCounted) {
   const mesh_node_options options = impatient();
   const OpenNode sender = open(1, options);
   uint64_t failed = 0;
@@ -37,7 +37,7 @@ TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
   for (int round = 0; round < 4; ++round) {
     ChildProcess killed(peer({"count", "2"}));
     ASSERT_EQ(killed.readLine(), "ready");
-    // Killed by another thread, so that it happens within a call.
+    // Another thread kills it, so that it dies during a call.
     std::thread killer([&] {
       std::this_thread::sleep_for(milliseconds(60 + 7 * round));
       killed.kill();
@@ -50,7 +50,7 @@ TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
   ASSERT_EQ(last.readLine(), "ready");
   sendFor(milliseconds(200));
   ASSERT_EQ(sendNotes(2, {"the last"}), MESH_OK) << mesh_node_last_error();
-  last.endInput();
+  last.closeInput();
   const std::string told = last.readLine();
   uint64_t received = 0;
   uint64_t lost = 0;
@@ -62,7 +62,7 @@ TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
       << told;
   const mesh_node_statistics sent = statisticsOf(sender);
   EXPECT_GT(received, 1u);
-  EXPECT_GT(missed, 0u) << "what the killed ones had";
+  EXPECT_GT(missed, 0u) << "calls of the killed receivers";
   EXPECT_EQ(received + lost + missed, sent.sent_calls);
   EXPECT_EQ(lost, 0u);
   EXPECT_EQ(malformed, 0u);
@@ -70,7 +70,7 @@ TEST_F(Traffic, ToAReceiverKilledAndRestartedIsDeliveredOrCounted) {
   EXPECT_EQ(sent.failed_other, 0u);
 }
 
-TEST_F(Traffic, FromASenderKilledInABatchIsOfWholeBatches) {
+TEST_F(Traffic, FromAKilledSenderHasWholeCallsOnly) {
   const OpenNode receiver = open(1);
   uint64_t calls = 0;
   for (int round = 0; round < 6; ++round) {
@@ -81,7 +81,7 @@ TEST_F(Traffic, FromASenderKilledInABatchIsOfWholeBatches) {
     EXPECT_EQ(sender.wait(), -SIGKILL);
     int64_t delivered = 0;
     while ((delivered = mesh_node_receive(receiver, 100, nullptr, nullptr)) > 0) {
-      EXPECT_EQ(delivered, 500) << "all of a call or none";
+      EXPECT_EQ(delivered, 500) << "calls are delivered whole";
     }
     EXPECT_EQ(delivered, 0);
     EXPECT_GT(statisticsOf(receiver).received_calls, calls);
@@ -94,7 +94,7 @@ TEST_F(Traffic, FromASenderKilledInABatchIsOfWholeBatches) {
   EXPECT_EQ(counted.duplicate_calls, 0u);
 }
 
-TEST_F(Traffic, ToAReceiverThatStopsEndsInAFullQueueAndGoesOnAfterwards) {
+TEST_F(Traffic, ToAStoppedReceiverContinuesWhenItResumes) {
   mesh_node_options options = impatient();
   options.send_timeout_ms = 50;
   const OpenNode sender = open(1, options);
@@ -109,7 +109,7 @@ TEST_F(Traffic, ToAReceiverThatStopsEndsInAFullQueueAndGoesOnAfterwards) {
     ++accepted;
   }
   EXPECT_EQ(result, uint32_t{MESH_QUEUE_FULL}) << mesh_node_last_error();
-  // From here on nothing is kept of what is sent.
+  // The queue is full: refused calls must not use memory.
   const size_t before = residentMebibytes();
   for (int call = 0; call < 20; ++call) {
     const auto start = steady_clock::now();
@@ -117,23 +117,23 @@ TEST_F(Traffic, ToAReceiverThatStopsEndsInAFullQueueAndGoesOnAfterwards) {
     expectInTime(start, options);
   }
   if (!keepsFreedMemory) {
-    EXPECT_LT(residentMebibytes(), before + 64) << "of 160 MiB refused";
+    EXPECT_LT(residentMebibytes(), before + 64) << "160 MiB were refused";
   }
   EXPECT_EQ(statisticsOf(sender).failed_queue_full, 21u);
 
-  receiver.goOn();
+  receiver.resume();
   const Deadline deadline;
   while (sendNotes(2, {"room again"}) != MESH_OK && !deadline.passed()) {
   }
-  receiver.endInput();
+  receiver.closeInput();
   EXPECT_EQ(receiver.readLine(),
             "calls " + std::to_string(accepted + 1) + " lost 0 missed 0 malformed 0");
   EXPECT_EQ(receiver.wait(), 0);
 }
 
-TEST_F(Traffic, ThroughAThousandNodesLeavesNothingOpen) {
+TEST_F(Traffic, ThroughAThousandNodesLeaksNothing) {
   const OpenNode anchor = open(1);
-  // Ten nodes at a time, each sent to and closed; by turns over either transport.
+  // Opens ten nodes, sends to each and closes them. Alternates between the transports.
   const auto round = [&](uint32_t number) {
     mesh_node_options options = impatient();
     options.transport = number % 2 == 0 ? MESH_TRANSPORT_IPC : MESH_TRANSPORT_INPROC;
@@ -156,7 +156,7 @@ TEST_F(Traffic, ThroughAThousandNodesLeavesNothingOpen) {
   for (uint32_t number = 0; number < 90 && !HasFailure(); ++number) {
     round(number);
   }
-  // The transport closes what it no longer needs a moment later.
+  // ZeroMQ closes its descriptors a moment later.
   const Deadline deadline;
   while (openFiles() > files + 5 && !deadline.passed()) {
     std::this_thread::sleep_for(milliseconds(20));

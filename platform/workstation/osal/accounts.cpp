@@ -10,20 +10,20 @@ constinit std::array<CallerAccount, callerCapacity> callerAccounts{};
 
 namespace {
 
-// How far an entry may be from where its key would like it.
+// How many entries are tried for a key.
 constexpr size_t callerReach = 32;
 
 constexpr uint64_t spread(uint64_t value) {
   return (value * 0x9E3779B97F4A7C15u) >> 32;
 }
 
-// Walks the owner table from the key's place on, sparing the shared account.
+// The index to try at `step`. Skips the shared account.
 uint32_t placeOfOwner(uint32_t owner, size_t step) {
   return static_cast<uint32_t>(1 + (spread(owner) + step) % (ownerCapacity - 1));
 }
 
 bool isOf(const CallerAccount& account, uint32_t owner, const char* caller) {
-  // The text too: another library may have come to lie where an unloaded one was.
+  // Compare the text too: a new library may be loaded at the address of an unloaded one.
   return account.owner == owner && account.caller == caller &&
          std::strncmp(account.text, caller, sizeof account.text - 1) == 0;
 }
@@ -90,8 +90,8 @@ uint32_t callerAccountFor(uint32_t owner, const char* caller) {
     if (state == CallerAccount::Ready && isOf(account, owner, caller)) {
       return index;
     }
-    // An entry that another thread is making is passed by. Should it turn out to be the same, there
-    // are two of it, which the report adds up.
+    // Skip an entry that another thread is creating. If it has the same key, there will be two
+    // entries; the report adds them up.
     if (state == CallerAccount::Free &&
         account.state.compare_exchange_strong(state, CallerAccount::BeingMade,
                                               std::memory_order_relaxed)) {

@@ -1,5 +1,5 @@
-// The books of the allocator: one account an owner, one an owner and caller. The tables are of
-// fixed size and never locked; an entry, once made, stays.
+// The allocator's accounts: one per owner, and one per owner and caller. The tables have a fixed
+// size and no locks. An entry is never removed.
 #pragma once
 
 #include <array>
@@ -9,10 +9,10 @@
 
 namespace ddm {
 
-// What was taken and not given back.
+// Blocks that are allocated and not freed.
 class Balance {
  public:
-  // The bytes out afterwards.
+  // Returns the new number of bytes.
   uint64_t take(uint64_t bytes) {
     blocks_.fetch_add(1, std::memory_order_relaxed);
     return bytes_.fetch_add(bytes, std::memory_order_relaxed) + bytes;
@@ -29,7 +29,7 @@ class Balance {
   std::atomic<uint64_t> bytes_ = 0;
 };
 
-// On a cache line of its own, so that owners do not slow one another down.
+// On its own cache line: owners do not slow each other down.
 struct alignas(64) OwnerAccount {
   std::atomic<uint64_t> key = 0;  // the owner plus one; 0 while the account is free
   Balance out;
@@ -38,11 +38,11 @@ struct alignas(64) OwnerAccount {
   std::atomic<uint64_t> totalBytes = 0;
   std::atomic<uint64_t> refusals = 0;
 
-  // Books the bytes as out. False, and a refusal counted instead, when more than `limit` would be.
-  // Where threads meet at the limit, one that would have fitted may be refused too.
+  // Adds the bytes to the balance. Above `limit` it counts a refusal and returns false. When
+  // threads race at the limit, a request that fits may be refused too.
   [[nodiscard]] bool reserve(uint64_t bytes, uint64_t limit);
 
-  // The bytes that were reserved are a block now.
+  // Counts the reserved bytes as an allocated block.
   void noteTaken(uint64_t bytes);
 };
 
@@ -50,20 +50,20 @@ struct CallerAccount {
   enum State : uint32_t {
     Free,
     BeingMade,
-    Ready,  // the fields below are constant from now on
+    Ready,  // owner, caller and text no longer change
   };
 
   std::atomic<uint32_t> state = Free;
   uint32_t owner = 0;
   const char* caller = nullptr;
-  char text[72] = {};  // a copy, since the caller's library may be unloaded; cut when longer
+  char text[72] = {};  // a copy, cut if too long: the caller's library may be unloaded
   Balance out;
 };
 
 inline constexpr size_t ownerCapacity = 64;
 inline constexpr size_t callerCapacity = 2048;
 
-// The first entry of each table is shared by all that found no entry of their own.
+// The first entry of each table is shared by all that found no free entry.
 inline constexpr uint32_t sharedAccount = 0;
 
 extern std::array<OwnerAccount, ownerCapacity> ownerAccounts;
@@ -73,11 +73,11 @@ inline uint32_t indexOf(const OwnerAccount& account) {
   return static_cast<uint32_t>(&account - ownerAccounts.data());
 }
 
-// The index of the account, which is made when there is none.
+// The index of the account. Creates the account if there is none.
 uint32_t ownerAccountFor(uint32_t owner);
 uint32_t callerAccountFor(uint32_t owner, const char* caller);
 
-// As ownerAccountFor, but makes none: null when the owner never took memory.
+// As ownerAccountFor, but creates none: null when the owner never allocated.
 const OwnerAccount* findOwnerAccount(uint32_t owner);
 
 }  // namespace ddm

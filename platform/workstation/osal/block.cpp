@@ -3,9 +3,9 @@
 namespace ddm {
 namespace {
 
-// With the address in it, a mark means nothing in a copy of the block elsewhere.
+// Marks include the block's address. So a copy of the block elsewhere has no valid mark.
 constexpr uint64_t inUse = 0x6B636F6C42657375;
-constexpr uint64_t givenBack = 0x656E6F676B636F6C;
+constexpr uint64_t freed = 0x656E6F676B636F6C;
 
 }  // namespace
 
@@ -13,8 +13,8 @@ void markInUse(BlockHeader* header) {
   header->mark.store(inUse ^ reinterpret_cast<uintptr_t>(header), std::memory_order_relaxed);
 }
 
-// Kept from the sanitizers: looking at what may be no block, or one no longer ours, is the purpose.
-// clang's no_sanitize leaves atomics watched.
+// Not instrumented: this function must read memory that may be freed or not a block. clang's
+// no_sanitize still instruments atomics, so disable_sanitizer_instrumentation is needed too.
 #if __has_attribute(disable_sanitizer_instrumentation)
 __attribute__((disable_sanitizer_instrumentation))
 #endif
@@ -29,11 +29,11 @@ takeBack(void* bytes) {
       static_cast<const unsigned char*>(bytes) - sizeof(BlockHeader));
   const uint64_t address = reinterpret_cast<uintptr_t>(header);
   uint64_t found = inUse ^ address;
-  if (__atomic_compare_exchange_n(mark, &found, givenBack ^ address, false, __ATOMIC_ACQ_REL,
+  if (__atomic_compare_exchange_n(mark, &found, freed ^ address, false, __ATOMIC_ACQ_REL,
                                   __ATOMIC_RELAXED)) {
     return BlockState::InUse;
   }
-  return found == (givenBack ^ address) ? BlockState::GivenBack : BlockState::Foreign;
+  return found == (freed ^ address) ? BlockState::Freed : BlockState::Foreign;
 }
 
 }  // namespace ddm

@@ -1,4 +1,4 @@
-// A block of memory as the allocator hands it out: a header, then the caller's bytes.
+// A block of the allocator: a header, then the caller's bytes.
 #pragma once
 
 #include <atomic>
@@ -13,8 +13,8 @@ struct alignas(alignof(std::max_align_t)) BlockHeader {
   uint32_t ownerAccount;
   uint32_t callerAccount;
   uint32_t unused;
-  // Tells a block in use from one given back and from anything else. It stands last: freed memory
-  // is written to at its start first, and the mark may outlive that.
+  // Distinguishes a block in use, a freed block and anything else. It comes last because malloc
+  // overwrites the start of freed memory first.
   std::atomic<uint64_t> mark;
 };
 
@@ -22,7 +22,7 @@ static_assert(sizeof(BlockHeader) == 32 && offsetof(BlockHeader, mark) == 24);
 
 enum class BlockState {
   InUse,
-  GivenBack,
+  Freed,
   Foreign,
 };
 
@@ -36,8 +36,8 @@ inline BlockHeader* headerOf(void* bytes) {
 
 void markInUse(BlockHeader* header);
 
-// What the pointer was, seen from the bytes before it. A block in use is marked as given back: of
-// two threads that give it back only one is told that it was in use.
+// The block's state, read from the header before `bytes`. Marks a block in use as freed: if two
+// threads free it, only one gets InUse.
 [[nodiscard]] BlockState takeBack(void* bytes);
 
 }  // namespace ddm

@@ -1,4 +1,4 @@
-// The mark of a function that the shared object exports; everything else is hidden.
+// Marks a function that the shared object exports. All others are hidden.
 #pragma once
 
 #define DDM_OSAL_EXPORT extern "C" [[gnu::visibility("default")]]

@@ -1,4 +1,4 @@
-// Misuse of the allocator, counted.
+// Counts errors of the allocator's callers.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// The log writer: one readable line a report on the standard error.
+// The log writer: one line per call, on standard error.
 #include <unistd.h>
 
 #include <cerrno>
@@ -17,12 +17,12 @@
 namespace ddm {
 namespace {
 
-// Short enough for a pipe to take it in one piece.
+// A pipe takes this many bytes atomically.
 constexpr size_t lineSize = 1024;
 
 class Limit {
  public:
-  // Whether a line may pass; `suppressed` is then how many could not since the last that did.
+  // Whether a line may pass. If so, `suppressed` is the number of lines suppressed before it.
   [[nodiscard]] bool pass(uint64_t& suppressed) {
     const std::lock_guard lock(mutex_);
     if (!bucket_.take(TokenBucket::Clock::now())) {
@@ -44,14 +44,14 @@ class Limit {
   }
 
  private:
-  std::mutex mutex_;  // guards both
+  std::mutex mutex_;  // guards the members below
   TokenBucket bucket_{100, 200};
   uint64_t suppressed_ = 0;
 };
 
 constinit Limit limit;
 
-// A line under construction; what does not fit is cut.
+// Builds a line. Cuts text that does not fit.
 class Line {
  public:
   Line() {
@@ -79,8 +79,8 @@ class Line {
     }
   }
 
-  // In one call, so that lines of several threads and processes do not mix. Nobody is left to tell
-  // when it fails.
+  // Writes the line with one call, so that lines of different threads and processes do not mix.
+  // Ignores errors: there is nowhere to report them.
   void write() {
     for (size_t i = 0; i < used_; ++i) {
       if (static_cast<unsigned char>(text_[i]) < ' ') {
@@ -102,7 +102,7 @@ class Line {
 void writeSuppressed(uint64_t count) {
   if (count > 0) {
     Line line;
-    line.append("%llu messages suppressed", static_cast<unsigned long long>(count));
+    line.append("%llu lines suppressed", static_cast<unsigned long long>(count));
     line.write();
   }
 }

@@ -19,13 +19,13 @@ constinit Faults faults;
 
 namespace {
 
-// The owner that decodes messages, and the only one the cache is meant for.
+// The owner that decodes messages. Only this owner uses the cache.
 constexpr uint32_t decodingOwner = 12;
 
 constexpr uint64_t mebibyte = uint64_t{1} << 20;
 constexpr uint64_t usualLimit = 256 * mebibyte;
 
-// $DDM_OSAL_OWNER_LIMIT_MIB; what is not a number leaves the usual limit.
+// $DDM_OSAL_OWNER_LIMIT_MIB, or the usual limit if it is not a number.
 uint64_t limitByEnvironment() {
   const char* wish = std::getenv("DDM_OSAL_OWNER_LIMIT_MIB");
   uint32_t number = 0;
@@ -40,8 +40,8 @@ uint64_t limitByEnvironment() {
   return number == 0 ? UINT64_MAX : number * mebibyte;
 }
 
-// What one owner may have out. Read when first asked for: other libraries may take memory while
-// they are loaded.
+// The limit of each owner. Read at the first request: other libraries may allocate while they are
+// loaded.
 constexpr uint64_t notRead = 0;
 constinit std::atomic<uint64_t> ownerLimit = notRead;
 
@@ -49,7 +49,7 @@ uint64_t currentLimit() {
   uint64_t limit = ownerLimit.load(std::memory_order_relaxed);
   if (limit == notRead) {
     const uint64_t read = limitByEnvironment();
-    // Unless someone has just set another.
+    // Unless another thread has just set it.
     if (ownerLimit.compare_exchange_strong(limit, read, std::memory_order_relaxed)) {
       return read;
     }
@@ -59,7 +59,7 @@ uint64_t currentLimit() {
 
 void* take(uint32_t size, uint32_t owner, const char* caller) {
   OwnerAccount& account = ownerAccounts[ownerAccountFor(owner)];
-  // Before the system is asked, so that what is over the limit is not even tried.
+  // Check the limit before calling malloc.
   if (!account.reserve(size, currentLimit())) {
     return nullptr;
   }
@@ -88,9 +88,9 @@ void* take(uint32_t size, uint32_t owner, const char* caller) {
 
 void giveBack(void* block, uint32_t owner, const char* caller) {
   switch (takeBack(block)) {
-    case BlockState::GivenBack:
+    case BlockState::Freed:
       faults.doubleFree.fetch_add(1, std::memory_order_relaxed);
-      return report(block, owner, caller, "given back twice");
+      return report(block, owner, caller, "freed twice");
     case BlockState::Foreign:
       faults.foreignFree.fetch_add(1, std::memory_order_relaxed);
       return report(block, owner, caller, "not a block of this allocator");
@@ -100,7 +100,7 @@ void giveBack(void* block, uint32_t owner, const char* caller) {
   BlockHeader* const header = headerOf(block);
   if (header->owner != owner) {
     faults.wrongOwner.fetch_add(1, std::memory_order_relaxed);
-    report(block, owner, caller, "given back under another owner");
+    report(block, owner, caller, "freed under another owner");
   }
   ownerAccounts[header->ownerAccount].out.giveBack(header->size);
   callerAccounts[header->callerAccount].out.giveBack(header->size);
@@ -115,7 +115,7 @@ DDM_OSAL_EXPORT void* DDM_OsalMemAlloc(uint32_t size, uint32_t owner, const char
 }
 
 DDM_OSAL_EXPORT void* DDM_OsalMemCacheAlloc(uint32_t size, uint32_t owner, const char* caller) {
-  // The system's allocator caches small blocks by itself.
+  // malloc already caches small blocks.
   return ddm::take(size, owner, caller);
 }
 

@@ -1,4 +1,4 @@
-// Questions about the allocator's books.
+// Reports of the allocator's accounts.
 #include <map>
 #include <string>
 #include <utility>
@@ -47,12 +47,13 @@ uint64_t reportOwners(FILE* to) {
     }
     blocksOut += usage.blocks_out;
     const std::string name = ownerName(account.key.load(std::memory_order_relaxed));
-    std::fprintf(to, "%s: %llu blocks of %llu bytes out, peak %llu bytes; in all %llu of %llu\n",
-                 name.c_str(), number(usage.blocks_out), number(usage.bytes_out),
-                 number(usage.peak_bytes_out), number(usage.total_blocks),
-                 number(usage.total_bytes));
+    std::fprintf(
+        to,
+        "%s: %llu blocks (%llu bytes) in use, peak %llu bytes, total %llu blocks (%llu bytes)\n",
+        name.c_str(), number(usage.blocks_out), number(usage.bytes_out),
+        number(usage.peak_bytes_out), number(usage.total_blocks), number(usage.total_bytes));
     if (usage.refusals != 0) {
-      std::fprintf(to, "%s: refused %llu times for its limit\n", name.c_str(),
+      std::fprintf(to, "%s: %llu requests refused at the limit\n", name.c_str(),
                    number(usage.refusals));
     }
   }
@@ -60,7 +61,7 @@ uint64_t reportOwners(FILE* to) {
 }
 
 void reportCallers(FILE* to) {
-  // One text may stand in several accounts, each with an address of its own.
+  // Several accounts may have the same text, at different addresses.
   std::map<std::pair<uint32_t, std::string>, Left> byCaller;
   for (const CallerAccount& account : callerAccounts) {
     if (account.state.load(std::memory_order_acquire) == CallerAccount::Ready) {
@@ -71,13 +72,13 @@ void reportCallers(FILE* to) {
   }
   for (const auto& [caller, left] : byCaller) {
     if (left.blocks != 0) {
-      std::fprintf(to, "not given back: %llu blocks of %llu bytes, owner 0x%X, caller %s\n",
+      std::fprintf(to, "not freed: %llu blocks (%llu bytes), owner 0x%X, caller %s\n",
                    number(left.blocks), number(left.bytes), caller.first, caller.second.c_str());
     }
   }
   const Balance& others = callerAccounts[sharedAccount].out;
   if (others.blocks() != 0) {
-    std::fprintf(to, "not given back: %llu blocks of %llu bytes, other callers\n",
+    std::fprintf(to, "not freed: %llu blocks (%llu bytes), other callers\n",
                  number(others.blocks()), number(others.bytes()));
   }
 }

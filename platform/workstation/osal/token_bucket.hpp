@@ -1,4 +1,4 @@
-// Lets so many events through at once, and so many a second in the long run.
+// Limits events: a burst at once, and an average rate per second.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace ddm {
 
-// The caller sees to it that one thread at a time uses it.
+// For one thread at a time.
 class TokenBucket {
  public:
   using Clock = std::chrono::steady_clock;
@@ -31,7 +31,7 @@ class TokenBucket {
   double perSecond_;
   double burst_;
   double tokens_;
-  Clock::time_point filledAt_{};  // the first filling finds the bucket full
+  Clock::time_point filledAt_{};  // long ago: the first refill leaves the bucket full
 };
 
 }  // namespace ddm

@@ -13,7 +13,7 @@ thread_local char text[512];
 mesh_result fail(mesh_result result, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  // A text that does not fit is cut.
+  // vsnprintf cuts a text that is too long.
   static_cast<void>(std::vsnprintf(text, sizeof text, format, arguments));
   va_end(arguments);
   return result;

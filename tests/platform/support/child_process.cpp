@@ -40,7 +40,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, bool error
   input_ = input[1];
   if (error != 0) {
     close(output_);
-    endInput();
+    closeInput();
     throw std::runtime_error(arguments[0] + ": " + std::strerror(error));
   }
 }
@@ -51,7 +51,7 @@ ChildProcess::~ChildProcess() {
     wait();
   }
   close(output_);
-  endInput();
+  closeInput();
 }
 
 size_t ChildProcess::readSome(char* to, size_t most) {
@@ -86,7 +86,7 @@ void ChildProcess::kill() {
   ::kill(process_, SIGKILL);
 }
 
-void ChildProcess::endInput() {
+void ChildProcess::closeInput() {
   if (input_ >= 0) {
     close(std::exchange(input_, -1));
   }
@@ -98,7 +98,7 @@ void ChildProcess::stop() {
   waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED);
 }
 
-void ChildProcess::goOn() {
+void ChildProcess::resume() {
   ::kill(process_, SIGCONT);
 }
 

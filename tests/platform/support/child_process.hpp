@@ -1,4 +1,4 @@
-// Another program, run by a test.
+// Another program that a test runs.
 #pragma once
 
 #include <sys/types.h>
@@ -11,33 +11,34 @@ namespace platform_test {
 
 class ChildProcess {
  public:
-  // Starts the program with its standard output, and its standard error when `errors` is set, going
-  // to the test.
+  // Starts the program. The test reads its standard output, and also its standard error if `errors`
+  // is set.
   explicit ChildProcess(const std::vector<std::string>& arguments, bool errors = false);
-  // Kills it unless it was waited for.
+  // Kills the program unless wait() was called.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  // The next line of its output, without the end of line; empty at its end. Nothing is waited for
-  // longer than `patience`.
+  // The next line of output, without the newline. Empty at the end of the output. Each read waits
+  // at most `patience`.
   std::string readLine();
   std::string readAll();
 
   void kill();
-  // Nothing is ever written to its standard input; this ends it.
-  void endInput();
+  // Closes its standard input, which stays empty.
+  void closeInput();
   // SIGSTOP and SIGCONT.
   void stop();
-  void goOn();
+  void resume();
 
-  // Its exit code, or minus the signal that ended it: SIGKILL when it did not end by itself.
+  // The exit code, or the negated signal that ended it. Kills it if it does not end within
+  // `patience`.
   int wait();
 
  private:
   static constexpr std::chrono::seconds patience{60};
 
-  // The next bytes of its output; 0 at its end or when there are none in time.
+  // The next bytes of output. 0 at the end or after `patience`.
   size_t readSome(char* to, size_t most);
 
   pid_t process_ = -1;
@@ -45,7 +46,7 @@ class ChildProcess {
   int input_ = -1;
 };
 
-// The helper program of these tests, with its arguments.
+// The command line of the tests' second process (peer.cpp).
 std::vector<std::string> peer(const std::vector<std::string>& arguments);
 
 }  // namespace platform_test

@@ -18,7 +18,7 @@ inline sockaddr_in loopback(uint16_t port) {
   return address;
 }
 
-// One that was free a moment ago.
+// A port that is currently free.
 inline uint16_t freePort() {
   const int file = socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address = loopback(0);

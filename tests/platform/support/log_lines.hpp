@@ -1,4 +1,4 @@
-// What the log writer wrote.
+// The lines that the log writer wrote.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ inline std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-// What the standard error was given. Starts with the log's limit as it is by default, full.
+// The lines that `body` writes to standard error, with the default log limit, unused.
 template <typename Body>
 std::vector<std::string> logged(Body&& body) {
   ddm_osal_log_limit(100, 200);

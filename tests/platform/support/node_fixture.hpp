@@ -1,4 +1,4 @@
-// What the tests of nodes start from: a private directory, registered hooks, nodes that close.
+// The fixture of tests with nodes: a private directory, registered hooks, nodes that close.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 
 namespace platform_test {
 
-// By when a loop that waits for something gives up.
+// The time limit of a waiting loop.
 class Deadline {
  public:
   bool passed() const { return std::chrono::steady_clock::now() > end_; }
@@ -25,7 +25,7 @@ class Deadline {
       std::chrono::steady_clock::now() + std::chrono::seconds(30);
 };
 
-// An open node; converts to its handle.
+// An open node. Converts to its handle.
 class OpenNode {
  public:
   explicit OpenNode(mesh_node* node = nullptr) : node_(node) {}
@@ -53,7 +53,7 @@ inline mesh_node_options defaults() {
   return options;
 }
 
-// As the defaults, but nothing is waited for long.
+// The defaults with short timeouts.
 inline mesh_node_options impatient(mesh_transport transport = MESH_TRANSPORT_IPC) {
   mesh_node_options options = defaults();
   options.transport = transport;
@@ -63,7 +63,7 @@ inline mesh_node_options impatient(mesh_transport transport = MESH_TRANSPORT_IPC
   return options;
 }
 
-// For suites that run over each transport that needs no configuration.
+// For suites over both transports that need no configuration.
 inline const auto bothTransports = ::testing::Values(MESH_TRANSPORT_IPC, MESH_TRANSPORT_INPROC);
 
 inline std::string transportName(const ::testing::TestParamInfo<mesh_transport>& suite) {
@@ -76,7 +76,7 @@ class NodeFixture : public ::testing::Test {
     setenv("ZARNIMESH_RUNTIME_DIR", directory_.path().c_str(), 1);
     unsetenv("ZARNIMESH_ADDRESS_BOOK");
     registerNotes();
-    // The attachment to a closed node outlives it.
+    // An earlier test may have left the thread attached to a closed node.
     EXPECT_EQ(mesh_node_attach(nullptr), MESH_OK);
   }
   ~NodeFixture() override { EXPECT_EQ(notesOut(), 0) << "a record was not released"; }

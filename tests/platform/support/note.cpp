@@ -13,7 +13,7 @@ std::atomic<int64_t> out = 0;
 constexpr std::chrono::seconds patience{10};
 
 uint32_t unpackNote(const uint8_t* data, uint32_t length, void* record) {
-  // As a decoder that finds too few bytes, it leaves the record alone.
+  // Leaves the record untouched, as a decoder that rejects a short table does.
   if (length > 0) {
     auto* note = static_cast<Note*>(record);
     note->length = length;

@@ -1,4 +1,4 @@
-// What this process uses of the system.
+// This process's use of system resources.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace platform_test {
 
-// Sanitizers keep what was freed for a while, to see it used.
+// Sanitizers keep freed memory for a while to detect later use.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool keepsFreedMemory = true;
 #elif defined(__has_feature)

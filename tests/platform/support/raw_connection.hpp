@@ -1,5 +1,5 @@
-// A tcp connection that speaks the transport's protocol (ZMTP 3.0, without security) by hand: it
-// can begin a message and never end it, which the transport's own senders cannot.
+// A tcp connection that implements ZeroMQ's protocol (ZMTP 3.0 without security). It can begin a
+// message and never end it, which ZeroMQ's own sockets cannot.
 #pragma once
 
 #include <poll.h>
@@ -18,21 +18,21 @@ class RawConnection {
   explicit RawConnection(uint16_t port) : file_(socket(AF_INET, SOCK_STREAM, 0)) {
     const sockaddr_in address = loopback(port);
     if (connect(file_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-      throw std::runtime_error("nobody listens");
+      throw std::runtime_error("no listener");
     }
     const std::string greeting =
         std::string("\xFF\0\0\0\0\0\0\0\x01\x7F\x03\0NULL", 16) + std::string(48, '\0');
     const std::string ready = std::string("\x05READY\x0BSocket-Type\0\0\0\x04PUSH", 26);
     send(greeting + std::string(1, '\x04') + static_cast<char>(ready.size()) + ready);
-    // Before the other side is ready too it takes no message.
+    // The other side accepts messages only after its own handshake.
     awaitBytes(greeting.size() + 2 + ready.size());
   }
   ~RawConnection() { close(file_); }
   RawConnection(const RawConnection&) = delete;
   RawConnection& operator=(const RawConnection&) = delete;
 
-  // A part that more are to follow, or the last. False when the other side has ended the
-  // connection, or has taken nothing for seconds.
+  // Sends a part. `more` says that another part follows. False when the peer has closed the
+  // connection, or has read nothing for five seconds.
   bool sendPart(const std::string& bytes, bool more) {
     std::string head(1, more ? '\x03' : '\x02');
     for (int shift = 56; shift >= 0; shift -= 8) {

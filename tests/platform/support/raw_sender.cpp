@@ -9,12 +9,12 @@
 namespace platform_test {
 
 KeyPair newKeyPair() {
-  char open[41];
-  char secret[41];
-  if (zmq_curve_keypair(open, secret) != 0) {
+  char publicKey[41];
+  char secretKey[41];
+  if (zmq_curve_keypair(publicKey, secretKey) != 0) {
     throw std::runtime_error(zmq_strerror(zmq_errno()));
   }
-  return {open, secret};
+  return {publicKey, secretKey};
 }
 
 std::string littleEndian(uint64_t value, size_t width) {
@@ -41,13 +41,13 @@ RawSender::RawSender(const std::string& endpoint)
   }
 }
 
-RawSender::RawSender(const std::string& endpoint, const std::string& serversOpenKey,
+RawSender::RawSender(const std::string& endpoint, const std::string& serverPublicKey,
                      const KeyPair& own)
     : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_PUSH)) {
-  forget();
-  if (zmq_setsockopt(socket_, ZMQ_CURVE_SERVERKEY, serversOpenKey.data(), 40) != 0 ||
-      zmq_setsockopt(socket_, ZMQ_CURVE_PUBLICKEY, own.open.data(), 40) != 0 ||
-      zmq_setsockopt(socket_, ZMQ_CURVE_SECRETKEY, own.secret.data(), 40) != 0 ||
+  discardUnsent();
+  if (zmq_setsockopt(socket_, ZMQ_CURVE_SERVERKEY, serverPublicKey.data(), 40) != 0 ||
+      zmq_setsockopt(socket_, ZMQ_CURVE_PUBLICKEY, own.publicKey.data(), 40) != 0 ||
+      zmq_setsockopt(socket_, ZMQ_CURVE_SECRETKEY, own.secretKey.data(), 40) != 0 ||
       zmq_connect(socket_, endpoint.c_str()) != 0) {
     throw std::runtime_error(endpoint + ": " + zmq_strerror(zmq_errno()));
   }
@@ -58,7 +58,7 @@ RawSender::~RawSender() {
   zmq_ctx_term(context_);
 }
 
-void RawSender::forget() {
+void RawSender::discardUnsent() {
   const int none = 0;
   zmq_setsockopt(socket_, ZMQ_LINGER, &none, sizeof none);
 }

@@ -1,4 +1,4 @@
-// Sends a node whatever bytes a test likes, past the middleware.
+// Sends arbitrary bytes to a node, without the middleware.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace platform_test {
 
-// The header of a call, field by field as it travels.
+// The header of a call, in wire order.
 struct RawHeader {
   std::string magic = "ZMSH";
   uint16_t version = 1;
@@ -26,10 +26,10 @@ struct RawHeader {
 
 std::string littleEndian(uint64_t value, size_t width);
 
-// CURVE keys in Z85.
+// A CURVE key pair in Z85.
 struct KeyPair {
-  std::string open;
-  std::string secret;
+  std::string publicKey;
+  std::string secretKey;
 };
 
 KeyPair newKeyPair();
@@ -37,18 +37,18 @@ KeyPair newKeyPair();
 class RawSender {
  public:
   explicit RawSender(const std::string& endpoint);
-  // Connects with keys. What was not delivered when it is destroyed is forgotten.
-  RawSender(const std::string& endpoint, const std::string& serversOpenKey, const KeyPair& own);
+  // Connects with keys, and with discardUnsent().
+  RawSender(const std::string& endpoint, const std::string& serverPublicKey, const KeyPair& own);
   ~RawSender();
   RawSender(const RawSender&) = delete;
   RawSender& operator=(const RawSender&) = delete;
 
-  // Lets what is not delivered go when it is destroyed, instead of waiting.
-  void forget();
+  // Makes the destructor drop undelivered messages instead of waiting.
+  void discardUnsent();
 
   void send(const std::vector<std::string>& parts);
 
-  // A well-formed call of one note.
+  // Sends a well-formed call with one note.
   void sendNote(RawHeader header, const std::string& text);
 
  private:

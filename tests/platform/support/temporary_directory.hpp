@@ -1,4 +1,4 @@
-// A directory of a test's own, gone with it.
+// A temporary directory. Its destructor removes it.
 #pragma once
 
 #include <cstdlib>

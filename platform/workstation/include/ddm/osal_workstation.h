@@ -1,5 +1,5 @@
-/* What the workstation's host services offer beyond ddm/osal.h: questions about memory, and the log
- * writer's limit. All functions may be called from any thread. */
+/* The workstation's host services beyond ddm/osal.h: memory statistics, and the limits of memory
+ * and log. All functions are thread-safe. */
 #ifndef DDM_OSAL_WORKSTATION_H
 #define DDM_OSAL_WORKSTATION_H
 
@@ -10,43 +10,44 @@
 extern "C" {
 #endif
 
-/* Blocks and bytes as they were asked for, without the allocator's own overhead. */
+/* Blocks and bytes as requested, without the allocator's overhead. */
 typedef struct ddm_osal_memory_usage {
-  uint64_t blocks_out; /* taken and not given back */
+  uint64_t blocks_out; /* allocated and not freed */
   uint64_t bytes_out;
   uint64_t peak_bytes_out;
-  uint64_t total_blocks; /* taken since the process started */
+  uint64_t total_blocks; /* allocated since the process started */
   uint64_t total_bytes;
-  uint64_t refusals; /* requests that would have passed the owner's limit */
+  uint64_t refusals; /* requests above the owner's limit */
 } ddm_osal_memory_usage;
 
-/* Misuse seen so far; each case is also reported to the log. */
+/* Errors of callers so far. Each is also logged. */
 typedef struct ddm_osal_memory_faults {
-  uint64_t wrong_owner;  /* given back under another owner: freed, booked to the true one */
+  uint64_t wrong_owner;  /* freed under another owner: freed, and subtracted from the true owner */
   uint64_t double_free;  /* ignored */
-  uint64_t foreign_free; /* a pointer that is no block of ours: ignored */
+  uint64_t foreign_free; /* not a block of this allocator: ignored */
 } ddm_osal_memory_faults;
 
-/* The owner's usage; all zero when it never took memory. Returns 0, or 1 when `out` is null. The
- * figures are read one by one while other threads may take and give back. The first 63 owners are
- * told apart, later ones share one account, which any of them is answered with. */
+/* Writes the owner's usage to `*out`: zeros when the owner never allocated. Returns 0, or 1 when
+ * `out` is null. The figures are not one snapshot: other threads may change them meanwhile. The
+ * first 63 owners have an account each. All later owners share one, and each of them gets its
+ * figures. */
 uint32_t ddm_osal_memory_usage_get(uint32_t owner, ddm_osal_memory_usage* out);
 
-/* Returns 0, or 1 when `out` is null. */
+/* Writes the counts to `*out`. Returns 0, or 1 when `out` is null. */
 uint32_t ddm_osal_memory_faults_get(ddm_osal_memory_faults* out);
 
-/* Writes to `to` what each owner used and, by owner and caller text, what was not given back.
- * Returns the number of blocks not given back. */
+/* Writes each owner's usage to `to`, then the blocks that are not freed, by owner and caller.
+ * Returns the number of those blocks. */
 uint64_t ddm_osal_memory_report(FILE* to);
 
-/* Sets how many bytes (at least 1) each owner may have out at once; a request that would pass that
- * is answered with null. The default is 256 MiB, or as many MiB as $DDM_OSAL_OWNER_LIMIT_MIB says
- * at the first request, where 0 stands for no limit. */
+/* Limits the bytes that each owner may hold at once (at least 1). A request above the limit returns
+ * null. The default is $DDM_OSAL_OWNER_LIMIT_MIB, read at the first request, where 0 means no
+ * limit; without that variable it is 256 MiB. */
 void ddm_osal_owner_limit(uint64_t bytes);
 
-/* Lets `per_second` log lines through in the long run and `burst` at once; burst at least 1. Lines
- * beyond that are counted, and the count is written when there is room again or at exit. The
- * default is 100 and 200. */
+/* Limits the log to `burst` lines at once (at least 1) and `per_second` lines on average. Further
+ * lines are only counted. The count is written when lines pass again, or at exit. The defaults are
+ * 100 per second and a burst of 200. */
 void ddm_osal_log_limit(uint32_t per_second, uint32_t burst);
 
 #ifdef __cplusplus

@@ -1,0 +1,42 @@
+#include "zarnimesh/node/record_area.hpp"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace zarnimesh {
+namespace {
+
+size_t pageSize() {
+  return static_cast<size_t>(sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace
+
+mesh_result RecordArea::map() {
+  // Map all pages without access, then make all but the guard page accessible.
+  void* mapped = mmap(nullptr, size + pageSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapped == MAP_FAILED) {
+    return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));
+  }
+  data_ = mapped;
+  if (mprotect(data_, size, PROT_READ | PROT_WRITE) != 0) {
+    return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));
+  }
+  return MESH_OK;
+}
+
+void RecordArea::clear(size_t recordSize) {
+  std::memset(data_, 0, std::min(recordSize, size));
+}
+
+RecordArea::~RecordArea() {
+  if (data_ != nullptr) {
+    munmap(data_, size + pageSize());
+  }
+}
+
+}  // namespace zarnimesh

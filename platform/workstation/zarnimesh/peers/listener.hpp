@@ -1,0 +1,45 @@
+// A node's bound socket, and its exclusive claim to the endpoint.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "zarnimesh/configuration/settings.hpp"
+#include "zarnimesh/transport/address_lock.hpp"
+#include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/socket.hpp"
+
+namespace zarnimesh {
+
+// For one thread at a time. Opened and closed once.
+class Listener {
+ public:
+  ~Listener() { close(); }
+
+  // Claims the endpoint of `address` and binds to it.
+  [[nodiscard]] mesh_result open(std::shared_ptr<Context> context, const Settings& settings,
+                                 uint32_t address);
+
+  // Releases the endpoint. Any process can then bind to it at once.
+  void close();
+
+  Socket& socket() { return socket_; }
+  const Endpoint& endpoint() const { return endpoint_; }
+
+ private:
+  [[nodiscard]] mesh_result claim();
+  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
+  [[nodiscard]] mesh_result listenOnIpc();
+  [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);
+  void stopListening();
+
+  std::shared_ptr<Context> context_;
+  Endpoint endpoint_;
+  std::string bound_;                   // as passed to zmq_bind; empty when not bound
+  std::optional<uint64_t> generation_;  // inproc
+  AddressLock lock_;                    // ipc
+  std::string domain_;                  // tcp with keys: names the keys that may connect
+  Socket socket_;
+};
+
+}  // namespace zarnimesh

@@ -1,0 +1,44 @@
+#include "zarnimesh/transport/inproc_table.hpp"
+
+namespace zarnimesh {
+
+InprocTable& InprocTable::instance() {
+  // Never destroyed: a thread may still send while the process exits.
+  static InprocTable& table = *new InprocTable;
+  return table;
+}
+
+std::optional<uint64_t> InprocTable::add(const std::string& name) {
+  const std::lock_guard lock(mutex_);
+  if (!generations_.emplace(name, latest_ + 1).second) {
+    return std::nullopt;
+  }
+  ++latest_;
+  added_.notify_all();
+  return latest_;
+}
+
+void InprocTable::remove(const std::string& name) {
+  const std::lock_guard lock(mutex_);
+  generations_.erase(name);
+}
+
+std::optional<uint64_t> InprocTable::find(const std::string& name) {
+  const std::lock_guard lock(mutex_);
+  const auto found = generations_.find(name);
+  if (found == generations_.end()) {
+    return std::nullopt;
+  }
+  return found->second;
+}
+
+void InprocTable::waitFor(const std::string& name, std::chrono::milliseconds atMost) {
+  std::unique_lock lock(mutex_);
+  added_.wait_for(lock, atMost, [&] { return generations_.contains(name); });
+}
+
+std::string InprocTable::boundEndpoint(const std::string& name, uint64_t generation) {
+  return "inproc://zarnimesh/" + name + "#" + std::to_string(generation);
+}
+
+}  // namespace zarnimesh
