@@ -8,17 +8,17 @@
 
 #include <sstream>
 
-#include "capture_file.hpp"
-#include "codec.hpp"
-#include "explanation.hpp"
-#include "failure.hpp"
-#include "hex_text.hpp"
-#include "html_page.hpp"
+#include "bytes/failure.hpp"
+#include "bytes/hex_text.hpp"
+#include "captures/capture_file.hpp"
 #include "input.hpp"
-#include "raw_table.hpp"
-#include "record_json.hpp"
-#include "tools/dumps.hpp"
-#include "tools/library_reader.hpp"
+#include "json/raw_table.hpp"
+#include "json/record_json.hpp"
+#include "messages/codec.hpp"
+#include "texts/explanation.hpp"
+#include "texts/html_page.hpp"
+#include "tool/bytes/dumps.hpp"
+#include "tool/reader/library_reader.hpp"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "commands/commands.hpp"
-#include "printable.hpp"
+#include "texts/printable.hpp"
 
 namespace {
 

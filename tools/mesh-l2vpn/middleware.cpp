@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "failure.hpp"
-#include "messages.hpp"
+#include "bytes/failure.hpp"
+#include "messages/messages.hpp"
 
 namespace tool {
 namespace {

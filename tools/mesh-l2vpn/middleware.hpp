@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "traffic.hpp"
+#include "captures/traffic.hpp"
 #include "zarnimesh/mesh.h"
 #include "zarnimesh/node.h"
 

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <iostream>
 
-#include "printable.hpp"
+#include "texts/printable.hpp"
 
 namespace tool {
 

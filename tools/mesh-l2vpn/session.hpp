@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "failure.hpp"
+#include "bytes/failure.hpp"
 
 namespace tool {
 

@@ -3,7 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "byte_text.hpp"
+#include "bytes/byte_text.hpp"
 
 namespace tool {
 

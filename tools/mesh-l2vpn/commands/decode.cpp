@@ -2,15 +2,15 @@
 
 #include <iostream>
 
-#include "capture_file.hpp"
-#include "codec.hpp"
+#include "captures/capture_file.hpp"
 #include "commands/byte_text_option.hpp"
 #include "commands/commands.hpp"
 #include "commands/input_options.hpp"
+#include "json/raw_table.hpp"
+#include "json/record_json.hpp"
+#include "messages/codec.hpp"
 #include "progress.hpp"
-#include "raw_table.hpp"
-#include "record_json.hpp"
-#include "table_reader.hpp"
+#include "reader/table_reader.hpp"
 
 namespace tool {
 namespace {

@@ -2,13 +2,13 @@
 
 #include <iostream>
 
-#include "codec.hpp"
 #include "commands/commands.hpp"
 #include "commands/input_options.hpp"
-#include "difference.hpp"
-#include "message_choice.hpp"
-#include "table_reader.hpp"
-#include "text_table.hpp"
+#include "commands/message_choice.hpp"
+#include "messages/codec.hpp"
+#include "reader/table_reader.hpp"
+#include "texts/difference.hpp"
+#include "texts/text_table.hpp"
 
 namespace tool {
 namespace {

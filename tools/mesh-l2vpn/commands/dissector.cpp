@@ -1,6 +1,6 @@
 // dissector: captures in Wireshark.
 
-#include "dissector.hpp"
+#include "captures/dissector.hpp"
 
 #include <iostream>
 

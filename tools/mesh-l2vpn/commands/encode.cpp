@@ -4,12 +4,12 @@
 
 #include <iostream>
 
-#include "codec.hpp"
+#include "bytes/hex.hpp"
+#include "bytes/input.hpp"
 #include "commands/byte_text_option.hpp"
 #include "commands/commands.hpp"
-#include "hex.hpp"
-#include "input.hpp"
-#include "record_json.hpp"
+#include "json/record_json.hpp"
+#include "messages/codec.hpp"
 
 namespace tool {
 namespace {

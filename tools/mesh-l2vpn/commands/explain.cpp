@@ -4,10 +4,10 @@
 
 #include "commands/commands.hpp"
 #include "commands/input_options.hpp"
-#include "explanation.hpp"
-#include "html_page.hpp"
-#include "message_choice.hpp"
-#include "table_reader.hpp"
+#include "commands/message_choice.hpp"
+#include "reader/table_reader.hpp"
+#include "texts/explanation.hpp"
+#include "texts/html_page.hpp"
 
 namespace tool {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "bytes/input.hpp"
 #include "commands/checks.hpp"
-#include "input.hpp"
 
 namespace tool {
 

@@ -1,6 +1,6 @@
 // record: what arrives at a node, into a capture.
 
-#include "capture_file.hpp"
+#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
 #include "commands/talk_options.hpp"
 #include "progress.hpp"

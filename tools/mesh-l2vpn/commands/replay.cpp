@@ -2,11 +2,11 @@
 
 #include <thread>
 
-#include "../catalogue/catalogue.hpp"
-#include "capture_file.hpp"
+#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
 #include "commands/talk_options.hpp"
 #include "progress.hpp"
+#include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
 namespace {

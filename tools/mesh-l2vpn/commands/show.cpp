@@ -2,10 +2,10 @@
 
 #include <iostream>
 
-#include "../catalogue/catalogue.hpp"
 #include "commands/commands.hpp"
-#include "description.hpp"
-#include "text_table.hpp"
+#include "json/description.hpp"
+#include "texts/text_table.hpp"
+#include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <iostream>
 
-#include "capture_file.hpp"
+#include "captures/capture_file.hpp"
+#include "captures/statistics.hpp"
 #include "commands/commands.hpp"
 #include "progress.hpp"
-#include "statistics.hpp"
-#include "text_table.hpp"
+#include "texts/text_table.hpp"
 
 namespace tool {
 namespace {

@@ -4,8 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 
+#include "bytes/interruption.hpp"
 #include "commands/checks.hpp"
-#include "interruption.hpp"
 #include "middleware.hpp"
 
 namespace tool {

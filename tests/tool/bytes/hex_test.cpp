@@ -1,0 +1,30 @@
+// Digits, two a byte.
+
+#include <gtest/gtest.h>
+
+#include "bytes/failure.hpp"
+#include "bytes/hex.hpp"
+
+namespace tool {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+const Bytes four{0x10, 0x00, 0xAB, 0xff};
+
+TEST(Hex, WritesTwoDigitsAByte) {
+  EXPECT_EQ(toHex(four), "1000abff");
+}
+
+TEST(Hex, ReadsWhatItWrites) {
+  EXPECT_EQ(fromHex("1000ABff"), four);
+}
+
+TEST(Hex, RefusesHalfAByteAndOtherLetters) {
+  EXPECT_THROW(fromHex("100"), Failure);
+  EXPECT_THROW(fromHex("1g"), Failure);
+  EXPECT_THROW(fromHex("10 0"), Failure);
+}
+
+}  // namespace
+}  // namespace tool

@@ -1,0 +1,49 @@
+// The library's reader, which the one that explains must agree with, and what every reading is.
+#pragma once
+
+#include "host/serial_env.hpp"
+#include "messages/codec.hpp"
+#include "reader/table_reader.hpp"
+#include "wire/reader.hpp"
+
+namespace tool {
+
+// Whether the library takes the message.
+inline bool libraryAccepts(const Message& message, std::span<const uint8_t> bytes) {
+  static mesh::host::serial_env env;
+  if (bytes.size() < 4) {
+    return false;
+  }
+  using Buffer = mesh::wire::Buffer<mesh::host::ByteOrder::Host>;
+  OwnedRecord record(message);
+  const bool isAccepted =
+      mesh::wire::decodeTable(
+          env, message.record(), Buffer{bytes.data(), static_cast<uint32_t>(bytes.size())},
+          record.data(), loadAs<uint32_t>(bytes.data())) == mesh::wire::Decoded::Yes;
+  record.setUnpacked();
+  return isAccepted;
+}
+
+// What is wrong with a reading, whatever was read: a byte that has no meaning, one that is not
+// there, a fault without a text. Empty when nothing is.
+inline std::string unsoundness(const Reading& reading, std::span<const uint8_t> bytes) {
+  uint64_t end = 0;
+  for (const Range& range : reading.ranges) {
+    if (range.at > end) {
+      return "byte " + std::to_string(end) + " has no meaning";
+    }
+    end = std::max<uint64_t>(end, uint64_t{range.at} + range.size);
+  }
+  if (end != bytes.size()) {
+    return std::to_string(end) + " bytes have a meaning, of " + std::to_string(bytes.size());
+  }
+  for (const Fault& fault : reading.faults) {
+    if (fault.text.empty() || uint64_t{fault.at} + fault.size > bytes.size()) {
+      return "a fault at byte " + std::to_string(fault.at) + " of " + std::to_string(bytes.size()) +
+             ": '" + fault.text + "'";
+    }
+  }
+  return "";
+}
+
+}  // namespace tool

@@ -1,0 +1,34 @@
+// What differs between two messages, by field and by byte.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "json/record_json.hpp"
+#include "reader/reading.hpp"
+
+namespace tool {
+
+// One member of two JSON values; the text of one that is not there is empty.
+struct FieldDifference {
+  std::string path;
+  std::string one;
+  std::string other;
+};
+
+std::vector<FieldDifference> fieldDifferences(const Json& one, const Json& other);
+
+// A run of differing bytes inside one range of the first message.
+struct ByteDifference {
+  uint32_t at;
+  std::string one;  // hexadecimal
+  std::string other;
+  std::string meaning;  // "f1.f6 value"
+};
+
+// Of the bytes that both have.
+std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
+                                            std::span<const uint8_t> other,
+                                            const Reading& readingOfOne);
+
+}  // namespace tool
