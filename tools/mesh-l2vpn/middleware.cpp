@@ -166,8 +166,8 @@ void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, ui
   }
 }
 
-uint32_t passingAddress() {
-  return 0xF0000000 | static_cast<uint32_t>(getpid());
+uint32_t sendingAddress(uint32_t wanted) {
+  return wanted != 0 ? wanted : 0xF0000000 | static_cast<uint32_t>(getpid());
 }
 
 }  // namespace tool

@@ -54,7 +54,7 @@ class Node {
   uint64_t missedSoFar_ = 0;
 };
 
-// The address of a node that only sends, different in every process.
-uint32_t passingAddress();
+// The address of a node that only sends: the wanted one; for 0 one that differs in every process.
+uint32_t sendingAddress(uint32_t wanted);
 
 }  // namespace tool

@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "commands/input_options.hpp"
 #include "commands/message_choice.hpp"
 #include "messages/codec.hpp"
 #include "reader/table_reader.hpp"
@@ -12,12 +11,6 @@
 
 namespace tool {
 namespace {
-
-struct Options {
-  InputOptions input;  // its file is the first
-  std::string other;
-  bool isJson = false;
-};
 
 struct Side {
   Bytes bytes;
@@ -89,15 +82,17 @@ Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDi
   return json;
 }
 
-void run(const Options& options, Session& session) {
-  if (options.input.file == "-" && options.other == "-") {
+}  // namespace
+
+void runDiff(const DiffOptions& options, Session& session) {
+  if (options.file == "-" && options.second == "-") {
     throw Failure(Exit::Usage, "the standard input cannot be both messages");
   }
-  Bytes first = options.input.read();
-  Bytes second = readBytes(options.other, options.input.form());
-  const Message& message = chooseMessage(options.input.message, first, session);
-  const Side one = readSide(options.input.file, message, std::move(first), session);
-  const Side other = readSide(options.other, message, std::move(second), session);
+  Bytes first = readBytes(options.file, options.form);
+  Bytes second = readBytes(options.second, options.form);
+  const Message& message = chooseMessage(options.message, first, session);
+  const Side one = readSide(options.file, message, std::move(first), session);
+  const Side other = readSide(options.second, message, std::move(second), session);
   const auto fields = fieldDifferences(one.record, other.record);
   const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
   if (options.isJson) {
@@ -111,25 +106,6 @@ void run(const Options& options, Session& session) {
   }
   const bool isSame = fields.empty() && bytes.empty() && one.bytes.size() == other.bytes.size();
   session.result = isSame ? Exit::Success : Exit::BadInput;
-}
-
-}  // namespace
-
-void addDiff(CLI::App& app, Session& session) {
-  CLI::App* const command =
-      app.add_subcommand("diff", "What differs between two messages, by field and by byte");
-  const auto options = makeOptions<Options>();
-  command->add_option("-m,--message", options->input.message, "Name or identifier")
-      ->check(notEmpty());
-  command->add_option("FIRST", options->input.file, "Bytes, or their hexadecimal text")->required();
-  command->add_option("SECOND", options->other, "The same")->required();
-  options->input.addFormTo(*command);
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer(
-      "Exit status 0 when they are the same, faults and all; 1 when they differ, or receivers\n"
-      "reject one. Long values are shortened; --json has them whole.\n\n"
-      "Example:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool

@@ -8,14 +8,8 @@
 #include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
-namespace {
 
-struct Options {
-  std::string service;
-  bool isJson = false;
-};
-
-void run(const Options& options, const Session& session) {
+void runList(const ListOptions& options, Session& session) {
   Json all = Json::array();
   TextTable table(
       {"message", "identifier", "service", "sent", "record", "compact", "fixed", "fingerprint"});
@@ -31,18 +25,6 @@ void run(const Options& options, const Session& session) {
     all.push_back(facts);
   }
   std::cout << (options.isJson ? all.dump(2) + '\n' : table.text(session));
-}
-
-}  // namespace
-
-void addList(CLI::App& app, Session& session) {
-  CLI::App* const command = app.add_subcommand("list", "The messages, with identifiers and sizes");
-  const auto options = makeOptions<Options>();
-  command->add_option("--service", options->service, "Of one service alone")
-      ->check(CLI::IsMember({"l2vpn_cfg", "l2vpn_stat", "l2vpn_sync"}));
-  command->add_flag("--json", options->isJson, "As a JSON array");
-  command->footer("Examples:\n  mesh-l2vpn list --service l2vpn_cfg\n  mesh-l2vpn list --json");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool

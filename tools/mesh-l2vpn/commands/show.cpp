@@ -10,11 +10,6 @@
 namespace tool {
 namespace {
 
-struct Options {
-  std::string message;
-  bool isJson = false;
-};
-
 std::string cell(const Json& value) {
   return value.is_null() ? "-" : value.is_string() ? value.get<std::string>() : value.dump();
 }
@@ -46,18 +41,10 @@ std::string textOf(const Message& message, const Session& session) {
 
 }  // namespace
 
-void addShow(CLI::App& app, Session& session) {
-  CLI::App* const command = app.add_subcommand("show", "One message: identity, sizes, slots");
-  const auto options = makeOptions<Options>();
-  command->add_option("MESSAGE", options->message, "Name or identifier")->required();
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer(
-      "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
-  command->callback([options, &session] {
-    const Message& message = messageNamed(options->message);
-    std::cout << (options->isJson ? describeWithSlots(message).dump(2) + '\n'
-                                  : textOf(message, session));
-  });
+void runShow(const ShowOptions& options, Session& session) {
+  const Message& message = messageNamed(options.message);
+  std::cout << (options.isJson ? describeWithSlots(message).dump(2) + '\n'
+                               : textOf(message, session));
 }
 
 }  // namespace tool

@@ -11,11 +11,6 @@
 namespace tool {
 namespace {
 
-struct Options {
-  std::string file;
-  bool isJson = false;
-};
-
 Json jsonOf(const Count& count, double seconds) {
   return {{"tables", count.tables},
           {"bytes", count.bytes},
@@ -109,7 +104,9 @@ void printJson(const Statistics& statistics, const CaptureReader& reader) {
   std::cout << json.dump(2) << '\n';
 }
 
-void run(const Options& options, Session& session) {
+}  // namespace
+
+void runStat(const StatOptions& options, Session& session) {
   CaptureReader reader(options.file);
   Statistics statistics;
   {
@@ -125,18 +122,6 @@ void run(const Options& options, Session& session) {
     printText(statistics, reader, session);
   }
   reader.throwFault();
-}
-
-}  // namespace
-
-void addStat(CLI::App& app, Session& session) {
-  CLI::App* const command =
-      app.add_subcommand("stat", "What a capture holds, by message: counts, bytes, rates, rejects");
-  const auto options = makeOptions<Options>();
-  command->add_option("FILE", options->file, "A capture; - for the standard input")->required();
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer("Example:\n  mesh-l2vpn stat night.pcapng");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool
