@@ -5,22 +5,17 @@
 #include <string_view>
 
 #include "bytes/failure.hpp"
+#include "texts/ink.hpp"
 
 namespace tool {
-
-enum class Ink : uint8_t { Plain, Bold, Dim, Red, Green, Yellow, Blue, Magenta, Cyan };
 
 struct Session {
   bool isQuiet = false;
   std::string color = "auto";  // auto, always, never
   Exit result = Exit::Success;
 
-  // Whether the standard output is to be coloured: when it is a terminal and NO_COLOR is not set,
-  // unless told otherwise.
-  [[nodiscard]] bool hasColor() const;
-
-  // The text, coloured where colours are wanted.
-  [[nodiscard]] std::string ink(Ink ink, std::string_view text) const;
+  // "auto" colours text for a terminal, unless NO_COLOR is set.
+  [[nodiscard]] Colors colors() const;
 
   // To the standard error, unless quiet: what a command found, as far as it is not its output.
   void say(const std::string& text) const;

@@ -18,7 +18,7 @@ constexpr uint64_t start = 1'700'000'000'000'000'000;
 constexpr uint64_t interval = 1'000'000;  // nanoseconds
 constexpr size_t samplesOfEach = 12;
 
-Bytes sample(const Message& message, size_t number, bool isDamaged, std::mt19937_64& random) {
+Bytes sample(const KnownMessage& message, size_t number, bool isDamaged, std::mt19937_64& random) {
   const model::Message& type = model::message(std::string(message.name));
   const model::RecordImage image(
       type, model::randomValue(type, random, static_cast<model::Density>(number % 3)));
@@ -32,7 +32,7 @@ void write(const char* file, uint64_t count, bool isDamaged) {
   std::mt19937_64 random(count);
   std::vector<std::pair<uint32_t, Bytes>> samples;
   for (size_t number = 0; number < samplesOfEach; ++number) {
-    for (const Message& message : messages()) {
+    for (const KnownMessage& message : messages()) {
       samples.emplace_back(message.data->id, sample(message, number, isDamaged, random));
     }
   }

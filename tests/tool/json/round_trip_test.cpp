@@ -17,7 +17,7 @@ constexpr int recordsOfEach = 1000;
 
 class RoundTrip : public testing::TestWithParam<const char*> {};
 
-std::string jsonOf(const Message& message, const uint8_t* record) {
+std::string jsonOf(const KnownMessage& message, const uint8_t* record) {
   return toJson(message.record(), record).dump();
 }
 
@@ -30,7 +30,7 @@ Bytes written(const model::WrittenBytes& bytes) {
 }
 
 TEST_P(RoundTrip, ThroughJsonLosesNothing) {
-  const Message& message = messageNamed(GetParam());
+  const KnownMessage& message = messageNamed(GetParam());
   const model::Message& type = model::message(GetParam());
   std::mt19937_64 random(message.data->id);
   for (int round = 0; round < recordsOfEach; ++round) {
@@ -58,7 +58,7 @@ TEST_P(RoundTrip, ThroughJsonLosesNothing) {
 
 std::vector<const char*> names() {
   std::vector<const char*> all;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     all.push_back(message.name.data());
   }
   return all;

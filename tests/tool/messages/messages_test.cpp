@@ -13,7 +13,7 @@ TEST(Messages, AreEightyFive) {
 }
 
 TEST(Messages, AreFoundByNameAndByIdentifier) {
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     EXPECT_EQ(&messageNamed(message.name), &message);
     EXPECT_EQ(&messageNamed(std::to_string(message.data->id)), &message);
     EXPECT_EQ(findById(message.data->id), &message);

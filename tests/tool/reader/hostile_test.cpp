@@ -6,14 +6,14 @@
 
 #include <sstream>
 
-#include "session.hpp"
+#include "bytes/failure.hpp"
 #include "texts/explanation.hpp"
 #include "tool/reader/library_reader.hpp"
 
 namespace tool {
 namespace {
 
-const Message& list() {
+const KnownMessage& list() {
   return messageNamed("l2vpn_cfg_query_dfx_rec");
 }
 
@@ -52,7 +52,7 @@ TEST(HostileMessage, ContentsThatItemsShareAreShownWholeOnce) {
   const Reading reading = readTable(list(), bytes);
   EXPECT_EQ(reading.faults.size(), items);
   std::ostringstream out;
-  explain(reading, bytes, true, Session(), out);
+  explain(reading, bytes, true, Colors(), out);
   const std::string text = out.str();
   EXPECT_NE(text.find("bytes that stand above"), std::string::npos);
   EXPECT_EQ(text.find("bytes more"), std::string::npos);

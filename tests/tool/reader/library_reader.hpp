@@ -9,7 +9,7 @@
 namespace tool {
 
 // Whether the library takes the message.
-inline bool libraryAccepts(const Message& message, std::span<const uint8_t> bytes) {
+inline bool libraryAccepts(const KnownMessage& message, std::span<const uint8_t> bytes) {
   static mesh::host::serial_env env;
   if (bytes.size() < 4) {
     return false;

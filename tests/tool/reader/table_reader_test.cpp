@@ -28,7 +28,7 @@ std::vector<std::string> faultTexts(const Verdict& verdict) {
 class ReaderAgreement : public testing::TestWithParam<const char*> {};
 
 TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
-  const Message& message = messageNamed(GetParam());
+  const KnownMessage& message = messageNamed(GetParam());
   const model::Message& type = model::message(GetParam());
   std::mt19937_64 random(message.data->id);
   const int rounds = message.record().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
@@ -63,7 +63,7 @@ TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
 
 std::vector<const char*> names() {
   std::vector<const char*> all;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     all.push_back(message.name.data());
   }
   return all;
@@ -113,8 +113,8 @@ struct Schema {
   mesh::wire::Record record;
   mesh::msg::Message data{&record, 1, {}};
 
-  [[nodiscard]] Message message() const {
-    Message message{};
+  [[nodiscard]] KnownMessage message() const {
+    KnownMessage message{};
     message.data = &data;
     message.freeUnpacked = [](void*) {};
     return message;

@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-const Message& list() {
+const KnownMessage& list() {
   return messageNamed("l2vpn_cfg_query_dfx_rec");
 }
 

@@ -12,7 +12,6 @@
 #include "bytes/failure.hpp"
 #include "bytes/hex_text.hpp"
 #include "bytes/interruption.hpp"
-#include "captures/capture_file.hpp"
 
 namespace tool {
 namespace {
@@ -119,6 +118,11 @@ size_t InputFile::read(void* to, size_t size) {
 std::string readAll(const std::string& file) {
   InputFile opened(file);
   return readAll(opened);
+}
+
+bool isCapture(InputFile& file) {
+  // The same in both byte orders.
+  return file.goesOnWith("\x0A\x0D\x0D\x0A");
 }
 
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {

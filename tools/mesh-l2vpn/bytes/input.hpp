@@ -49,6 +49,9 @@ class InputFile {
 // The whole of a file, or of the standard input for "-".
 std::string readAll(const std::string& file);
 
+// Whether a file begins as a capture (pcapng) does.
+bool isCapture(InputFile& file);
+
 // A message's bytes from a file. Fails for a capture, unless its form is said to be binary.
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form);
 std::vector<uint8_t> readBytes(const std::string& file, InputForm form);

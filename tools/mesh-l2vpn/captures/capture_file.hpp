@@ -111,7 +111,4 @@ class CaptureReader {
   uint64_t otherPackets_ = 0;
 };
 
-// Whether a file begins as a capture does.
-bool isCapture(InputFile& file);
-
 }  // namespace tool

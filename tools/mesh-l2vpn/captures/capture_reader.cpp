@@ -244,9 +244,4 @@ std::optional<Table> CaptureReader::next() {
   return table;
 }
 
-bool isCapture(InputFile& file) {
-  // The same in both byte orders.
-  return file.goesOnWith("\x0A\x0D\x0D\x0A");
-}
-
 }  // namespace tool

@@ -56,7 +56,7 @@ std::string dissector() {
   std::set<std::string> known;
   std::string records;
   std::string identifiers;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     appendRecord(message.record(), known, records);
     identifiers.append("  [").append(catalogue::hex(message.data->id)).append("] = \"");
     identifiers.append(message.name).append("\",\n");

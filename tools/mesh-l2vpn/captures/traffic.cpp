@@ -6,6 +6,7 @@
 
 #include "bytes/hex.hpp"
 #include "messages/codec.hpp"
+#include "reader/own_encoding.hpp"
 #include "reader/table_reader.hpp"
 #include "tools/catalogue/catalogue.hpp"
 
@@ -15,7 +16,7 @@ namespace {
 constexpr uint64_t second = 1'000'000'000;
 
 // Adds the record, or why there is none.
-void addContents(Json& json, const Message& message, std::span<const uint8_t> bytes,
+void addContents(Json& json, const KnownMessage& message, std::span<const uint8_t> bytes,
                  ByteText form) {
   if (isOwnEncoding(message, bytes)) {
     json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
@@ -54,7 +55,7 @@ std::string timeText(uint64_t nanoseconds) {
 }
 
 Json tableJson(const Table& table, ByteText form) {
-  const Message* const message = findById(table.id);
+  const KnownMessage* const message = findById(table.id);
   Json json = {{"time", timeText(table.time)},
                {"source", table.source},
                {"destination", table.destination},
@@ -74,7 +75,7 @@ Json tableJson(const Table& table, ByteText form) {
 }
 
 bool isTaken(const Table& table) {
-  const Message* const message = findById(table.id);
+  const KnownMessage* const message = findById(table.id);
   return message != nullptr &&
          (isOwnEncoding(*message, table.bytes) || judge(*message, table.bytes).isAccepted());
 }

@@ -18,7 +18,7 @@ std::string commandNames(const CompletionOptions& options) {
 
 std::string messageNames() {
   std::string words;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     words.append(words.empty() ? "" : " ").append(message.name);
   }
   return words;

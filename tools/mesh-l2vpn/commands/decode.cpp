@@ -17,7 +17,7 @@ int indentOf(const DecodeOptions& options) {
   return options.isOnOneLine ? -1 : 2;
 }
 
-void decodeAs(const Message& message, const Bytes& bytes, const DecodeOptions& options,
+void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptions& options,
               Session& session) {
   const Verdict reading = judge(message, bytes);
   for (const Fault& fault : reading.faults) {
@@ -55,7 +55,8 @@ std::string cutText(const Table& table) {
 void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options,
                    Session& session) {
   CaptureReader reader(std::move(file));
-  const Message* const wanted = options.message.empty() ? nullptr : &messageNamed(options.message);
+  const KnownMessage* const wanted =
+      options.message.empty() ? nullptr : &messageNamed(options.message);
   {
     Progress progress(session, "tables");
     while (const auto table = reader.next()) {

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "commands/message_choice.hpp"
+#include "json/raw_table.hpp"
 #include "messages/codec.hpp"
 #include "reader/table_reader.hpp"
 #include "texts/difference.hpp"
@@ -18,7 +18,7 @@ struct Side {
   Json record;
 };
 
-Side readSide(const std::string& file, const Message& message, Bytes bytes, Session& session) {
+Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes, Session& session) {
   Reading reading = readTable(message, bytes);
   for (const Fault& fault : reading.faults) {
     session.say(file + ": " + faultText(fault));
@@ -48,7 +48,7 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
     for (const FieldDifference& field : fields) {
       table.add({field.path, shortened(field.one), shortened(field.other)});
     }
-    std::cout << table.text(session);
+    std::cout << table.text(session.colors());
   }
   if (!bytes.empty()) {
     TextTable table({"byte", "in the first", "first", "second"});
@@ -56,7 +56,7 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
       table.add({std::to_string(difference.at), difference.meaning, shortened(difference.one),
                  shortened(difference.other)});
     }
-    std::cout << (fields.empty() ? "" : "\n") << table.text(session);
+    std::cout << (fields.empty() ? "" : "\n") << table.text(session.colors());
   }
 }
 
@@ -90,7 +90,8 @@ void runDiff(const DiffOptions& options, Session& session) {
   }
   Bytes first = readBytes(options.file, options.form);
   Bytes second = readBytes(options.second, options.form);
-  const Message& message = chooseMessage(options.message, first, session);
+  const auto [message, note] = chooseMessage(options.message, first);
+  session.say(note);
   const Side one = readSide(options.file, message, std::move(first), session);
   const Side other = readSide(options.second, message, std::move(second), session);
   const auto fields = fieldDifferences(one.record, other.record);

@@ -14,7 +14,7 @@ namespace tool {
 namespace {
 
 Bytes encode(const EncodeOptions& options) {
-  const Message& message = messageNamed(options.message);
+  const KnownMessage& message = messageNamed(options.message);
   const OwnedRecord record = fromJson(message, parseJson(readAll(options.file)), options.byteText);
   return options.isFixed     ? encodeFixed(record)
          : options.isCompact ? encodeCompact(record)

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "commands/message_choice.hpp"
+#include "json/raw_table.hpp"
 #include "reader/table_reader.hpp"
 #include "texts/explanation.hpp"
 #include "texts/html_page.hpp"
@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-std::string verdict(const Message& message, const Reading& reading) {
+std::string verdict(const KnownMessage& message, const Reading& reading) {
   return std::string(message.name) + ": " + faultCountText(reading) + ", receivers " +
          (reading.isAccepted() ? "take it" : "reject it");
 }
@@ -20,16 +20,18 @@ std::string verdict(const Message& message, const Reading& reading) {
 
 void runExplain(const ExplainOptions& options, Session& session) {
   const std::vector<uint8_t> bytes = readBytes(options.file, options.form);
-  const Message& message = chooseMessage(options.message, bytes, session);
+  const auto [message, note] = chooseMessage(options.message, bytes);
+  session.say(note);
   const Reading reading = readTable(message, bytes);
   if (options.isHtml) {
     std::cout << htmlPage(message, reading, bytes, options.isWhole);
   } else {
-    explain(reading, bytes, options.isWhole, session, std::cout);
-    for (const std::string& note : reading.notes) {
-      std::cout << session.ink(Ink::Yellow, "note: " + note) << '\n';
+    const Colors colors = session.colors();
+    explain(reading, bytes, options.isWhole, colors, std::cout);
+    for (const std::string& each : reading.notes) {
+      std::cout << colors.ink(Ink::Yellow, "note: " + each) << '\n';
     }
-    std::cout << session.ink(Ink::Bold, verdict(message, reading)) << '\n';
+    std::cout << colors.ink(Ink::Bold, verdict(message, reading)) << '\n';
   }
   session.result = reading.faults.empty() ? Exit::Success : Exit::BadInput;
 }

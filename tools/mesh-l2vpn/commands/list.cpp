@@ -13,7 +13,7 @@ void runList(const ListOptions& options, Session& session) {
   Json all = Json::array();
   TextTable table(
       {"message", "identifier", "service", "sent", "record", "compact", "fixed", "fingerprint"});
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     if (!options.service.empty() && options.service != message.service) {
       continue;
     }
@@ -24,7 +24,7 @@ void runList(const ListOptions& options, Session& session) {
                facts["fingerprint"]});
     all.push_back(facts);
   }
-  std::cout << (options.isJson ? all.dump(2) + '\n' : table.text(session));
+  std::cout << (options.isJson ? all.dump(2) + '\n' : table.text(session.colors()));
 }
 
 }  // namespace tool

@@ -57,7 +57,7 @@ void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBef
   try {
     node.send(destination, table.id, table.bytes, table.extra);
   } catch (const Failure& failure) {
-    const Message* const message = findById(table.id);
+    const KnownMessage* const message = findById(table.id);
     const std::string name =
         message == nullptr ? "identifier " + catalogue::hex(table.id) : std::string(message->name);
     throw Failure(failure.exit(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +

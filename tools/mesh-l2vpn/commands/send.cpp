@@ -9,7 +9,7 @@
 namespace tool {
 
 void runSend(const SendOptions& options, Session& session) {
-  const Message& message = messageNamed(options.message);
+  const KnownMessage& message = messageNamed(options.message);
   const Bytes bytes =
       encodeAsSent(fromJson(message, parseJson(readAll(options.file)), options.byteText));
   const uint32_t to = options.to.value();

@@ -14,9 +14,9 @@ std::string cell(const Json& value) {
   return value.is_null() ? "-" : value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-std::string textOf(const Message& message, const Session& session) {
+std::string textOf(const KnownMessage& message, const Session& session) {
   const Json facts = describeWithSlots(message);
-  std::string text = session.ink(Ink::Bold, message.name) + '\n';
+  std::string text = session.colors().ink(Ink::Bold, message.name) + '\n';
   const auto line = [&text](std::string_view label, const std::string& value) {
     text.append("  ").append(label).append(14 - label.size(), ' ').append(value).append("\n");
   };
@@ -36,13 +36,13 @@ std::string textOf(const Message& message, const Session& session) {
                         : cell(slot["recordOffset"]),
                cell(slot["fixedPosition"])});
   }
-  return text + '\n' + table.text(session);
+  return text + '\n' + table.text(session.colors());
 }
 
 }  // namespace
 
 void runShow(const ShowOptions& options, Session& session) {
-  const Message& message = messageNamed(options.message);
+  const KnownMessage& message = messageNamed(options.message);
   std::cout << (options.isJson ? describeWithSlots(message).dump(2) + '\n'
                                : textOf(message, session));
 }

@@ -57,7 +57,7 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
   }
   if (statistics.all.tables != 0) {
     add("all", statistics.all);
-    std::cout << table.text(session) << '\n'
+    std::cout << table.text(session.colors()) << '\n'
               << timeText(statistics.first) << " to " << timeText(statistics.last) << ", "
               << decimal(seconds, 3) << " s\nlongest pause "
               << decimal(inSeconds(statistics.longestPause), 3) << " s\n";

@@ -8,11 +8,11 @@ namespace tool {
 using mesh::wire::Record;
 using mesh::wire::Slot;
 
-const char* arrangementName(const Message& message) {
+const char* arrangementName(const KnownMessage& message) {
   return message.isSentFixed() ? "fixed" : "compact";
 }
 
-Json describe(const Message& message) {
+Json describe(const KnownMessage& message) {
   const Record& record = message.record();
   const catalogue::Range compact = catalogue::compactRange(record);
   const bool hasFixed = mesh::wire::hasFixedArrangement(record);
@@ -28,7 +28,7 @@ Json describe(const Message& message) {
           {"fingerprint", catalogue::hex(catalogue::fingerprint(*message.data))}};
 }
 
-Json describeWithSlots(const Message& message) {
+Json describeWithSlots(const KnownMessage& message) {
   const Record& record = message.record();
   Json slots = Json::array();
   for (size_t index = 0; index < record.slots.size(); ++index) {

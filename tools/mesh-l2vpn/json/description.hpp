@@ -7,12 +7,12 @@
 namespace tool {
 
 // "fixed" or "compact": the arrangement that it is sent in.
-const char* arrangementName(const Message& message);
+const char* arrangementName(const KnownMessage& message);
 
 // Name, identifier, service, arrangement, sizes, fingerprint.
-Json describe(const Message& message);
+Json describe(const KnownMessage& message);
 
 // The same and its slots.
-Json describeWithSlots(const Message& message);
+Json describeWithSlots(const KnownMessage& message);
 
 }  // namespace tool

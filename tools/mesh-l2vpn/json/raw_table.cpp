@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "bytes/failure.hpp"
-#include "messages/codec.hpp"
+#include "reader/own_encoding.hpp"
 #include "reader/table_reader.hpp"
 
 namespace tool {
@@ -19,7 +19,7 @@ uint32_t entryCount(const Json& table) {
 std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
   const uint32_t entries = entryCount(rawTable(bytes));
   std::vector<Candidate> candidates;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     const Verdict verdict = judge(message, bytes);
     if (!verdict.isAccepted()) {
       continue;
@@ -37,6 +37,23 @@ std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
     std::erase_if(candidates, [best](const Candidate& candidate) { return candidate.fit != best; });
   }
   return candidates;
+}
+
+Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes) {
+  if (!named.empty()) {
+    return {messageNamed(named), ""};
+  }
+  const std::vector<Candidate> candidates = candidatesFor(bytes);
+  if (candidates.empty()) {
+    throw Failure(Exit::BadInput,
+                  "every message has a fault in these bytes; name the one meant with --message");
+  }
+  const KnownMessage& chosen = *candidates.front().message;
+  if (candidates.size() == 1 && candidates.front().fit == Fit::Exact) {
+    return {chosen, ""};
+  }
+  return {chosen, "taken for " + std::string(chosen.name) + ", the first of " +
+                      std::to_string(candidates.size()) + " that fit; --message names another"};
 }
 
 Json rawTable(std::span<const uint8_t> bytes) {

@@ -19,12 +19,21 @@ enum class Fit : uint8_t {
 };
 
 struct Candidate {
-  const Message* message;
+  const KnownMessage* message;
   Fit fit;
 };
 
 // The messages of the best fit that there is.
 std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes);
+
+// The message that these bytes are taken for.
+struct Choice {
+  const KnownMessage& message;
+  std::string note;  // empty when there is nothing to say about the choice
+};
+
+// The named message, or the first of the best candidates. Fails when there is none.
+Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes);
 
 // Length, root, vtable, and every present slot's position. Fails where there is no table.
 Json rawTable(std::span<const uint8_t> bytes);

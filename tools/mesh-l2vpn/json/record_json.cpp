@@ -228,7 +228,7 @@ Json toJson(const Record& schema, const uint8_t* record, ByteText form) {
   return json;
 }
 
-OwnedRecord fromJson(const Message& message, const Json& json, ByteText form) {
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
   OwnedRecord record(message);
   RecordFiller(record, form).fill(message.record(), json, record.data(), "");
   return record;

@@ -20,7 +20,7 @@ Json toJson(const mesh::wire::Record& schema, const uint8_t* record, ByteText fo
 
 // What is missing is zero. Fails, with the path, for what is unknown, out of range or of a wrong
 // length.
-OwnedRecord fromJson(const Message& message, const Json& json, ByteText form = ByteText::Hex);
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
 
 // One JSON value from text; fails for text that is none, and for a member that is there twice.
 Json parseJson(std::string_view text);

@@ -5,17 +5,9 @@
 
 #include "bytes/failure.hpp"
 #include "messages/sent_table.hpp"
-#include "reader/table_reader.hpp"
 
 namespace tool {
 namespace {
-
-// Whether a few bytes can ask for much memory.
-bool hasVector(const mesh::wire::Record& record) {
-  return std::ranges::any_of(record.slots, [](const mesh::wire::Slot& slot) {
-    return slot.kind == mesh::wire::Kind::Vector;
-  });
-}
 
 // How many bytes the compact arrangement takes; none where there is no encoding.
 std::optional<uint32_t> compactSize(const OwnedRecord& record) {
@@ -67,24 +59,18 @@ Bytes encodeFixed(const OwnedRecord& record) {
   return encodeAsSent(record);
 }
 
-OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes) {
+OwnedRecord decode(const KnownMessage& message, std::span<const uint8_t> bytes) {
   OwnedRecord record(message);
   message.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
   record.setUnpacked();
   return record;
 }
 
-bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes) {
-  if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
-      (hasVector(message.record()) && judge(message, bytes).memory > largestMemory)) {
-    return false;
-  }
-  // What a rejected message leaves may be a count without its items, which has no encoding.
-  const OwnedRecord record = decode(message, bytes);
+bool encodesTo(const OwnedRecord& record, std::span<const uint8_t> bytes) {
   const auto isEqual = [&](const std::optional<Bytes>& encoded) {
     return encoded && std::ranges::equal(*encoded, bytes);
   };
-  return (message.isSentFixed() && isEqual(sentBytes(record))) ||
+  return (record.message().isSentFixed() && isEqual(sentBytes(record))) ||
          (compactSize(record) == bytes.size() && isEqual(compactBytes(record)));
 }
 

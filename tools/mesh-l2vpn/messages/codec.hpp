@@ -20,10 +20,9 @@ Bytes encodeAsSent(const OwnedRecord& record);
 Bytes encodeFixed(const OwnedRecord& record);
 
 // What __unpack makes of the bytes. Whether it accepted them is for table_reader.hpp to say.
-OwnedRecord decode(const Message& message, std::span<const uint8_t> bytes);
+OwnedRecord decode(const KnownMessage& message, std::span<const uint8_t> bytes);
 
-// Whether the bytes are what encoding their record gives, in either arrangement: then there is no
-// fault in them. Other bytes may be in order too.
-bool isOwnEncoding(const Message& message, std::span<const uint8_t> bytes);
+// Whether encoding the record gives these bytes, in either arrangement.
+bool encodesTo(const OwnedRecord& record, std::span<const uint8_t> bytes);
 
 }  // namespace tool

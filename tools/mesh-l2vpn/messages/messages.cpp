@@ -13,23 +13,23 @@
 namespace tool {
 namespace {
 
-#define MESSAGE(X, identifier)                                                            \
-  Message{#X,                                                                             \
-          service,                                                                        \
-          &mesh::msg::messageOf<X>,                                                       \
-          [](const uint8_t* data, uint32_t length, void* record) {                        \
-            return X##__unpack(data, length, static_cast<X*>(record));                    \
-          },                                                                              \
-          [](void* record) { X##_free__unpacked(static_cast<X*>(record)); },              \
-          [](const void* record, uint8_t* buffer, uint32_t* length) {                     \
-            return X##__pack(static_cast<const X*>(record), buffer, length);              \
-          },                                                                              \
-          [](uint32_t destination, const void* record, uint64_t extra) {                  \
-            return X##__sendsingle(destination, static_cast<const X*>(record), 0, extra); \
-          }},
+#define MESSAGE(X, identifier)                                                                 \
+  KnownMessage{#X,                                                                             \
+               service,                                                                        \
+               &mesh::msg::messageOf<X>,                                                       \
+               [](const uint8_t* data, uint32_t length, void* record) {                        \
+                 return X##__unpack(data, length, static_cast<X*>(record));                    \
+               },                                                                              \
+               [](void* record) { X##_free__unpacked(static_cast<X*>(record)); },              \
+               [](const void* record, uint8_t* buffer, uint32_t* length) {                     \
+                 return X##__pack(static_cast<const X*>(record), buffer, length);              \
+               },                                                                              \
+               [](uint32_t destination, const void* record, uint64_t extra) {                  \
+                 return X##__sendsingle(destination, static_cast<const X*>(record), 0, extra); \
+               }},
 
-std::vector<Message> listMessages() {
-  std::vector<Message> list;
+std::vector<KnownMessage> listMessages() {
+  std::vector<KnownMessage> list;
   std::string_view service = "l2vpn_cfg";
   list.insert(list.end(), {L2VPN_CFG_MESSAGES(MESSAGE)});
   service = "l2vpn_stat";
@@ -78,13 +78,14 @@ bool isHexId(std::string_view text) {
 
 }  // namespace
 
-const std::vector<Message>& messages() {
-  static const std::vector<Message> list = listMessages();
+const std::vector<KnownMessage>& messages() {
+  static const std::vector<KnownMessage> list = listMessages();
   return list;
 }
 
-const Message* findById(uint32_t id) {
-  const auto found = std::ranges::find(messages(), id, [](const Message& m) { return m.data->id; });
+const KnownMessage* findById(uint32_t id) {
+  const auto found =
+      std::ranges::find(messages(), id, [](const KnownMessage& m) { return m.data->id; });
   return found == messages().end() ? nullptr : &*found;
 }
 
@@ -94,7 +95,7 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
     std::string_view name;
   };
   std::vector<Candidate> candidates;
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     // Whoever leaves the beginning of a name away means its end.
     const bool isPart = name.size() >= 3 && message.name.find(name) != std::string_view::npos;
     const size_t distance = isPart ? 0 : editDistance(name, message.name);
@@ -114,14 +115,14 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
   return names;
 }
 
-const Message& messageNamed(std::string_view nameOrId) {
-  const auto found = std::ranges::find(messages(), nameOrId, &Message::name);
+const KnownMessage& messageNamed(std::string_view nameOrId) {
+  const auto found = std::ranges::find(messages(), nameOrId, &KnownMessage::name);
   if (found != messages().end()) {
     return *found;
   }
   uint32_t id = 0;
   if (parseId(nameOrId, id)) {
-    if (const Message* const message = findById(id)) {
+    if (const KnownMessage* const message = findById(id)) {
       return *message;
     }
   }

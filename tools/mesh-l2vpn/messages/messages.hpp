@@ -12,7 +12,7 @@
 namespace tool {
 
 // A message with the library's exported operations of it, for records of whatever type.
-struct Message {
+struct KnownMessage {
   std::string_view name;
   std::string_view service;
   const mesh::msg::Message* data;
@@ -28,14 +28,14 @@ struct Message {
 };
 
 // All of them, service by service, in registration order.
-const std::vector<Message>& messages();
+const std::vector<KnownMessage>& messages();
 
 // Null when no message has it.
-const Message* findById(uint32_t id);
+const KnownMessage* findById(uint32_t id);
 
 // A message by its name, or by its identifier in decimal or, with 0x, hexadecimal. Fails with the
 // names that come near.
-const Message& messageNamed(std::string_view nameOrId);
+const KnownMessage& messageNamed(std::string_view nameOrId);
 
 // The names nearest to one that does not exist, best first, three at most; none when none is near.
 std::vector<std::string_view> nearestNames(std::string_view name);

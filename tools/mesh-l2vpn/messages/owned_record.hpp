@@ -12,7 +12,7 @@ namespace tool {
 // Zero at first. Blocks come from here or, after decoding, from the library.
 class OwnedRecord {
  public:
-  explicit OwnedRecord(const Message& message)
+  explicit OwnedRecord(const KnownMessage& message)
       : message_(&message), words_((message.record().size + 7) / 8) {}
   OwnedRecord(OwnedRecord&& other) noexcept = default;
   OwnedRecord& operator=(OwnedRecord&&) = delete;
@@ -22,7 +22,7 @@ class OwnedRecord {
     }
   }
 
-  [[nodiscard]] const Message& message() const { return *message_; }
+  [[nodiscard]] const KnownMessage& message() const { return *message_; }
   [[nodiscard]] uint8_t* data() { return reinterpret_cast<uint8_t*>(words_.data()); }
   [[nodiscard]] const uint8_t* data() const {
     return reinterpret_cast<const uint8_t*>(words_.data());
@@ -38,7 +38,7 @@ class OwnedRecord {
   void setUnpacked() { isUnpacked_ = true; }
 
  private:
-  const Message* message_;
+  const KnownMessage* message_;
   std::vector<uint64_t> words_;  // aligned for any field
   std::vector<std::unique_ptr<uint64_t[]>> blocks_;
   bool isUnpacked_ = false;

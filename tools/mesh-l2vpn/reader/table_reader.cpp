@@ -282,7 +282,7 @@ class TableReader {
 };
 
 template <typename Result>
-Result read(const Message& message, std::span<const uint8_t> bytes) {
+Result read(const KnownMessage& message, std::span<const uint8_t> bytes) {
   Result result;
   if (bytes.size() < 4 || bytes.size() > INT32_MAX) {
     result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
@@ -295,11 +295,11 @@ Result read(const Message& message, std::span<const uint8_t> bytes) {
 
 }  // namespace
 
-Verdict judge(const Message& message, std::span<const uint8_t> bytes) {
+Verdict judge(const KnownMessage& message, std::span<const uint8_t> bytes) {
   return read<Verdict>(message, bytes);
 }
 
-Reading readTable(const Message& message, std::span<const uint8_t> bytes) {
+Reading readTable(const KnownMessage& message, std::span<const uint8_t> bytes) {
   auto reading = read<Reading>(message, bytes);
   coverBytes(bytes, reading);
   return reading;

@@ -10,9 +10,9 @@
 namespace tool {
 
 // What is wrong with it, in time that grows with the bytes and items alone.
-Verdict judge(const Message& message, std::span<const uint8_t> bytes);
+Verdict judge(const KnownMessage& message, std::span<const uint8_t> bytes);
 
 // The same, explained.
-Reading readTable(const Message& message, std::span<const uint8_t> bytes);
+Reading readTable(const KnownMessage& message, std::span<const uint8_t> bytes);
 
 }  // namespace tool

@@ -40,9 +40,9 @@ std::string padded(std::string text, size_t width) {
 
 class Explainer {
  public:
-  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Session& session,
+  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Colors& colors,
             std::ostream& out)
-      : reading_(reading), bytes_(bytes), session_(session), out_(out) {
+      : reading_(reading), bytes_(bytes), colors_(colors), out_(out) {
     for (const Range& range : reading.ranges) {
       pathWidth_ = std::max(pathWidth_, range.path.size());
       meaningWidth_ = std::max(meaningWidth_, range.meaning.size());
@@ -89,8 +89,8 @@ class Explainer {
       const std::string hex =
           spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at)));
       out_ << rightAligned(at) << "  "
-           << (line == 0 ? session_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
-                         : session_.ink(ink, hex))
+           << (line == 0 ? colors_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
+                         : colors_.ink(ink, hex))
            << '\n';
     }
   }
@@ -119,14 +119,14 @@ class Explainer {
     for (; marked_ < faults_.size() && faults_[marked_]->at < end; ++marked_) {
       const Fault& fault = *faults_[marked_];
       out_ << std::string(positionWidth_ + 2, ' ')
-           << session_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault))
+           << colors_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault))
            << '\n';
     }
   }
 
   const Reading& reading_;
   std::span<const uint8_t> bytes_;
-  const Session& session_;
+  const Colors& colors_;
   std::ostream& out_;
   size_t pathWidth_ = 0;
   size_t meaningWidth_ = 0;
@@ -139,8 +139,8 @@ class Explainer {
 }  // namespace
 
 void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
-             const Session& session, std::ostream& out) {
-  Explainer(reading, bytes, session, out).explain(isWhole);
+             const Colors& colors, std::ostream& out) {
+  Explainer(reading, bytes, colors, out).explain(isWhole);
 }
 
 }  // namespace tool

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "reader/reading.hpp"
-#include "session.hpp"
+#include "texts/ink.hpp"
 
 namespace tool {
 
@@ -13,6 +13,6 @@ namespace tool {
 // contents the beginning, unless all is asked for; bytes that are read again are never shown whole
 // a second time.
 void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
-             const Session& session, std::ostream& out);
+             const Colors& colors, std::ostream& out);
 
 }  // namespace tool

@@ -106,7 +106,7 @@ Json faultsOf(const Reading& reading) {
   return faults;
 }
 
-Json dataOf(const Message& message, const Reading& reading, std::span<const uint8_t> bytes,
+Json dataOf(const KnownMessage& message, const Reading& reading, std::span<const uint8_t> bytes,
             bool isWhole) {
   const size_t count = std::min(reading.ranges.size(), mostRangesShown);
   const bool hasMoreRanges = count < reading.ranges.size();
@@ -145,8 +145,8 @@ std::string escaped(const std::string& text) {
 
 }  // namespace
 
-std::string htmlPage(const Message& message, const Reading& reading, std::span<const uint8_t> bytes,
-                     bool isWhole) {
+std::string htmlPage(const KnownMessage& message, const Reading& reading,
+                     std::span<const uint8_t> bytes, bool isWhole) {
   const std::string json =
       dataOf(message, reading, bytes, isWhole).dump(-1, ' ', true, Json::error_handler_t::replace);
   return std::string(htmlHead).append(escaped(json)).append(htmlTail);

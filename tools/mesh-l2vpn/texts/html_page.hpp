@@ -12,7 +12,7 @@ namespace tool {
 // Bytes and their meanings side by side; what is pointed at lights up, with the rest of its slot
 // and the place that it leads to. Of long contents the beginning, unless all is asked for; a page
 // that a browser would be long about ends early, and says so.
-std::string htmlPage(const Message& message, const Reading& reading, std::span<const uint8_t> bytes,
-                     bool isWhole);
+std::string htmlPage(const KnownMessage& message, const Reading& reading,
+                     std::span<const uint8_t> bytes, bool isWhole);
 
 }  // namespace tool

@@ -4,7 +4,7 @@
 
 namespace tool {
 
-std::string TextTable::text(const Session& session) const {
+std::string TextTable::text(const Colors& colors) const {
   std::vector<size_t> widths(rows_.front().size());
   for (const auto& row : rows_) {
     for (size_t column = 0; column < row.size(); ++column) {
@@ -20,7 +20,7 @@ std::string TextTable::text(const Session& session) const {
         line.append(widths[column] + 2 - row[column].size(), ' ');
       }
     }
-    text += &row == &rows_.front() ? session.ink(Ink::Bold, line) : line;
+    text += &row == &rows_.front() ? colors.ink(Ink::Bold, line) : line;
     text += '\n';
   }
   return text;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "session.hpp"
+#include "texts/ink.hpp"
 
 namespace tool {
 
@@ -15,7 +15,7 @@ class TextTable {
   void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
 
   // The head in bold; nothing behind the last column.
-  [[nodiscard]] std::string text(const Session& session) const;
+  [[nodiscard]] std::string text(const Colors& colors) const;
 
  private:
   std::vector<std::vector<std::string>> rows_;

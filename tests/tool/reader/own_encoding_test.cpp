@@ -1,17 +1,18 @@
 // Bytes are compared with what their record encodes to, whatever bytes they are.
 
-#include "messages/codec.hpp"
+#include "reader/own_encoding.hpp"
 
 #include <gtest/gtest.h>
 
 #include "bytes/failure.hpp"
 #include "captures/traffic.hpp"
 #include "json/record_json.hpp"
+#include "messages/codec.hpp"
 
 namespace tool {
 namespace {
 
-const Message& list() {
+const KnownMessage& list() {
   return messageNamed("l2vpn_cfg_query_dfx_rec");
 }
 
