@@ -108,7 +108,7 @@ void readCapture(std::span<const uint8_t> bytes) {
     const KnownMessage* const message = tool::findById(table->id);
     if (message == nullptr || tool::readTable(*message, table->bytes).memory <= largestMemory) {
       tool::tableJson(*table);
-      tool::isTaken(*table);
+      tool::isAccepted(*table);
     }
   }
 }

@@ -1,4 +1,4 @@
-// mesh-l2vpn: see, make and record Layer-2 VPN messages.
+// mesh-l2vpn: shows, creates, sends and records Layer-2 VPN messages.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,18 +14,18 @@ int exitCode(tool::Exit exit) {
   return static_cast<int>(exit);
 }
 
-// A file that is opened must not become the standard output because that one is closed.
+// Otherwise a file opened later could get the number of a closed standard stream.
 void occupyStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) < 0) {
-      // The wrong way round, so that whoever uses it is told.
+      // Opened for the wrong direction, so that using it is an error.
       open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
   }
 }
 
 int fail(const tool::Failure& failure) {
-  // What was printed before stands before; when that fails, there is enough to tell already.
+  // Prints earlier output first. If that fails too, the first failure is enough.
   std::cout.exceptions(std::ios::goodbit);
   std::cout.flush();
   tool::complain(failure.what());

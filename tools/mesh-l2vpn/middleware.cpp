@@ -13,8 +13,7 @@ namespace {
 
 constexpr const char* libraryName = "libzarnimesh.so";
 
-// Where the program was installed the library lies beside it, in a directory that the loader does
-// not look into by itself.
+// The library is installed in a directory that the loader does not search.
 std::string installedLibrary() {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -24,7 +23,7 @@ std::string installedLibrary() {
 
 void* load(const std::string& library) {
   const std::string path = library.empty() ? installedLibrary() : library;
-  // Local: its functions are found through this handle alone.
+  // Local: only this handle finds its functions.
   void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     throw Failure(Exit::System, std::string("no middleware: ") + dlerror() +
@@ -33,7 +32,7 @@ void* load(const std::string& library) {
   return handle;
 }
 
-// The record is not wanted, only the table beside it.
+// The commands need the table, not the record.
 uint32_t unpackNothing(const uint8_t* /*data*/, uint32_t /*length*/, void* /*record*/) {
   return 0;
 }
@@ -146,13 +145,13 @@ void Node::takeRecord(const mesh_received* received, void* self) {
                                  {received->table, received->table_length}, received->extra);
 }
 
-// The middleware does not say what travelled along with a table that it does not know.
+// The middleware does not pass on `extra` with an unknown table.
 void Node::takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
                        void* self) {
   static_cast<Node*>(self)->take(source, id, {data, length}, 0);
 }
 
-// The middleware must not see an exception; it is thrown again behind it.
+// Exceptions must not pass through the middleware: receive() throws this one again.
 void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra) {
   if (!failure_.empty() || handler_ == nullptr) {
     return;

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// Runs the command that the words name. Throws what it throws.
+// Runs the command that the words name. Throws its failures.
 Exit runCommandLine(int count, char** words);
 
 }  // namespace tool

@@ -45,8 +45,8 @@ TEST(OwnEncoding, IsNothingThatWasSpoilt) {
   for (const Bytes& bytes : hostileLists()) {
     const Table table{0, 1, 2, list().data->id, 0, bytes};
     const Json json = tableJson(table);
-    EXPECT_EQ(json.contains("record"), isTaken(table));
-    if (!isTaken(table)) {
+    EXPECT_EQ(json.contains("record"), isAccepted(table));
+    if (!isAccepted(table)) {
       ++rejected;
       EXPECT_FALSE(isOwnEncoding(list(), bytes));
       EXPECT_TRUE(json.contains("faults"));

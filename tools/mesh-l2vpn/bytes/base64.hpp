@@ -11,8 +11,8 @@ namespace tool {
 
 std::string toBase64(std::span<const uint8_t> bytes);
 
-// The one text of some bytes, and nothing else: no white space, no padding left out, no bits behind
-// the last byte. Fails otherwise.
+// Accepts only what toBase64 writes: no white space, full padding, unused bits zero. Fails
+// otherwise.
 std::vector<uint8_t> fromBase64(std::string_view text);
 
 }  // namespace tool

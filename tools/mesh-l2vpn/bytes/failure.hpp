@@ -1,4 +1,4 @@
-// How a command ends.
+// Failures, and the exit status that each gives.
 #pragma once
 
 #include <stdexcept>
@@ -8,9 +8,9 @@ namespace tool {
 
 enum class Exit : int {
   Success = 0,
-  BadInput = 1,  // what was read is not what it should be; for diff: the two differ
+  BadInput = 1,  // the input has a fault; for diff: a difference
   Usage = 2,
-  System = 3,  // a file or the middleware failed
+  System = 3,  // a file, the output, the middleware or a memory allocation failed
 };
 
 // Ends the command; main prints the text.

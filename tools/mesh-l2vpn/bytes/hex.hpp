@@ -10,12 +10,12 @@
 namespace tool {
 
 bool isHexDigit(char digit);
-// Of two digits.
+// The byte that two digits stand for.
 uint8_t byteOf(char high, char low);
 
 std::string toHex(std::span<const uint8_t> bytes);
 
-// Digits, two a byte, and nothing else. Fails otherwise.
+// Accepts two digits per byte and nothing else; fails otherwise.
 std::vector<uint8_t> fromHex(std::string_view digits);
 
 }  // namespace tool

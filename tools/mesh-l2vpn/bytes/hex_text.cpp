@@ -14,11 +14,11 @@ namespace tool {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\f\v";
-// Stars stand for as many bytes as the next position says.
+// A star repeats lines up to the next position, which may be any number.
 constexpr size_t largestSize = size_t{64} << 20;
 
-// How the lines of a text are made.
-enum class Dress : uint8_t {
+// The format of all lines of a text.
+enum class Format : uint8_t {
   Unknown,
   Plain,
   Colon,   // "00000010: 0c00 0000  ...."
@@ -40,7 +40,7 @@ std::string_view withoutPrefix(std::string_view number) {
   return number.starts_with("0x") ? number.substr(2) : number;
 }
 
-// Takes the text up to the first of the separators away from its front.
+// Removes and returns the text before the first separator.
 std::string_view takeToken(std::string_view& text, std::string_view separators = blanks) {
   const std::string_view token = text.substr(0, text.find_first_of(separators));
   text.remove_prefix(std::min(token.size(), text.size()));
@@ -62,7 +62,7 @@ std::optional<size_t> positionIn(std::string_view digits) {
   return error == std::errc{} && stop == end ? std::optional(position) : std::nullopt;
 }
 
-// What a dump shows for a byte: the letter that it is, or a dot.
+// Whether a dump shows the byte as this character: as itself or as a dot.
 bool isShownAs(uint8_t byte, char shown, bool isStrict) {
   return shown == static_cast<char>(byte) ||
          (shown == '.' && (!isStrict || byte <= ' ' || byte >= 0x7F));
@@ -76,10 +76,10 @@ class TextReader {
     if (line.empty() || line.front() == '#') {
       return;
     }
-    if (dress_ == Dress::Unknown) {
-      dress_ = dressOf(line);
+    if (format_ == Format::Unknown) {
+      format_ = formatOf(line);
     }
-    if (dress_ == Dress::Plain) {
+    if (format_ == Format::Plain) {
       readPlain(line);
     } else {
       readDump(line);
@@ -105,25 +105,25 @@ class TextReader {
          "are understood, with their positions from 0");
   }
 
-  Dress dressOf(std::string_view line) const {
+  Format formatOf(std::string_view line) const {
     std::string_view rest = line;
     const std::string_view first = takeToken(rest);
     if (first.ends_with(':')) {
-      return Dress::Colon;
+      return Format::Colon;
     }
     const std::string_view digits = withoutPrefix(first);
     const std::string_view second = takeToken(rest);
     if (!isDigits(digits) || digits.size() < 3 || !isDigits(second)) {
-      return Dress::Plain;
+      return Format::Plain;
     }
     if (second.size() == 2) {
-      return Dress::Column;
+      return Format::Column;
     }
-    // Words behind a position are words of the machine that wrote them.
+    // Words after a position are in the byte order of the machine that wrote them.
     if (second.size() != digits.size() && std::ranges::count(digits, '0') == std::ssize(digits)) {
       failAsPosition(first);
     }
-    return Dress::Plain;
+    return Format::Plain;
   }
 
   void readPlain(std::string_view line) {
@@ -147,7 +147,8 @@ class TextReader {
     previousSize_ = bytes_.size() - before;
   }
 
-  // A first word before a colon, one before bytes, or one that counts the bytes of the line before.
+  // The first word is a position if a colon or single bytes follow, or if it counts the bytes of
+  // the previous line.
   void refusePosition(std::string_view line) {
     std::string_view rest = line;
     const std::string_view first = takeToken(rest);
@@ -174,15 +175,15 @@ class TextReader {
       isSqueezed_ = true;
       return;
     }
-    const char* const separators = dress_ == Dress::Colon ? ":" : " \t";
+    const char* const separators = format_ == Format::Colon ? ":" : " \t";
     const std::string_view token = takeToken(line, separators);
-    if (dress_ == Dress::Colon && !line.empty()) {
+    if (format_ == Format::Colon && !line.empty()) {
       line = trimmed(line.substr(1));
     }
     const std::string_view digits = withoutPrefix(token);
     const std::optional<size_t> position = positionIn(digits);
-    // Those of seven digits are od's, octal or decimal.
-    if (isEnded_ || !position || (dress_ == Dress::Column && digits.size() == 7) ||
+    // Positions of seven digits are od's: octal or decimal.
+    if (isEnded_ || !position || (format_ == Format::Column && digits.size() == 7) ||
         (!isSqueezed_ && position != bytes_.size())) {
       failAsPosition(token);
     }
@@ -193,10 +194,10 @@ class TextReader {
     isEnded_ = width_ == 0;
   }
 
-  // The bytes of a dump's line, without its position.
+  // Reads a line of a dump after its position.
   void readColumns(std::string_view line) {
     const size_t before = bytes_.size();
-    const size_t longest = dress_ == Dress::Colon ? 4 : 2;
+    const size_t longest = format_ == Format::Colon ? 4 : 2;
     while (!line.empty() && line.front() != '|' && line.front() != '>') {
       const size_t length = std::min(line.find_first_of(" \t"), line.size());
       const std::string_view group = line.substr(0, length);
@@ -208,15 +209,15 @@ class TextReader {
       line.remove_prefix(length);
       const size_t gap = std::min(line.find_first_not_of(" \t"), line.size());
       line.remove_prefix(gap);
-      // hexdump leaves a gap of two in the middle, xxd puts two before the characters.
-      if (gap > (dress_ == Dress::Colon ? 1U : 2U)) {
+      // hexdump writes two blanks in the middle of a line, xxd before the characters.
+      if (gap > (format_ == Format::Colon ? 1U : 2U)) {
         break;
       }
     }
     compareCharacters(line, std::span(bytes_).subspan(before));
   }
 
-  // The bytes as characters must be the bytes; editors take blanks at the end away.
+  // The characters must match the bytes. An editor may have removed trailing blanks.
   void compareCharacters(std::string_view shown, std::span<const uint8_t> bytes) const {
     if (shown.size() >= 2 && (shown.front() == '|' || shown.front() == '>') &&
         shown.size() == bytes.size() + 2) {
@@ -224,11 +225,11 @@ class TextReader {
     }
     if (std::ranges::any_of(shown,
                             [](char letter) { return static_cast<uint8_t>(letter) > 0x7F; })) {
-      return;  // the programs differ in what they put there
+      return;  // programs differ in what they show
     }
-    // Only groups can be words that were turned round.
-    const bool isStrict = dress_ == Dress::Colon;
-    // A blank that was the first character went with those before it.
+    // Only groups can be swapped words.
+    const bool isStrict = format_ == Format::Colon;
+    // Leading blanks among the characters were skipped with the separator.
     size_t leading = 0;
     while (leading < bytes.size() && bytes[leading] == ' ') {
       ++leading;
@@ -278,7 +279,7 @@ class TextReader {
 
   std::vector<uint8_t> bytes_;
   size_t number_ = 0;  // of the line
-  Dress dress_ = Dress::Unknown;
+  Format format_ = Format::Unknown;
   size_t width_ = 0;  // of the last line of a dump, in bytes
   bool isSqueezed_ = false;
   bool isEnded_ = false;

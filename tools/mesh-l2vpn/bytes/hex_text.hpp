@@ -1,4 +1,4 @@
-// Bytes from a text, as people and programs write them down.
+// Bytes from hexadecimal text, as people and programs write it.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +7,16 @@
 
 namespace tool {
 
-// Understood are
+// Accepts
 //
-//   digits, two a byte, with 0x, white space, commas or colons between bytes, # before a comment
+//   two digits per byte, with 0x, white space, commas or colons between bytes, and # comments
 //   dumps whose lines begin with a position, and may end with the bytes as characters:
 //     00000010: 0c00 0000  ....           of xxd and tcpdump, in groups of two bytes at most
 //     00000010  0c 00 00 00  |....|       of hexdump -C, od -Ax -tx1, Wireshark
-//     *                                   lines like the one before
+//     *                                   repeated lines
 //
-// Fails for every other text, with the line's number: a position is never taken for bytes, and
-// where the characters tell that words were turned round, the words are not taken for bytes.
+// Fails for any other text, with the line number. Reads neither a position as bytes, nor swapped
+// words where the characters beside them reveal the swap.
 std::vector<uint8_t> fromHexText(std::string_view text);
 
 }  // namespace tool

@@ -17,7 +17,7 @@ namespace tool {
 namespace {
 
 constexpr size_t bufferSize = 65536;
-// The largest message as the longest of dumps.
+// The largest message in the longest dump format.
 constexpr size_t largestInput = size_t{512} << 20;
 
 std::string readAll(InputFile& file) {
@@ -36,7 +36,7 @@ std::string readAll(InputFile& file) {
   return contents;
 }
 
-// Every letter of a text is seen: none is a control character, but those that separate lines.
+// Text has no control characters except white space.
 bool isText(std::string_view contents) {
   return std::ranges::none_of(contents, [](char letter) {
     const auto code = static_cast<uint8_t>(letter);
@@ -68,7 +68,7 @@ InputFile::InputFile(std::string name)
   if (error_ == 0 && fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode)) {
     error_ = EISDIR;
   }
-  // Opening a pipe waits for its writer.
+  // Opening a pipe waits for its writer; the user may interrupt that.
   if (error_ != 0 && !(error_ == EINTR && isInterrupted())) {
     throw Failure(Exit::System, name_ + ": " + std::strerror(error_));
   }
@@ -81,7 +81,7 @@ InputFile::~InputFile() {
   }
 }
 
-// More bytes into the buffer, behind those that are left. False when there are none.
+// Appends bytes to the buffer. False if there are none.
 bool InputFile::fill() {
   std::copy(buffer_.begin() + static_cast<ptrdiff_t>(begin_),
             buffer_.begin() + static_cast<ptrdiff_t>(end_), buffer_.begin());

@@ -1,5 +1,4 @@
-// What commands read: files, or the standard input, once and front to back, so that pipes serve
-// too.
+// Input from files or the standard input, read once from front to back, so that pipes work too.
 #pragma once
 
 #include <cstdint>
@@ -10,14 +9,14 @@
 namespace tool {
 
 enum class InputForm {
-  Guessed,  // hexadecimal when it is text; no message is, as each has bytes of zero
+  Guessed,  // hexadecimal if it is text: every message contains zero bytes
   Binary,
   Hex,
 };
 
 class InputFile {
  public:
-  // "-" is the standard input. Fails where the file cannot be opened, or is a directory.
+  // "-" is the standard input. Fails if the file cannot be opened or is a directory.
   explicit InputFile(std::string name);
   ~InputFile();
   InputFile(const InputFile&) = delete;
@@ -25,14 +24,14 @@ class InputFile {
 
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  // Whether the file goes on with these bytes, which are still to be read.
+  // Whether these bytes come next. Does not consume them.
   bool goesOnWith(std::string_view bytes);
 
-  // How many bytes were there; fewer than were asked for at the end, at an error, and when the user
-  // interrupts a command that catches it.
+  // Returns how many bytes it read: fewer than asked for at the end, after an error and after an
+  // interruption.
   size_t read(void* to, size_t size);
 
-  // Of the system, 0 while there is none.
+  // errno of the first error, or 0.
   [[nodiscard]] int error() const { return error_; }
 
  private:
@@ -42,7 +41,7 @@ class InputFile {
   int descriptor_;
   int error_ = 0;
   std::vector<char> buffer_;
-  size_t begin_ = 0;  // of what was not taken yet
+  size_t begin_ = 0;  // of the unread bytes
   size_t end_ = 0;
 };
 
@@ -52,7 +51,7 @@ std::string readAll(const std::string& file);
 // Whether a file begins as a capture (pcapng) does.
 bool isCapture(InputFile& file);
 
-// A message's bytes from a file. Fails for a capture, unless its form is said to be binary.
+// A message's bytes from a file. Fails for a capture, unless the form is Binary.
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form);
 std::vector<uint8_t> readBytes(const std::string& file, InputForm form);
 

@@ -18,7 +18,7 @@ void catchInterruptions() {
   action.sa_handler = &interrupt;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
-  // Who starts the program with nohup wants it to go on.
+  // Under nohup the program continues.
   struct sigaction before {};
   if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
     sigaction(SIGHUP, &action, nullptr);

@@ -1,4 +1,4 @@
-// Ends what would go on without end when the user wants it to.
+// Interruption by the user.
 #pragma once
 
 namespace tool {

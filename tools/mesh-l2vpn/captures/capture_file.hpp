@@ -1,15 +1,15 @@
-// Captures: pcapng files of tables, one packet a table.
+// Captures: pcapng files with one packet per table.
 //
 // A packet of link type 147 (user 0) is a header of 32 bytes and the table. The header's numbers
 // are little-endian:
 //
-//    0  "MESH"       so that other traffic of that link type is told apart
+//    0  "MESH"       tells tables from other traffic of this link type
 //    4  u16 version, 1
 //    6  u16 length of this header, 32
 //    8  u32 source, u32 destination, u32 identifier, u32 zero
-//   24  u64 the word that travelled along
+//   24  u64 extra, as passed to the send operation
 //
-// Where calls were missed, the packet behind the gap has the option epb_dropcount: how many.
+// The option epb_dropcount of a packet counts the calls missed before it.
 #pragma once
 
 #include <cstdio>
@@ -29,19 +29,19 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Writes a capture. Every table is handed to the system as a whole before the next is taken, so a
-// crash of this program loses none of them.
+// Writes a capture. Each write() passes its table to the system, so a crash of this program loses
+// none.
 class CaptureWriter {
  public:
-  // Writes a new file, or to the standard output for "-". Fails where it cannot.
+  // Truncates an existing file. "-" is the standard output.
   explicit CaptureWriter(const std::string& file);
 
   void write(const Table& table);
 
-  // How many tables arrived, and how many calls did not, as the last block.
+  // Writes the last block: the numbers of received tables and lost calls.
   void writeStatistics(uint64_t received, uint64_t lost);
 
-  // Fails where the system has kept an error until now. Nothing can be written any more.
+  // Fails if the system reports a delayed error. Nothing can be written afterwards.
   void close();
 
  private:
@@ -52,25 +52,24 @@ class CaptureWriter {
   File file_;
 };
 
-// Reads a capture, block by block: it holds one block at a time.
+// Reads a capture. Holds one block at a time.
 class CaptureReader {
  public:
   explicit CaptureReader(std::unique_ptr<InputFile> file) : file_(std::move(file)) {}
-  // Fails where the file cannot be opened.
+  // Fails if the file cannot be opened.
   explicit CaptureReader(const std::string& file)
       : CaptureReader(std::make_unique<InputFile>(file)) {}
 
-  // The next table; its bytes are good until the next call. Nothing at the end, or at a fault.
+  // The next table; its bytes are valid until the next call. None at the end and at a fault.
   std::optional<Table> next();
 
-  // What is wrong with the file, and where; empty when nothing is. Reading ends there.
+  // The fault that ended reading, with its position; empty if none.
   [[nodiscard]] const std::string& fault() const { return fault_; }
-  // Ends the command when there is a fault.
+  // Throws the fault, if there is one.
   void throwFault() const;
-  // Calls that the recording node missed, as far as the file says: a recorder that was killed tells
-  // none behind its last table.
+  // Calls that the recorder missed. A killed recorder does not report those after its last table.
   [[nodiscard]] uint64_t lost() const;
-  // Packets that are no tables.
+  // Packets that are not tables.
   [[nodiscard]] uint64_t otherPackets() const { return otherPackets_; }
   [[nodiscard]] uint64_t position() const { return position_; }
 
@@ -78,7 +77,7 @@ class CaptureReader {
   struct Interface {
     bool isOurs;
     uint64_t unitsPerSecond;
-    uint64_t lost = 0;  // as its last statistics say, which count from the beginning
+    uint64_t lost = 0;  // from its last statistics, which count from the beginning
   };
 
   bool readBlock();
@@ -90,9 +89,9 @@ class CaptureReader {
   bool takeInterface();
   void takeSection();
   bool takeStatistics();
-  // The value of an option of the block, whose options begin at `at`; empty when it has none.
+  // The value of an option of the block, whose options begin at `at`; empty if absent.
   [[nodiscard]] std::span<const uint8_t> option(size_t at, uint16_t code) const;
-  // The same as a count of 64 bits.
+  // The value of an option that is a 64-bit count.
   [[nodiscard]] std::optional<uint64_t> countOption(size_t at, uint16_t code) const;
   bool takePacket(std::optional<Table>& table);
 

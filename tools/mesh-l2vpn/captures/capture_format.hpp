@@ -27,7 +27,7 @@ inline constexpr std::array<uint8_t, 4> tableMagic{'M', 'E', 'S', 'H'};
 inline constexpr uint16_t tableVersion = 1;
 inline constexpr uint16_t tableHeaderLength = 32;
 
-// A table has 64 MiB at most, unless nodes are told otherwise.
+// A table has at most 64 MiB by default.
 inline constexpr uint32_t largestBlock = 256u << 20;
 
 constexpr uint32_t padded(uint32_t length) {

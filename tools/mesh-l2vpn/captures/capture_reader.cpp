@@ -22,7 +22,7 @@ Integer reversed(Integer value) {
   return value;
 }
 
-// Nothing for a time that 64 bits do not hold.
+// None if the time does not fit 64 bits.
 std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond) {
   const auto rest = static_cast<long double>(units % unitsPerSecond);
   const auto fraction =
@@ -42,7 +42,7 @@ bool CaptureReader::fail(const std::string& text, Exit exit) {
   return false;
 }
 
-// Where bytes are missing: cut off, not to be read, or not waited for.
+// For missing bytes: a read error, an interruption, or a truncated file.
 bool CaptureReader::failReading(const std::string& text) {
   if (file_->error() != 0) {
     return fail(std::strerror(file_->error()), Exit::System);
@@ -62,10 +62,10 @@ Integer CaptureReader::load(size_t at) const {
   return isSwapped_ ? reversed(value) : value;
 }
 
-// The next block into block_. False at the end and at a fault.
+// Reads the next block into block_. False at the end and at a fault.
 bool CaptureReader::readBlock() {
   position_ = nextPosition_;
-  uint32_t head[3] = {};  // type, length, and of a section its byte order
+  uint32_t head[3] = {};  // type, length; for a section its byte order
   const size_t got = file_->read(head, 8);
   if (got == 0 && file_->error() == 0) {
     return !hasSection_ && failReading("an empty file is no capture");
@@ -104,7 +104,7 @@ bool CaptureReader::readBlock() {
   return true;
 }
 
-// Piece by piece: a block may say that it is longer than the file.
+// Piece by piece: a block may claim to be longer than the file.
 bool CaptureReader::readBody(size_t length) {
   while (block_.size() < length) {
     const size_t before = block_.size();
@@ -180,7 +180,7 @@ bool CaptureReader::takeStatistics() {
   return true;
 }
 
-// The statistics count what the packets do, and what was missed behind the last.
+// The statistics include what the packets count, and calls missed after the last packet.
 uint64_t CaptureReader::lost() const {
   uint64_t byStatistics = 0;
   for (const Interface& interface : interfaces_) {

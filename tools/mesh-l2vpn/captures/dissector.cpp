@@ -31,7 +31,7 @@ std::string slotText(const Slot& slot) {
   return text + "},\n";
 }
 
-// The record behind those that are nested in it, each once.
+// Appends the nested records first, each record once.
 void appendRecord(const Record& record, std::set<std::string>& known, std::string& text) {
   if (!known.insert(record.name).second) {
     return;

@@ -1,4 +1,4 @@
-// The dissector that shows captures in Wireshark: a Lua program, its data made of the schemas.
+// The Wireshark dissector for captures: a Lua program with data from the schemas.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// What of the dissector does not come from the schemas.
+// The parts of the dissector that do not depend on the schemas.
 #pragma once
 
 namespace tool {
@@ -20,11 +20,11 @@ local header = {
   extra = ProtoField.uint64("mesh_l2vpn.extra", "Extra"),
 }
 local fault = ProtoExpert.new("mesh_l2vpn.fault", "Fault", expert.group.MALFORMED, expert.severity.ERROR)
-local tolerated = ProtoExpert.new("mesh_l2vpn.tolerated", "Fault that receivers take",
+local tolerated = ProtoExpert.new("mesh_l2vpn.tolerated", "Tolerated fault",
                                   expert.group.MALFORMED, expert.severity.WARN)
 local unknown = ProtoExpert.new("mesh_l2vpn.unknown", "Unknown message", expert.group.UNDECODED,
                                 expert.severity.NOTE)
-local cut = ProtoExpert.new("mesh_l2vpn.cut", "Not shown as a whole", expert.group.UNDECODED,
+local cut = ProtoExpert.new("mesh_l2vpn.cut", "Shortened", expert.group.UNDECODED,
                             expert.severity.NOTE)
 proto.experts = {fault, tolerated, unknown, cut}
 
@@ -47,10 +47,10 @@ proto.fields = fields
 
 local most_words = 0x3FFFFFFF
 local past_32_bits = 0x100000000
--- Each takes memory in Wireshark, and a hostile message may ask for any number.
+-- Each line takes memory in Wireshark, and a hostile message may ask for any number.
 local most_lines = 20000
 
--- One message on its way into the tree. The rules are those of the library's reader.
+-- Adds one message to the tree, by the rules of the library's reader.
 local function dissect(tvb, root_record, tree)
   local length = tvb:len()
   local is_tolerant = false
@@ -58,7 +58,7 @@ local function dissect(tvb, root_record, tree)
   local lines = 0
   local read_table
 
-  -- Whether one more line is shown. Reading goes on without it.
+  -- Whether there is room for one more line. Reading continues without it.
   local function has_room()
     lines = lines + 1
     if lines == most_lines then
@@ -67,7 +67,7 @@ local function dissect(tvb, root_record, tree)
     return lines < most_lines
   end
 
-  -- The first fault that rejects the message is shown whatever came before it.
+  -- Always shows the first fault that rejects the message.
   local function fail(item, text)
     local rejects = not is_tolerant and not is_rejected
     is_rejected = is_rejected or rejects

@@ -1,4 +1,4 @@
-// Sums of counts that a file may claim to be anything.
+// Sums of counts that come from files and may be any number.
 #pragma once
 
 #include <cstdint>

@@ -9,12 +9,12 @@
 namespace tool {
 namespace {
 
-// A capture may be full of numbers that occur once each.
+// Bounds the memory: every table may have another source and identifier.
 constexpr size_t mostToldApart = 1000;
-// More unknown identifiers than these are one row.
+// More unknown identifiers share one row.
 constexpr size_t mostShown = 20;
 
-// The entry of a number, or the one for all that come when there are enough already.
+// The entry of a number, or `others` if there are too many entries.
 template <typename Entry>
 Entry& entryOf(uint32_t number, std::map<uint32_t, Entry>& entries, Entry& others) {
   const auto found = entries.find(number);
@@ -40,7 +40,7 @@ void Gaps::add(uint64_t missed) {
 
 void Statistics::add(const Table& table) {
   const size_t size = table.bytes.size();
-  const Count one{1, size, isTaken(table) ? 0U : 1U, size, size};
+  const Count one{1, size, isAccepted(table) ? 0U : 1U, size, size};
   const bool isKnown = findById(table.id) != nullptr;
   (isKnown ? known_[table.id] : entryOf(table.id, unknown_, otherUnknown_)).add(one);
   if (table.missedBefore != 0) {

@@ -1,5 +1,4 @@
-// What is counted of the tables of a capture. As much memory as it takes at most, whatever the
-// capture holds.
+// Statistics of a capture, in bounded memory.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +33,7 @@ struct Gaps {
 struct Statistics {
   Count all;
   Gaps gaps;
-  std::map<uint32_t, Gaps> gapsBySource;  // of so many sources as are told apart
+  std::map<uint32_t, Gaps> gapsBySource;  // of the first 1000 sources
   Gaps gapsOfOthers;
   uint64_t first = std::numeric_limits<uint64_t>::max();
   uint64_t last = 0;
@@ -45,12 +44,13 @@ struct Statistics {
   // Between the first and the last table, in nanoseconds.
   [[nodiscard]] uint64_t duration() const { return all.tables == 0 ? 0 : last - first; }
 
-  // By message, the busiest first. Unknown identifiers stand for themselves where they are few.
+  // By message, most tables first. Each unknown identifier has a row, or all share one if there are
+  // many.
   [[nodiscard]] std::vector<std::pair<std::string, Count>> ranking() const;
 
  private:
   std::map<uint32_t, Count> known_;    // by identifier
-  std::map<uint32_t, Count> unknown_;  // of so many identifiers as are told apart
+  std::map<uint32_t, Count> unknown_;  // of the first 1000 identifiers
   Count otherUnknown_;
   uint64_t previous_ = 0;
 };

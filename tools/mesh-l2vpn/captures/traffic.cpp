@@ -74,7 +74,7 @@ Json tableJson(const Table& table, ByteText form) {
   return json;
 }
 
-bool isTaken(const Table& table) {
+bool isAccepted(const Table& table) {
   const KnownMessage* const message = findById(table.id);
   return message != nullptr &&
          (isOwnEncoding(*message, table.bytes) || judge(*message, table.bytes).isAccepted());

@@ -1,4 +1,4 @@
-// A table on its way from a node to another.
+// A table sent from one node to another.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ struct Table {
   uint32_t id;
   uint64_t extra;
   std::span<const uint8_t> bytes;
-  uint64_t missedBefore = 0;  // calls that did not arrive between the table before and this one
-  uint32_t cutOff = 0;        // bytes at its end that a capture does not hold
+  uint64_t missedBefore = 0;  // calls missed since the previous table
+  uint32_t cutOff = 0;        // bytes missing at its end in a capture
 };
 
 uint64_t nowInNanoseconds();
@@ -24,11 +24,11 @@ uint64_t nowInNanoseconds();
 // "2026-11-21T09:28:00.123456789Z"
 std::string timeText(uint64_t nanoseconds);
 
-// A table as one JSON object: who sent what when, and its record; or its faults, and its bytes
-// where there is no record, always hexadecimal.
+// A table as one JSON object: time, addresses, message, and the record. If there are faults, also
+// the faults; if there is no record, the bytes in hexadecimal.
 Json tableJson(const Table& table, ByteText form = ByteText::Hex);
 
-// Whether receivers take the table: they know the message, and their reader has no objection.
-bool isTaken(const Table& table);
+// Whether receivers know the message and accept the table.
+bool isAccepted(const Table& table);
 
 }  // namespace tool

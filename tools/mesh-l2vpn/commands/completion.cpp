@@ -1,4 +1,4 @@
-// completion: what a shell completes the program's words with, made of the program's own options.
+// completion: a script that completes command lines, made from the options of the program.
 
 #include <iostream>
 
@@ -70,7 +70,7 @@ void writeBash(const CompletionOptions& options) {
 
 void runCompletion(const CompletionOptions& options, Session& /*session*/) {
   if (options.shell == "zsh") {
-    // zsh takes bash's.
+    // zsh runs bash completions.
     std::cout << "autoload -U +X bashcompinit && bashcompinit\n";
   }
   writeBash(options);

@@ -1,4 +1,4 @@
-// decode: bytes become JSON.
+// decode: converts bytes to JSON.
 
 #include <iostream>
 
@@ -51,7 +51,7 @@ std::string cutText(const Table& table) {
          std::to_string(held + table.cutOff) + " bytes";
 }
 
-// Table by table, in as much memory as the largest takes.
+// Table by table: takes the memory of one table.
 void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options,
                    Session& session) {
   CaptureReader reader(std::move(file));

@@ -1,4 +1,4 @@
-// diff: what differs between two messages.
+// diff: compares two messages.
 
 #include <iostream>
 
@@ -31,7 +31,7 @@ Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes,
   return {std::move(bytes), std::move(reading), std::move(record)};
 }
 
-// As much of a value as a column has room for.
+// Shortens a value to fit a column.
 std::string shortened(const std::string& text) {
   constexpr size_t most = 60;
   constexpr size_t shown = 32;

@@ -1,4 +1,4 @@
-// encode: JSON becomes bytes.
+// encode: converts JSON to bytes.
 
 #include <unistd.h>
 
@@ -25,7 +25,7 @@ Bytes encode(const EncodeOptions& options) {
 
 void runEncode(const EncodeOptions& options, Session& /*session*/) {
   const Bytes bytes = encode(options);
-  // Nobody wants bytes on a terminal.
+  // A terminal shows no bytes.
   if (options.isHex || isatty(STDOUT_FILENO) != 0) {
     std::cout << toHex(bytes) << '\n';
   } else {

@@ -1,4 +1,4 @@
-// explain: a message byte by byte.
+// explain: explains a message byte by byte.
 
 #include <iostream>
 

@@ -1,4 +1,4 @@
-// list: the catalogue of messages.
+// list: all messages.
 
 #include <iostream>
 

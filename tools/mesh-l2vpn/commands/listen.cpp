@@ -1,4 +1,4 @@
-// listen: what arrives at a node, as JSON lines.
+// listen: receives as a node and prints JSON lines.
 
 #include <iostream>
 
@@ -13,12 +13,12 @@ void runListen(const ListenOptions& options, Session& session) {
   Node node(options.middleware, options.address);
   session.say("node " + std::to_string(options.address) + " listens");
   receiveAll(node, options, [&](const Table& table) {
-    // Line by line, for whoever reads in a pipe.
+    // Flushes each line, for a reader of a pipe.
     const std::string line = tableJson(table, options.byteText).dump();
     try {
       std::cout << line << std::endl;
     } catch (const std::ios::failure&) {
-      throw outputFailure();  // the middleware has the next word
+      throw outputFailure();  // while errno is that of the output
     }
   });
   const mesh_node_statistics statistics = node.statistics();

@@ -1,4 +1,4 @@
-// record: what arrives at a node, into a capture.
+// record: receives as a node and writes a capture.
 
 #include "bytes/interruption.hpp"
 #include "captures/capture_file.hpp"
@@ -10,7 +10,7 @@ namespace tool {
 
 void runRecord(const RecordOptions& options, Session& session) {
   catchInterruptions();
-  // First of all, so that an old capture is replaced only by one that can be made.
+  // First, so that an existing capture is truncated only after the node has opened.
   Node node(options.middleware, options.address);
   CaptureWriter writer(options.file);
   session.say("node " + std::to_string(options.address) + " records");

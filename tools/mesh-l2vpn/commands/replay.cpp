@@ -1,4 +1,4 @@
-// replay: a capture's tables, sent again.
+// replay: sends the tables of a capture again.
 
 #include <chrono>
 #include <thread>
@@ -13,7 +13,7 @@
 namespace tool {
 namespace {
 
-// When each table is due.
+// Waits until each table is due.
 class Pace {
  public:
   explicit Pace(const ReplayOptions& options) : options_(options) {}

@@ -1,4 +1,4 @@
-// send: one message from JSON to a node.
+// send: sends one message from JSON to a node.
 
 #include "bytes/input.hpp"
 #include "commands/commands.hpp"

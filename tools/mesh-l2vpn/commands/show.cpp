@@ -1,4 +1,4 @@
-// show: one message.
+// show: shows one message.
 
 #include <iostream>
 

@@ -1,4 +1,4 @@
-// stat: what a capture holds.
+// stat: summarises a capture.
 
 #include <iostream>
 
@@ -29,7 +29,7 @@ double inSeconds(uint64_t nanoseconds) {
 }
 
 std::string decimal(double value, int digits) {
-  char text[400];  // the largest of doubles
+  char text[400];  // room for the largest double
   std::snprintf(text, sizeof text, "%.*f", digits, value);
   return text;
 }

@@ -1,4 +1,4 @@
-// A message's facts, for people and for programs.
+// A message described as JSON.
 #pragma once
 
 #include "json/record_json.hpp"
@@ -6,13 +6,13 @@
 
 namespace tool {
 
-// "fixed" or "compact": the arrangement that it is sent in.
+// "fixed" or "compact": the arrangement in which the message is sent.
 const char* arrangementName(const KnownMessage& message);
 
 // Name, identifier, service, arrangement, sizes, fingerprint.
 Json describe(const KnownMessage& message);
 
-// The same and its slots.
+// Also the slots.
 Json describeWithSlots(const KnownMessage& message);
 
 }  // namespace tool

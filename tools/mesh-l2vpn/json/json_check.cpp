@@ -13,14 +13,15 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr size_t deepest = 64;
-constexpr size_t mostMembers = 100;  // of an object: each is looked for among them
+constexpr size_t mostMembers = 100;  // of an object
 constexpr size_t mostValues = 1'000'000;
 
 [[noreturn]] void fail(const std::string& text) {
   throw Failure(Exit::BadInput, text);
 }
 
-// Of "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error", the end.
+// "syntax error" from "[json.exception.parse_error.101] parse error at line 1, column 2: syntax
+// error".
 std::string reasonOf(std::string_view text) {
   constexpr size_t longest = 200;
   text.remove_prefix(text.find("] ") + 2);
@@ -30,7 +31,7 @@ std::string reasonOf(std::string_view text) {
   return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
 }
 
-// What the parser tells while it reads; nothing is kept but the names of the open objects' members.
+// Keeps only the names of the open objects' members.
 class Check final : public nlohmann::json_sax<Json> {
  public:
   bool null() override { return count(); }
@@ -87,7 +88,7 @@ class Check final : public nlohmann::json_sax<Json> {
 
 }  // namespace
 
-void refuseUnsound(std::string_view text) {
+void checkJson(std::string_view text) {
   Check check;
   Json::sax_parse(text, &check);
 }

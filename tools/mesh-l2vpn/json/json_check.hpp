@@ -1,13 +1,12 @@
-// Which JSON text is read at all.
+// Checks JSON text before it is parsed.
 #pragma once
 
 #include <string_view>
 
 namespace tool {
 
-// Fails for text that is no JSON, and for what no record's is: a member that is there twice, of
-// which the parser would keep one and nobody would know which; deep nesting, which a value's
-// destructor goes down; more values than any record has.
-void refuseUnsound(std::string_view text);
+// Fails for invalid JSON, and for JSON that no record has: duplicate members, of which the parser
+// silently keeps one; deep nesting, through which destructors recurse; too many values.
+void checkJson(std::string_view text);
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// A table without its message: what can be seen, and which messages it could be.
+// A table of an unknown message: its structure, and the messages that fit it.
 #pragma once
 
 #include <span>
@@ -12,10 +12,10 @@ namespace tool {
 
 // How well a message fits.
 enum class Fit : uint8_t {
-  Exact,    // encoding what it says gives these bytes
-  Same,     // it reads them without a fault, and knows as many slots as they have
-  Damaged,  // the same, but what is nested in it is at fault
-  Reads,    // it reads them
+  Exact,    // decoding and encoding gives these bytes
+  Same,     // no fault, and as many slots as the vtable
+  Damaged,  // the same, but with a fault in a nested table
+  Reads,    // receivers accept it
 };
 
 struct Candidate {
@@ -23,19 +23,19 @@ struct Candidate {
   Fit fit;
 };
 
-// The messages of the best fit that there is.
+// The messages with the best fit.
 std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes);
 
 // The message that these bytes are taken for.
 struct Choice {
   const KnownMessage& message;
-  std::string note;  // empty when there is nothing to say about the choice
+  std::string note;  // empty if the choice is certain
 };
 
-// The named message, or the first of the best candidates. Fails when there is none.
+// The named message, or the first of the best candidates. Fails if there is none.
 Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes);
 
-// Length, root, vtable, and every present slot's position. Fails where there is no table.
+// Length, root, vtable, and every present slot's position. Fails if there is no table.
 Json rawTable(std::span<const uint8_t> bytes);
 
 }  // namespace tool

@@ -74,7 +74,7 @@ Json slotToJson(const Slot& slot, const uint8_t* record, ByteText form) {
   }
 }
 
-// Fills one record from JSON, and those nested in it.
+// Fills a record and its nested records from JSON.
 class RecordFiller {
  public:
   RecordFiller(OwnedRecord& owner, ByteText form) : owner_(owner), form_(form) {}
@@ -99,7 +99,7 @@ class RecordFiller {
     throw Failure(Exit::BadInput, (path.empty() ? "the record" : path) + ": " + text);
   }
 
-  // The value where it is a short one, else what kind of value it is.
+  // The value if it is short, else its type.
   static std::string shortText(const Json& json) {
     constexpr size_t longest = 60;
     const std::string text =
@@ -139,7 +139,7 @@ class RecordFiller {
     }
   }
 
-  // As much as decoding gives.
+  // Up to the memory limit of decoding.
   uint8_t* addBlock(uint64_t size, const std::string& path) {
     memory_ += size;
     if (memory_ > largestMemory) {
@@ -235,7 +235,7 @@ OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText for
 }
 
 Json parseJson(std::string_view text) {
-  refuseUnsound(text);
+  checkJson(text);
   return Json::parse(text);
 }
 

@@ -1,7 +1,7 @@
 // Between a record and JSON: an object with a member for each slot.
 //
-//   scalar           a whole number, 64 bits without loss; also accepted: a text with 0x
-//   bytes, bytes[N]  a text of hexadecimal digits, two a byte; or of base64
+//   scalar           an integer of up to 64 bits; fromJson also accepts a string with 0x
+//   bytes, bytes[N]  a string of hexadecimal digits, or of base64
 //   table            an object
 //   vector           an array of objects
 #pragma once
@@ -18,11 +18,11 @@ using Json = nlohmann::ordered_json;
 
 Json toJson(const mesh::wire::Record& schema, const uint8_t* record, ByteText form = ByteText::Hex);
 
-// What is missing is zero. Fails, with the path, for what is unknown, out of range or of a wrong
-// length.
+// Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
+// lengths.
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
 
-// One JSON value from text; fails for text that is none, and for a member that is there twice.
+// Parses one JSON value. Fails for invalid JSON and duplicate members.
 Json parseJson(std::string_view text);
 
 }  // namespace tool

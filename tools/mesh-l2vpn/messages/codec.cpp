@@ -9,7 +9,7 @@
 namespace tool {
 namespace {
 
-// How many bytes the compact arrangement takes; none where there is no encoding.
+// The size of the compact arrangement; none if the record has no encoding.
 std::optional<uint32_t> compactSize(const OwnedRecord& record) {
   uint32_t size = UINT32_MAX;
   return record.message().pack(record.data(), nullptr, &size) == 0 ? std::optional(size)

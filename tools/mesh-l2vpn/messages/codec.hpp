@@ -1,4 +1,4 @@
-// Bytes and records, through the library's own operations.
+// Encoding and decoding through the library's operations.
 #pragma once
 
 #include <span>
@@ -13,13 +13,13 @@ using Bytes = std::vector<uint8_t>;
 // What __pack writes.
 Bytes encodeCompact(const OwnedRecord& record);
 
-// What the senders hand to the middleware: the message's own arrangement.
+// What the senders pass to the middleware: the arrangement in which the message is sent.
 Bytes encodeAsSent(const OwnedRecord& record);
 
 // The fixed arrangement; fails for a message that is not sent in it.
 Bytes encodeFixed(const OwnedRecord& record);
 
-// What __unpack makes of the bytes. Whether it accepted them is for table_reader.hpp to say.
+// What __unpack fills in. __unpack does not tell whether it accepted the bytes; judge() does.
 OwnedRecord decode(const KnownMessage& message, std::span<const uint8_t> bytes);
 
 // Whether encoding the record gives these bytes, in either arrangement.

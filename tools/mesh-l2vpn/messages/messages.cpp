@@ -43,8 +43,7 @@ std::vector<KnownMessage> listMessages() {
 
 constexpr size_t longestName = 63;
 
-// How many letters have to be put in, taken out or exchanged to make one of the other, which is a
-// message's name.
+// The Levenshtein distance. `other` is a message's name.
 size_t editDistance(std::string_view one, std::string_view other) {
   std::array<size_t, longestName + 1> row{};
   std::iota(row.begin(), row.end(), size_t{0});
@@ -70,7 +69,7 @@ bool parseId(std::string_view text, uint32_t& id) {
   return parseNumber(isHex ? text.substr(2) : text, isHex ? 16 : 10, id);
 }
 
-// An identifier without its 0x is meant.
+// Whether the text is an identifier without its 0x.
 bool isHexId(std::string_view text) {
   uint32_t id = 0;
   return parseNumber(text, 16, id) && findById(id) != nullptr;
@@ -96,7 +95,7 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
   };
   std::vector<Candidate> candidates;
   for (const KnownMessage& message : messages()) {
-    // Whoever leaves the beginning of a name away means its end.
+    // A substring matches: users drop the prefix.
     const bool isPart = name.size() >= 3 && message.name.find(name) != std::string_view::npos;
     const size_t distance = isPart ? 0 : editDistance(name, message.name);
     if (distance <= std::max<size_t>(2, name.size() / 4)) {

@@ -11,7 +11,7 @@
 
 namespace tool {
 
-// A message with the library's exported operations of it, for records of whatever type.
+// A message and its exported operations, for records of any type.
 struct KnownMessage {
   std::string_view name;
   std::string_view service;
@@ -27,17 +27,17 @@ struct KnownMessage {
   }
 };
 
-// All of them, service by service, in registration order.
+// All messages, service by service, in registration order.
 const std::vector<KnownMessage>& messages();
 
-// Null when no message has it.
+// Null if no message has the identifier.
 const KnownMessage* findById(uint32_t id);
 
-// A message by its name, or by its identifier in decimal or, with 0x, hexadecimal. Fails with the
-// names that come near.
+// A message by its name, or by its identifier in decimal or (with 0x) hexadecimal. Fails with
+// similar names.
 const KnownMessage& messageNamed(std::string_view nameOrId);
 
-// The names nearest to one that does not exist, best first, three at most; none when none is near.
+// The names most similar to one that does not exist: best first, at most three.
 std::vector<std::string_view> nearestNames(std::string_view name);
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// A record of any message in memory of its own, with the blocks that its pointers lead to.
+// A record of any message, owning its memory and the blocks that its pointers point to.
 #pragma once
 
 #include <cstring>
@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// Zero at first. Blocks come from here or, after decoding, from the library.
+// Starts as zeros. Blocks come from addBlock or, after decoding, from the library.
 class OwnedRecord {
  public:
   explicit OwnedRecord(const KnownMessage& message)
@@ -34,7 +34,7 @@ class OwnedRecord {
     return reinterpret_cast<uint8_t*>(blocks_.back().get());
   }
 
-  // From now on the record's blocks are the library's to give back.
+  // From now on the library releases the blocks.
   void setUnpacked() { isUnpacked_ = true; }
 
  private:

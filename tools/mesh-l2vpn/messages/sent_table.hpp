@@ -1,9 +1,8 @@
-// The library's send operations without a middleware: this program is itself the one that they
-// call, and keeps what it is handed.
+// The library's send operations without a middleware: this program defines MESH_SendMsg and its
+// like, and keeps the bytes that the library passes.
 //
-// MESH_SendMsg and its like are defined in the program, so the library finds them before any other.
-// A real middleware is loaded at run time where a command needs one (middleware.hpp), apart from
-// the global names; the two never meet.
+// The library finds these definitions before any other. Commands that need a real middleware load
+// it at run time with RTLD_LOCAL (middleware.hpp), so the two do not collide.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +11,7 @@
 
 namespace tool {
 
-// The bytes of the one table that `send` hands over; none when it hands nothing over.
+// The bytes of the one table that `send` sends; empty if it sends none.
 std::vector<uint8_t> takeSent(const std::function<void()>& send);
 
 }  // namespace tool

@@ -6,7 +6,7 @@
 namespace tool {
 namespace {
 
-// More of these notes than a person reads.
+// Nobody reads more of these notes.
 constexpr int mostOverlapsNoted = 5;
 
 Range unreadRange(std::span<const uint8_t> bytes, uint32_t at, uint32_t size, bool isCut) {
@@ -26,7 +26,8 @@ void coverBytes(std::span<const uint8_t> bytes, Reading& reading) {
   std::ranges::stable_sort(ranges, {}, [](const Range& range) {
     return std::tuple{range.at, UINT32_MAX - range.size};
   });
-  // A fixed image's nested root word is its holder's offset word too: one word, two readers.
+  // In a fixed image, the root word of a nested table is also its holder's offset word: one word,
+  // read twice.
   std::vector<Range> unread;
   uint32_t end = 0;
   int overlaps = 0;

@@ -1,11 +1,11 @@
-// What of a message is read by nobody, or twice.
+// Bytes of a message that are not read, or read twice.
 #pragma once
 
 #include "reader/reading.hpp"
 
 namespace tool {
 
-// Puts the ranges in order, adds those of bytes that are in none, and notes where two overlap.
+// Sorts the ranges, adds ranges for unread bytes, and notes where ranges overlap.
 void coverBytes(std::span<const uint8_t> bytes, Reading& reading);
 
 }  // namespace tool

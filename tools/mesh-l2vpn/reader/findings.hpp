@@ -1,4 +1,4 @@
-// What a reader finds on its way, as far as it is kept: in a Verdict, or in a Reading.
+// Collects what a reader finds, in a Verdict or a Reading.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@ class Findings {
 
   explicit Findings(Result& result) : result_(result) {}
 
-  // What is said of sound bytes is made only to be kept.
+  // Makes a range only for a Reading.
   template <typename Make, typename... Arguments>
   void add(Make make, const Arguments&... arguments) {
     if constexpr (explains) {

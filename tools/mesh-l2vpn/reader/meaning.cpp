@@ -13,18 +13,17 @@ Range rootRange(uint32_t table) {
   return {0, 4, Part::Root, "", "root", "table at " + number(table), table};
 }
 
-Range distanceRange(uint32_t at, const Path& path, uint32_t distance, uint32_t vtable) {
-  const std::string value =
-      std::to_string(static_cast<int32_t>(distance)) + ": at " + number(vtable);
-  return {at, 4, Part::Frame, path.text(), "table: distance of its vtable", value, vtable};
+Range vtableOffsetRange(uint32_t at, const Path& path, uint32_t offset, uint32_t vtable) {
+  const std::string value = std::to_string(static_cast<int32_t>(offset)) + ": at " + number(vtable);
+  return {at, 4, Part::Head, path.text(), "table: distance of its vtable", value, vtable};
 }
 
 Range vtableLengthRange(uint32_t at, const Path& path, uint32_t length) {
-  return {at, 2, Part::Frame, path.text(), "vtable: its length", number(length)};
+  return {at, 2, Part::Head, path.text(), "vtable: its length", number(length)};
 }
 
 Range tableLengthRange(uint32_t at, const Path& path, uint32_t length) {
-  return {at, 2, Part::Frame, path.text(), "vtable: the table's length (not used)", number(length)};
+  return {at, 2, Part::Head, path.text(), "vtable: the table's length (not used)", number(length)};
 }
 
 Range entryRange(uint32_t at, const Path& path, size_t index, uint32_t entry, uint32_t table) {

@@ -1,4 +1,4 @@
-// What ranges of every kind say of themselves.
+// The ranges of each kind, with their texts.
 #pragma once
 
 #include <span>
@@ -10,12 +10,12 @@ namespace tool {
 
 Range rootRange(uint32_t table);
 
-// A table's frame: its first word, and its vtable's two lengths.
-Range distanceRange(uint32_t at, const Path& path, uint32_t distance, uint32_t vtable);
+// A table's head: its vtable offset, and its vtable's two lengths.
+Range vtableOffsetRange(uint32_t at, const Path& path, uint32_t offset, uint32_t vtable);
 Range vtableLengthRange(uint32_t at, const Path& path, uint32_t length);
 Range tableLengthRange(uint32_t at, const Path& path, uint32_t length);
 
-// Of the slot `index` of a table at `table`.
+// The entry of slot `index` of the table at `table`.
 Range entryRange(uint32_t at, const Path& path, size_t index, uint32_t entry, uint32_t table);
 Range unknownEntriesRange(uint32_t at, const Path& path, size_t firstIndex, uint32_t count);
 Range halfEntryRange(uint32_t at, const Path& path);

@@ -1,4 +1,4 @@
-// Where in a message a table or a field hangs.
+// The path of a table or field within a message.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,8 @@
 
 namespace tool {
 
-// One step from its holder, which must outlive it. The text is made where somebody reads it.
+// One step from its holder, which must outlive it. Most paths are never shown, so only text() makes
+// a string.
 struct Path {
   const Path* holder = nullptr;  // null: this is the root
   const char* slot = nullptr;    // null: this is an item of a vector

@@ -1,4 +1,4 @@
-// Which range a byte shows.
+// Finds the range of each byte.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,7 @@
 
 namespace tool {
 
-// Of ranges by position; asked for byte after byte, never back.
+// Takes ranges sorted by position. Positions asked for must not decrease.
 class RangeWalk {
  public:
   explicit RangeWalk(const std::vector<Range>& ranges) : ranges_(ranges) {}
@@ -17,7 +17,7 @@ class RangeWalk {
     for (; next_ < ranges_.size() && ranges_[next_].at <= position; ++next_) {
       open_.push_back(&ranges_[next_]);
     }
-    // One that ends under another that does not may stay.
+    // A range that has ended may stay below one that has not.
     while (!open_.empty() && position - open_.back()->at >= open_.back()->size) {
       open_.pop_back();
     }

@@ -9,16 +9,16 @@
 namespace tool {
 namespace {
 
-// More than these nobody reads, and a hostile message can have as many as it has words.
+// Nobody reads more, and a hostile message can have one fault per word.
 constexpr size_t mostFaults = 1000;
 constexpr size_t mostNotes = 100;
 
 constexpr size_t mostCharacters = 40;
 constexpr size_t mostDigits = 40;
 
-// Of longer contents the rest is not looked at: many fields may lead to the same ones. No array is
+// Longer contents are not examined to the end: many fields may point to the same ones. No array is
 // longer.
-constexpr size_t mostLookedAt = 16384;
+constexpr size_t mostExamined = 16384;
 
 }  // namespace
 
@@ -66,11 +66,11 @@ std::string numberText(uint64_t value) {
 }
 
 std::string contentsText(std::span<const uint8_t> contents) {
-  const auto looked = contents.first(std::min(contents.size(), mostLookedAt));
-  if (std::ranges::all_of(looked, [](uint8_t byte) { return byte == 0; })) {
-    return looked.size() < contents.size() ? "zeros at first" : "zeros";
+  const auto examined = contents.first(std::min(contents.size(), mostExamined));
+  if (std::ranges::all_of(examined, [](uint8_t byte) { return byte == 0; })) {
+    return examined.size() < contents.size() ? "zeros at first" : "zeros";
   }
-  if (std::ranges::all_of(looked, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
+  if (std::ranges::all_of(examined, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
     const auto shown = contents.first(std::min(contents.size(), mostCharacters));
     return '"' + std::string(shown.begin(), shown.end()) +
            (shown.size() < contents.size() ? "\"..." : "\"");

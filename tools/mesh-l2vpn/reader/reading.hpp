@@ -1,4 +1,4 @@
-// What a reader says of a message: what every byte of it is, and what is wrong with it.
+// What a reader reports about a message: the meaning of every byte, and every fault.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@ namespace tool {
 
 enum class Part : uint8_t {
   Root,
-  Frame,  // a table's first word, its vtable's two lengths
+  Head,   // a table's vtable offset, its vtable's two lengths
   Entry,  // of a slot in the vtable
   Scalar,
   Word,    // an offset word
   Length,  // of bytes, or a vector's count
   Contents,
-  Unknown,  // entries behind the last known slot
-  Padding,  // zeros that nobody reads
-  Unread,   // other bytes that nobody reads
+  Unknown,  // entries after the last known slot
+  Padding,  // unread zeros
+  Unread,   // other unread bytes
 };
 
 // Bytes with one meaning.
@@ -28,46 +28,45 @@ struct Range {
   Part part;
   std::string path;     // of the slot it belongs to, as "f1.f3"; empty for the root table
   std::string meaning;  // "offset word"
-  std::string value;    // "42 (0x2a)", "leads to 32"
-  int64_t target = -1;  // the position that it leads to
+  std::string value;    // "42 (0x2a)", "points to 32"
+  int64_t target = -1;  // the position that it points to; -1: none
 };
 
 struct Fault {
-  uint32_t at;  // the bytes that are to blame
+  uint32_t at;  // the bytes at fault
   uint32_t size;
   std::string path;
   std::string text;
-  bool isTolerated;  // receivers take the message all the same
+  bool isTolerated;  // receivers accept the message anyway
 };
 
-// What a reader decides.
+// The faults of a message, and what receivers do with it.
 struct Verdict {
-  std::vector<Fault> faults;   // in the order in which a reader meets them, 1000 or so at most
-  bool hasMoreFaults = false;  // than are kept
+  std::vector<Fault> faults;   // in reading order, at most about 1000
+  bool hasMoreFaults = false;  // than kept
   bool isRejected = false;     // by receivers
   uint64_t memory = 0;         // bytes that decoding allocates
 
   [[nodiscard]] bool isAccepted() const { return !isRejected; }
 
-  // Faults beyond what a person reads are dropped, but never the first that makes receivers reject
-  // the message.
+  // Keeps a limited number of faults, but always the first that makes receivers reject the message.
   void addFault(Fault fault);
 };
 
-// And what it says of every byte.
+// A verdict with the meaning of every byte.
 struct Reading : Verdict {
-  std::vector<Range> ranges;  // by position; every byte is in one at least
+  std::vector<Range> ranges;  // by position; every byte is in at least one
   std::vector<std::string> notes;
-  bool isCut = false;  // there is more to say than there are ranges for
+  bool isCut = false;  // the limit of ranges is reached
 
-  // Whether one more is of use to a person.
+  // Whether there is room for another note.
   [[nodiscard]] bool takesNote() const;
 };
 
-// More ranges than any message has that can be decoded: 4049 items fit into the largest memory.
+// No message that can be decoded has as many ranges: largestMemory holds 4049 items.
 inline constexpr size_t mostRanges = 250'000;
 
-// More memory than this is not given to one message: a small one can ask for nearly 4 GiB.
+// The memory limit of one message. A small message can ask for nearly 4 GiB.
 inline constexpr uint64_t largestMemory = uint64_t{64} << 20;
 void refuseTooMuchMemory(const Verdict& verdict);
 
@@ -77,11 +76,10 @@ std::string faultCountText(const Verdict& verdict);
 // "byte 24, f1.f8: 13 bytes where 12 belong"
 std::string faultText(const Fault& fault);
 
-// What is written beside raw bytes: "42 (0x2a)".
+// A number as text: "42 (0x2a)".
 std::string numberText(uint64_t value);
 
-// What is written beside a string's bytes: "zeros", the text that they are, or hexadecimal digits;
-// the beginning of long ones.
+// A byte string as text: "zeros", its characters, or hexadecimal digits. Shortens long ones.
 std::string contentsText(std::span<const uint8_t> contents);
 
 }  // namespace tool

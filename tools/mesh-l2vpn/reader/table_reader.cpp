@@ -17,14 +17,14 @@ using mesh::wire::Kind;
 using mesh::wire::Record;
 using mesh::wire::Slot;
 
-// More items than this cannot have their offset words inside any buffer.
+// No buffer holds the offset words of more items.
 constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
 
 std::string number(uint64_t value) {
   return std::to_string(value);
 }
 
-// Result: a Verdict, or a Reading for one that explains.
+// Result: Verdict, or Reading to explain every byte.
 template <typename Result>
 class TableReader {
  public:
@@ -38,25 +38,25 @@ class TableReader {
   }
 
  private:
-  // A word that leads somewhere, and what it stands for.
+  // A word that points to something, and its path.
   struct Origin {
     uint32_t at;
     const Path& path;
   };
 
-  struct Frame {
+  struct Head {
     uint32_t table;
     uint32_t vtable;
     uint32_t length;
   };
 
-  // What a table is remembered by: the same bytes may be another record, or hang in a table whose
-  // faults its holder ignores.
+  // Identifies a table that was read. The same bytes may be read as another record, or below a
+  // table whose faults its holder ignores.
   using Key = std::tuple<const Record*, uint64_t, bool>;
 
   struct Outcome {
     bool isGood;
-    uint64_t memory;  // that the library allocates for it each time
+    uint64_t memory;  // that the library allocates each time it decodes the table
   };
 
   [[nodiscard]] bool holds(uint64_t at, uint64_t size) const { return at + size <= bytes_.size(); }
@@ -75,7 +75,7 @@ class TableReader {
     return " of a buffer of " + number(bytes_.size()) + " bytes";
   }
 
-  // Whether the table is in order; a table that two words lead to is read once.
+  // Whether the table is valid. A table that several words point to is read once.
   bool readTable(const Record& record, uint64_t table, const Origin& from) {
     const Key key{&record, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
@@ -86,13 +86,13 @@ class TableReader {
       return known->second.isGood;
     }
     const uint64_t before = found_.memory();
-    Frame frame{};
-    const bool isGood = locate(table, from, frame) && readSlots(record, frame, from.path);
+    Head head{};
+    const bool isGood = locate(table, from, head) && readSlots(record, head, from.path);
     tables_[key] = {isGood, found_.memory() - before};
     return isGood;
   }
 
-  bool locate(uint64_t table, const Origin& from, Frame& frame) {
+  bool locate(uint64_t table, const Origin& from, Head& head) {
     const uint64_t largest = bytes_.size() - 4;
     if (table < 4 || table > largest) {
       return fail(
@@ -100,9 +100,9 @@ class TableReader {
           "leads to a table at " + number(table) + ", which is not from 4 to " + number(largest));
     }
     const auto at = static_cast<uint32_t>(table);
-    const auto distance = load<uint32_t>(at);
-    const uint32_t vtable = at - distance;
-    found_.add(distanceRange, at, from.path, distance, vtable);
+    const auto offset = load<uint32_t>(at);
+    const uint32_t vtable = at - offset;
+    found_.add(vtableOffsetRange, at, from.path, offset, vtable);
     if (vtable < 4 || vtable > largest) {
       return fail(
           at, 4, from.path,
@@ -122,7 +122,7 @@ class TableReader {
         return named(from.path) + ": a vtable of " + number(length) + " bytes has no slot";
       });
     }
-    frame = {at, vtable, length};
+    head = {at, vtable, length};
     return true;
   }
 
@@ -130,17 +130,17 @@ class TableReader {
     return path.holder == nullptr ? "the root" : path.text();
   }
 
-  bool readSlots(const Record& record, const Frame& frame, const Path& path) {
+  bool readSlots(const Record& record, const Head& head, const Path& path) {
     bool isGood = true;
-    uint32_t entryAt = frame.vtable + 4;
-    const uint32_t end = frame.vtable + frame.length;
+    uint32_t entryAt = head.vtable + 4;
+    const uint32_t end = head.vtable + head.length;
     for (size_t index = 0; index < record.slots.size() && entryAt + 2 <= end; ++index) {
       const Slot& slot = record.slots[index];
       const uint32_t entry = load<uint16_t>(entryAt);
       const Path slotPath{&path, slot.name.data()};
-      found_.add(entryRange, entryAt, slotPath, index, entry, frame.table);
+      found_.add(entryRange, entryAt, slotPath, index, entry, head.table);
       isGood = (entry == 0 ||
-                readSlot(record, slot, uint64_t{frame.table} + entry, {entryAt, slotPath})) &&
+                readSlot(record, slot, uint64_t{head.table} + entry, {entryAt, slotPath})) &&
                isGood;
       entryAt += 2;
     }
@@ -150,7 +150,7 @@ class TableReader {
     return isGood;
   }
 
-  // Entries behind the last known slot. Many tables may share them: they are explained once.
+  // Entries after the last known slot. Many tables may share them, so they are explained once.
   void addUnknown(uint32_t at, uint32_t end, size_t firstSlot, const Path& path) {
     if (at >= end || !unknown_.insert(at).second) {
       return;
@@ -197,7 +197,7 @@ class TableReader {
     return true;
   }
 
-  // The offset word at `at` to `target`, of which 4 bytes must be there.
+  // Follows the offset word at `at` to `target`.
   bool follow(uint64_t at, const Origin& entry, uint64_t& target, bool isEntry = true) {
     if (!holds(at, 4)) {
       return fail(entry.at, isEntry ? 2 : 4, entry.path,

@@ -1,7 +1,7 @@
-// Reads a message as the library does, but goes on behind a fault to find the others, and says of
-// every byte what it is where that is wanted.
+// Reads a message as the library does, but continues after a fault to find the others, and explains
+// every byte on request.
 //
-// The library remains the judge. That both accept and reject the same buffers is tested.
+// The library defines what is accepted. A test checks that both agree.
 #pragma once
 
 #include "messages/messages.hpp"
@@ -9,10 +9,10 @@
 
 namespace tool {
 
-// What is wrong with it, in time that grows with the bytes and items alone.
+// Finds the faults, in time that grows only with the number of bytes and items.
 Verdict judge(const KnownMessage& message, std::span<const uint8_t> bytes);
 
-// The same, explained.
+// Also explains every byte.
 Reading readTable(const KnownMessage& message, std::span<const uint8_t> bytes);
 
 }  // namespace tool

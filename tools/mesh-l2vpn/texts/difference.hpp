@@ -1,4 +1,4 @@
-// What differs between two messages, by field and by byte.
+// Differences of two messages, by field and by byte.
 #pragma once
 
 #include <span>
@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// One member of two JSON values; the text of one that is not there is empty.
+// A member that differs between two JSON values. The text of an absent value is empty.
 struct FieldDifference {
   std::string path;
   std::string one;
@@ -26,7 +26,7 @@ struct ByteDifference {
   std::string meaning;  // "f1.f6 value"
 };
 
-// Of the bytes that both have.
+// Compares up to the shorter length.
 std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
                                             std::span<const uint8_t> other,
                                             const Reading& readingOfOne);

@@ -14,7 +14,7 @@ constexpr uint32_t linesOfContents = 4;
 Ink inkOf(Part part) {
   switch (part) {
     case Part::Root:
-    case Part::Frame:
+    case Part::Head:
       return Ink::Blue;
     case Part::Entry:
       return Ink::Cyan;
@@ -114,7 +114,7 @@ class Explainer {
     return text;
   }
 
-  // Faults are marked once, under the first range that begins where they do.
+  // Marks each fault once, below the first range that begins where it does.
   void markFaultsBefore(uint32_t end) {
     for (; marked_ < faults_.size() && faults_[marked_]->at < end; ++marked_) {
       const Fault& fault = *faults_[marked_];

@@ -9,9 +9,8 @@
 
 namespace tool {
 
-// Position, bytes, slot, meaning and value of every range; faults under the bytes to blame. Of long
-// contents the beginning, unless all is asked for; bytes that are read again are never shown whole
-// a second time.
+// Writes position, bytes, slot, meaning and value of every range, and each fault below its bytes.
+// Shortens long contents unless isWhole. Never shows bytes in full twice.
 void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
              const Colors& colors, std::ostream& out);
 

@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-// More than a browser draws in a second or two.
+// A browser draws these in a second or two.
 constexpr size_t mostRangesShown = 10'000;
 constexpr size_t mostRowsShown = 4096;
 
@@ -19,12 +19,12 @@ constexpr uint32_t bytesInARow = 16;
 constexpr uint32_t beginningShown = 64;
 
 const char* partName(Part part) {
-  static constexpr const char* names[] = {"root",   "frame",    "entry",   "scalar",  "word",
+  static constexpr const char* names[] = {"root",   "head",     "entry",   "scalar",  "word",
                                           "length", "contents", "unknown", "padding", "unread"};
   return names[static_cast<int>(part)];
 }
 
-// Which bytes are drawn.
+// Selects the rows of bytes to draw.
 class Rows {
  public:
   Rows(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole)
@@ -37,7 +37,7 @@ class Rows {
     }
   }
 
-  // Neighbouring rows in one piece each, up to `end`.
+  // Joins neighbouring rows, up to `end`.
   Json pieces(uint32_t end) {
     std::vector<std::pair<uint32_t, uint32_t>> found;
     size_t shown = 0;
@@ -60,11 +60,11 @@ class Rows {
     return pieces;
   }
 
-  bool isShortened = false;  // long contents are
-  bool isCut = false;        // behind the rows that are shown
+  bool isShortened = false;  // long contents are shortened
+  bool isCut = false;        // after the rows shown
 
  private:
-  // Whether the row lies within one range, behind its beginning.
+  // Whether the row lies within one range, after its beginning.
   bool isHidden(uint32_t row, uint32_t end) {
     const Range* const range = walk_.at(row);
     bool isOfOne = true;
@@ -133,7 +133,7 @@ Json dataOf(const KnownMessage& message, const Reading& reading, std::span<const
           {"notes", notes}};
 }
 
-// So that nothing in a text ends the script.
+// Escapes <, so that no text ends the script.
 std::string escaped(const std::string& text) {
   std::string safe;
   safe.reserve(text.size());

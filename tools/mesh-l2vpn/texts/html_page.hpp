@@ -1,4 +1,4 @@
-// A reading as one self-contained page.
+// A reading as a self-contained web page.
 #pragma once
 
 #include <span>
@@ -9,9 +9,9 @@
 
 namespace tool {
 
-// Bytes and their meanings side by side; what is pointed at lights up, with the rest of its slot
-// and the place that it leads to. Of long contents the beginning, unless all is asked for; a page
-// that a browser would be long about ends early, and says so.
+// Shows bytes and meanings side by side. Hovering highlights a range, its slot and the position
+// that it points to. Shortens long contents unless isWhole. Ends early, with a note, before the
+// page becomes too large for a browser.
 std::string htmlPage(const KnownMessage& message, const Reading& reading,
                      std::span<const uint8_t> bytes, bool isWhole);
 

@@ -1,4 +1,4 @@
-// The page around a reading's data: it draws itself from the JSON between head and tail.
+// The page around a reading's data. Its script draws the JSON between head and tail.
 #pragma once
 
 namespace tool {
@@ -23,7 +23,7 @@ pre, td, .mono { font: 13px/1.5 ui-monospace, "DejaVu Sans Mono", monospace; }
 pre { margin: 0; padding-right: 3px; position: relative; }
 .at { color: #999; user-select: none; }
 .byte { padding: 1px 3px; border-radius: 2px; cursor: default; }
-.root, .frame { background: #d8e6fb; } .entry { background: #d3f1f3; }
+.root, .head { background: #d8e6fb; } .entry { background: #d3f1f3; }
 .scalar, .contents { background: #dcf3da; } .word, .length { background: #f1dff5; }
 .unknown, .unread { background: #fdf0c4; } .padding { color: #aaa; }
 .fault { outline: 2px solid #d0021b; outline-offset: -1px; }
@@ -45,7 +45,7 @@ svg { position: absolute; left: 0; top: 0; pointer-events: none; overflow: visib
 <body>
 <h1 id="title"></h1>
 <p class="summary" id="summary"></p>
-<p class="summary"><span class="key root">root, frame</span><span class="key entry">entry</span><span
+<p class="summary"><span class="key root">root, head</span><span class="key entry">entry</span><span
 class="key scalar">value, contents</span><span class="key word">offset word, length</span><span
 class="key unread">unknown, not read</span><span class="key padding">padding</span><span
 class="key fault">fault</span></p>
@@ -73,8 +73,8 @@ for (const fault of data.faults) {
 }
 for (const note of data.notes) summary.append(document.createElement("br"), note);
 
-// Which range a byte shows: the last that begins at or before it and holds it. Asked for byte after
-// byte, never back.
+// Finds the range of each byte: the last that begins at or before it and holds it. Positions asked
+// for must not decrease.
 const walk = () => {
   let next = 0;
   const open = [];
@@ -121,7 +121,7 @@ const table = document.getElementById("ranges");
 const head = document.createElement("tr");
 for (const name of ["byte", "slot", "meaning", "value"]) head.append(text("th", name));
 table.append(head);
-// Each fault once, at the first range that begins where it does.
+// Shows each fault once, at the first range that begins where it does.
 const faults = [...data.faults].sort((one, other) => one.at - other.at);
 const slots = new Map();
 const rows = data.ranges.map((range, index) => {
@@ -154,7 +154,7 @@ const join = (from, to) => {
   const place = cell => [cell.offsetLeft + cell.offsetWidth / 2, cell.offsetTop + cell.offsetHeight / 2];
   const [[x1, y1], [x2, y2]] = [place(from), place(to)];
   const path = document.createElementNS("http://www.w3.org/2000/svg", "path");
-  // Bent, so that it is seen beside what it crosses; in the first row downwards, where there is room.
+  // Bent, to be visible beside what it crosses; in the first row downwards, where there is room.
   const [right, down] = y1 !== y2 ? [40, 0] : [0, y1 < 20 ? 26 : -26];
   path.setAttribute("d", `M${x1},${y1} Q${(x1 + x2) / 2 + right},${(y1 + y2) / 2 + down} ${x2},${y2}`);
   path.setAttribute("style", "fill:none;stroke:#7048e8;stroke-width:2;opacity:.7");

@@ -6,7 +6,7 @@
 namespace tool {
 namespace {
 
-// How many bytes the character at the front takes; 0 where none begins that may be shown.
+// The size of the first character; 0 if it is not printable.
 size_t characterLength(std::string_view text) {
   const auto at = [text](size_t index) { return static_cast<uint8_t>(text[index]); };
   const uint8_t first = at(0);

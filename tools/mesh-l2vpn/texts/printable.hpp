@@ -1,4 +1,4 @@
-// Texts that hold what was read, for a terminal.
+// Makes input safe to print on a terminal.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// Control characters, and bytes that are no UTF-8, become \xNN.
+// Control characters and invalid UTF-8 become \xNN.
 std::string printable(std::string_view text);
 
 }  // namespace tool

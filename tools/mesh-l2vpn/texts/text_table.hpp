@@ -14,7 +14,7 @@ class TextTable {
 
   void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
 
-  // The head in bold; nothing behind the last column.
+  // The head is bold. The last column is not padded.
   [[nodiscard]] std::string text(const Colors& colors) const;
 
  private:
