@@ -26,8 +26,8 @@ void* load(const std::string& library) {
   // Local: only this handle finds its functions.
   void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    throw Failure(Exit::System, std::string("no middleware: ") + dlerror() +
-                                    "; --middleware or MESH_L2VPN_MIDDLEWARE names a libzarnimesh");
+    throw Failure(Exit::System, std::string("cannot load the middleware: ") + dlerror() +
+                                    "; set --middleware or MESH_L2VPN_MIDDLEWARE");
   }
   return handle;
 }

@@ -1,4 +1,4 @@
-// Base64 as RFC 4648 has it, and not otherwise.
+// Base64 as defined by RFC 4648, and nothing else.
 
 #include "bytes/base64.hpp"
 
@@ -26,7 +26,7 @@ constexpr Vector vectors[] = {{"", ""},
                               {"fooba", "Zm9vYmE="},
                               {"foobar", "Zm9vYmFy"}};
 
-TEST(Base64, IsThatOfTheStandard) {
+TEST(Base64, MatchesRfc4648) {
   for (const Vector& vector : vectors) {
     const Bytes plain(vector.plain.begin(), vector.plain.end());
     EXPECT_EQ(toBase64(plain), vector.text);
@@ -34,7 +34,7 @@ TEST(Base64, IsThatOfTheStandard) {
   }
 }
 
-TEST(Base64, HasEveryDigit) {
+TEST(Base64, UsesEveryDigit) {
   Bytes bytes(48);
   for (size_t group = 0; group < 16; ++group) {
     const auto first = static_cast<uint32_t>(4 * group);
@@ -48,7 +48,7 @@ TEST(Base64, HasEveryDigit) {
   EXPECT_EQ(fromBase64(text), bytes);
 }
 
-TEST(Base64, ReadsWhatItWrites) {
+TEST(Base64, RoundTrip) {
   Bytes bytes;
   for (int length = 0; length < 600; ++length) {
     EXPECT_EQ(fromBase64(toBase64(bytes)), bytes);
@@ -65,20 +65,20 @@ std::string failureOf(std::string_view text) {
   return "";
 }
 
-TEST(Base64, RefusesWhatIsNoneAndSaysWhere) {
-  EXPECT_EQ(failureOf("Zg"), "base64 comes in fours, not in 2 characters");
-  EXPECT_EQ(failureOf("Zm9vY"), "base64 comes in fours, not in 5 characters");
-  EXPECT_EQ(failureOf("Zm9-"), "no base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zm8\n"), "no base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zg==Zg=="), "no base64 digit at character 2");
-  EXPECT_EQ(failureOf("Z==="), "no base64 digit at character 1");
-  EXPECT_EQ(failureOf("===="), "no base64 digit at character 0");
-  EXPECT_EQ(failureOf(std::string_view("Zm9\0", 4)), "no base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zh=="), "bits behind the last byte, at character 1");
-  EXPECT_EQ(failureOf("Zm9="), "bits behind the last byte, at character 2");
+TEST(Base64, RejectsInvalidText) {
+  EXPECT_EQ(failureOf("Zg"), "the length of base64 is a multiple of 4, not 2");
+  EXPECT_EQ(failureOf("Zm9vY"), "the length of base64 is a multiple of 4, not 5");
+  EXPECT_EQ(failureOf("Zm9-"), "not a base64 digit at character 3");
+  EXPECT_EQ(failureOf("Zm8\n"), "not a base64 digit at character 3");
+  EXPECT_EQ(failureOf("Zg==Zg=="), "not a base64 digit at character 2");
+  EXPECT_EQ(failureOf("Z==="), "not a base64 digit at character 1");
+  EXPECT_EQ(failureOf("===="), "not a base64 digit at character 0");
+  EXPECT_EQ(failureOf(std::string_view("Zm9\0", 4)), "not a base64 digit at character 3");
+  EXPECT_EQ(failureOf("Zh=="), "unused bits are not zero at character 1");
+  EXPECT_EQ(failureOf("Zm9="), "unused bits are not zero at character 2");
 }
 
-TEST(Base64, IsAnotherTextOfTheSameRecord) {
+TEST(Base64, EncodesRecordBytes) {
   const KnownMessage& message = messageNamed("dbginfo_key_l2vpn");
   const Json json = parseJson(R"({"f0":0,"f1":0,"f2":0,"f3":"Zm9vYg=="})");
   const OwnedRecord record = fromJson(message, json, ByteText::Base64);
@@ -86,7 +86,7 @@ TEST(Base64, IsAnotherTextOfTheSameRecord) {
   EXPECT_EQ(toJson(message.record(), record.data(), ByteText::Base64), json);
 }
 
-TEST(Base64, FailuresNameThePath) {
+TEST(Base64, ErrorsGivePath) {
   const auto failure = [](const char* json) -> std::string {
     try {
       fromJson(messageNamed("l2vpn_sync_vpls_ac_update"), parseJson(json), ByteText::Base64);
@@ -95,10 +95,10 @@ TEST(Base64, FailuresNameThePath) {
     }
     return "";
   };
-  EXPECT_EQ(failure(R"({"f1": {"f8": "0?=="}})"), "f1.f8: no base64 digit at character 1");
-  EXPECT_EQ(failure(R"({"f1": {"f8": "Zg=="}})"), "f1.f8: 12 bytes were expected, not 1");
+  EXPECT_EQ(failure(R"({"f1": {"f8": "0?=="}})"), "f1.f8: not a base64 digit at character 1");
+  EXPECT_EQ(failure(R"({"f1": {"f8": "Zg=="}})"), "f1.f8: expected 12 bytes, not 1");
   EXPECT_EQ(failure(R"({"f1": {"f8": 1}})"),
-            "f1.f8: a text of base64 digits was expected, not number");
+            "f1.f8: expected a string of base64 digits, not number");
 }
 
 }  // namespace

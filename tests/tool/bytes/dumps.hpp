@@ -1,4 +1,4 @@
-// Dumps of bytes as programs write them, to be read again.
+// Dumps of bytes as other programs write them.
 #pragma once
 
 #include <algorithm>
@@ -46,8 +46,8 @@ inline std::string hexdumpLine(size_t position, std::span<const uint8_t> bytes) 
   return line + " |" + charactersOf(bytes) + "|\n";
 }
 
-// With a star for lines like the one before: of zeros alone, and never for the last, as `xxd -a`;
-// or of whatever bytes, as `hexdump -C`.
+// With a star for repeated lines: only of zeros and never the last, like `xxd -a`; or of any bytes,
+// like `hexdump -C`.
 template <typename Line>
 std::string squeezedDump(std::span<const uint8_t> bytes, bool isOfZeros, Line&& line) {
   std::string text;

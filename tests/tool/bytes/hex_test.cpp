@@ -1,4 +1,4 @@
-// Digits, two a byte.
+// Hexadecimal digits, two per byte.
 
 #include <gtest/gtest.h>
 
@@ -12,15 +12,15 @@ using Bytes = std::vector<uint8_t>;
 
 const Bytes four{0x10, 0x00, 0xAB, 0xff};
 
-TEST(Hex, WritesTwoDigitsAByte) {
+TEST(Hex, WritesTwoDigitsPerByte) {
   EXPECT_EQ(toHex(four), "1000abff");
 }
 
-TEST(Hex, ReadsWhatItWrites) {
+TEST(Hex, ReadsBothCases) {
   EXPECT_EQ(fromHex("1000ABff"), four);
 }
 
-TEST(Hex, RefusesHalfAByteAndOtherLetters) {
+TEST(Hex, RejectsInvalidText) {
   EXPECT_THROW(fromHex("100"), Failure);
   EXPECT_THROW(fromHex("1g"), Failure);
   EXPECT_THROW(fromHex("10 0"), Failure);

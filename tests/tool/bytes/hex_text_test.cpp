@@ -1,4 +1,4 @@
-// Hexadecimal text as people and programs write it; a position is never taken for bytes.
+// Hexadecimal text as people and programs write it. A position is never read as bytes.
 
 #include "bytes/hex_text.hpp"
 
@@ -16,8 +16,8 @@ using Bytes = std::vector<uint8_t>;
 
 const Bytes four{0x10, 0x00, 0xAB, 0xff};
 
-// Why a text is refused; empty when it is read.
-std::string refusalOf(std::string_view text) {
+// The error of a text; empty if it is accepted.
+std::string failureOf(std::string_view text) {
   try {
     fromHexText(text);
     return "";
@@ -27,22 +27,22 @@ std::string refusalOf(std::string_view text) {
   }
 }
 
-#define EXPECT_REFUSED(text, reason) \
-  EXPECT_NE(refusalOf(text).find(reason), std::string::npos) << refusalOf(text)
+#define EXPECT_REJECTED(text, reason) \
+  EXPECT_NE(failureOf(text).find(reason), std::string::npos) << failureOf(text)
 
-TEST(HexText, MayBeSeparatedAndCommented) {
+TEST(HexText, AcceptsSeparatorsAndComments) {
   EXPECT_EQ(fromHexText("10 00 ab ff"), four);
   EXPECT_EQ(fromHexText("0x10, 0x00,\n0xab:ff # the end"), four);
   EXPECT_EQ(fromHexText("# the beginning\n\n 1000\tABff\r\n"), four);
   EXPECT_TRUE(fromHexText("").empty());
 }
 
-TEST(HexText, EightDigitsAloneAreBytes) {
+TEST(HexText, ReadsEightDigitsAsBytes) {
   EXPECT_EQ(fromHexText("1000abff\n"), four);
   EXPECT_EQ(fromHexText("1000abff\n1000abff\n").size(), 8u);
 }
 
-TEST(HexText, IsReadFromDumps) {
+TEST(HexText, ReadsDumps) {
   for (const char* const dump :
        {"00000000: 1000 abff                                ....\n", "    00000000: 1000 abff\n",
         "00000000: 10 00 ab ff  ....\n",
@@ -53,7 +53,7 @@ TEST(HexText, IsReadFromDumps) {
   }
 }
 
-TEST(HexText, IsReadFromHexdumpWithItsStars) {
+TEST(HexText, ReadsHexdumpStars) {
   const Bytes bytes = fromHexText(
       "00000000  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00  |................|\n"
       "*\n"
@@ -63,7 +63,7 @@ TEST(HexText, IsReadFromHexdumpWithItsStars) {
   EXPECT_EQ(Bytes(bytes.end() - 4, bytes.end()), four);
 }
 
-TEST(HexText, IsReadFromXxdWithItsStars) {
+TEST(HexText, ReadsXxdStars) {
   const Bytes bytes = fromHexText(
       "00000000: 0000 0000 0000 0000 0000 0000 0000 0000  ................\n"
       "*\n"
@@ -74,13 +74,13 @@ TEST(HexText, IsReadFromXxdWithItsStars) {
   EXPECT_EQ(bytes, expected);
 }
 
-TEST(HexText, OfAllDumpsIsTheBytes) {
+TEST(HexText, ReadsRandomDumps) {
   std::mt19937_64 random(7);
   for (size_t size = 0; size < 200; ++size) {
     for (const unsigned mask : {0x00U, 0x01U, 0xFFU}) {
       Bytes bytes(size);
       for (size_t at = 0; at < size; ++at) {
-        // Lines that repeat, and text among them.
+        // Repeated lines, some with text.
         bytes[at] = static_cast<uint8_t>(at / 16 % 3 == 0 ? random() & mask : mask & ' ');
       }
       for (const std::string& dump : dumpsOf(bytes)) {
@@ -90,43 +90,45 @@ TEST(HexText, OfAllDumpsIsTheBytes) {
   }
 }
 
-TEST(HexText, OfLettersMayHoldWhatBeginsAComment) {
+TEST(HexText, ReadsCommentCharactersInDumps) {
   EXPECT_EQ(fromHexText("00000000: 2320 7c3e  # |>\n"), (Bytes{'#', ' ', '|', '>'}));
   EXPECT_EQ(fromHexText("00000000: 2020 6162    ab\n"), (Bytes{' ', ' ', 'a', 'b'}));
 }
 
-TEST(HexText, PositionsThatAreNotUnderstoodAreRefused) {
-  EXPECT_REFUSED("0000000 0010 ffab\n0000004\n", "line 1 is no hexadecimal text: '0000000' looks");
-  EXPECT_REFUSED("000000 0010 ffab\n", "looks like a position");
-  EXPECT_REFUSED("0000000 10 00 ab ff\n0000004\n", "looks like a position");
-  EXPECT_REFUSED("00000010: 1000 abff\n", "looks like a position");
-  EXPECT_REFUSED("10 00\n0002 ab ff\n", "line 2 is no hexadecimal text: '0002' looks");
-  EXPECT_REFUSED("10 00\n02: ab ff\n", "looks like a position");
-  EXPECT_REFUSED("0000:0000 10 00\n", "before a colon");
-  EXPECT_REFUSED("0000 1000 abff\n0004 1000 abff\n", "line 2 is no hexadecimal text: '0004' looks");
-  EXPECT_REFUSED("00000000  10 00\n00000003  ab ff\n", "looks like a position");
+TEST(HexText, RejectsUnknownPositions) {
+  EXPECT_REJECTED("0000000 0010 ffab\n0000004\n",
+                  "line 1 is not hexadecimal text: '0000000' looks");
+  EXPECT_REJECTED("000000 0010 ffab\n", "looks like a position");
+  EXPECT_REJECTED("0000000 10 00 ab ff\n0000004\n", "looks like a position");
+  EXPECT_REJECTED("00000010: 1000 abff\n", "looks like a position");
+  EXPECT_REJECTED("10 00\n0002 ab ff\n", "line 2 is not hexadecimal text: '0002' looks");
+  EXPECT_REJECTED("10 00\n02: ab ff\n", "looks like a position");
+  EXPECT_REJECTED("0000:0000 10 00\n", "before a colon");
+  EXPECT_REJECTED("0000 1000 abff\n0004 1000 abff\n",
+                  "line 2 is not hexadecimal text: '0004' looks");
+  EXPECT_REJECTED("00000000  10 00\n00000003  ab ff\n", "looks like a position");
 }
 
-TEST(HexText, WordsThatWereTurnedRoundAreRefused) {
-  EXPECT_REFUSED("00000000: 44434241   474645                    ABCDEFG\n", "turned round");
-  EXPECT_REFUSED("00000000: 4241 4443  ABCD\n", "are not those of the bytes");
+TEST(HexText, RejectsSwappedWords) {
+  EXPECT_REJECTED("00000000: 44434241   474645                    ABCDEFG\n", "swapped words");
+  EXPECT_REJECTED("00000000: 4241 4443  ABCD\n", "do not match the bytes");
 }
 
-TEST(HexText, StarsStandForWholeLinesAndNoMoreThanAMessage) {
+TEST(HexText, RejectsInvalidStars) {
   const std::string line = "00000000  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00\n";
-  EXPECT_REFUSED("*\n", "no hexadecimal");
-  EXPECT_REFUSED("00000000: 00\n*\n", "nothing tells");
-  EXPECT_REFUSED(line + "*\n00000024  00\n", "no such position");
-  EXPECT_REFUSED(line + "*\n00000010  00\n", "no such position");
-  EXPECT_REFUSED(line + "*\nfffffff0\n", "more than 67108864 bytes");
+  EXPECT_REJECTED("*\n", "not hexadecimal");
+  EXPECT_REJECTED("00000000: 00\n*\n", "no position follows");
+  EXPECT_REJECTED(line + "*\n00000024  00\n", "wrong position");
+  EXPECT_REJECTED(line + "*\n00000010  00\n", "wrong position");
+  EXPECT_REJECTED(line + "*\nfffffff0\n", "more than 67108864 bytes");
   EXPECT_EQ(fromHexText(line + "*\n03fffff0\n").size(), 0x3fffff0u);
 }
 
-TEST(HexText, IsNothingElse) {
-  EXPECT_REFUSED("hello", "line 1 is no hexadecimal text: 'hello'");
-  EXPECT_REFUSED("10 0", "whole bytes");
-  EXPECT_REFUSED("10 00 # zero\nunsigned char x[] = {", "line 2");
-  EXPECT_REFUSED(std::string_view("\x10\0\0\0", 4), "line 1");
+TEST(HexText, RejectsOtherText) {
+  EXPECT_REJECTED("hello", "line 1 is not hexadecimal text: 'hello'");
+  EXPECT_REJECTED("10 0", "whole bytes");
+  EXPECT_REJECTED("10 00 # zero\nunsigned char x[] = {", "line 2");
+  EXPECT_REJECTED(std::string_view("\x10\0\0\0", 4), "line 1");
 }
 
 }  // namespace

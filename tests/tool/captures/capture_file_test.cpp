@@ -1,4 +1,4 @@
-// Captures are read as they were written, up to the first fault.
+// Captures round-trip, and are read up to the first fault.
 
 #include "captures/capture_file.hpp"
 
@@ -54,7 +54,7 @@ class Capture : public testing::Test {
   uint64_t others_ = 0;
 };
 
-TEST_F(Capture, HoldsWhatWasWritten) {
+TEST_F(Capture, RoundTrip) {
   writeThree();
   InputFile file(path_);
   EXPECT_TRUE(isCapture(file));
@@ -75,7 +75,7 @@ TEST_F(Capture, HoldsWhatWasWritten) {
   EXPECT_EQ(reader.lost(), 2u);
 }
 
-TEST_F(Capture, TellsWhereCallsWereMissed) {
+TEST_F(Capture, RecordsGaps) {
   const Bytes bytes{1, 2, 3, 4, 5};
   const std::vector<uint64_t> missed{2, 0, UINT32_MAX + uint64_t{1}};
   {
@@ -96,7 +96,7 @@ TEST_F(Capture, TellsWhereCallsWereMissed) {
   EXPECT_EQ(reader.lost(), UINT32_MAX + uint64_t{3}) << "a recorder that was killed";
 }
 
-TEST_F(Capture, CountsWhatWasMissedOnce) {
+TEST_F(Capture, CountsMissedCallsOnce) {
   const auto section = [this](uint64_t inPackets, std::optional<uint64_t> altogether) {
     CaptureWriter writer(path_);
     writer.write({1, 7, 8, 9, 0, {}, inPackets});
@@ -107,14 +107,14 @@ TEST_F(Capture, CountsWhatWasMissedOnce) {
   section(3, 5);
   const std::string ended = readAll(path_);
   EXPECT_EQ(read().size(), 1u);
-  EXPECT_EQ(lost_, 5u) << "two of them behind the last table";
+  EXPECT_EQ(lost_, 5u) << "two of them after the last table";
   section(4, std::nullopt);
   write(ended + readAll(path_) + ended);
   EXPECT_EQ(read().size(), 3u);
   EXPECT_EQ(lost_, 14u);
 }
 
-TEST_F(Capture, CutAnywhereIsReadUpToThere) {
+TEST_F(Capture, ReadsTruncatedFiles) {
   writeThree();
   const std::string whole = readAll(path_);
   const std::vector<size_t> all{3, 4, 5};
@@ -126,12 +126,12 @@ TEST_F(Capture, CutAnywhereIsReadUpToThere) {
     EXPECT_TRUE(std::equal(sizes.begin(), sizes.end(), all.begin()));
     sound += fault_.empty() ? 1 : 0;
   }
-  // Cut between two blocks, nothing is wrong with it: behind the section, the interface, and each
-  // of the three packets.
+  // A file truncated between two blocks has no fault: after the section, the interface, and each of
+  // the three packets.
   EXPECT_EQ(sound, 5u);
 }
 
-// What is read of a capture, without times.
+// A table of a capture, without its time.
 using Told = std::tuple<uint32_t, uint32_t, uint32_t, uint64_t, Bytes>;
 
 std::vector<Told> tablesOf(const std::string& path) {
@@ -144,13 +144,13 @@ std::vector<Told> tablesOf(const std::string& path) {
   return all;
 }
 
-// One changed byte changes one table at most, the one that it belongs to; the others are those that
-// were written, in their order.
-TEST_F(Capture, ChangedAnywhereIsReadOrRefused) {
+// One changed byte changes at most the table that it belongs to. The others are read as written, in
+// order.
+TEST_F(Capture, ChangedByteChangesOneTable) {
   writeThree();
   const std::string whole = readAll(path_);
   const std::vector<Told> written = tablesOf(path_);
-  constexpr size_t firstPacket = 48 + 32;  // behind the section and the interface
+  constexpr size_t firstPacket = 48 + 32;  // after the section and the interface
   for (size_t at = 0; at < whole.size(); ++at) {
     for (const char mask : {'\x01', '\x80', '\xff'}) {
       std::string changed = whole;
@@ -170,7 +170,7 @@ TEST_F(Capture, ChangedAnywhereIsReadOrRefused) {
   }
 }
 
-TEST_F(Capture, OfTheOtherByteOrderIsRead) {
+TEST_F(Capture, ReadsBigEndian) {
   // A section, an interface of microseconds, a packet whose table is two bytes.
   const auto text = [](std::initializer_list<int> bytes) {
     return std::string(bytes.begin(), bytes.end());
@@ -195,16 +195,16 @@ TEST_F(Capture, OfTheOtherByteOrderIsRead) {
   EXPECT_EQ(reader.fault(), "");
 }
 
-TEST_F(Capture, OtherFilesAreRefused) {
+TEST_F(Capture, RejectsOtherFiles) {
   write("no capture at all");
   EXPECT_TRUE(read().empty());
   EXPECT_EQ(fault_, "byte 0: not a pcapng file");
   write("");
   EXPECT_TRUE(read().empty());
-  EXPECT_EQ(fault_, "byte 0: an empty file is no capture");
+  EXPECT_EQ(fault_, "byte 0: an empty file is not a capture");
 }
 
-// A block of a little-endian file, its body filled up with zeros.
+// A block of a little-endian file, its body padded with zeros.
 std::string block(uint32_t type, std::string body) {
   body.resize((body.size() + 3) / 4 * 4);
   const auto word = [](uint32_t value) {
@@ -242,20 +242,20 @@ std::string statistics(uint32_t interface, uint64_t lost) {
   return block(5, numbers(interface, 0u, 0u, uint16_t{5}, uint16_t{8}, lost));
 }
 
-TEST_F(Capture, OfATimeThatDoesNotFitIsFaulty) {
+TEST_F(Capture, RejectsTimeOverflow) {
   write(section() + interface() + packet(5, 36) + packet(UINT64_MAX, 36));
   EXPECT_EQ(read().size(), 1u);
-  EXPECT_EQ(fault_, "byte 116: a packet of a time after the year 2554");
+  EXPECT_EQ(fault_, "byte 116: a packet with a time after the year 2554");
 }
 
-TEST_F(Capture, CountsOfLostCallsDoNotWrap) {
+TEST_F(Capture, SaturatesLostCalls) {
   const auto lost = [](uint64_t count) { return numbers(uint16_t{4}, uint16_t{8}, count); };
   write(section() + interface() + packet(1, 36, lost(UINT64_MAX)) + packet(1, 36, lost(5)));
   EXPECT_EQ(read().size(), 2u);
   EXPECT_EQ(lost_, UINT64_MAX);
 }
 
-TEST_F(Capture, StatisticsOfAnInterfaceCountFromTheBeginning) {
+TEST_F(Capture, UsesLastStatistics) {
   write(section() + interface() + interface() + statistics(0, 7) + statistics(0, 9) +
         statistics(1, 4));
   read();
@@ -263,28 +263,28 @@ TEST_F(Capture, StatisticsOfAnInterfaceCountFromTheBeginning) {
   EXPECT_EQ(lost_, 13u);
 }
 
-TEST_F(Capture, StatisticsOfOtherTrafficAreNotOurs) {
+TEST_F(Capture, IgnoresStatisticsOfOtherTraffic) {
   write(section() + interface(1) + statistics(0, 7));
   read();
   EXPECT_EQ(fault_, "");
   EXPECT_EQ(lost_, 0u);
 }
 
-TEST_F(Capture, PacketsOfEveryKindAreCounted) {
+TEST_F(Capture, CountsOtherPackets) {
   write(section() + interface() + block(3, numbers(4u, 1u)) + block(2, std::string(24, '\0')) +
         packet(1, 36));
   EXPECT_EQ(read().size(), 1u);
   EXPECT_EQ(others_, 2u);
 }
 
-TEST_F(Capture, TellsWhatWasCutOffAPacket) {
+TEST_F(Capture, ReportsTruncatedPackets) {
   write(section() + interface() + packet(1, 36) + packet(1, 100));
   CaptureReader reader(path_);
   EXPECT_EQ(reader.next()->cutOff, 0u);
   EXPECT_EQ(reader.next()->cutOff, 64u);
 }
 
-TEST_F(Capture, OfAnErrorOfTheSystemIsNotCut) {
+TEST_F(Capture, ReportsSystemErrors) {
   EXPECT_THROW(CaptureReader{testing::TempDir()}, Failure);
   CaptureReader reader("/proc/self/mem");  // can be opened; its first byte cannot be read
   EXPECT_FALSE(reader.next());

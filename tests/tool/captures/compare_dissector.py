@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds what tshark shows of a capture against what mesh-l2vpn decodes of it.
+"""Compares what tshark shows of a capture with what mesh-l2vpn decodes.
 
     compare_dissector.py MESH-L2VPN WRITE_CAPTURE COUNT
 """
@@ -51,7 +51,7 @@ def is_same(value, shown, children):
             is_same(item, *children.get(str(number), ("", {}))) for number, item in enumerate(value))
     if isinstance(value, int):
         return str(value) == shown
-    # Long bytes are cut off in the tree's text.
+    # tshark shortens long bytes.
     cut = shown.rstrip(".\u2026")
     return value == shown or (cut != shown and len(cut) >= 16 and value.startswith(cut))
 
@@ -61,7 +61,7 @@ def fields_are_same(record, tree):
 
 
 def long_list(items):
-    """A capture of one list whose items all lead to one empty table."""
+    """A capture of one list whose items all point to one empty table."""
     packet = struct.pack("<4sHHIIIIQ", b"MESH", 1, 32, 1, 2, 0xC900380B, 0, 0)
     packet += struct.pack("<I4H3I", 12, 8, 8, 0, 4, 8, 4, items)
     packet += b"".join(struct.pack("<I", 4 * (items - item) + 4) for item in range(items)) + struct.pack("<HHI", 4, 4, 4)
@@ -72,7 +72,7 @@ def long_list(items):
 
 
 def check_long_packet(work, script):
-    """The tree of one packet does not grow with what it asks for."""
+    """The tree of one packet is bounded, whatever the packet asks for."""
     with open(f"{work}/long.pcapng", "wb") as file:
         file.write(long_list(16000))
     lines = run("tshark", "-X", f"lua_script:{script}", "-r", f"{work}/long.pcapng", "-V").stdout.splitlines()

@@ -1,4 +1,4 @@
-// What is counted of a capture, in bounded memory.
+// Statistics of a capture, in bounded memory.
 
 #include "captures/statistics.hpp"
 
@@ -16,21 +16,21 @@ Statistics ofUnknown(uint32_t identifiers) {
   return statistics;
 }
 
-TEST(Statistics, FewUnknownIdentifiersStandForThemselves) {
+TEST(Statistics, ListsFewUnknownIdentifiers) {
   const auto rows = ofUnknown(20).ranking();
   ASSERT_EQ(rows.size(), 20u);
   EXPECT_EQ(rows.front().first, "unknown 0x00000001");
   EXPECT_EQ(rows.front().second.tables, 2u);
 }
 
-TEST(Statistics, ManyUnknownIdentifiersAreOneRow) {
+TEST(Statistics, JoinsManyUnknownIdentifiers) {
   const auto rows = ofUnknown(21).ranking();
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows.front().first, "unknown, 21 identifiers");
   EXPECT_EQ(rows.front().second.tables, 42u);
 }
 
-TEST(Statistics, UnknownIdentifiersAreToldApartUpToABound) {
+TEST(Statistics, LimitsUnknownIdentifiers) {
   const auto rows = ofUnknown(5000).ranking();
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows.front().first, "unknown, more than 1000 identifiers");
@@ -38,7 +38,7 @@ TEST(Statistics, UnknownIdentifiersAreToldApartUpToABound) {
   EXPECT_EQ(rows.front().second.rejected, 10'000u);
 }
 
-TEST(Statistics, SourcesOfGapsAreToldApartUpToABound) {
+TEST(Statistics, LimitsSourcesOfGaps) {
   Statistics statistics;
   for (uint32_t source = 0; source < 1010; ++source) {
     statistics.add({1, source, 8, 1, 0, {}, UINT64_MAX / 2});

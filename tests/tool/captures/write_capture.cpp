@@ -1,6 +1,6 @@
-// Writes a capture of random records of every message, in both arrangements by turns.
+// Writes a capture of random records of every message, in both arrangements in turn.
 //
-//   write_capture FILE COUNT [damaged]    damaged: with injuries, in every second table
+//   write_capture FILE COUNT [damaged]    damaged: mutates half of the tables
 
 #include <cstdlib>
 #include <cstring>

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The program's commands on files: what they print, how they end.
+# The commands on files: output and exit status.
 #
 #   commands.sh MESH-L2VPN WRITE_CAPTURE
 tool=$1
@@ -47,7 +47,7 @@ done
 
 head -c 91 compact.bin >cut.bin
 expect_exit 1 "$tool" decode -m $message cut.bin
-expect_text err "byte 80, f1.f9: 12 bytes where 7 are left"
+expect_text err "byte 80, f1.f9: 12 bytes, but only 7 are left"
 expect_text out '"f6": 1042'
 head -c 10 compact.bin >stump.bin
 expect_exit 1 "$tool" decode -m $message stump.bin
@@ -56,9 +56,9 @@ expect_exit 0 "$tool" --quiet decode -m $message compact.bin
 [ ! -s err ] || fail "--quiet says something"
 
 expect_exit 0 "$tool" explain -m $message compact.bin
-expect_text out "offset word                            28: leads to 46"
+expect_text out "offset word                    28: points to 46"
 expect_exit 1 "$tool" explain -m $message cut.bin
-expect_text out "^^ byte 80, f1.f9: 12 bytes where 7 are left"
+expect_text out "^^ byte 80, f1.f9: 12 bytes, but only 7 are left"
 expect_exit 0 "$tool" --color always explain -m $message compact.bin
 expect_text out $'\033['
 expect_exit 0 "$tool" explain -m $message compact.bin
@@ -83,7 +83,7 @@ expect_exit 0 "$tool" diff --json -m $message compact.bin compact.bin
 tr -d ' \n' <out >line
 expect_text line '"fields":[],"bytes":[]}'
 
-# Bytes of all lengths, as base64 of another's making.
+# Bytes of all lengths, with base64 from another program.
 for length in $(seq 0 40); do
   text=$(head -c "$length" "$tool" | base64 -w 0)
   echo "{\"f3\": \"$text\"}" | "$tool" encode --base64 -m dbginfo_key_l2vpn >key.bin
@@ -93,9 +93,9 @@ done
 tail -c 40 key.bin | cmp - <(head -c 40 "$tool") || fail "other bytes were encoded"
 echo '{"f1": {"f8": "AAAA!AAAAAAAAAAA"}}' >bad.json
 expect_exit 1 "$tool" encode --base64 -m $message bad.json
-expect_text err "f1.f8: no base64 digit at character 4"
+expect_text err "f1.f8: not a base64 digit at character 4"
 
-# Lists of items that are spoilt here and there end no command early.
+# Damaged lists of items end no command early.
 list=l2vpn_cfg_query_dfx_rec
 echo '{"f1": [{"f1": 7}, {"f1": 8}]}' | "$tool" encode -m $list >list.bin
 for at in 21 24 38 42 46 48 54 58 62; do  # words, a count, vtables, entries
@@ -112,11 +112,11 @@ for at in 21 24 38 42 46 48 54 58 62; do  # words, a count, vtables, entries
     ! grep -q "too large" err || fail "$command encodes what was rejected"
   done
 done
-"$write_capture" spoilt.pcapng 1020 damaged
-expect_exit 1 "$tool" decode spoilt.pcapng
-[ "$(wc -l <out)" -eq 1020 ] || fail "a spoilt table ends decode"
-expect_exit 0 "$tool" stat --json spoilt.pcapng
-[ "$(sed -n '/"all"/,$ s/ *"tables": \([0-9]*\),/\1/p' out)" -eq 1020 ] || fail "a spoilt table ends stat"
+"$write_capture" damaged.pcapng 1020 damaged
+expect_exit 1 "$tool" decode damaged.pcapng
+[ "$(wc -l <out)" -eq 1020 ] || fail "a damaged table ends decode"
+expect_exit 0 "$tool" stat --json damaged.pcapng
+[ "$(sed -n '/"all"/,$ s/ *"tables": \([0-9]*\),/\1/p' out)" -eq 1020 ] || fail "a damaged table ends stat"
 
 expect_exit 0 "$tool" completion bash
 bash -n out || fail "the completion script is no bash"
@@ -126,7 +126,7 @@ bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode -m l2vpn_sync_stp); COMP_CWORD=3
          [ "${#COMPREPLY[@]}" -eq 3 ]' || fail "messages are not completed"
 
 bash -c '. ./out; COMP_WORDS=(mesh-l2vpn --color always dec); COMP_CWORD=3; _mesh_l2vpn
-         [ "${COMPREPLY[*]}" = decode ]' || fail "decode is not completed behind an option"
+         [ "${COMPREPLY[*]}" = decode ]' || fail "decode is not completed after an option"
 
 expect_exit 2 "$tool"
 expect_exit 2 "$tool" nonsense

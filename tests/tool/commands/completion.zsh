@@ -1,5 +1,5 @@
 #!/usr/bin/env zsh
-# Completes words in an interactive zsh on a terminal of its own, as a person does with Tab.
+# Completes words with Tab in an interactive zsh on a pseudo terminal.
 #
 #   completion.zsh MESH-L2VPN
 emulate -L zsh
@@ -23,7 +23,7 @@ if [[ ! -e /dev/pts/ptmx ]]; then
 fi
 zpty shell "cd $work; HOME=$work TERM=dumb zsh -f -i"
 
-# await PATTERN: what the shell says, up to there.
+# await PATTERN: reads what the shell prints up to the pattern.
 await() {
   local said= part
   repeat 100; do
@@ -40,7 +40,7 @@ await() {
 zpty -w shell 'PS1=; autoload -Uz compinit && compinit -u -D && . ./completion; print re''ady'
 await '*ready*'
 
-# completes LINE EXPECTED: what Tab makes of a line, which is then thrown away.
+# completes LINE EXPECTED: presses Tab after the line, then discards the line.
 completes() {
   zpty -n -w shell $1$'\t'
   await "*$2*"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What diff says of messages that are at fault, long, or the same.
+# diff of messages that are faulty, long, or equal.
 #
 #   differences.sh MESH-L2VPN
 tool=$1

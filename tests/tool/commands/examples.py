@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs every example of the page on the tool that shows its output ("$ command"), and holds the
-output against the page's; "..." there stands for lines that are left out.
+"""Runs every example of the page that shows its output ("$ command"), and compares the output with the
+page. "..." in the page stands for omitted lines.
 
     examples.py MESH-L2VPN WRITE_CAPTURE PAGE
 """
@@ -10,7 +10,7 @@ import subprocess
 import sys
 import tempfile
 
-# What the examples read, in the order in which it is made.
+# Creates the files that the examples read.
 FILES = """
 echo '{"f0": 7, "f1": {"f0": 42, "f6": 1042, "f8": "010000000000000000000000"}}' > update.json
 mesh-l2vpn encode -m l2vpn_sync_vpls_ac_update update.json > update.bin
@@ -23,7 +23,7 @@ write_capture night.pcapng 1000 damaged
 """
 
 
-# How the examples end that find something; the others end with 0.
+# Exit codes of examples other than 0.
 CODES = {"mesh-l2vpn explain": 1, "mesh-l2vpn diff": 1, "echo '{\"f0\": 7, \"f1\": {\"f8\": \"0102\"}}' |": 1}
 
 

@@ -1,9 +1,9 @@
-# Read by the tests of the program: how they say what they expect. $tool is the program, $work a
-# directory that goes with the test.
+# Sourced by the tests of the program: helpers for expectations. $tool is the program, $work a
+# temporary directory.
 set -euo pipefail
 
 work=$(mktemp -d)
-# A test that fails leaves nobody listening.
+# A failed test leaves no process behind.
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$work"' EXIT
 
 fail() {
@@ -11,7 +11,7 @@ fail() {
   exit 1
 }
 
-# expect_exit CODE COMMAND...: what it prints is in $work/out and $work/err.
+# expect_exit CODE COMMAND...: leaves its output in $work/out and $work/err.
 expect_exit() {
   local expected=$1 code=0
   shift
@@ -22,7 +22,7 @@ expect_exit() {
   }
 }
 
-# until_said TEXT FILE: waits for a process to say it.
+# until_said TEXT FILE: waits until a process prints the text.
 until_said() {
   for _ in $(seq 200); do
     ! grep -qF -- "$1" "$2" || return 0
@@ -32,7 +32,7 @@ until_said() {
   fail "never said: $1"
 }
 
-# use_middleware LIBZARNIMESH: from now on the program talks over it, in a directory of this test.
+# use_middleware LIBZARNIMESH: from now on the program uses it, in a directory of this test.
 use_middleware() {
   export MESH_L2VPN_MIDDLEWARE=$1 ZARNIMESH_RUNTIME_DIR=$work/run
   mkdir -m 700 "$ZARNIMESH_RUNTIME_DIR"

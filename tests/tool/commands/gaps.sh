@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Calls that never reach a recorder: the capture says where, even when the recorder is killed.
+# Calls that never reach a recorder: the capture shows where, even if the recorder is killed.
 #
 #   gaps.sh MESH-L2VPN LIBZARNIMESH SEND_WITH_GAPS
 tool=$1
@@ -11,7 +11,7 @@ cd "$work"
 id=$("$tool" show l2vpn_sync_stp | sed -n 's/ *identifier *//p')
 echo '{"f0": 1}' | "$tool" encode -m l2vpn_sync_stp >table.bin
 
-# record_with_gaps FILE SIGNAL: seven tables of two nodes, and how the recorder ends.
+# record_with_gaps FILE SIGNAL: seven tables of two nodes; SIGNAL ends the recorder.
 record_with_gaps() {
   "$tool" record 7 "$1" 2>recorder &
   recorder=$!
@@ -33,9 +33,9 @@ for signal in KILL TERM; do
     '"missedBefore":2 "missedBefore":3 "missedBefore":1 ' ] || fail "gaps of others: $(cat out)"
   [ "$(sed -n '/"missedBefore"/=' out | tr '\n' ' ')" = '3 5 7 ' ] || fail "gaps elsewhere"
   expect_exit 0 "$tool" stat $signal.pcapng
-  expect_text out "calls that the recorder missed: 6, in 3 places"
-  expect_text out "  of node 98: 2, in 1 place"
-  expect_text out "  of node 99: 4, in 2 places"
+  expect_text out "missed calls: 6, in 3 gaps"
+  expect_text out "  from node 98: 2, in 1 gap"
+  expect_text out "  from node 99: 4, in 2 gaps"
   expect_exit 0 "$tool" stat --json $signal.pcapng
   expect_text out '"missedCalls": 6'
   expect_text out '"gaps": 3'

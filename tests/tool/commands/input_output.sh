@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# What the program reads from and writes to: pipes, dumps, directories, captures in the wrong place,
-# outputs that fail.
+# Input and output: pipes, dumps, directories, misplaced captures, failing outputs.
 #
 #   input_output.sh MESH-L2VPN WRITE_CAPTURE
 tool=$1
@@ -25,15 +24,15 @@ expect_exit 0 "$tool" decode - <small.pcapng
 expect_exit 0 "$tool" decode <(cat small.pcapng)
 [ "$(wc -l <out)" -eq 3 ] || fail "a capture in a pipe is not recognised"
 
-# Dumps that other programs write are the bytes, or are refused with the line.
+# Dumps of other programs are read, or rejected with the line.
 expect_dump() {
   expect_exit 0 "$tool" decode --line -m $message "$1"
   cmp out decoded || fail "another record from a dump: $(cat "$1")"
 }
 expect_no_dump() {
   expect_exit 1 "$tool" decode --line -m $message "$1"
-  expect_text err "looks like text, but line 1 is no hexadecimal text"
-  expect_text err "--binary if it is bytes"
+  expect_text err "looks like text, but line 1 is not hexadecimal text"
+  expect_text err "use --binary for bytes"
 }
 if command -v xxd >/dev/null; then
   for options in "" -a -p -g1 -c10 "-a -c8"; do
@@ -45,7 +44,7 @@ if command -v xxd >/dev/null; then
   expect_dump dump
   head -c 5000 /dev/zero | xxd -a >dump
   expect_exit 1 "$tool" decode --line -m $message dump
-  expect_text err "not from 4 to 4996"
+  expect_text err "not in 4 to 4996"
   for options in -e -b "-i update.bin"; do
     # shellcheck disable=SC2086
     xxd $options <update.bin >dump 2>&1 || xxd $options >dump
@@ -66,7 +65,7 @@ for options in "" -tx1 "-Ad -tx1" -x; do
   # shellcheck disable=SC2086
   od $options update.bin >dump
   expect_exit 1 "$tool" decode --line -m $message dump
-  expect_text err "no hexadecimal text"
+  expect_text err "not hexadecimal text"
 done
 if command -v hexdump >/dev/null; then
   hexdump -C update.bin >dump
@@ -81,32 +80,32 @@ expect_exit 1 "$tool" decode -m $message hash.bin
 expect_text err "a table at 35"
 echo "no message at all" >words
 expect_exit 1 "$tool" decode -m $message --hex words
-expect_text err "words: line 1 is no hexadecimal text"
+expect_text err "words: line 1 is not hexadecimal text"
 
-# Directories, and captures where messages belong.
+# Directories, and captures in place of messages.
 for command in "stat" "decode --capture" "decode" "replay" "explain" "encode -m $message"; do
   # shellcheck disable=SC2086
   expect_exit 3 "$tool" $command "$work"
   expect_text err "$work: Is a directory"
 done
 expect_exit 1 "$tool" explain small.pcapng
-expect_text err "small.pcapng: this is a capture; decode shows it"
+expect_text err "small.pcapng: this is a capture; use decode"
 expect_exit 1 "$tool" diff small.pcapng small.pcapng
 expect_text err "this is a capture"
 expect_exit 2 "$tool" decode --binary --capture small.pcapng
 
-# JSON that ended the program.
+# JSON that must not crash the program.
 echo '{"f0": 1e400}' >number.json
 expect_exit 1 "$tool" encode -m $message number.json
 expect_text err "number overflow"
 head -c 200000 /dev/zero | tr '\0' '[' >nested.json
 expect_exit 1 "$tool" encode -m $message nested.json
-expect_text err "more than 64 deep"
+expect_text err "more than 64 levels of nesting"
 echo '{"f\u001b[31m0": 1}' >escape.json
 expect_exit 1 "$tool" encode -m $message escape.json
 expect_text err 'f\x1b[31m0: '
 
-# An output that fails is told.
+# Failing outputs are reported.
 for command in list "decode -m $message update.bin" "decode big.pcapng" "encode -m $message update.json" \
                "explain -m $message update.bin" "stat big.pcapng" "completion bash" --help --version; do
   code=0
@@ -121,12 +120,12 @@ for command in list "decode -m $message update.bin" "decode big.pcapng" "encode 
   expect_text err "mesh-l2vpn: the output: Bad file descriptor"
 done
 
-# Whoever takes a line and goes ends the program, long before it has written all: a pipe holds less.
+# A reader that takes one line and exits ends the program early: the output exceeds a pipe.
 [ "$("$tool" decode big.pcapng | wc -c)" -gt 1000000 ] || fail "the output would fit a pipe"
 set +o pipefail
 "$tool" decode big.pcapng 2>err | head -1 >line
 codes=("${PIPESTATUS[@]}")
 set -o pipefail
 [ "$(wc -l <line)" -eq 1 ] || fail "not one line"
-[ ! -s err ] || fail "a pipe that ends early is told: $(cat err)"
+[ ! -s err ] || fail "an early end of the pipe is reported: $(cat err)"
 [ "${codes[0]}" -eq 141 ] || fail "decode ends with ${codes[0]} when its pipe does"  # SIGPIPE

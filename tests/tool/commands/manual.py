@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""Every command, and every long option that its --help prints, is in the manual page where it
-belongs; and the page names no command or option that the program does not have.
+"""The manual page has every command and every long option that --help prints, and no others.
 
     manual.py MESH-L2VPN MANUAL
 """
@@ -29,7 +28,7 @@ def plain(manual):
 
 
 def paragraphs(manual, section):
-    """The first lines behind each .TP of a section."""
+    """The first lines after each .TP of a section."""
     body = manual.partition(f"\n.SH {section}\n")[2].partition("\n.SH ")[0]
     return [re.sub(r'^\.BR? ', "", part).replace('"', "").replace(" , ", ", ")
             for part in body.split(".TP\n")[1:]]
@@ -44,7 +43,7 @@ def main():
     described = {text.split()[0]: text.splitlines()[0] for text in paragraphs(page, "COMMANDS")}
     if len(commands) < 13 or set(commands) != set(described):
         sys.exit(f"the program's commands are {commands}, the page's {list(described)}")
-    # Told once, for all commands that have them.
+    # Described once, for all commands that have them.
     shared = {"--help", "--middleware"}
     explained = set(LONG.findall("\n".join(paragraphs(page, "OPTIONS"))))
     count = 0

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# replay keeps the pace that it was asked for: it is never faster. How much slower it may be is for
-# the machine to say.
+# replay is never faster than asked for. How much slower it is depends on the machine.
 #
 #   replay.sh MESH-L2VPN LIBZARNIMESH WRITE_CAPTURE
 tool=$1
@@ -22,14 +21,14 @@ until_heard() {
   fail "$(wc -l <heard) tables were heard, not $1"
 }
 
-# In hundredths of a second, of a clock that nobody sets.
+# Hundredths of a second, from a monotonic clock.
 now() {
   local uptime
   read -r uptime _ </proc/uptime
   echo "${uptime/./}"
 }
 
-# expect_pace HUNDREDTHS OPTION...: a replay takes as long, give or take the clock's grain.
+# expect_pace HUNDREDTHS OPTION...: a replay takes at least as long, minus the resolution of the clock.
 expect_pace() {
   local least=$1 start taken
   shift
@@ -68,9 +67,9 @@ kill -TERM $waiting
 wait $waiting || fail "an interrupted replay fails"
 expect_text waiting "4 tables sent"
 
-# Waiting for the rest of a capture.
+# An interruption ends the wait for the rest of a capture.
 mkfifo fifo
-exec 8<>fifo  # its writer does not go
+exec 8<>fifo  # keeps a writer open
 cat few.pcapng >&8
 "$tool" replay --to 3 --at-once - <&8 2>waiting &
 waiting=$!
@@ -81,10 +80,10 @@ wait $waiting || fail "a replay that is interrupted while it waits fails"
 expect_text waiting "4 tables sent"
 exec 8>&-
 
-# Nobody is there.
+# No receiver.
 expect_exit 3 "$tool" replay --to 77 --at-once few.pcapng
 expect_text err "table 1, dbginfo_key_l2vpn: sending to node 77"
-expect_text err "; 0 tables went out before"
+expect_text err "; 0 tables were sent before"
 
 for pace in "--rate nan" "--rate inf" "--speed nan" "--speed inf" "--rate 0" "--rate -1" "--speed 0" "--rate 5 --speed 2" "--at-once --rate 5" \
             "--at-once --speed 2"; do

@@ -1,5 +1,5 @@
-// Sends a table once for each sequence number, past the middleware: what is left out between two of
-// them are calls that never arrive.
+// Sends a table once per sequence number, without the middleware. Skipped numbers look like lost
+// calls.
 //
 //   send_with_gaps ENDPOINT SOURCE DESTINATION IDENTIFIER FILE SEQUENCE...
 
@@ -20,7 +20,7 @@ int main(int count, char** words) {
   RawHeader header;
   header.source = static_cast<uint32_t>(std::strtoul(words[2], nullptr, 0));
   header.destination = static_cast<uint32_t>(std::strtoul(words[3], nullptr, 0));
-  header.incarnation += header.source;  // each source's numbers are its own
+  header.incarnation += header.source;  // each source has its own numbers
   header.count = 1;
   header.payloadBytes = table.size();
   const std::string entry =

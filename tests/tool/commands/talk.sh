@@ -43,9 +43,9 @@ wait $listener || fail "listen did not end well"
 
 head -c -10 night.pcapng | head -c 500 >cut.pcapng
 expect_exit 1 "$tool" stat cut.pcapng
-expect_text err "cut inside a block"
+expect_text err "truncated inside a block"
 
-# What is flushed survives the recorder.
+# Recorded packets survive a killed recorder.
 "$tool" record 4 killed.pcapng 2>recorder &
 recorder=$!
 until_said "node 4 records" recorder
@@ -59,7 +59,7 @@ wait $recorder 2>/dev/null || true
 expect_exit 0 "$tool" decode killed.pcapng
 expect_text out '"record":{"f0":1,'
 
-# Interrupted, a recorder ends well.
+# An interrupted recorder succeeds.
 "$tool" record 4 ended.pcapng 2>recorder &
 recorder=$!
 until_said "node 4 records" recorder
@@ -71,12 +71,12 @@ for options in "2 --seconds -1" "2 --seconds nan" "2 --seconds 0" 010 "2 --count
   expect_exit 2 timeout 20 "$tool" listen $options
 done
 
-# An old capture is replaced only by one that can be made.
+# An existing capture survives a recorder that cannot start.
 cp night.pcapng old.pcapng
 expect_exit 3 "$tool" record --middleware ./no.so 2 old.pcapng
 cmp night.pcapng old.pcapng || fail "a capture was destroyed"
 
-# A recorder whose terminal goes ends well; one that is to go on does so.
+# A recorder whose terminal closes succeeds.
 "$tool" record 4 ended.pcapng 2>recorder &
 recorder=$!
 until_said "node 4 records" recorder
@@ -84,7 +84,7 @@ kill -HUP $recorder
 wait $recorder || fail "a recorder whose terminal went fails"
 expect_text recorder "0 tables recorded"
 
-# What listen prints has to go somewhere.
+# listen reports a failing output.
 "$tool" listen 2 >/dev/full 2>listener &
 listener=$!
 until_said "node 2 listens" listener
@@ -96,4 +96,4 @@ expect_text listener "the output: No space left on device"
 
 echo '{}' >empty.json
 expect_exit 3 "$tool" send --middleware ./no.so --to 2 -m l2vpn_sync_stp empty.json
-expect_text err "no middleware"
+expect_text err "cannot load the middleware"

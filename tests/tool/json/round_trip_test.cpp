@@ -1,5 +1,5 @@
-// decode(encode(x)) = x through JSON text, of random records of every message in both arrangements;
-// the bytes are those of the reference model.
+// decode(encode(x)) = x through JSON text, for random records of every message in both
+// arrangements. The bytes equal those of the reference model.
 
 #include <gtest/gtest.h>
 
@@ -29,13 +29,13 @@ Bytes written(const model::WrittenBytes& bytes) {
   return all;
 }
 
-TEST_P(RoundTrip, ThroughJsonLosesNothing) {
+TEST_P(RoundTrip, ThroughJson) {
   const KnownMessage& message = messageNamed(GetParam());
   const model::Message& type = model::message(GetParam());
   std::mt19937_64 random(message.data->id);
   for (int round = 0; round < recordsOfEach; ++round) {
     const auto density = static_cast<model::Density>(round % 3);
-    // Byte strings of length 0 have no pointer in JSON.
+    // Empty byte strings come back from JSON without a pointer.
     const model::Value value = model::asReceived(model::randomValue(type, random, density));
     const model::RecordImage image(type, value);
     const std::string text = jsonOf(message, static_cast<const uint8_t*>(image.data()));

@@ -1,4 +1,4 @@
-// Messages by name, by identifier, and by nearly their name.
+// Messages by name, identifier and similar name.
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 namespace tool {
 namespace {
 
-TEST(Messages, AreEightyFive) {
+TEST(Messages, Count) {
   EXPECT_EQ(messages().size(), 85u);
 }
 
-TEST(Messages, AreFoundByNameAndByIdentifier) {
+TEST(Messages, FoundByNameAndIdentifier) {
   for (const KnownMessage& message : messages()) {
     EXPECT_EQ(&messageNamed(message.name), &message);
     EXPECT_EQ(&messageNamed(std::to_string(message.data->id)), &message);
@@ -22,20 +22,20 @@ TEST(Messages, AreFoundByNameAndByIdentifier) {
   EXPECT_EQ(messageNamed("0x5eed5f0d").name, "l2vpn_sync_vpls_ac_update");
 }
 
-TEST(Messages, UnknownOnesFail) {
+TEST(Messages, RejectsUnknown) {
   EXPECT_THROW(messageNamed("0x5EED5F0E"), Failure);
   EXPECT_THROW(messageNamed(""), Failure);
   EXPECT_EQ(findById(1), nullptr);
 }
 
-TEST(Messages, ANearMissSuggestsTheRightName) {
+TEST(Messages, SuggestsSimilarNames) {
   EXPECT_EQ(nearestNames("l2vpn_sync_vpls_acc").front(), "l2vpn_sync_vpls_ac");
   EXPECT_EQ(nearestNames("dbginfo_key_l2vnp").front(), "dbginfo_key_l2vpn");
   EXPECT_EQ(nearestNames("vpls_vsimac").front(), "l2vpn_sync_vpls_vsimac");
   EXPECT_TRUE(nearestNames("nothing like it at all").empty());
 }
 
-TEST(Messages, AFailureNamesTheSuggestion) {
+TEST(Messages, ErrorSuggestsName) {
   try {
     messageNamed("l2vpn_sync_stq");
     FAIL();

@@ -1,11 +1,11 @@
-// Small messages that ask much of a reader: lists of items that share what they lead to.
+// Small messages that cost a reader much: lists whose items share tables or contents.
 #pragma once
 
 #include "messages/codec.hpp"
 
 namespace tool {
 
-// Appends integers as they stand on the wire.
+// Appends integers in wire format.
 template <typename Integer>
 void put(Bytes& bytes, Integer value) {
   bytes.resize(bytes.size() + sizeof value);
@@ -19,7 +19,7 @@ void putAll(Bytes& bytes, std::initializer_list<Integer> values) {
   }
 }
 
-// A l2vpn_cfg_query_dfx_rec up to its list's count.
+// An l2vpn_cfg_query_dfx_rec up to the count of its list.
 inline Bytes listOf(uint32_t count) {
   Bytes bytes;
   put<uint32_t>(bytes, 12);
@@ -28,7 +28,7 @@ inline Bytes listOf(uint32_t count) {
   return bytes;
 }
 
-// A table for each item, and one vtable of `length` bytes for them all, zero but for the length.
+// One table per item, and one shared vtable of `length` bytes, zero except for the length.
 inline Bytes itemsOfOneVtable(uint32_t items, uint16_t length) {
   Bytes bytes = listOf(items);
   for (uint32_t item = 0; item < items; ++item) {
@@ -42,7 +42,7 @@ inline Bytes itemsOfOneVtable(uint32_t items, uint16_t length) {
   return bytes;
 }
 
-// f0 of every item leads to the same contents, of which there are too many for it.
+// f0 of every item points to the same contents, which are too long for it.
 inline Bytes itemsOfOneText(uint32_t items, uint32_t size, uint8_t byte) {
   Bytes bytes = listOf(items);
   const uint32_t vtable = static_cast<uint32_t>(bytes.size()) + 4 * items;

@@ -1,4 +1,4 @@
-// Messages that ask much of a reader take no more than their bytes and items are worth.
+// Time and memory grow only with the bytes and items of a message, whatever it asks for.
 
 #include "tool/reader/hostile.hpp"
 
@@ -17,7 +17,7 @@ const KnownMessage& list() {
   return messageNamed("l2vpn_cfg_query_dfx_rec");
 }
 
-TEST(HostileMessage, AVtableThatItemsShareIsNotExplainedForEachOfThem) {
+TEST(HostileMessage, ExplainsSharedVtableOnce) {
   constexpr uint32_t items = 200;
   const Bytes bytes = itemsOfOneVtable(items, 65'534);
   const Reading reading = readTable(list(), bytes);
@@ -33,20 +33,20 @@ TEST(HostileMessage, AVtableThatItemsShareIsNotExplainedForEachOfThem) {
   EXPECT_TRUE(libraryAccepts(list(), bytes));
 }
 
-TEST(HostileMessage, MoreRangesThanAnybodyReadsAreNotKept) {
+TEST(HostileMessage, LimitsRanges) {
   const Bytes bytes = itemsOfOneVtable(40'000, 14);
   const Reading reading = readTable(list(), bytes);
   EXPECT_TRUE(reading.isCut);
-  // Those of the bytes between them come on top.
+  // Ranges for unread bytes come in addition.
   EXPECT_LE(reading.ranges.size(), 2 * mostRanges);
   EXPECT_EQ(unsoundness(reading, bytes), "");
-  EXPECT_NE(std::ranges::find(reading.notes, "more than 250000 ranges are not explained"),
+  EXPECT_NE(std::ranges::find(reading.notes, "only 250000 ranges are explained"),
             reading.notes.end());
   EXPECT_TRUE(reading.isAccepted());
   EXPECT_EQ(reading.memory, judge(list(), bytes).memory);
 }
 
-TEST(HostileMessage, ContentsThatItemsShareAreShownWholeOnce) {
+TEST(HostileMessage, ShowsSharedContentsOnce) {
   constexpr uint32_t items = 500;
   const Bytes bytes = itemsOfOneText(items, 100'000, 'a');
   const Reading reading = readTable(list(), bytes);
@@ -54,8 +54,8 @@ TEST(HostileMessage, ContentsThatItemsShareAreShownWholeOnce) {
   std::ostringstream out;
   explain(reading, bytes, true, Colors(), out);
   const std::string text = out.str();
-  EXPECT_NE(text.find("bytes that stand above"), std::string::npos);
-  EXPECT_EQ(text.find("bytes more"), std::string::npos);
+  EXPECT_NE(text.find("bytes shown above"), std::string::npos);
+  EXPECT_EQ(text.find("more bytes"), std::string::npos);
   // A line of 8 bytes is shorter than 200 characters.
   EXPECT_LT(text.size(), 200 * (bytes.size() / 8 + reading.ranges.size() * 6));
   size_t marks = 0;
@@ -65,7 +65,7 @@ TEST(HostileMessage, ContentsThatItemsShareAreShownWholeOnce) {
   EXPECT_EQ(marks, items);
 }
 
-TEST(HostileMessage, FaultsAreCountedAsFarAsTheyAreKept) {
+TEST(HostileMessage, LimitsFaults) {
   const Bytes thousand = itemsOfOneText(1000, 8, 'a');
   EXPECT_EQ(faultCountText(judge(list(), thousand)), "1000 faults");
   const Bytes more = itemsOfOneText(1001, 8, 'a');
@@ -73,7 +73,7 @@ TEST(HostileMessage, FaultsAreCountedAsFarAsTheyAreKept) {
   EXPECT_FALSE(judge(list(), more).isAccepted());
 }
 
-TEST(HostileMessage, SmallOnesThatAskForMuchMemoryAreRefused) {
+TEST(HostileMessage, LimitsMemory) {
   EXPECT_NO_THROW(refuseTooMuchMemory(judge(list(), itemsOfOneVtable(4049, 4))));
   EXPECT_THROW(refuseTooMuchMemory(judge(list(), itemsOfOneVtable(4050, 4))), Failure);
 }

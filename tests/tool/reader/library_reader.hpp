@@ -1,4 +1,4 @@
-// The library's reader, which the one that explains must agree with, and what every reading is.
+// The library's reader, with which the explaining reader must agree, and checks for every reading.
 #pragma once
 
 #include "host/serial_env.hpp"
@@ -8,7 +8,7 @@
 
 namespace tool {
 
-// Whether the library takes the message.
+// Whether the library accepts the message.
 inline bool libraryAccepts(const KnownMessage& message, std::span<const uint8_t> bytes) {
   static mesh::host::serial_env env;
   if (bytes.size() < 4) {
@@ -24,8 +24,8 @@ inline bool libraryAccepts(const KnownMessage& message, std::span<const uint8_t>
   return isAccepted;
 }
 
-// What is wrong with a reading, whatever was read: a byte that has no meaning, one that is not
-// there, a fault without a text. Empty when nothing is.
+// What is wrong with a reading of any bytes: a byte without a meaning, a position past the end, a
+// fault without a text. Empty if it is correct.
 inline std::string unsoundness(const Reading& reading, std::span<const uint8_t> bytes) {
   uint64_t end = 0;
   for (const Range& range : reading.ranges) {

@@ -1,4 +1,4 @@
-// Bytes are compared with what their record encodes to, whatever bytes they are.
+// Compares any bytes with the encoding of their record.
 
 #include "reader/own_encoding.hpp"
 
@@ -20,7 +20,7 @@ Bytes listOfTwo() {
   return encodeCompact(fromJson(list(), parseJson(R"({"f1": [{"f1": 7}, {"f1": 8}]})")));
 }
 
-// Every byte of the frame, and the first of the items', spoilt.
+// Damages every byte of the head and the first bytes of the items.
 std::vector<Bytes> hostileLists() {
   std::vector<Bytes> all;
   const Bytes sound = listOfTwo();
@@ -36,11 +36,11 @@ std::vector<Bytes> hostileLists() {
   return all;
 }
 
-TEST(OwnEncoding, IsKnown) {
+TEST(OwnEncoding, AcceptsEncodedRecord) {
   EXPECT_TRUE(isOwnEncoding(list(), listOfTwo()));
 }
 
-TEST(OwnEncoding, IsNothingThatWasSpoilt) {
+TEST(OwnEncoding, RejectsDamage) {
   size_t rejected = 0;
   for (const Bytes& bytes : hostileLists()) {
     const Table table{0, 1, 2, list().data->id, 0, bytes};
@@ -55,8 +55,8 @@ TEST(OwnEncoding, IsNothingThatWasSpoilt) {
   EXPECT_GT(rejected, 50u);
 }
 
-// An item that does not fit leaves the count of a vector that was given back.
-TEST(OwnEncoding, IsNotARecordThatHasNone) {
+// A failing item leaves the count of a released vector in the record.
+TEST(OwnEncoding, RejectsRecordWithoutEncoding) {
   Bytes bytes = listOfTwo();
   bytes[48] = 0xFF;  // in the first item's word
   const OwnedRecord record = decode(list(), bytes);

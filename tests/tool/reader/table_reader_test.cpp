@@ -1,5 +1,4 @@
-// The reader that explains agrees with the library's about what is accepted, and leaves no byte
-// out.
+// The explaining reader accepts what the library accepts, and explains every byte.
 
 #include "reader/table_reader.hpp"
 
@@ -27,7 +26,7 @@ std::vector<std::string> faultTexts(const Verdict& verdict) {
 
 class ReaderAgreement : public testing::TestWithParam<const char*> {};
 
-TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
+TEST_P(ReaderAgreement, DamagedAndTruncated) {
   const KnownMessage& message = messageNamed(GetParam());
   const model::Message& type = model::message(GetParam());
   std::mt19937_64 random(message.data->id);
@@ -56,7 +55,7 @@ TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
     ASSERT_EQ(unsoundness(reading, bytes), "") << toHex(bytes);
     accepted += reading.isAccepted() ? 1 : 0;
   }
-  // Neither all nor none, or this test would say little.
+  // The test needs both accepted and rejected buffers.
   EXPECT_GT(accepted, 0);
   EXPECT_LT(accepted, rounds);
 }
@@ -76,7 +75,7 @@ Bytes sampleCircuit() {
   return encodeCompact(OwnedRecord(messageNamed("l2vpn_sync_vpls_ac")));
 }
 
-TEST(TableReader, NamesEveryFaultAndItsByte) {
+TEST(TableReader, ReportsEveryFault) {
   // Vtable of 24 bytes at 4, table at 28, the offset words of f8 and f9 at 32 and 36.
   Bytes bytes = sampleCircuit();
   ASSERT_EQ(bytes.size(), 72u);
@@ -84,13 +83,13 @@ TEST(TableReader, NamesEveryFaultAndItsByte) {
   bytes[36] = 0xFF;  // f9's offset word
   const Reading reading = readTable(messageNamed("l2vpn_sync_vpls_ac"), bytes);
   ASSERT_EQ(reading.faults.size(), 2u);
-  EXPECT_EQ(faultText(reading.faults[0]), "byte 40, f8: 13 bytes where 12 belong");
+  EXPECT_EQ(faultText(reading.faults[0]), "byte 40, f8: 13 bytes instead of 12");
   EXPECT_EQ(faultText(reading.faults[1]),
-            "byte 36, f9: leads to a length at 291, past the end of a buffer of 72 bytes");
+            "byte 36, f9: points to a length at 291, past the end of a buffer of 72 bytes");
   EXPECT_FALSE(reading.isAccepted());
 }
 
-TEST(TableReader, AFaultInWhatAWrapperHoldsIsTolerated) {
+TEST(TableReader, ToleratesFaultInWrapper) {
   Bytes bytes = encodeCompact(OwnedRecord(messageNamed("l2vpn_sync_vpls_ac_update")));
   bytes.pop_back();
   const Reading reading = readTable(messageNamed("l2vpn_sync_vpls_ac_update"), bytes);
@@ -99,16 +98,16 @@ TEST(TableReader, AFaultInWhatAWrapperHoldsIsTolerated) {
   EXPECT_TRUE(reading.isAccepted());
 }
 
-TEST(TableReader, SaysTheBeginningOfContents) {
+TEST(TableReader, ShortensContents) {
   EXPECT_EQ(contentsText(Bytes(16'384)), "zeros");
-  EXPECT_EQ(contentsText(Bytes(16'385)), "zeros at first");
+  EXPECT_EQ(contentsText(Bytes(16'385)), "starts with zeros");
   EXPECT_EQ(contentsText(Bytes(40, 'a')), '"' + std::string(40, 'a') + '"');
   EXPECT_EQ(contentsText(Bytes(41, 'a')), '"' + std::string(40, 'a') + "\"...");
   EXPECT_EQ(contentsText(Bytes{1, 0xAB}), "01ab");
   EXPECT_EQ(contentsText(Bytes(21, 1)), toHex(Bytes(20, 1)) + "...");
 }
 
-// Schemas that no message has, so that what is true of them does not hang on the messages.
+// Schemas of no message, so that the tests do not depend on the messages.
 struct Schema {
   mesh::wire::Record record;
   mesh::msg::Message data{&record, 1, {}};
@@ -126,7 +125,7 @@ mesh::wire::Record recordOf(uint32_t size, mesh::wire::NestedFailure failure,
   return {"record", "", "", "", size, {mesh::wire::InlineOrder::Slots, failure}, slots};
 }
 
-TEST(TableReader, CountsTheMemoryOfATableForEveryItemThatLeadsToIt) {
+TEST(TableReader, CountsSharedTableMemoryPerItem) {
   using enum mesh::wire::NestedFailure;
   const mesh::wire::Slot ofItem{{"f0"}, mesh::wire::Kind::Bytes, 1, 8, 0, nullptr};
   const mesh::wire::Record item = recordOf(16, FailsTheTable, {&ofItem, 1});
@@ -141,7 +140,7 @@ TEST(TableReader, CountsTheMemoryOfATableForEveryItemThatLeadsToIt) {
   EXPECT_EQ(judge(schema.message(), bytes).memory, 2 * (16 + 100));
 }
 
-TEST(TableReader, ReadsATableAgainWhereItsFaultsAreNotTolerated) {
+TEST(TableReader, RereadsTableWhenNotTolerant) {
   using enum mesh::wire::NestedFailure;
   const mesh::wire::Slot array{{"f0"}, mesh::wire::Kind::Array, 4, 0, 0, nullptr};
   const mesh::wire::Record inner = recordOf(4, FailsTheTable, {&array, 1});

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Opens the pages of explain --html in headless Chromium, points at ranges and looks at what lights
-up, at the line that is drawn, at the faults, and at the width.
+"""Opens pages of explain --html in headless Chromium, hovers over ranges, and checks highlights, the
+line to the target, faults, and the width.
 
-    browser.py MESH-L2VPN [DIRECTORY]    where a directory is named, a picture of each page is left there
+    browser.py MESH-L2VPN [DIRECTORY]    saves a screenshot of each page in the directory
 """
 import shutil
 import socket
@@ -22,13 +22,13 @@ WIDTH, HEIGHT = 1366, 768
 WRAPPER = '{"f0": 7, "f1": {"f0": 42, "f6": 1042, "f8": "010203040506070809101112"}}'
 LIST = '{"f0": {"f1": 3}, "f1": [{"f1": 7, "f0": "%s"}, {"f1": 8}]}' % ("61" * 32)
 
-# What the page shows at this moment, for the range that the pointer is on.
+# What the page shows while the pointer is on a range.
 LOOK = """
 const index = arguments[0], range = data.ranges[index];
 const lit = name => [...document.querySelectorAll("#bytes .byte." + name)].map(cell => Number(cell.dataset.range));
 const rows = name => [...document.querySelectorAll("#ranges tr." + name)].map(row => Number(row.dataset.range));
 const path = document.querySelector("#bytes svg path");
-// Not under the head, which stays where it is, nor scrolled away.
+// Neither under the sticky head nor scrolled away.
 const rowOf = name => document.querySelector("#ranges tr." + name);
 const isSeen = row => {
   const box = row.getBoundingClientRect(), window = row.closest("section").getBoundingClientRect();
@@ -68,7 +68,7 @@ def page_of(tool, message, json, arrangement, directory, name, change):
 
 
 def point_at(browser, index):
-    """At the range's first byte, as a person does."""
+    """Hovers over the first byte of the range."""
     cell = browser.find_element(By.CSS_SELECTOR, f'#bytes .byte[data-range="{index}"]')
     browser.execute_script("arguments[0].scrollIntoView({block: 'center'})", cell)
     ActionChains(browser, duration=0).move_to_element(cell).perform()
@@ -76,14 +76,14 @@ def point_at(browser, index):
 
 
 def check_pointing(browser, ranges):
-    """Every range that has a byte of its own lights up with its slot, and leads where it says."""
+    """Every range with a byte of its own is highlighted with its slot, and points to its target."""
     owner = {}
     for index, each in enumerate(ranges):
         owner.update((at, index) for at in range(each["at"], each["at"] + each["size"]))
     shown = set(browser.execute_script(
         'return [...document.querySelectorAll("#bytes .byte")].map(cell => Number(cell.dataset.range))'))
     lines = 0
-    # Of many ranges some. From the end, so that rows come from above, where the head could hide them.
+    # A sample if there are many ranges. From the end, so that rows scroll in from above, where the head could hide them.
     chosen = [i for i in sorted(shown, reverse=True) if len(shown) < 60 or i < 20 or i % 7 == 0]
     for index in chosen:
         here, found = ranges[index], point_at(browser, index)
@@ -138,7 +138,7 @@ def check_page(browser, url, faults, picture):
 
 
 def items_of_one_text(items, size):
-    """A list whose items lead to one text that is too long for them all: 17 ranges and a fault each."""
+    """A list whose items point to one text that is too long for each: 17 ranges and a fault per item."""
     vtable, tables = 24 + 4 * items, 40 + 4 * items
     message = struct.pack("<I4H3I", 12, 8, 8, 0, 4, 8, 4, items)
     message += b"".join(struct.pack("<I", tables - 24) for _ in range(items))
@@ -149,14 +149,14 @@ def items_of_one_text(items, size):
 
 
 def check_long_page(browser, url):
-    """A page that would have 70,000 rows comes to its end, says so, and answers to the pointer."""
+    """A page that would have 70,000 rows ends early, says so, and reacts to the pointer."""
     browser.get(url)
     data = browser.execute_script("return data")
     rows = browser.execute_script('return document.querySelectorAll("#ranges tr[data-range]").length')
     expect(rows == len(data["ranges"]) <= 10000, f"{rows} rows")
     summary = browser.find_element(By.ID, "summary").text
     expect("at least 1000 faults" in summary and "the page ends early" in summary, summary)
-    expect("bytes more" in browser.find_element(By.ID, "bytes").text, "nothing is left out")
+    expect("more bytes" in browser.find_element(By.ID, "bytes").text, "nothing is left out")
     told = browser.execute_script('return document.querySelectorAll("#ranges .message").length')
     expect(told <= len(data["faults"]), f"{told} rows tell of {len(data['faults'])} faults")
     found = point_at(browser, next(i for i, each in enumerate(data["ranges"]) if each["part"] == "entry"))

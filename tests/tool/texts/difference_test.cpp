@@ -1,4 +1,4 @@
-// Bytes are said to be of the range that explains them, however ranges lie.
+// Finds the range of each byte, however ranges overlap.
 
 #include "texts/difference.hpp"
 
@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-TEST(RangeWalk, FindsTheLastRangeThatHoldsAByte) {
+TEST(RangeWalk, FindsLastRangeOfByte) {
   std::mt19937 random(1);
   const auto below = [&](uint32_t end) { return static_cast<uint32_t>(random() % end); };
   for (int round = 0; round < 500; ++round) {
@@ -30,7 +30,7 @@ TEST(RangeWalk, FindsTheLastRangeThatHoldsAByte) {
   }
 }
 
-TEST(ByteDifferences, AreRunsInsideOneRange) {
+TEST(ByteDifferences, SplitAtRanges) {
   Reading reading;
   reading.ranges = {{0, 4, Part::Root, "", "root", ""}, {4, 4, Part::Scalar, "f0", "value", ""}};
   const std::vector<uint8_t> one = {0, 0, 1, 1, 1, 0, 0, 1};

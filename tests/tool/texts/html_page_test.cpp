@@ -1,4 +1,4 @@
-// What a page holds, and what it leaves out. browser.py looks at what it shows.
+// What a page contains. browser.py tests what it shows.
 
 #include "texts/html_page.hpp"
 
@@ -29,24 +29,23 @@ bool isShown(const Json& data, uint32_t at) {
   });
 }
 
-TEST(HtmlPage, ShortensLongContentsUnlessAllIsAskedFor) {
+TEST(HtmlPage, ShortensLongContents) {
   const Bytes bytes = itemsOfOneText(1, 10'000, '<');
   const Json shortened = dataOf(bytes, false);
   const auto last = static_cast<uint32_t>(bytes.size()) - 1;
   EXPECT_TRUE(isShown(shortened, last - 9999));
   EXPECT_FALSE(isShown(shortened, last));
-  EXPECT_NE(shortened["notes"].dump().find("of long contents the beginning is shown"),
-            std::string::npos);
+  EXPECT_NE(shortened["notes"].dump().find("long contents are shortened"), std::string::npos);
   const Json whole = dataOf(bytes, true);
   EXPECT_TRUE(isShown(whole, last));
-  EXPECT_EQ(whole["notes"].dump().find("of long contents"), std::string::npos);
+  EXPECT_EQ(whole["notes"].dump().find("long contents"), std::string::npos);
 }
 
-// Zeros around a table of zeros: a row like those before it, but with another meaning.
-TEST(HtmlPage, ShowsBytesOfAnotherRangeAmongEqualOnes) {
+// Zeros around a table of zeros: equal rows with different meanings.
+TEST(HtmlPage, ShowsNewRangeAmongEqualBytes) {
   Bytes bytes = listOf(1);
   put<uint32_t>(bytes, 4);
-  put<uint32_t>(bytes, static_cast<uint32_t>(-8));  // at 28, the item; its vtable is behind it
+  put<uint32_t>(bytes, static_cast<uint32_t>(-8));  // at 28, the item; its vtable follows
   put<uint32_t>(bytes, 0);
   putAll<uint16_t>(bytes, {8, 4, 0, 300});
   bytes.resize(600);
@@ -55,7 +54,7 @@ TEST(HtmlPage, ShowsBytesOfAnotherRangeAmongEqualOnes) {
   EXPECT_FALSE(isShown(data, 28 + 200));
 }
 
-TEST(HtmlPage, EndsEarlyWhereABrowserWouldNotCome) {
+TEST(HtmlPage, LimitsSize) {
   const Bytes bytes = itemsOfOneText(4000, 16'384, '<');
   const Json data = dataOf(bytes, true);
   EXPECT_LE(data["ranges"].size(), 10'000u);

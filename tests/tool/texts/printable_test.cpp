@@ -1,4 +1,4 @@
-// What was read reaches a terminal without control characters.
+// Input reaches a terminal without control characters.
 
 #include "texts/printable.hpp"
 
@@ -7,7 +7,7 @@
 namespace tool {
 namespace {
 
-TEST(Printable, LeavesTextAlone) {
+TEST(Printable, KeepsText) {
   EXPECT_EQ(printable("f1.f0: 'a' ~"), "f1.f0: 'a' ~");
   EXPECT_EQ(printable("Ger\xC3\xA4t, \xE2\x82\xAC, \xF0\x9F\x98\x80"),
             "Ger\xC3\xA4t, \xE2\x82\xAC, \xF0\x9F\x98\x80");
@@ -18,7 +18,7 @@ TEST(Printable, EscapesControlCharacters) {
   EXPECT_EQ(printable("\xC2\x9B"), "\\xc2\\x9b");
 }
 
-TEST(Printable, EscapesWhatIsNoUtf8) {
+TEST(Printable, EscapesInvalidUtf8) {
   EXPECT_EQ(printable("\x9B"), "\\x9b");
   EXPECT_EQ(printable("\xC3"), "\\xc3");
   EXPECT_EQ(printable("\xE2\x82z"), "\\xe2\\x82z");

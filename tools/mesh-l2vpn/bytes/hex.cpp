@@ -41,7 +41,7 @@ std::vector<uint8_t> fromHex(std::string_view digits) {
   bytes.reserve(digits.size() / 2);
   for (size_t at = 0; at < digits.size(); at += 2) {
     if (!isHexDigit(digits[at]) || !isHexDigit(digits[at + 1])) {
-      throw Failure(Exit::BadInput, "no hexadecimal digit at character " +
+      throw Failure(Exit::BadInput, "not a hexadecimal digit at character " +
                                         std::to_string(isHexDigit(digits[at]) ? at + 1 : at));
     }
     bytes.push_back(byteOf(digits[at], digits[at + 1]));

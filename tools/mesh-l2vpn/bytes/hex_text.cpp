@@ -88,7 +88,7 @@ class TextReader {
 
   std::vector<uint8_t> take() {
     if (isSqueezed_) {
-      fail("nothing tells how many bytes the star stands for");
+      fail("no position follows the star");
     }
     return std::move(bytes_);
   }
@@ -96,13 +96,13 @@ class TextReader {
  private:
   [[noreturn]] void fail(const std::string& text) const {
     throw Failure(Exit::BadInput,
-                  "line " + std::to_string(number_) + " is no hexadecimal text: " + text);
+                  "line " + std::to_string(number_) + " is not hexadecimal text: " + text);
   }
 
   [[noreturn]] void failAsPosition(std::string_view token) const {
     fail(quoted(token) +
-         " looks like a position; dumps of xxd, hexdump -C and od -Ax -tx1 "
-         "are understood, with their positions from 0");
+         " looks like a position; supported are dumps of xxd, hexdump -C and "
+         "od -Ax -tx1 from position 0");
   }
 
   Format formatOf(std::string_view line) const {
@@ -135,7 +135,7 @@ class TextReader {
       const std::string_view digits = withoutPrefix(token);
       const bool isBeforeColon = rest.starts_with(':');
       if (isBeforeColon && digits.size() != 2) {
-        fail(quoted(token) + " before a colon is no byte");
+        fail(quoted(token) + " before a colon is not a byte");
       }
       if (isBeforeColon || rest.starts_with(',')) {
         rest = trimmed(rest.substr(1));
@@ -203,7 +203,7 @@ class TextReader {
       const std::string_view group = line.substr(0, length);
       if (group.size() > longest && isDigits(group)) {
         fail("groups of more than " + std::to_string(longest / 2) +
-             " bytes may be words that were turned round: " + quoted(group));
+             " bytes may be swapped words: " + quoted(group));
       }
       appendDigits(group, group);
       line.remove_prefix(length);
@@ -243,7 +243,7 @@ class TextReader {
         return;
       }
     }
-    fail("the characters " + quoted(shown) + " are not those of the bytes before them");
+    fail("the characters " + quoted(shown) + " do not match the bytes before them");
   }
 
   void repeatUpTo(size_t position, bool isEnd) {
@@ -252,7 +252,7 @@ class TextReader {
     }
     isSqueezed_ = false;
     if (position <= bytes_.size() || (!isEnd && (position - bytes_.size()) % width_ != 0)) {
-      fail("no such position behind a star");
+      fail("wrong position after a star");
     }
     refuseTooMany(position - bytes_.size());
     while (bytes_.size() < position) {
@@ -262,7 +262,7 @@ class TextReader {
 
   void appendDigits(std::string_view digits, std::string_view token) {
     if (!isDigits(digits) || digits.size() % 2 != 0) {
-      fail(quoted(token) + " is no hexadecimal number of whole bytes");
+      fail(quoted(token) + " is not hexadecimal digits of whole bytes");
     }
     refuseTooMany(digits.size() / 2);
     for (size_t at = 0; at < digits.size(); at += 2) {
@@ -273,7 +273,8 @@ class TextReader {
   void refuseTooMany(size_t added) const {
     if (added > largestSize - bytes_.size()) {
       throw Failure(Exit::BadInput, "line " + std::to_string(number_) + ": more than " +
-                                        std::to_string(largestSize) + " bytes are no message");
+                                        std::to_string(largestSize) +
+                                        " bytes are too long for a message");
     }
   }
 

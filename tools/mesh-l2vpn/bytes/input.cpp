@@ -27,7 +27,7 @@ std::string readAll(InputFile& file) {
     contents.append(part, count);
     if (contents.size() > largestInput) {
       throw Failure(Exit::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
-                                        " bytes are no message");
+                                        " bytes are too long for a message");
     }
   }
   if (file.error() != 0) {
@@ -51,7 +51,7 @@ std::vector<uint8_t> fromText(const std::string& name, std::string_view text, In
     const bool isGuessed = form == InputForm::Guessed;
     throw Failure(Exit::BadInput, name + ": " + (isGuessed ? "looks like text, but " : "") +
                                       failure.what() +
-                                      (isGuessed ? "; --binary if it is bytes" : ""));
+                                      (isGuessed ? "; use --binary for bytes" : ""));
   }
 }
 
@@ -127,7 +127,7 @@ bool isCapture(InputFile& file) {
 
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
-    throw Failure(Exit::BadInput, file.name() + ": this is a capture; decode shows it");
+    throw Failure(Exit::BadInput, file.name() + ": this is a capture; use decode");
   }
   const std::string contents = readAll(file);
   if (form == InputForm::Hex || (form == InputForm::Guessed && isText(contents))) {

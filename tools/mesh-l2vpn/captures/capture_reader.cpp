@@ -68,17 +68,17 @@ bool CaptureReader::readBlock() {
   uint32_t head[3] = {};  // type, length; for a section its byte order
   const size_t got = file_->read(head, 8);
   if (got == 0 && file_->error() == 0) {
-    return !hasSection_ && failReading("an empty file is no capture");
+    return !hasSection_ && failReading("an empty file is not a capture");
   }
   if (got != 8) {
-    return failReading("cut inside a block");
+    return failReading("truncated inside a block");
   }
   if (head[0] == sectionHeader) {
     if (file_->read(&head[2], 4) != 4) {
-      return failReading("cut inside a block");
+      return failReading("truncated inside a block");
     }
     if (head[2] != byteOrderMagic && head[2] != reversed(byteOrderMagic)) {
-      return fail("a section without a byte order");
+      return fail("a section without a byte-order magic");
     }
     isSwapped_ = head[2] != byteOrderMagic;
     takeSection();
@@ -94,7 +94,7 @@ bool CaptureReader::readBlock() {
   block_.resize(read - 8);
   std::memcpy(block_.data(), &head[2], block_.size());
   if (!readBody(length - 8)) {
-    return failReading("cut inside a block of " + std::to_string(length) + " bytes");
+    return failReading("truncated inside a block of " + std::to_string(length) + " bytes");
   }
   if (load<uint32_t>(block_.size() - 4) != length) {
     return fail("a block whose two lengths differ");
@@ -142,7 +142,7 @@ std::optional<uint64_t> CaptureReader::countOption(size_t at, uint16_t code) con
 
 bool CaptureReader::takeInterface() {
   if (block_.size() < 8) {
-    return fail("an interface without its link type");
+    return fail("an interface without a link type");
   }
   if (interfaces_.size() == mostInterfaces) {
     return fail("more than " + std::to_string(mostInterfaces) + " interfaces");
@@ -153,7 +153,7 @@ bool CaptureReader::takeInterface() {
     const unsigned exponent = resolution[0] & 0x7F;
     const bool isBinary = (resolution[0] & 0x80) != 0;
     if (exponent > (isBinary ? 63U : 18U)) {
-      return fail("an interface with a resolution of " + std::to_string(exponent));
+      return fail("an interface with a timestamp resolution of " + std::to_string(exponent));
     }
     unitsPerSecond = 1;
     for (unsigned power = 0; power < exponent; ++power) {
@@ -173,7 +173,7 @@ void CaptureReader::takeSection() {
 
 bool CaptureReader::takeStatistics() {
   if (block_.size() < 12 || load<uint32_t>(0) >= interfaces_.size()) {
-    return fail("statistics of an interface that is not described");
+    return fail("statistics of an unknown interface");
   }
   Interface& interface = interfaces_[load<uint32_t>(0)];
   interface.lost = countOption(12, droppedPackets).value_or(interface.lost);
@@ -191,12 +191,12 @@ uint64_t CaptureReader::lost() const {
 
 bool CaptureReader::takePacket(std::optional<Table>& table) {
   if (block_.size() < 20) {
-    return fail("a packet without its header");
+    return fail("a packet without a header");
   }
   const auto interface = load<uint32_t>(0);
   const auto length = load<uint32_t>(12);
   if (interface >= interfaces_.size()) {
-    return fail("a packet of an interface that is not described");
+    return fail("a packet of an unknown interface");
   }
   if (length > block_.size() - 20) {
     return fail("a packet longer than its block");
@@ -213,7 +213,7 @@ bool CaptureReader::takePacket(std::optional<Table>& table) {
   const auto time = toNanoseconds(uint64_t{load<uint32_t>(4)} << 32 | load<uint32_t>(8),
                                   interfaces_[interface].unitsPerSecond);
   if (!time) {
-    return fail("a packet of a time after the year 2554");
+    return fail("a packet with a time after the year 2554");
   }
   const uint32_t original = std::max(length, load<uint32_t>(16));
   table = Table{*time,

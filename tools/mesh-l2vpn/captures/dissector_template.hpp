@@ -83,17 +83,17 @@ local function dissect(tvb, root_record, tree)
   local function follow(at, item)
     if not holds(at, 4) then return fail(item, "the offset word at " .. at .. " passes the end") end
     local target = at + u32(at)
-    if target >= past_32_bits then return fail(item, "leads past 32 bits") end
+    if target >= past_32_bits then return fail(item, "points beyond 32 bits") end
     return true, target
   end
 
   local function read_bytes(slot, at, item)
     local is_good, target = follow(at, item)
     if not is_good then return false end
-    if not holds(target, 4) then return fail(item, slot.name .. " leads to " .. target .. ", past the end") end
+    if not holds(target, 4) then return fail(item, slot.name .. " points to " .. target .. ", past the end") end
     local count = u32(target)
     if not holds(target + 4, count) then
-      return fail(item, slot.name .. ": " .. count .. " bytes where " .. length - target - 4 .. " are left")
+      return fail(item, slot.name .. ": " .. count .. " bytes, but only " .. length - target - 4 .. " are left")
     end
     if has_room() then
       if count == 0 then
@@ -103,7 +103,7 @@ local function dissect(tvb, root_record, tree)
       end
     end
     if slot.kind == "array" and count ~= slot.size then
-      return fail(item, slot.name .. ": " .. count .. " bytes where " .. slot.size .. " belong")
+      return fail(item, slot.name .. ": " .. count .. " bytes instead of " .. slot.size)
     end
     return true
   end
@@ -111,10 +111,10 @@ local function dissect(tvb, root_record, tree)
   local function read_vector(slot, at, item)
     local is_good, target = follow(at, item)
     if not is_good then return false end
-    if not holds(target, 4) then return fail(item, slot.name .. " leads to " .. target .. ", past the end") end
+    if not holds(target, 4) then return fail(item, slot.name .. " points to " .. target .. ", past the end") end
     local count = u32(target)
     if count > most_words or not holds(target + 4, 4 * count) then
-      return fail(item, slot.name .. ": " .. count .. " items, whose words pass the end")
+      return fail(item, slot.name .. ": " .. count .. " items, whose offset words pass the end")
     end
     if slot.size * count >= past_32_bits then return fail(item, slot.name .. ": too many items") end
     local items = item
@@ -174,14 +174,14 @@ local function dissect(tvb, root_record, tree)
   function read_table(name, at, item)
     local record = records[name]
     local largest = length - 4
-    if at < 4 or at > largest then return fail(item, "a table at " .. at .. ", not from 4 to " .. largest) end
+    if at < 4 or at > largest then return fail(item, "a table at " .. at .. ", not in 4 to " .. largest) end
     local vtable = (at - u32(at)) % past_32_bits
     if vtable < 4 or vtable > largest then
-      return fail(item, "a vtable at " .. vtable .. ", not from 4 to " .. largest)
+      return fail(item, "a vtable at " .. vtable .. ", not in 4 to " .. largest)
     end
     local size = u16(vtable)
     if not holds(vtable, size) then
-      return fail(item, "a vtable of " .. size .. " bytes where " .. length - vtable .. " are left")
+      return fail(item, "a vtable of " .. size .. " bytes, but only " .. length - vtable .. " are left")
     end
     local is_good = true
     for index, slot in ipairs(record) do
@@ -196,7 +196,7 @@ local function dissect(tvb, root_record, tree)
     return is_good
   end
 
-  if length < 4 then return fail(tree, length .. " bytes are no message") end
+  if length < 4 then return fail(tree, "a message cannot have " .. length .. " bytes") end
   return read_table(root_record, u32(0), tree)
 end
 
@@ -222,7 +222,7 @@ function proto.dissector(tvb, pinfo, tree)
   item:add(header.message, tvb(16, 4), name)
   local size = tvb:len() - header_length
   if size < 4 then
-    item:add_proto_expert_info(fault, size .. " bytes are no message")
+    item:add_proto_expert_info(fault, "a message cannot have " .. size .. " bytes")
   else
     dissect(tvb(header_length):tvb(), name, item)
   end

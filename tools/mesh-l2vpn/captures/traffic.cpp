@@ -27,7 +27,8 @@ void addContents(Json& json, const KnownMessage& message, std::span<const uint8_
     json["faults"].push_back(faultText(fault));
   }
   if (verdict.memory > largestMemory) {
-    json["faults"].push_back("takes " + std::to_string(verdict.memory) + " bytes to decode");
+    json["faults"].push_back("decoding needs " + std::to_string(verdict.memory) +
+                             " bytes of memory");
   } else if (verdict.isAccepted()) {
     json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
     return;

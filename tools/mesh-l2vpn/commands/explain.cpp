@@ -13,7 +13,7 @@ namespace {
 
 std::string verdict(const KnownMessage& message, const Reading& reading) {
   return std::string(message.name) + ": " + faultCountText(reading) + ", receivers " +
-         (reading.isAccepted() ? "take it" : "reject it");
+         (reading.isAccepted() ? "accept it" : "reject it");
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBef
         message == nullptr ? "identifier " + catalogue::hex(table.id) : std::string(message->name);
     throw Failure(failure.exit(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +
                                       failure.what() + "; " + tablesText(sentBefore) +
-                                      " went out before");
+                                      " were sent before");
   }
 }
 
@@ -90,7 +90,7 @@ void runReplay(const ReplayOptions& options, Session& session) {
     node.close();
   } catch (const Failure& failure) {
     throw Failure(failure.exit(), std::string(failure.what()) + "; " + tablesText(sent) +
-                                      " had been handed to the middleware");
+                                      " had been passed to the middleware");
   }
   session.say(tablesText(sent) + " sent");
   reader.throwFault();

@@ -38,12 +38,12 @@ std::string rateText(uint64_t count, double seconds) {
   return seconds > 0 ? decimal(static_cast<double>(count) / seconds, 1) : "-";
 }
 
-std::string placesText(const Gaps& gaps) {
-  return std::to_string(gaps.places) + (gaps.places == 1 ? " place" : " places");
+std::string gapsText(const Gaps& gaps) {
+  return std::to_string(gaps.places) + (gaps.places == 1 ? " gap" : " gaps");
 }
 
 void printText(const Statistics& statistics, const CaptureReader& reader, const Session& session) {
-  TextTable table({"message", "tables", "bytes", "length", "a second", "rejected"});
+  TextTable table({"message", "tables", "bytes", "length", "per second", "rejected"});
   const double seconds = inSeconds(statistics.duration());
   const auto add = [&](const std::string& name, const Count& count) {
     const std::string shortest = std::to_string(count.shortest);
@@ -62,20 +62,20 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
               << decimal(seconds, 3) << " s\nlongest pause "
               << decimal(inSeconds(statistics.longestPause), 3) << " s\n";
   }
-  std::cout << "calls that the recorder missed: " << reader.lost();
+  std::cout << "missed calls: " << reader.lost();
   if (statistics.gaps.places != 0) {
-    std::cout << ", in " << placesText(statistics.gaps);
+    std::cout << ", in " << gapsText(statistics.gaps);
   }
   std::cout << '\n';
   for (const auto& [source, gaps] : statistics.gapsBySource) {
-    std::cout << "  of node " << source << ": " << gaps.calls << ", in " << placesText(gaps)
+    std::cout << "  from node " << source << ": " << gaps.calls << ", in " << gapsText(gaps)
               << '\n';
   }
   if (statistics.gapsOfOthers.places != 0) {
-    std::cout << "  of other nodes: " << statistics.gapsOfOthers.calls << ", in "
-              << placesText(statistics.gapsOfOthers) << '\n';
+    std::cout << "  from other nodes: " << statistics.gapsOfOthers.calls << ", in "
+              << gapsText(statistics.gapsOfOthers) << '\n';
   }
-  std::cout << "packets that are no tables: " << reader.otherPackets() << '\n';
+  std::cout << "other packets: " << reader.otherPackets() << '\n';
 }
 
 void printJson(const Statistics& statistics, const CaptureReader& reader) {

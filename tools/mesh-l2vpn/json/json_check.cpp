@@ -48,17 +48,17 @@ class Check final : public nlohmann::json_sax<Json> {
 
   bool key(string_t& name) override {
     if (!members_.back().insert(name).second) {
-      fail("the member '" + name + "' is there twice");
+      fail("duplicate member '" + name + "'");
     }
     if (members_.back().size() > mostMembers) {
-      fail("an object of more than " + std::to_string(mostMembers) + " members");
+      fail("an object with more than " + std::to_string(mostMembers) + " members");
     }
     return true;
   }
 
   bool parse_error(std::size_t position, const std::string& /*token*/,
                    const nlohmann::detail::exception& error) override {
-    fail("no JSON, at byte " + std::to_string(position) + ": " + reasonOf(error.what()));
+    fail("invalid JSON at byte " + std::to_string(position) + ": " + reasonOf(error.what()));
   }
 
  private:
@@ -72,7 +72,7 @@ class Check final : public nlohmann::json_sax<Json> {
   bool open() {
     members_.emplace_back();
     if (members_.size() > deepest) {
-      fail("objects and arrays more than " + std::to_string(deepest) + " deep");
+      fail("more than " + std::to_string(deepest) + " levels of nesting");
     }
     return count();
   }

@@ -45,15 +45,14 @@ Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes) {
   }
   const std::vector<Candidate> candidates = candidatesFor(bytes);
   if (candidates.empty()) {
-    throw Failure(Exit::BadInput,
-                  "every message has a fault in these bytes; name the one meant with --message");
+    throw Failure(Exit::BadInput, "no message fits these bytes; name one with --message");
   }
   const KnownMessage& chosen = *candidates.front().message;
   if (candidates.size() == 1 && candidates.front().fit == Fit::Exact) {
     return {chosen, ""};
   }
   return {chosen, "taken for " + std::string(chosen.name) + ", the first of " +
-                      std::to_string(candidates.size()) + " that fit; --message names another"};
+                      std::to_string(candidates.size()) + " that fit; --message selects another"};
 }
 
 Json rawTable(std::span<const uint8_t> bytes) {
@@ -62,15 +61,15 @@ Json rawTable(std::span<const uint8_t> bytes) {
   };
   const uint64_t length = bytes.size();
   if (length < 8) {
-    fail(0, std::to_string(length) + " bytes hold no table");
+    fail(0, std::to_string(length) + " bytes are too short for a table");
   }
   const auto table = loadAs<uint32_t>(bytes.data());
   if (table < 4 || table > length - 4) {
-    fail(0, "the root leads to a table at " + std::to_string(table) + ", outside");
+    fail(0, "the root points to a table at " + std::to_string(table) + ", outside the buffer");
   }
   const uint32_t vtable = table - loadAs<uint32_t>(bytes.data() + table);
   if (vtable < 4 || vtable > length - 4) {
-    fail(table, "the table's vtable is at " + std::to_string(vtable) + ", outside");
+    fail(table, "the table's vtable is at " + std::to_string(vtable) + ", outside the buffer");
   }
   const uint32_t vtableLength = loadAs<uint16_t>(bytes.data() + vtable);
   if (vtable + vtableLength > length) {

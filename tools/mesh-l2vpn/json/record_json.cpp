@@ -81,7 +81,7 @@ class RecordFiller {
 
   void fill(const Record& schema, const Json& json, uint8_t* record, const std::string& path) {
     if (!json.is_object()) {
-      fail(path, std::string("an object was expected, not ") + json.type_name());
+      fail(path, std::string("expected an object, not ") + json.type_name());
     }
     for (const auto& [name, value] : json.items()) {
       const Slot* const slot = find(schema, name);
@@ -122,7 +122,7 @@ class RecordFiller {
       case Kind::Array: {
         const std::vector<uint8_t> bytes = parseBytes(json, path);
         if (bytes.size() != slot.size) {
-          fail(path, std::to_string(slot.size) + " bytes were expected, not " +
+          fail(path, "expected " + std::to_string(slot.size) + " bytes, not " +
                          std::to_string(bytes.size()));
         }
         std::ranges::copy(bytes, field);
@@ -143,8 +143,8 @@ class RecordFiller {
   uint8_t* addBlock(uint64_t size, const std::string& path) {
     memory_ += size;
     if (memory_ > largestMemory) {
-      fail(path, "up to here this record takes " + std::to_string(memory_) +
-                     " bytes of memory; up to " + std::to_string(largestMemory) + " are given");
+      fail(path, "up to here this record needs " + std::to_string(memory_) +
+                     " bytes of memory; the limit is " + std::to_string(largestMemory));
     }
     return owner_.addBlock(size);
   }
@@ -161,7 +161,7 @@ class RecordFiller {
 
   void fillVector(const Slot& slot, const Json& json, uint8_t* record, const std::string& path) {
     if (!json.is_array()) {
-      fail(path, std::string("an array was expected, not ") + json.type_name());
+      fail(path, std::string("expected an array, not ") + json.type_name());
     }
     if (json.empty()) {
       return;
@@ -179,7 +179,7 @@ class RecordFiller {
     if (!json.is_string()) {
       const char* const digits = form_ == ByteText::Base64 ? "base64" : "hexadecimal";
       fail(path,
-           std::string("a text of ") + digits + " digits was expected, not " + json.type_name());
+           std::string("expected a string of ") + digits + " digits, not " + json.type_name());
     }
     try {
       return fromText(form_, json.get_ref<const std::string&>());
@@ -194,7 +194,7 @@ class RecordFiller {
     if (!(json.is_number_unsigned() ? (value = json.get<uint64_t>(), true)
                                     : parseHexNumber(json, value)) ||
         value > largest) {
-      fail(path, "a whole number from 0 to " + std::to_string(largest) + " was expected, not " +
+      fail(path, "expected a whole number from 0 to " + std::to_string(largest) + ", not " +
                      shortText(json));
     }
     return value;

@@ -36,7 +36,7 @@ std::optional<Bytes> sentBytes(const OwnedRecord& record) {
 Bytes orFail(std::optional<Bytes> bytes, const OwnedRecord& record) {
   if (!bytes) {
     throw Failure(Exit::BadInput,
-                  "this " + std::string(record.message().name) + " is too large to be encoded");
+                  "this " + std::string(record.message().name) + " is too large to encode");
   }
   return std::move(*bytes);
 }

@@ -126,8 +126,8 @@ const KnownMessage& messageNamed(std::string_view nameOrId) {
     }
   }
   const std::string wanted(nameOrId);
-  std::string text = parseId(nameOrId, id) ? "no message has the identifier " + wanted
-                                           : "no message is called '" + wanted + "'";
+  std::string text =
+      parseId(nameOrId, id) ? "unknown identifier " + wanted : "unknown message '" + wanted + "'";
   const char* before = "; did you mean ";
   if (isHexId(nameOrId)) {
     throw Failure(Exit::Usage, text + before + "0x" + wanted);

@@ -45,12 +45,11 @@ void coverBytes(std::span<const uint8_t> bytes, Reading& reading) {
     unread.push_back(unreadRange(bytes, end, length - end, reading.isCut));
   }
   if (overlaps > mostOverlapsNoted) {
-    reading.notes.push_back("and " + std::to_string(overlaps - mostOverlapsNoted) +
-                            " ranges more are read a second time");
+    reading.notes.push_back(std::to_string(overlaps - mostOverlapsNoted) +
+                            " more ranges are read a second time");
   }
   if (reading.isCut) {
-    reading.notes.push_back("more than " + std::to_string(mostRanges) +
-                            " ranges are not explained");
+    reading.notes.push_back("only " + std::to_string(mostRanges) + " ranges are explained");
   }
   ranges.insert(ranges.end(), unread.begin(), unread.end());
   std::ranges::stable_sort(ranges, {}, &Range::at);

@@ -15,15 +15,15 @@ Range rootRange(uint32_t table) {
 
 Range vtableOffsetRange(uint32_t at, const Path& path, uint32_t offset, uint32_t vtable) {
   const std::string value = std::to_string(static_cast<int32_t>(offset)) + ": at " + number(vtable);
-  return {at, 4, Part::Head, path.text(), "table: distance of its vtable", value, vtable};
+  return {at, 4, Part::Head, path.text(), "table: vtable offset", value, vtable};
 }
 
 Range vtableLengthRange(uint32_t at, const Path& path, uint32_t length) {
-  return {at, 2, Part::Head, path.text(), "vtable: its length", number(length)};
+  return {at, 2, Part::Head, path.text(), "vtable: length", number(length)};
 }
 
 Range tableLengthRange(uint32_t at, const Path& path, uint32_t length) {
-  return {at, 2, Part::Head, path.text(), "vtable: the table's length (not used)", number(length)};
+  return {at, 2, Part::Head, path.text(), "vtable: table length (unused)", number(length)};
 }
 
 Range entryRange(uint32_t at, const Path& path, size_t index, uint32_t entry, uint32_t table) {
@@ -55,7 +55,7 @@ Range scalarRange(uint32_t at, const Path& path, uint32_t size, uint64_t value) 
 }
 
 Range wordRange(uint32_t at, const Path& path, uint32_t offset, uint64_t target) {
-  const std::string value = number(offset) + ": leads to " + number(target);
+  const std::string value = number(offset) + ": points to " + number(target);
   return {at, 4, Part::Word, path.text(), "offset word", value, static_cast<int64_t>(target)};
 }
 

@@ -38,9 +38,9 @@ bool Reading::takesNote() const {
 
 void refuseTooMuchMemory(const Verdict& verdict) {
   if (verdict.memory > largestMemory) {
-    throw Failure(Exit::BadInput, "decoding this message takes " + std::to_string(verdict.memory) +
-                                      " bytes of memory; up to " + std::to_string(largestMemory) +
-                                      " are given");
+    throw Failure(Exit::BadInput, "decoding this message needs " + std::to_string(verdict.memory) +
+                                      " bytes of memory; the limit is " +
+                                      std::to_string(largestMemory));
   }
 }
 
@@ -56,7 +56,7 @@ std::string faultCountText(const Verdict& verdict) {
 std::string faultText(const Fault& fault) {
   return "byte " + std::to_string(fault.at) + (fault.path.empty() ? "" : ", " + fault.path) + ": " +
          fault.text +
-         (fault.isTolerated ? " (receivers take the message, with what was read before)" : "");
+         (fault.isTolerated ? " (receivers accept the message, with what they read before)" : "");
 }
 
 std::string numberText(uint64_t value) {
@@ -68,7 +68,7 @@ std::string numberText(uint64_t value) {
 std::string contentsText(std::span<const uint8_t> contents) {
   const auto examined = contents.first(std::min(contents.size(), mostExamined));
   if (std::ranges::all_of(examined, [](uint8_t byte) { return byte == 0; })) {
-    return examined.size() < contents.size() ? "zeros at first" : "zeros";
+    return examined.size() < contents.size() ? "starts with zeros" : "zeros";
   }
   if (std::ranges::all_of(examined, [](uint8_t byte) { return byte >= 0x20 && byte < 0x7F; })) {
     const auto shown = contents.first(std::min(contents.size(), mostCharacters));

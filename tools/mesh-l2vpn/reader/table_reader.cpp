@@ -80,7 +80,7 @@ class TableReader {
     const Key key{&record, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
       found_.note([&] {
-        return from.path.text() + " leads to a table that was read before, at " + number(table);
+        return from.path.text() + " points to a table that was read before, at " + number(table);
       });
       found_.addMemory(known->second.memory);
       return known->second.isGood;
@@ -95,31 +95,29 @@ class TableReader {
   bool locate(uint64_t table, const Origin& from, Head& head) {
     const uint64_t largest = bytes_.size() - 4;
     if (table < 4 || table > largest) {
-      return fail(
-          from.at, 4, from.path,
-          "leads to a table at " + number(table) + ", which is not from 4 to " + number(largest));
+      return fail(from.at, 4, from.path,
+                  "points to a table at " + number(table) + ", not in 4 to " + number(largest));
     }
     const auto at = static_cast<uint32_t>(table);
     const auto offset = load<uint32_t>(at);
     const uint32_t vtable = at - offset;
     found_.add(vtableOffsetRange, at, from.path, offset, vtable);
     if (vtable < 4 || vtable > largest) {
-      return fail(
-          at, 4, from.path,
-          "leads to a vtable at " + number(vtable) + ", which is not from 4 to " + number(largest));
+      return fail(at, 4, from.path,
+                  "points to a vtable at " + number(vtable) + ", not in 4 to " + number(largest));
     }
     const uint32_t length = load<uint16_t>(vtable);
     found_.add(vtableLengthRange, vtable, from.path, length);
     if (!holds(vtable, length)) {
       return fail(vtable, 2, from.path,
-                  "a vtable of " + number(length) + " bytes where " +
+                  "a vtable of " + number(length) + " bytes, but only " +
                       number(bytes_.size() - vtable) + " are left");
     }
     if (length >= 4) {
       found_.add(tableLengthRange, vtable + 2, from.path, load<uint16_t>(vtable + 2));
     } else {
       found_.note([&] {
-        return named(from.path) + ": a vtable of " + number(length) + " bytes has no slot";
+        return named(from.path) + ": a vtable of " + number(length) + " bytes has no slots";
       });
     }
     head = {at, vtable, length};
@@ -207,7 +205,7 @@ class TableReader {
     target = at + offset;
     found_.add(wordRange, static_cast<uint32_t>(at), entry.path, offset, target);
     return target <= UINT32_MAX ||
-           fail(at, 4, entry.path, "leads to " + number(target) + ", past 32 bits");
+           fail(at, 4, entry.path, "points to " + number(target) + ", beyond 32 bits");
   }
 
   bool readBytes(const Slot& slot, uint64_t at, const Origin& entry) {
@@ -217,22 +215,21 @@ class TableReader {
     }
     if (!holds(target, 4)) {
       return fail(at, 4, entry.path,
-                  "leads to a length at " + number(target) + ", past the end" + ofBuffer());
+                  "points to a length at " + number(target) + ", past the end" + ofBuffer());
     }
     const auto length = load<uint32_t>(target);
     found_.add(lengthRange, static_cast<uint32_t>(target), entry.path, length);
     if (!holds(target + 4, length)) {
       return fail(
           target, 4, entry.path,
-          number(length) + " bytes where " + number(bytes_.size() - target - 4) + " are left");
+          number(length) + " bytes, but only " + number(bytes_.size() - target - 4) + " are left");
     }
     if (length != 0) {
       const auto contents = static_cast<uint32_t>(target + 4);
       found_.add(contentsRange, contents, entry.path, bytes_.subspan(contents, length));
     }
     if (slot.kind == Kind::Array && length != slot.size) {
-      return fail(target, 4, entry.path,
-                  number(length) + " bytes where " + number(slot.size) + " belong");
+      return fail(target, 4, entry.path, number(length) + " bytes instead of " + number(slot.size));
     }
     found_.addMemory(slot.kind == Kind::Bytes ? length : 0);
     return true;
@@ -251,18 +248,18 @@ class TableReader {
     }
     if (!holds(vector, 4)) {
       return fail(at, 4, entry.path,
-                  "leads to a count at " + number(vector) + ", past the end" + ofBuffer());
+                  "points to a count at " + number(vector) + ", past the end" + ofBuffer());
     }
     const auto count = load<uint32_t>(vector);
     found_.add(countRange, static_cast<uint32_t>(vector), entry.path, count);
     if (count > largestVectorCount || !holds(vector + 4, uint64_t{4} * count)) {
       return fail(vector, 4, entry.path,
-                  number(count) + " items, whose words pass the end" + ofBuffer());
+                  number(count) + " items, whose offset words pass the end" + ofBuffer());
     }
     const uint64_t memory = uint64_t{slot.size} * count;
     if (memory > UINT32_MAX) {
       return fail(vector, 4, entry.path,
-                  number(count) + " items of " + number(slot.size) + " bytes pass 32 bits");
+                  number(count) + " items of " + number(slot.size) + " bytes exceed 32 bits");
     }
     found_.addMemory(memory);
     bool isGood = true;
@@ -286,7 +283,7 @@ Result read(const KnownMessage& message, std::span<const uint8_t> bytes) {
   Result result;
   if (bytes.size() < 4 || bytes.size() > INT32_MAX) {
     result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
-                     number(bytes.size()) + " bytes are no message", false});
+                     "a message cannot have " + number(bytes.size()) + " bytes", false});
   } else {
     TableReader(bytes, result).readRoot(message.record());
   }

@@ -77,7 +77,7 @@ class Explainer {
     if (head < tail) {
       out_ << std::string(positionWidth_ + 2, ' ') << "... "
            << std::min(range.size, tail * bytesOnALine) - head * bytesOnALine
-           << (isWhole ? " bytes that stand above\n" : " bytes more\n");
+           << (isWhole ? " bytes shown above\n" : " more bytes\n");
     }
     writeLines(range, tail, lines);
   }

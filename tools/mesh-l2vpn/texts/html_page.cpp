@@ -115,13 +115,13 @@ Json dataOf(const KnownMessage& message, const Reading& reading, std::span<const
   Json pieces = rows.pieces(end);
   std::vector<std::string> notes = reading.notes;
   if (rows.isShortened) {
-    notes.emplace_back("of long contents the beginning is shown; --all shows more");
+    notes.emplace_back("long contents are shortened; --all shows them");
   }
   if (rows.isCut || hasMoreRanges) {
     notes.push_back("the page ends early: it has " + std::to_string(count) + " of " +
                     std::to_string(reading.ranges.size()) + " ranges and at most " +
                     std::to_string(mostRowsShown * bytesInARow) +
-                    " bytes; explain without --html has the rest");
+                    " bytes; explain without --html shows the rest");
   }
   return {{"message", message.name},
           {"accepted", reading.isAccepted()},

@@ -66,7 +66,7 @@ document.title = data.message;
 document.getElementById("title").textContent = data.message;
 const summary = document.getElementById("summary");
 summary.append(`${data.length} bytes, ${data.faultCount}. `, text("span", data.accepted ?
-  "Receivers take it." : "Receivers reject it.", data.accepted ? "" : "bad"));
+  "Receivers accept it." : "Receivers reject it.", data.accepted ? "" : "bad"));
 for (const fault of data.faults) {
   summary.append(document.createElement("br"),
     text("span", fault.text, fault.tolerated ? "message soft" : "message"));
@@ -97,7 +97,7 @@ const width = String(data.length).length;
 const ownerAt = walk();
 let end = 0;
 const leaveOut = count => {
-  if (count) dump.append(text("span", `${"".padStart(width)}  ... ${count} bytes more\n`, "at"));
+  if (count) dump.append(text("span", `${"".padStart(width)}  ... ${count} more bytes\n`, "at"));
 };
 for (const piece of data.pieces) {
   leaveOut(piece.at - end);
