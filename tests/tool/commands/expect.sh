@@ -22,7 +22,8 @@ expect_exit() {
   }
 }
 
-# until_said TEXT FILE: waits until a process prints the text.
+# until_said TEXT FILE: waits until a process prints the text. Each process needs a file of its own:
+# the text of an earlier one would end the wait.
 until_said() {
   for _ in $(seq 200); do
     ! grep -qF -- "$1" "$2" || return 0

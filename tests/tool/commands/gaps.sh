@@ -13,9 +13,9 @@ echo '{"f0": 1}' | "$tool" encode -m l2vpn_sync_stp >table.bin
 
 # record_with_gaps FILE SIGNAL: seven tables of two nodes; SIGNAL ends the recorder.
 record_with_gaps() {
-  "$tool" record 7 "$1" 2>recorder &
+  "$tool" record 7 "$1" 2>"$1.said" &
   recorder=$!
-  until_said "node 7 records" recorder
+  until_said "node 7 records" "$1.said"
   "$send_with_gaps" "ipc://$ZARNIMESH_RUNTIME_DIR/7" 98 7 "$id" table.bin 1 2 5 6
   "$send_with_gaps" "ipc://$ZARNIMESH_RUNTIME_DIR/7" 99 7 "$id" table.bin 4 5 7
   for _ in $(seq 200); do

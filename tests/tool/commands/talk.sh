@@ -46,9 +46,9 @@ expect_exit 1 "$tool" stat cut.pcapng
 expect_text err "truncated inside a block"
 
 # Recorded packets survive a killed recorder.
-"$tool" record 4 killed.pcapng 2>recorder &
+"$tool" record 4 killed.pcapng 2>killed &
 recorder=$!
-until_said "node 4 records" recorder
+until_said "node 4 records" killed
 echo '{"f0": 1}' | "$tool" --quiet send --to 4 -m l2vpn_sync_stp
 for _ in $(seq 100); do
   [ "$(stat -c %s killed.pcapng)" -lt 150 ] || break
@@ -60,9 +60,9 @@ expect_exit 0 "$tool" decode killed.pcapng
 expect_text out '"record":{"f0":1,'
 
 # An interrupted recorder succeeds.
-"$tool" record 4 ended.pcapng 2>recorder &
+"$tool" record 4 ended.pcapng 2>terminated &
 recorder=$!
-until_said "node 4 records" recorder
+until_said "node 4 records" terminated
 kill -TERM $recorder
 wait $recorder || fail "an interrupted recorder fails"
 
@@ -77,12 +77,12 @@ expect_exit 3 "$tool" record --middleware ./no.so 2 old.pcapng
 cmp night.pcapng old.pcapng || fail "a capture was destroyed"
 
 # A recorder whose terminal closes succeeds.
-"$tool" record 4 ended.pcapng 2>recorder &
+"$tool" record 4 ended.pcapng 2>hung_up &
 recorder=$!
-until_said "node 4 records" recorder
+until_said "node 4 records" hung_up
 kill -HUP $recorder
-wait $recorder || fail "a recorder whose terminal went fails"
-expect_text recorder "0 tables recorded"
+wait $recorder || fail "a recorder whose terminal closed fails"
+expect_text hung_up "0 tables recorded"
 
 # listen reports a failing output.
 "$tool" listen 2 >/dev/full 2>listener &
