@@ -12,7 +12,7 @@ template <typename Record>
 struct Exported;
 
 template <typename Record>
-inline constexpr const mesh::wire::Record& schema = mesh::wire::schemaOf<Record>;
+inline constexpr const mesh::wire::Schema& schema = mesh::wire::schemaOf<Record>;
 
 template <typename Record>
 inline constexpr bool isSentFixed =

@@ -16,7 +16,7 @@ inline CopyFunction opaqueCopy() {
 }
 
 // Copies the byte strings and runs of a copied record into `room`. Returns their end.
-template <const mesh::wire::Record& record, size_t slot = 0>
+template <const mesh::wire::Schema& record, size_t slot = 0>
 [[gnu::always_inline]] inline uint8_t* copyParts(CopyFunction copy, uint8_t* into, uint8_t* room) {
   if constexpr (slot == record.slots.size()) {
     return room;

@@ -56,7 +56,7 @@ bool equalRuns(const Slot& slot, const uint8_t* one, const uint8_t* other) {
 
 }  // namespace
 
-uint64_t partsSize(const mesh::wire::Record& schema, const Shape& shape) {
+uint64_t partsSize(const mesh::wire::Schema& schema, const Shape& shape) {
   uint64_t size = 0;
   for (const Slot& slot : schema.slots) {
     if (isOutOfLine(slot.kind)) {
@@ -68,7 +68,7 @@ uint64_t partsSize(const mesh::wire::Record& schema, const Shape& shape) {
   return size;
 }
 
-uint8_t* fill(const mesh::wire::Record& schema, const Shape& shape, Random& random, uint8_t* record,
+uint8_t* fill(const mesh::wire::Schema& schema, const Shape& shape, Random& random, uint8_t* record,
               uint8_t* parts) {
   for (const Slot& slot : schema.slots) {
     uint8_t* const at = record + slot.recordOffset;
@@ -96,7 +96,7 @@ uint8_t* fill(const mesh::wire::Record& schema, const Shape& shape, Random& rand
   return parts;
 }
 
-bool equal(const mesh::wire::Record& schema, const uint8_t* one, const uint8_t* other) {
+bool equal(const mesh::wire::Schema& schema, const uint8_t* one, const uint8_t* other) {
   return std::all_of(schema.slots.begin(), schema.slots.end(), [=](const Slot& slot) {
     if (isOutOfLine(slot.kind)) {
       return equalRuns(slot, one, other);

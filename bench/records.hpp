@@ -27,14 +27,14 @@ struct Shape {
 inline constexpr uint32_t recordCount = 4096;
 
 // The room that a record's byte strings and runs take, each a multiple of 8 bytes.
-uint64_t partsSize(const mesh::wire::Record& schema, const Shape& shape);
+uint64_t partsSize(const mesh::wire::Schema& schema, const Shape& shape);
 
 // Fills a record of zeros, whose byte strings and runs are placed at `parts`. Returns their end.
-uint8_t* fill(const mesh::wire::Record& schema, const Shape& shape, Random& random, uint8_t* record,
+uint8_t* fill(const mesh::wire::Schema& schema, const Shape& shape, Random& random, uint8_t* record,
               uint8_t* parts);
 
 // Whether two records hold the same values, padding aside.
-bool equal(const mesh::wire::Record& schema, const uint8_t* one, const uint8_t* other);
+bool equal(const mesh::wire::Schema& schema, const uint8_t* one, const uint8_t* other);
 
 template <typename Record>
 class Records {

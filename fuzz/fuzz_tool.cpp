@@ -34,11 +34,11 @@ void expect(bool isSo, const KnownMessage& message, const char* what) {
 }
 
 void expectSurvivesJson(const KnownMessage& message, const tool::OwnedRecord& record) {
-  const Json json = tool::toJson(message.record(), record.data());
+  const Json json = tool::toJson(message.schema(), record.data());
   const tool::OwnedRecord again = tool::fromJson(message, tool::parseJson(json.dump()));
-  expect(tool::toJson(message.record(), again.data()) == json, message, "JSON loses something");
+  expect(tool::toJson(message.schema(), again.data()) == json, message, "JSON loses something");
   const auto encoded = [&](const Bytes& bytes) {
-    return tool::toJson(message.record(), tool::decode(message, bytes).data());
+    return tool::toJson(message.schema(), tool::decode(message, bytes).data());
   };
   expect(encoded(tool::encodeCompact(again)) == json, message, "encoding loses something");
   expect(encoded(tool::encodeAsSent(again)) == json, message, "sending loses something");

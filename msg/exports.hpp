@@ -8,7 +8,7 @@
 #include "msg/unpack.hpp"
 
 // What serves a message, as template arguments: the module, and the message whose code it is.
-#define MESH_SERVED_BY(message) module, mesh::msg::modelOf<message>
+#define MESH_SERVED_BY(message) module, mesh::msg::layoutOwnerOf<message>
 
 #define MESH_DEFINE_RECEIVE(message, identifier)                                                 \
   static_assert(mesh::msg::messageOf<message>.id == identifier, "not the hash of the name");     \

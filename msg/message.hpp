@@ -42,7 +42,7 @@ struct Service {
 };
 
 struct Message {
-  const wire::Record* record;
+  const wire::Schema* schema;
   uint32_t id;
   Policy policy;
 };
@@ -56,31 +56,31 @@ inline constexpr const Message& messageOf = MessageOf<RecordType>::message;
 
 // The message whose code serves a record type: its own, or that of another one of the same layout.
 template <typename RecordType>
-struct ModelOf {
+struct LayoutOwner {
   using Type = RecordType;
 };
 
 namespace detail {
 
-// A model may have one itself.
-template <typename RecordType, typename Model = typename ModelOf<RecordType>::Type>
-struct LastModel : LastModel<Model> {};
+// An owner may have one itself.
+template <typename RecordType, typename Owner = typename LayoutOwner<RecordType>::Type>
+struct LastOwner : LastOwner<Owner> {};
 
 template <typename RecordType>
-struct LastModel<RecordType, RecordType> {
+struct LastOwner<RecordType, RecordType> {
   static constexpr const Message& message = messageOf<RecordType>;
 };
 
 }  // namespace detail
 
 template <typename RecordType>
-inline constexpr const Message& modelOf = detail::LastModel<RecordType>::message;
+inline constexpr const Message& layoutOwnerOf = detail::LastOwner<RecordType>::message;
 
 // Whether code made for one message does the same for another: what its names tell apart comes to
 // it as arguments. The release of out-of-line parts is made for one message alone.
 constexpr bool haveSameLayout(const Message& one, const Message& other) {
-  return one.policy == other.policy && wire::haveSameLayout(*one.record, *other.record) &&
-         !wire::ownsMemory(*one.record);
+  return one.policy == other.policy && wire::haveSameLayout(*one.schema, *other.schema) &&
+         !wire::ownsMemory(*one.schema);
 }
 
 // 32-bit FNV-1a, continued from `hash`.
@@ -106,9 +106,9 @@ consteval uint32_t identifierOf(const Service& service, std::string_view exporte
   return fnv1a(exportedName.substr(service.name.size() + 1), fnv1a(".", fnv1a(service.name)));
 }
 
-consteval Message makeMessage(const Service& service, const wire::Record& record,
+consteval Message makeMessage(const Service& service, const wire::Schema& schema,
                               const Policy& policy) {
-  return {&record, identifierOf(service, record.name), policy};
+  return {&schema, identifierOf(service, schema.name), policy};
 }
 
 }  // namespace mesh::msg
@@ -121,11 +121,11 @@ consteval Message makeMessage(const Service& service, const wire::Record& record
         makeMessage(service, mesh::wire::schemaOf<::record_type>, message_policy); \
   };
 
-// Says that the code of `model_type`'s message serves this record's too.
-#define MESH_SAME_LAYOUT(record_type, model_type)                                    \
+// Says that the code of `owner_type`'s message serves this record's too.
+#define MESH_SAME_LAYOUT(record_type, owner_type)                                    \
   template <>                                                                        \
-  struct mesh::msg::ModelOf<::record_type> {                                         \
-    using Type = ::model_type;                                                       \
-    static_assert(haveSameLayout(messageOf<::record_type>, messageOf<::model_type>), \
+  struct mesh::msg::LayoutOwner<::record_type> {                                     \
+    using Type = ::owner_type;                                                       \
+    static_assert(haveSameLayout(messageOf<::record_type>, messageOf<::owner_type>), \
                   "the layouts differ");                                             \
   };

@@ -14,33 +14,33 @@ namespace mesh::msg {
 // The exact size of a record's compact message, or 0 for one that cannot be encoded.
 template <const Message& message>
 [[gnu::always_inline]] inline uint32_t encodedSize(const uint8_t* record) {
-  const uint64_t size = wire::compactSize<*message.record>(record);
+  const uint64_t size = wire::compactSize<*message.schema>(record);
   return size <= message.policy.largestSize ? static_cast<uint32_t>(size) : 0;
 }
 
 // Writes a compact message into a buffer that has room for it. Returns what was written.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::always_inline]] inline size_t encode(uint8_t* buffer, const uint8_t* record) {
   host::bindUnpackAllocator(module);
-  const size_t written = wire::writeCompact<*model.record>(buffer, record);
+  const size_t written = wire::writeCompact<*owner.schema>(buffer, record);
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    wire::reverseMessage(*model.record, buffer);
+    wire::reverseMessage(*owner.schema, buffer);
   }
   return written;
 }
 
 // The same, once for all operations of a message that is sent in the compact arrangement.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::noinline]] void encodeCompact(uint8_t* buffer, const uint8_t* record) {
-  encode<module, model>(buffer, record);
+  encode<module, owner>(buffer, record);
 }
 
 namespace detail {
 
 // The exact size of a record's message where it fits the room, else 0.
-template <const Message& model>
+template <const Message& owner>
 [[gnu::noinline]] uint32_t sizeWithin(uint32_t room, const uint8_t* record) {
-  const uint32_t size = encodedSize<model>(record);
+  const uint32_t size = encodedSize<owner>(record);
   return size <= room ? size : 0;
 }
 
@@ -57,19 +57,19 @@ template <const Message& model>
 
 // `length` holds the buffer's room, and on success the message's exact size. A null buffer with
 // room enough is logged, under `function`, and counts as success: so callers ask for the size.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::noinline]] uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length,
                                 const char* function) {
   if (record == nullptr || length == nullptr) [[unlikely]] {
     return failure;
   }
   const auto* const from = static_cast<const uint8_t*>(record);
-  constexpr bool isBounded = !wire::ownsMemory(*model.record);
-  static_assert(!isBounded || wire::largestCompactSize(*model.record) <= model.policy.largestSize);
+  constexpr bool isBounded = !wire::ownsMemory(*owner.schema);
+  static_assert(!isBounded || wire::largestCompactSize(*owner.schema) <= owner.policy.largestSize);
   // A buffer that holds the message whatever its values needs no size worked out beforehand.
-  if (!isBounded || buffer == nullptr || *length < wire::largestCompactSize(*model.record))
+  if (!isBounded || buffer == nullptr || *length < wire::largestCompactSize(*owner.schema))
       [[unlikely]] {
-    const uint32_t size = detail::sizeWithin<model>(*length, from);
+    const uint32_t size = detail::sizeWithin<owner>(*length, from);
     if (size == 0) {
       return failure;
     }
@@ -78,13 +78,13 @@ template <host::Module& module, const Message& model>
       return detail::packNowhere(module.env, function, record, length, size);
     }
     if constexpr (!isBounded) {
-      encodeCompact<module, model>(buffer, from);
+      encodeCompact<module, owner>(buffer, from);
       *length = size;
       return success;
     }
   }
   if constexpr (isBounded) {
-    *length = static_cast<uint32_t>(encode<module, model>(buffer, from));
+    *length = static_cast<uint32_t>(encode<module, owner>(buffer, from));
     return success;
   }
 }

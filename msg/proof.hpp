@@ -53,17 +53,17 @@ struct FixedNumbers {
 };
 
 consteval void prove(const Message& message, const Numbers& expected) {
-  const wire::Record& record = *message.record;
+  const wire::Schema& schema = *message.schema;
   require(message.id == expected.id, theIdentifierDiffers);
   require(message.policy.rootDecoding == expected.root, theRootIsDecodedOtherwise);
   require(message.policy.largestSize == expected.largestSize, theLargestSizeDiffers);
-  require(record.size == expected.size, theRecordSizeDiffers);
+  require(schema.size == expected.size, theRecordSizeDiffers);
   for (size_t index = 0; index < expected.offsets.size(); ++index) {
-    require(record.slots[index].recordOffset == expected.offsets.begin()[index],
+    require(schema.slots[index].recordOffset == expected.offsets.begin()[index],
             aFieldStandsElsewhere);
   }
-  require(wire::vtableLength(record) == expected.vtable, theVtableLengthDiffers);
-  require(4 + wire::smallestTableSize(record) == expected.smallest, theSmallestMessageDiffers);
+  require(wire::vtableLength(schema) == expected.vtable, theVtableLengthDiffers);
+  require(4 + wire::smallestTableSize(schema) == expected.smallest, theSmallestMessageDiffers);
 }
 
 consteval bool compactMessage(const Message& message, const Numbers& expected) {
@@ -74,17 +74,17 @@ consteval bool compactMessage(const Message& message, const Numbers& expected) {
 
 consteval bool fixedMessage(const Message& message, const Numbers& expected,
                             const FixedNumbers& fixed) {
-  const wire::Record& record = *message.record;
+  const wire::Schema& schema = *message.schema;
   prove(message, expected);
   require(message.policy.arrangement == Arrangement::Fixed, theArrangementDiffers);
-  require(expected.smallest + wire::scalarWidths(record) == fixed.largest,
+  require(expected.smallest + wire::scalarWidths(schema) == fixed.largest,
           theLargestMessageDiffers);
-  require(wire::fixedTableLength(record) == fixed.tableLength, theFixedTableLengthDiffers);
-  require(wire::fixedVtable(record) == fixed.vtableAt, theFixedVtableStandsElsewhere);
-  require(wire::fixedLength(record) == fixed.length, theFixedLengthDiffers);
-  require(record.slots.size() == fixed.entries.size(), aFixedEntryDiffers);
-  for (size_t index = 0; index < record.slots.size(); ++index) {
-    require(wire::fixedEntry(record, index) == fixed.entries.begin()[index], aFixedEntryDiffers);
+  require(wire::fixedTableLength(schema) == fixed.tableLength, theFixedTableLengthDiffers);
+  require(wire::fixedVtable(schema) == fixed.vtableAt, theFixedVtableStandsElsewhere);
+  require(wire::fixedLength(schema) == fixed.length, theFixedLengthDiffers);
+  require(schema.slots.size() == fixed.entries.size(), aFixedEntryDiffers);
+  for (size_t index = 0; index < schema.slots.size(); ++index) {
+    require(wire::fixedEntry(schema, index) == fixed.entries.begin()[index], aFixedEntryDiffers);
   }
   return true;
 }

@@ -83,9 +83,9 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
 // Hands one image over, turned round first.
 [[gnu::cold, gnu::noinline]] inline uint32_t handOverReversed(uint32_t destination,
                                                               const mesh_msg_desc& descriptor,
-                                                              const wire::Record& record,
+                                                              const wire::Schema& schema,
                                                               uint8_t* image, uint64_t extra) {
-  wire::reverseMessage(record, image);
+  wire::reverseMessage(schema, image);
   return handOver(destination, &descriptor, 1, extra);
 }
 
@@ -93,11 +93,11 @@ inline uint32_t handOver(uint32_t destination, const mesh_msg_desc* descriptors,
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendImage(uint8_t* image, uint32_t destination,
                                                  const uint8_t* record, uint64_t extra) {
-  wire::writeFixedImage<*message.record>(image, record);
+  wire::writeFixedImage<*message.schema>(image, record);
   mesh_msg_desc descriptor;
-  describe(&descriptor, image, message.id, wire::fixedLength(*message.record));
+  describe(&descriptor, image, message.id, wire::fixedLength(*message.schema));
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
-    return handOverReversed(destination, descriptor, *message.record, image, extra);
+    return handOverReversed(destination, descriptor, *message.schema, image, extra);
   }
   return handOver(destination, &descriptor, 1, extra);
 }
@@ -105,7 +105,7 @@ template <host::Module& module, const Message& message>
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendOnStack(uint32_t destination, const uint8_t* record,
                                                    uint64_t extra) {
-  constexpr uint32_t length = wire::fixedLength(*message.record);
+  constexpr uint32_t length = wire::fixedLength(*message.schema);
   // Never across two pages: a store that is costs as much as all others together.
   alignas(std::bit_ceil(length)) uint8_t image[length];
   return sendImage<module, message>(image, destination, record, extra);
@@ -114,7 +114,7 @@ template <host::Module& module, const Message& message>
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline uint32_t sendInBlock(uint32_t destination, const uint8_t* record,
                                                    uint64_t extra, const char* operation) {
-  const SendBlock<module> block(wire::fixedLength(*message.record), operation);
+  const SendBlock<module> block(wire::fixedLength(*message.schema), operation);
   if (block.data() == nullptr) {
     return failure;
   }
@@ -143,34 +143,34 @@ template <host::Module& module, const Message& message>
 }
 
 // Fixed images one after the other, and their descriptors.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::always_inline]] inline void writeImages(uint8_t* images, mesh_msg_desc* descriptors,
                                                const uint8_t* records, uint32_t count,
                                                uint32_t id) {
-  constexpr const wire::Record& record = *model.record;
-  constexpr uint32_t length = wire::fixedLength(record);
+  constexpr const wire::Schema& schema = *owner.schema;
+  constexpr uint32_t length = wire::fixedLength(schema);
   if (count == 0) {
     return;
   }
   host::bindUnpackAllocator(module);
   uint8_t* image = images;
   mesh_msg_desc* const end = descriptors + count;
-  for (; descriptors != end; ++descriptors, image += length, records += record.size) {
-    wire::writeFixedImage<record>(image, records);
+  for (; descriptors != end; ++descriptors, image += length, records += schema.size) {
+    wire::writeFixedImage<schema>(image, records);
     describe(descriptors, image, id, length);
   }
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
     for (uint8_t* written = images; written != image; written += length) {
-      wire::reverseMessage(record, written);
+      wire::reverseMessage(schema, written);
     }
   }
 }
 
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::always_inline]] inline uint32_t sendManyFixed(uint32_t destination, const uint8_t* records,
                                                      uint32_t count, uint64_t extra,
                                                      Identity identity) {
-  constexpr uint32_t length = wire::fixedLength(*model.record);
+  constexpr uint32_t length = wire::fixedLength(*owner.schema);
   static_assert(length % alignof(mesh_msg_desc) == 0);
   const uint64_t size = uint64_t{count} * (length + sizeof(mesh_msg_desc));
   // The host is asked for the size modulo 2^32, as its allocator takes it.
@@ -180,13 +180,13 @@ template <host::Module& module, const Message& model>
   }
   uint8_t* const images = block.data();
   auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(images + uint64_t{count} * length);
-  writeImages<module, model>(images, descriptors, records, count, identity.id);
+  writeImages<module, owner>(images, descriptors, records, count, identity.id);
   return handOver(destination, descriptors, count, extra);
 }
 
 // Encodes the records into the region, one descriptor each. Fails, with nothing sent, at the first
 // record that has no encoding or does not fit the rest of the region.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 bool encodeBatch(uint8_t* region, mesh_msg_desc* descriptors, const uint8_t* records,
                  uint32_t count, uint32_t id) {
   uint32_t used = 0;
@@ -194,19 +194,19 @@ bool encodeBatch(uint8_t* region, mesh_msg_desc* descriptors, const uint8_t* rec
     if (used == batchRegion || records == nullptr) {
       return false;
     }
-    const uint8_t* const record = records + index * model.record->size;
-    const uint32_t size = encodedSize<model>(record);
+    const uint8_t* const record = records + index * owner.schema->size;
+    const uint32_t size = encodedSize<owner>(record);
     if (size == 0 || size > batchRegion - used) {
       return false;
     }
-    encodeCompact<module, model>(region + used, record);
+    encodeCompact<module, owner>(region + used, record);
     describe(descriptors + index, region + used, id, size);
     used += size;
   }
   return true;
 }
 
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::always_inline]] inline uint32_t sendManyCompact(uint32_t destination, const uint8_t* records,
                                                        uint32_t count, uint64_t extra,
                                                        Identity identity) {
@@ -216,7 +216,7 @@ template <host::Module& module, const Message& model>
     return failure;
   }
   auto* const descriptors = reinterpret_cast<mesh_msg_desc*>(block.data() + batchRegion);
-  if (!encodeBatch<module, model>(block.data(), descriptors, records, count, identity.id)) {
+  if (!encodeBatch<module, owner>(block.data(), descriptors, records, count, identity.id)) {
     return failure;
   }
   return handOver(destination, descriptors, count, extra);
@@ -234,7 +234,7 @@ template <host::Module& module, const Message& message, typename Record>
   const auto* const from = reinterpret_cast<const uint8_t*>(record);
   if constexpr (message.policy.arrangement == Arrangement::Compact) {
     return detail::sendOneCompact<module, message>(destination, from, extra, operation);
-  } else if constexpr (wire::fixedLength(*message.record) > detail::largestOnStack) {
+  } else if constexpr (wire::fixedLength(*message.schema) > detail::largestOnStack) {
     return detail::sendInBlock<module, message>(destination, from, extra, operation);
   } else {
     if (!host::isUnpackAllocatorBound(module)) [[unlikely]] {
@@ -246,19 +246,19 @@ template <host::Module& module, const Message& message, typename Record>
 }
 
 // `count` contiguous records: one allocation, one middleware call, one descriptor each.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::noinline]] uint32_t sendBatch(uint32_t destination, const void* records, uint32_t count,
                                      uint64_t extra, Identity identity) {
   const auto* const from = static_cast<const uint8_t*>(records);
-  if constexpr (model.policy.arrangement == Arrangement::Fixed) {
-    return detail::sendManyFixed<module, model>(destination, from, count, extra, identity);
+  if constexpr (owner.policy.arrangement == Arrangement::Fixed) {
+    return detail::sendManyFixed<module, owner>(destination, from, count, extra, identity);
   } else {
-    return detail::sendManyCompact<module, model>(destination, from, count, extra, identity);
+    return detail::sendManyCompact<module, owner>(destination, from, count, extra, identity);
   }
 }
 
 // None fails, one is sent by the exported `single`, more as a batch.
-template <host::Module& module, const Message& model, typename Record>
+template <host::Module& module, const Message& owner, typename Record>
 [[gnu::always_inline]] inline uint32_t send(
     uint32_t destination, const Record* records, uint32_t count, uint64_t extra,
     uint32_t (*single)(uint32_t, const Record*, uint64_t, uint64_t), Identity batch) {
@@ -266,7 +266,7 @@ template <host::Module& module, const Message& model, typename Record>
     return failure;
   }
   return count == 1 ? single(destination, records, 0, extra)
-                    : sendBatch<module, model>(destination, records, count, extra, batch);
+                    : sendBatch<module, owner>(destination, records, count, extra, batch);
 }
 
 }  // namespace mesh::msg

@@ -8,34 +8,34 @@ using wire::Decoder;
 
 // The record is untouched until the frame has been found good.
 template <host::ByteOrder order>
-Decoded decodeByMessage(host::Module& module, const wire::Record& record,
+Decoded decodeByMessage(host::Module& module, const wire::Schema& schema,
                         wire::Buffer<order> buffer, uint8_t* into) {
   const auto table = buffer.template read<uint32_t>(0);
   wire::TableFrame frame;
-  if (wire::locateTable(module.env, record.rootReader, buffer, table, frame) == Decoded::No) {
+  if (wire::locateTable(module.env, schema.rootReader, buffer, table, frame) == Decoded::No) {
     return Decoded::Yes;
   }
   host::bindUnpackAllocator(module);
-  host::clearRecord(into, record.size);
-  return wire::decodeSlots(module.env, record, Decoder::Root, buffer, frame, into);
+  host::clearRecord(into, schema.size);
+  return wire::decodeSlots(module.env, schema, Decoder::Root, buffer, frame, into);
 }
 
 // The record comes back cleared where the frame is bad.
 template <host::ByteOrder order>
-Decoded decodeByTableReader(host::Module& module, const wire::Record& record,
+Decoded decodeByTableReader(host::Module& module, const wire::Schema& schema,
                             wire::Buffer<order> buffer, uint8_t* into) {
   const auto table = buffer.template read<uint32_t>(0);
   host::bindUnpackAllocator(module);
-  host::clearRecord(into, record.size);
-  return wire::decodeTable(module.env, record, buffer, into, table);
+  host::clearRecord(into, schema.size);
+  return wire::decodeTable(module.env, schema, buffer, into, table);
 }
 
 template <host::ByteOrder order>
 Decoded decodeIn(host::Module& module, const Message& message, wire::Buffer<order> buffer,
                  uint8_t* into) {
   return message.policy.rootDecoding == RootDecoding::ByMessage
-             ? decodeByMessage(module, *message.record, buffer, into)
-             : decodeByTableReader(module, *message.record, buffer, into);
+             ? decodeByMessage(module, *message.schema, buffer, into)
+             : decodeByTableReader(module, *message.schema, buffer, into);
 }
 
 }  // namespace

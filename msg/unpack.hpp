@@ -12,13 +12,13 @@ namespace mesh::msg {
 // Releases what decoding allocated inside the record; the record itself is the caller's.
 template <host::Module& module, const Message& message>
 [[gnu::always_inline]] inline void freeUnpacked(void* record) {
-  if constexpr (wire::ownsMemory(*message.record)) {
+  if constexpr (wire::ownsMemory(*message.schema)) {
     host::bindUnpackAllocator(module);
     if (record == nullptr) {
       return;
     }
-    wire::releaseParts<module, *message.record>(static_cast<uint8_t*>(record),
-                                                message.record->releaser);
+    wire::releaseParts<module, *message.schema>(static_cast<uint8_t*>(record),
+                                                message.schema->releaser);
   }
 }
 
@@ -32,27 +32,27 @@ namespace detail {
 
 // The quick ways, for buffers in the host's byte order that are in order. A module that is not
 // bound yet takes the long way once, so that no message saves registers for a call that binds.
-// `model` gives the layout, `message` the names.
-template <host::Module& module, const Message& model>
+// `owner` gives the layout, `message` the names.
+template <host::Module& module, const Message& owner>
 [[gnu::always_inline]] inline wire::Decoded decode(const Message& message, const uint8_t* data,
                                                    uint32_t length, uint8_t* into) {
-  constexpr const wire::Record& record = *model.record;
+  constexpr const wire::Schema& schema = *owner.schema;
   const host::ByteOrder order = host::byteOrder(module);
   if (order == host::ByteOrder::Host && host::isUnpackAllocatorBound(module)) [[likely]] {
     const wire::HostBuffer buffer{data, length};
-    if constexpr (wire::hasFixedArrangement(record)) {
-      if (wire::hasFixedFrame<record>(buffer)) {
-        wire::readFixedImage<record>(into, data);
+    if constexpr (wire::hasFixedArrangement(schema)) {
+      if (wire::hasFixedFrame<schema>(buffer)) {
+        wire::readFixedImage<schema>(into, data);
         return wire::Decoded::Yes;
       }
     }
-    if constexpr (wire::hasQuickReader(record)) {
-      wire::SoundParts<*model.record> parts;
-      if (wire::verifySound<record>(buffer, parts)) [[likely]] {
-        constexpr auto decoder = model.policy.rootDecoding == RootDecoding::ByMessage
+    if constexpr (wire::hasQuickReader(schema)) {
+      wire::SoundParts<*owner.schema> parts;
+      if (wire::verifySound<schema>(buffer, parts)) [[likely]] {
+        constexpr auto decoder = owner.policy.rootDecoding == RootDecoding::ByMessage
                                      ? wire::Decoder::Root
                                      : wire::Decoder::Table;
-        return wire::fillRecord<module, record, decoder>(data, parts, into);
+        return wire::fillRecord<module, schema, decoder>(data, parts, into);
       }
     }
   }
@@ -63,16 +63,16 @@ template <host::Module& module, const Message& model>
 
 // Verifies the buffer as a table of the message and fills the record. Returns the record's size,
 // whatever happened: a rejection shows in the log and in a record without out-of-line parts.
-template <host::Module& module, const Message& model>
+template <host::Module& module, const Message& owner>
 [[gnu::noinline]] uint32_t unpack(const uint8_t* data, uint32_t length, void* record,
                                   const Message& message) {
   if (data == nullptr || static_cast<int32_t>(length) < 4 || record == nullptr) [[unlikely]] {
-    wire::reportUnpackParameters(module.env, message.record->rootReader, data, length, record);
-  } else if (detail::decode<module, model>(message, data, length, static_cast<uint8_t*>(record)) ==
+    wire::reportUnpackParameters(module.env, message.schema->rootReader, data, length, record);
+  } else if (detail::decode<module, owner>(message, data, length, static_cast<uint8_t*>(record)) ==
              wire::Decoded::No) {
-    freeUnpacked<module, model>(record);
+    freeUnpacked<module, owner>(record);
   }
-  return model.record->size;
+  return owner.schema->size;
 }
 
 }  // namespace mesh::msg

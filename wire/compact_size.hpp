@@ -13,7 +13,7 @@ inline constexpr uint64_t unsizable = uint64_t{1} << 62;
 
 // The bytes that a record's vtable and table take, what hangs from them included; `unsizable` or
 // more for a record that has no encoding. The buffer's root word is not counted.
-template <const Record& record>
+template <const Schema& schema>
 uint64_t tableSize(const uint8_t* from);
 
 namespace detail {
@@ -23,9 +23,9 @@ constexpr uint64_t constantSize(const Slot& slot) {
   return slot.kind == Kind::Array ? 8 + slot.size : slot.kind == Kind::Table ? 4 : 0;
 }
 
-constexpr uint64_t constantSize(const Record& record) {
-  uint64_t size = vtableLength(record) + 4;
-  for (const Slot& slot : record.slots) {
+constexpr uint64_t constantSize(const Schema& schema) {
+  uint64_t size = vtableLength(schema) + 4;
+  for (const Slot& slot : schema.slots) {
     size += constantSize(slot);
   }
   return size;
@@ -34,18 +34,18 @@ constexpr uint64_t constantSize(const Record& record) {
 }  // namespace detail
 
 // A table with its vtable, every scalar zero and every pointer null.
-constexpr uint64_t smallestTableSize(const Record& record) {
-  uint64_t size = detail::constantSize(record);
-  for (const Slot& slot : record.slots) {
+constexpr uint64_t smallestTableSize(const Schema& schema) {
+  uint64_t size = detail::constantSize(schema);
+  for (const Slot& slot : schema.slots) {
     size += slot.kind == Kind::Table ? smallestTableSize(*slot.nested) : 0;
   }
   return size;
 }
 
 // What the scalars of a record and of its nested records take when none is zero.
-constexpr uint64_t scalarWidths(const Record& record) {
+constexpr uint64_t scalarWidths(const Schema& schema) {
   uint64_t size = 0;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     if (slot.kind == Kind::Table) {
       size += scalarWidths(*slot.nested);
     } else if (isScalar(slot.kind)) {
@@ -56,8 +56,8 @@ constexpr uint64_t scalarWidths(const Record& record) {
 }
 
 // The largest message of a record without out-of-line parts.
-constexpr uint64_t largestCompactSize(const Record& record) {
-  return 4 + smallestTableSize(record) + scalarWidths(record);
+constexpr uint64_t largestCompactSize(const Schema& schema) {
+  return 4 + smallestTableSize(schema) + scalarWidths(schema);
 }
 
 namespace detail {
@@ -67,26 +67,26 @@ template <typename Scalar>
   return host::load<Scalar>(field) != 0 ? sizeof(Scalar) : 0;
 }
 
-template <const Record& record>
+template <const Schema& schema>
 uint64_t vectorSize(uint32_t count, const uint8_t* items) {
   if (count == 0) {
     return 0;
   }
   // Items that could not be encoded anyway are not looked at: a wrong count leads astray.
-  if (items == nullptr || count * (4 + smallestTableSize(record)) > UINT32_MAX) {
+  if (items == nullptr || count * (4 + smallestTableSize(schema)) > UINT32_MAX) {
     return unsizable;
   }
   uint64_t size = 4 + 4 + uint64_t{4} * count;
   for (uint32_t item = 0; item < count; ++item) {
-    size += tableSize<record>(items + uint64_t{record.size} * item);
+    size += tableSize<schema>(items + uint64_t{schema.size} * item);
   }
   return size;
 }
 
 // What a slot takes beyond its constant part.
-template <const Record& record, size_t index>
+template <const Schema& schema, size_t index>
 [[gnu::always_inline]] inline uint64_t valueSize(const uint8_t* from) {
-  constexpr const Slot& slot = record.slots[index];
+  constexpr const Slot& slot = schema.slots[index];
   const uint8_t* const field = from + slot.recordOffset;
   if constexpr (slot.kind == Kind::U8) {
     return scalarSize<uint8_t>(field);
@@ -114,18 +114,18 @@ template <const Record& record, size_t index>
 
 }  // namespace detail
 
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline uint64_t tableSize(const uint8_t* from) {
   return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    return (detail::constantSize(record) + ... + detail::valueSize<record, index>(from));
+    return (detail::constantSize(schema) + ... + detail::valueSize<schema, index>(from));
   }
-  (std::make_index_sequence<record.slots.size()>());
+  (std::make_index_sequence<schema.slots.size()>());
 }
 
 // The whole message: the root word and its table.
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline uint64_t compactSize(const uint8_t* from) {
-  return 4 + tableSize<record>(from);
+  return 4 + tableSize<schema>(from);
 }
 
 }  // namespace mesh::wire

@@ -34,18 +34,18 @@ struct TableExtent {
 
 // Writes every slot entry, the fields that are there and their targets; the vtable offset is
 // written last, and is the caller's.
-template <const Record& record>
+template <const Schema& schema>
 TableExtent writeTableFields(TableOut out, const uint8_t* from);
 
 // Writes a vtable at `vtable` and its table behind it. Returns the end of all of it.
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline uint8_t* writeTable(uint8_t* vtable, const uint8_t* from) {
-  constexpr uint32_t length = vtableLength(record);
+  constexpr uint32_t length = vtableLength(schema);
   const TableOut out{vtable + length, vtable + 4};
-  const auto [end, leftOut] = writeTableFields<record>(out, from);
+  const auto [end, leftOut] = writeTableFields<schema>(out, from);
   // A byte string may carry the table length past sixteen bits; readers do not look at it.
   static_assert(
-      ownsMemory(record) || smallestTableSize(record) + scalarWidths(record) <= UINT16_MAX,
+      ownsMemory(schema) || smallestTableSize(schema) + scalarWidths(schema) <= UINT16_MAX,
       "positions have sixteen bits");
   host::store(vtable, length | static_cast<uint32_t>(end - leftOut) << 16);
   host::store(out.table, length);
@@ -61,10 +61,10 @@ constexpr uint64_t presence(Scalar value) {
 }
 
 // What follows the scalars in every message of the record, at least.
-constexpr uint32_t smallestTail(const Record& record) {
-  const uint32_t word = record.style.inlineOrder == InlineOrder::ScalarsFirst ? 4 : 0;
+constexpr uint32_t smallestTail(const Schema& schema) {
+  const uint32_t word = schema.style.inlineOrder == InlineOrder::ScalarsFirst ? 4 : 0;
   uint32_t size = 0;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     if (slot.kind == Kind::Array) {
       size += word + 4 + slot.size;
     } else if (slot.kind == Kind::Table) {
@@ -76,13 +76,13 @@ constexpr uint32_t smallestTail(const Record& record) {
 
 // Stores the value whether it is there or not. One that is not lands on bytes that are written
 // later: where the next field comes or, at a message's end, on the table's vtable offset.
-template <const Record& record, typename Scalar, size_t index>
+template <const Schema& schema, typename Scalar, size_t index>
 [[gnu::always_inline]] inline size_t writeScalar(TableOut out, const uint8_t* field, size_t at) {
   const auto value = host::load<Scalar>(field);
   const uint64_t isThere = presence(value);
   const uint64_t entry = at & isThere;
   host::store(out.entries + 2 * index, static_cast<uint16_t>(entry));
-  if constexpr (smallestTail(record) >= sizeof value) {
+  if constexpr (smallestTail(schema) >= sizeof value) {
     // So many bytes follow the last scalar of every message, and are written later.
     host::store(out.table + at, value);
   } else if constexpr (sizeof value <= firstField) {
@@ -94,9 +94,9 @@ template <const Record& record, typename Scalar, size_t index>
 }
 
 // Whether a slot that is written as an offset word is there.
-template <const Record& record, size_t index>
+template <const Schema& schema, size_t index>
 [[gnu::always_inline]] inline bool hasWord(const uint8_t* from) {
-  constexpr const Slot& slot = record.slots[index];
+  constexpr const Slot& slot = schema.slots[index];
   if constexpr (slot.kind == Kind::Bytes) {
     return host::loadPointer<const uint8_t>(from + slot.recordOffset) != nullptr &&
            host::load<uint32_t>(from + slot.countOffset) != 0;
@@ -109,23 +109,23 @@ template <const Record& record, size_t index>
 
 // The place of a slot among those that are written as offset words; for the slot past the last, how
 // many of them there are.
-constexpr size_t countWords(const Record& record, size_t before) {
+constexpr size_t countWords(const Schema& schema, size_t before) {
   size_t words = 0;
-  for (const Slot& slot : record.slots.first(before)) {
+  for (const Slot& slot : schema.slots.first(before)) {
     words += isScalar(slot.kind) ? 0 : 1;
   }
   return words;
 }
 
-template <const Record& record, size_t index>
-inline constexpr size_t wordIndex = countWords(record, index);
+template <const Schema& schema, size_t index>
+inline constexpr size_t wordIndex = countWords(schema, index);
 
-template <const Record& record>
-inline constexpr size_t wordCount = wordIndex<record, record.slots.size()>;
+template <const Schema& schema>
+inline constexpr size_t wordCount = wordIndex<schema, schema.slots.size()>;
 
 // Where the offset words stand; their values are not known before the inline part is written.
-template <const Record& record>
-using Words = std::array<size_t, wordCount<record>>;
+template <const Schema& schema>
+using Words = std::array<size_t, wordCount<schema>>;
 
 enum class Pass {
   Everything,
@@ -134,27 +134,27 @@ enum class Pass {
 };
 
 // One slot's share of the inline part. Returns where the next one's begins.
-template <const Record& record, size_t index, Pass pass>
+template <const Schema& schema, size_t index, Pass pass>
 [[gnu::always_inline]] inline size_t writeInline(TableOut out, const uint8_t* from, size_t at,
-                                                 Words<record>& words) {
-  constexpr const Slot& slot = record.slots[index];
+                                                 Words<schema>& words) {
+  constexpr const Slot& slot = schema.slots[index];
   if constexpr (isScalar(slot.kind)) {
     if constexpr (pass != Pass::Words) {
       const uint8_t* const field = from + slot.recordOffset;
       if constexpr (slot.kind == Kind::U8) {
-        return writeScalar<record, uint8_t, index>(out, field, at);
+        return writeScalar<schema, uint8_t, index>(out, field, at);
       } else if constexpr (slot.kind == Kind::U16) {
-        return writeScalar<record, uint16_t, index>(out, field, at);
+        return writeScalar<schema, uint16_t, index>(out, field, at);
       } else if constexpr (slot.kind == Kind::U32) {
-        return writeScalar<record, uint32_t, index>(out, field, at);
+        return writeScalar<schema, uint32_t, index>(out, field, at);
       } else {
-        return writeScalar<record, uint64_t, index>(out, field, at);
+        return writeScalar<schema, uint64_t, index>(out, field, at);
       }
     }
   } else if constexpr (pass != Pass::Scalars) {
-    const uint64_t isThere = presence(hasWord<record, index>(from));
+    const uint64_t isThere = presence(hasWord<schema, index>(from));
     host::store(out.entries + 2 * index, static_cast<uint16_t>(at & isThere));
-    words[wordIndex<record, index>] = at;
+    words[wordIndex<schema, index>] = at;
     return at + (4 & isThere);
   }
   return at;
@@ -165,26 +165,26 @@ template <const Record& record, size_t index, Pass pass>
   host::store(word, static_cast<uint32_t>(target - word));
 }
 
-template <const Record& record>
+template <const Schema& schema>
 uint8_t* writeVector(uint8_t* to, uint32_t count, const uint8_t* items) {
   host::store(to, count);
   uint8_t* word = to + 4;
   uint8_t* end = word + uint64_t{4} * count;
   for (uint32_t item = 0; item < count; ++item, word += 4) {
-    pointAt(word, end + vtableLength(record));
-    end = writeTable<record>(end, items + uint64_t{record.size} * item);
+    pointAt(word, end + vtableLength(schema));
+    end = writeTable<schema>(end, items + uint64_t{schema.size} * item);
   }
   return end;
 }
 
 // One slot's target, behind all that is written before it.
-template <const Record& record, size_t index>
+template <const Schema& schema, size_t index>
 [[gnu::always_inline]] inline void writeTarget(TableOut out, const uint8_t* from,
-                                               const Words<record>& words, TableExtent& extent) {
-  constexpr const Slot& slot = record.slots[index];
+                                               const Words<schema>& words, TableExtent& extent) {
+  constexpr const Slot& slot = schema.slots[index];
   if constexpr (!isScalar(slot.kind)) {
     const uint8_t* const field = from + slot.recordOffset;
-    uint8_t* const word = out.table + words[wordIndex<record, index>];
+    uint8_t* const word = out.table + words[wordIndex<schema, index>];
     uint8_t* const to = out.table + extent.end;
     if constexpr (slot.kind == Kind::Array) {
       pointAt(word, to);
@@ -201,7 +201,7 @@ template <const Record& record, size_t index>
       const auto size = static_cast<size_t>(writeTable<*slot.nested>(to, field) - to);
       extent.end += size;
       extent.leftOut += size;
-    } else if (hasWord<record, index>(from)) {
+    } else if (hasWord<schema, index>(from)) {
       const auto count = host::load<uint32_t>(from + slot.countOffset);
       const auto* const contents = host::loadPointer<const uint8_t>(field);
       pointAt(word, to);
@@ -220,31 +220,31 @@ template <const Record& record, size_t index>
 
 }  // namespace detail
 
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline TableExtent writeTableFields(TableOut out, const uint8_t* from) {
   using detail::Pass;
   size_t at = firstField;
-  detail::Words<record> words;
+  detail::Words<schema> words;
   TableExtent extent{};
   [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    if constexpr (record.style.inlineOrder == InlineOrder::Slots) {
-      ((at = detail::writeInline<record, index, Pass::Everything>(out, from, at, words)), ...);
+    if constexpr (schema.style.inlineOrder == InlineOrder::Slots) {
+      ((at = detail::writeInline<schema, index, Pass::Everything>(out, from, at, words)), ...);
     } else {
-      ((at = detail::writeInline<record, index, Pass::Scalars>(out, from, at, words)), ...);
-      ((at = detail::writeInline<record, index, Pass::Words>(out, from, at, words)), ...);
+      ((at = detail::writeInline<schema, index, Pass::Scalars>(out, from, at, words)), ...);
+      ((at = detail::writeInline<schema, index, Pass::Words>(out, from, at, words)), ...);
     }
     extent = {at, 0};
-    (detail::writeTarget<record, index>(out, from, words, extent), ...);
+    (detail::writeTarget<schema, index>(out, from, words, extent), ...);
   }
-  (std::make_index_sequence<record.slots.size()>());
+  (std::make_index_sequence<schema.slots.size()>());
   return extent;
 }
 
 // The whole message at `message`, which has room for compactSize(). Returns what was written.
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline size_t writeCompact(uint8_t* message, const uint8_t* from) {
-  host::store(message, 4 + vtableLength(record));
-  return static_cast<size_t>(writeTable<record>(message + 4, from) - message);
+  host::store(message, 4 + vtableLength(schema));
+  return static_cast<size_t>(writeTable<schema>(message + 4, from) - message);
 }
 
 }  // namespace mesh::wire

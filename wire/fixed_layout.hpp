@@ -22,25 +22,25 @@ inline constexpr uint32_t fixedTable = 4;
 // What a slot takes of a fixed image; 0 for a slot that has no fixed size.
 constexpr uint32_t fixedSize(const Slot& slot);
 
-constexpr bool hasFixedArrangement(const Record& record) {
-  return !ownsMemory(record);
+constexpr bool hasFixedArrangement(const Schema& schema) {
+  return !ownsMemory(schema);
 }
 
 // From the table's first byte through its last field.
-constexpr uint32_t fixedTableLength(const Record& record) {
+constexpr uint32_t fixedTableLength(const Schema& schema) {
   uint32_t length = 4;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     length += fixedSize(slot);
   }
   return length;
 }
 
-constexpr uint32_t fixedVtable(const Record& record) {
-  return roundUp(fixedTable + fixedTableLength(record), 4);
+constexpr uint32_t fixedVtable(const Schema& schema) {
+  return roundUp(fixedTable + fixedTableLength(schema), 4);
 }
 
-constexpr uint32_t fixedLength(const Record& record) {
-  return roundUp(fixedVtable(record) + vtableLength(record), 8);
+constexpr uint32_t fixedLength(const Schema& schema) {
+  return roundUp(fixedVtable(schema) + vtableLength(schema), 8);
 }
 
 constexpr uint32_t fixedSize(const Slot& slot) {
@@ -58,9 +58,9 @@ constexpr uint32_t fixedSize(const Slot& slot) {
 }
 
 // A slot's entry in the vtable: where its field begins, counted from the table.
-constexpr uint32_t fixedEntry(const Record& record, size_t index) {
+constexpr uint32_t fixedEntry(const Schema& schema, size_t index) {
   uint32_t entry = 4;
-  for (const Slot& slot : record.slots.first(index)) {
+  for (const Slot& slot : schema.slots.first(index)) {
     entry += fixedSize(slot);
   }
   return entry;
@@ -68,9 +68,9 @@ constexpr uint32_t fixedEntry(const Record& record, size_t index) {
 
 namespace detail {
 
-constexpr size_t leafCount(const Record& record) {
+constexpr size_t leafCount(const Schema& schema) {
   size_t count = 0;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     count += slot.kind == Kind::Table ? leafCount(*slot.nested) : 1;
   }
   return count;
@@ -84,10 +84,10 @@ struct Leaf {
 };
 
 // In image order, which is record order too.
-constexpr void listLeaves(const Record& record, uint32_t image, uint32_t offset, Leaf*& out) {
-  for (size_t index = 0; index < record.slots.size(); ++index) {
-    const Slot& slot = record.slots[index];
-    const uint32_t at = image + fixedTable + fixedEntry(record, index);
+constexpr void listLeaves(const Schema& schema, uint32_t image, uint32_t offset, Leaf*& out) {
+  for (size_t index = 0; index < schema.slots.size(); ++index) {
+    const Slot& slot = schema.slots[index];
+    const uint32_t at = image + fixedTable + fixedEntry(schema, index);
     const uint32_t from = offset + slot.recordOffset;
     if (slot.kind == Kind::Table) {
       listLeaves(*slot.nested, at, from, out);
@@ -97,11 +97,11 @@ constexpr void listLeaves(const Record& record, uint32_t image, uint32_t offset,
   }
 }
 
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr auto leaves = [] {
-  std::array<Leaf, leafCount(record)> list{};
+  std::array<Leaf, leafCount(schema)> list{};
   Leaf* end = list.data();
-  listLeaves(record, 0, 0, end);
+  listLeaves(schema, 0, 0, end);
   return list;
 }();
 
@@ -111,15 +111,15 @@ constexpr void putFrame(uint8_t* to, Integer value) {
   std::copy(bytes.begin(), bytes.end(), to);
 }
 
-constexpr void fillFrame(const Record& record, uint8_t* image) {
-  const uint32_t vtable = fixedVtable(record);
+constexpr void fillFrame(const Schema& schema, uint8_t* image) {
+  const uint32_t vtable = fixedVtable(schema);
   putFrame(image, fixedTable);
   putFrame(image + fixedTable, fixedTable - vtable);
-  putFrame(image + vtable, static_cast<uint16_t>(vtableLength(record)));
-  putFrame(image + vtable + 2, static_cast<uint16_t>(fixedTableLength(record)));
-  for (size_t index = 0; index < record.slots.size(); ++index) {
-    const Slot& slot = record.slots[index];
-    const uint32_t entry = fixedEntry(record, index);
+  putFrame(image + vtable, static_cast<uint16_t>(vtableLength(schema)));
+  putFrame(image + vtable + 2, static_cast<uint16_t>(fixedTableLength(schema)));
+  for (size_t index = 0; index < schema.slots.size(); ++index) {
+    const Slot& slot = schema.slots[index];
+    const uint32_t entry = fixedEntry(schema, index);
     uint8_t* const field = image + fixedTable + entry;
     putFrame(image + vtable + 4 + 2 * index, static_cast<uint16_t>(entry));
     if (slot.kind == Kind::Array) {
@@ -135,39 +135,39 @@ constexpr void fillFrame(const Record& record, uint8_t* image) {
 
 // Everything of an image that does not come from the record, padding (zeros) included; zeros where
 // fields stand.
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr auto fixedFrame = [] {
-  static_assert(fixedTableLength(record) <= UINT16_MAX, "positions have sixteen bits");
-  std::array<uint8_t, fixedLength(record)> frame{};
-  detail::fillFrame(record, frame.data());
+  static_assert(fixedTableLength(schema) <= UINT16_MAX, "positions have sixteen bits");
+  std::array<uint8_t, fixedLength(schema)> frame{};
+  detail::fillFrame(schema, frame.data());
   return frame;
 }();
 
 // An image as stretches of the record and of the frame.
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr auto imageStretches = [] {
-  Stretches<2 * detail::leafCount(record) + 1> image;
+  Stretches<2 * detail::leafCount(schema) + 1> image;
   uint32_t end = 0;
-  for (const detail::Leaf& leaf : detail::leaves<record>) {
+  for (const detail::Leaf& leaf : detail::leaves<schema>) {
     image.append({end, leaf.image - end, {end, true}});
     image.append({leaf.image, leaf.size, {leaf.record, false}});
     end = leaf.image + leaf.size;
   }
-  image.append({end, fixedLength(record) - end, {end, true}});
+  image.append({end, fixedLength(schema) - end, {end, true}});
   return image;
 }();
 
 // A record as stretches of its image and of zeros, which stand where the record has padding.
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr auto recordStretches = [] {
-  Stretches<2 * detail::leafCount(record) + 1> stretches;
+  Stretches<2 * detail::leafCount(schema) + 1> stretches;
   uint32_t end = 0;
-  for (const detail::Leaf& leaf : detail::leaves<record>) {
+  for (const detail::Leaf& leaf : detail::leaves<schema>) {
     stretches.append({end, leaf.record - end, {0, true}});
     stretches.append({leaf.record, leaf.size, {leaf.image, false}});
     end = leaf.record + leaf.size;
   }
-  stretches.append({end, record.size - end, {0, true}});
+  stretches.append({end, schema.size - end, {0, true}});
   return stretches;
 }();
 

@@ -19,9 +19,9 @@ struct FramePart {
   uint32_t size;
 };
 
-constexpr size_t framePartCount(const Record& record) {
+constexpr size_t framePartCount(const Schema& schema) {
   size_t count = 2;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     count += slot.kind == Kind::Array   ? 1
              : slot.kind == Kind::Table ? framePartCount(*slot.nested)
                                         : 0;
@@ -29,24 +29,24 @@ constexpr size_t framePartCount(const Record& record) {
   return count;
 }
 
-constexpr void listFrame(const Record& record, uint32_t image, FramePart*& out) {
+constexpr void listFrame(const Schema& schema, uint32_t image, FramePart*& out) {
   *out++ = {image, 8};
-  for (size_t index = 0; index < record.slots.size(); ++index) {
-    const uint32_t field = image + fixedTable + fixedEntry(record, index);
-    if (record.slots[index].kind == Kind::Array) {
+  for (size_t index = 0; index < schema.slots.size(); ++index) {
+    const uint32_t field = image + fixedTable + fixedEntry(schema, index);
+    if (schema.slots[index].kind == Kind::Array) {
       *out++ = {field, 8};
-    } else if (record.slots[index].kind == Kind::Table) {
-      listFrame(*record.slots[index].nested, field, out);
+    } else if (schema.slots[index].kind == Kind::Table) {
+      listFrame(*schema.slots[index].nested, field, out);
     }
   }
-  *out++ = {image + fixedVtable(record), vtableLength(record)};
+  *out++ = {image + fixedVtable(schema), vtableLength(schema)};
 }
 
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr auto frameParts = [] {
-  std::array<FramePart, framePartCount(record)> parts{};
+  std::array<FramePart, framePartCount(schema)> parts{};
   FramePart* end = parts.data();
-  listFrame(record, 0, end);
+  listFrame(schema, 0, end);
   return parts;
 }();
 
@@ -56,37 +56,37 @@ using Eight = uint64_t;
 using Sixteen [[gnu::vector_size(16)]] = uint64_t;
 
 // Nonzero where `Wide`'s worth of bytes from `at` on differs from the frame's.
-template <const Record& record, typename Wide, uint32_t at>
+template <const Schema& schema, typename Wide, uint32_t at>
 [[gnu::always_inline]] inline Wide difference(const uint8_t* image) {
   Wide found{};
   Wide expected{};
   std::memcpy(&found, image + at, sizeof found);
-  std::memcpy(&expected, fixedFrame<record>.data() + at, sizeof expected);
+  std::memcpy(&expected, fixedFrame<schema>.data() + at, sizeof expected);
   return found ^ expected;
 }
 
 // The same over a part of any size; the last comparison overlaps the one before.
-template <const Record& record, typename Wide, uint32_t at, uint32_t size>
+template <const Schema& schema, typename Wide, uint32_t at, uint32_t size>
 [[gnu::always_inline]] inline Wide differences(const uint8_t* image) {
   constexpr uint32_t width = sizeof(Wide);
   static_assert(size >= width);
   constexpr size_t whole = size / width;
   return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    const Wide rest = difference<record, Wide, at + size - width>(image);
-    return (rest | ... | difference<record, Wide, at + width * index>(image));
+    const Wide rest = difference<schema, Wide, at + size - width>(image);
+    return (rest | ... | difference<schema, Wide, at + width * index>(image));
   }
   (std::make_index_sequence < size % width == 0 ? whole - 1 : whole > ());
 }
 
-template <const Record& record, size_t index>
+template <const Schema& schema, size_t index>
 [[gnu::always_inline]] inline Eight partDiffers(const uint8_t* image) {
-  constexpr FramePart part = frameParts<record>[index];
+  constexpr FramePart part = frameParts<schema>[index];
   if constexpr (part.size < sizeof(Eight)) {
-    return differences<record, Four, part.at, part.size>(image);
+    return differences<schema, Four, part.at, part.size>(image);
   } else if constexpr (part.size < sizeof(Sixteen)) {
-    return differences<record, Eight, part.at, part.size>(image);
+    return differences<schema, Eight, part.at, part.size>(image);
   } else {
-    const Sixteen both = differences<record, Sixteen, part.at, part.size>(image);
+    const Sixteen both = differences<schema, Sixteen, part.at, part.size>(image);
     return both[0] | both[1];
   }
 }
@@ -94,19 +94,19 @@ template <const Record& record, size_t index>
 // The record's padding is made of zeros.
 inline constexpr std::array<uint8_t, host::chunk> zeros{};
 
-template <const Record& record>
+template <const Schema& schema>
 inline constexpr StorePlan recordPlan =
-    planStores(recordStretches<record>.all(),
-               {.source = fixedVtable(record) + vtableLength(record), .constants = zeros.size()});
+    planStores(recordStretches<schema>.all(),
+               {.source = fixedVtable(schema) + vtableLength(schema), .constants = zeros.size()});
 
 template <Origin origin>
 [[gnu::always_inline]] inline const uint8_t* originOf(const uint8_t* image) {
   return (origin.isConstant ? zeros.data() : image) + origin.from;
 }
 
-template <const Record& record, size_t index>
+template <const Schema& schema, size_t index>
 [[gnu::always_inline]] inline void fillPiece(uint8_t* into, const uint8_t* image) {
-  constexpr Store store = recordPlan<record>.stores[index];
+  constexpr Store store = recordPlan<schema>.stores[index];
   if constexpr (store.isPair) {
     storePair(into + store.to, originOf<store.low>(image), originOf<store.high>(image));
   } else {
@@ -118,29 +118,29 @@ template <const Record& record, size_t index>
 
 // Whether the buffer holds an image of the record with exactly this library's frame. Its padding,
 // and what stands behind it, may be anything.
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline bool hasFixedFrame(Buffer<host::ByteOrder::Host> buffer) {
   // The root word tells most other buffers apart, and of those it is all that is looked at here.
-  if (buffer.length < fixedVtable(record) + vtableLength(record) ||
+  if (buffer.length < fixedVtable(schema) + vtableLength(schema) ||
       buffer.read<uint32_t>(0) != fixedTable) {
     return false;
   }
   return [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    return (detail::partDiffers<record, index>(buffer.data) | ...) == 0;
+    return (detail::partDiffers<schema, index>(buffer.data) | ...) == 0;
   }
-  (std::make_index_sequence<detail::frameParts<record>.size()>());
+  (std::make_index_sequence<detail::frameParts<schema>.size()>());
 }
 
 // Fills the record, its padding with zeros, from an image that has the fixed frame.
-template <const Record& record>
+template <const Schema& schema>
 [[gnu::always_inline]] inline void readFixedImage(uint8_t* into, const uint8_t* image) {
-  if constexpr (record.size > host::largestInPlace) {
-    host::clearConstant<record.size>(into);
+  if constexpr (schema.size > host::largestInPlace) {
+    host::clearConstant<schema.size>(into);
   }
   [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    (detail::fillPiece<record, index>(into, image), ...);
+    (detail::fillPiece<schema, index>(into, image), ...);
   }
-  (std::make_index_sequence<detail::recordPlan<record>.count>());
+  (std::make_index_sequence<detail::recordPlan<schema>.count>());
 }
 
 }  // namespace mesh::wire

@@ -10,9 +10,9 @@ namespace {
 constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
 
 // One block from the unpack allocator, or null with the decoder's log.
-uint8_t* allocatePart(host::serial_env& env, const Record& record, Decoder decoder, uint32_t size) {
+uint8_t* allocatePart(host::serial_env& env, const Schema& schema, Decoder decoder, uint32_t size) {
   const bool isRoot = decoder == Decoder::Root;
-  const char* const function = isRoot ? record.rootReader : record.tableReader;
+  const char* const function = isRoot ? schema.rootReader : schema.tableReader;
   void* const block = env.unpackAlloc(size, host::unpackOwner, function);
   if (block == nullptr) [[unlikely]] {
     (isRoot ? reportRootAllocation : reportTableAllocation)(env, function, size);
@@ -24,14 +24,14 @@ uint8_t* allocatePart(host::serial_env& env, const Record& record, Decoder decod
 template <host::ByteOrder order>
 class SlotReader {
  public:
-  SlotReader(host::serial_env& env, const Record& record, Decoder decoder, Buffer<order> buffer,
+  SlotReader(host::serial_env& env, const Schema& schema, Decoder decoder, Buffer<order> buffer,
              uint8_t* into)
-      : env_(env), record_(record), decoder_(decoder), buffer_(buffer), into_(into) {}
+      : env_(env), schema_(schema), decoder_(decoder), buffer_(buffer), into_(into) {}
 
   Decoded readAll(const TableFrame& frame) {
     Position entryAt = Position{frame.vtable} + 4;
     const Position end = Position{frame.vtable} + frame.vtableLength;
-    for (const Slot& slot : record_.slots) {
+    for (const Slot& slot : schema_.slots) {
       if (entryAt + 2 > end) {
         break;
       }
@@ -65,7 +65,7 @@ class SlotReader {
         return readVector(slot, at);
       case Kind::Table: {
         const Decoded nested = readTable(*slot.nested, at, field);
-        return record_.style.nestedFailure == NestedFailure::IsIgnored ? Decoded::Yes : nested;
+        return schema_.style.nestedFailure == NestedFailure::IsIgnored ? Decoded::Yes : nested;
       }
     }
     return Decoded::No;
@@ -115,10 +115,10 @@ class SlotReader {
       return Decoded::No;
     }
     return contents.length == 0 ? Decoded::Yes
-                                : takeBytes(env_, record_, decoder_, slot, contents, into_);
+                                : takeBytes(env_, schema_, decoder_, slot, contents, into_);
   }
 
-  Decoded readTable(const Record& nested, Position word, uint8_t* field) {
+  Decoded readTable(const Schema& nested, Position word, uint8_t* field) {
     Position table = 0;
     if (follow(word, table) == Decoded::No) {
       return Decoded::No;
@@ -143,7 +143,7 @@ class SlotReader {
     if (size > UINT32_MAX) {
       return Decoded::No;
     }
-    uint8_t* const items = allocatePart(env_, record_, decoder_, static_cast<uint32_t>(size));
+    uint8_t* const items = allocatePart(env_, schema_, decoder_, static_cast<uint32_t>(size));
     if (items == nullptr) {
       return Decoded::No;
     }
@@ -160,7 +160,7 @@ class SlotReader {
   }
 
   host::serial_env& env_;
-  const Record& record_;
+  const Schema& schema_;
   const Decoder decoder_;
   const Buffer<order> buffer_;
   uint8_t* const into_;
@@ -188,30 +188,30 @@ Decoded locateTable(host::serial_env& env, const char* function, Buffer<order> b
 }
 
 template <host::ByteOrder order>
-Decoded decodeSlots(host::serial_env& env, const Record& record, Decoder decoder,
+Decoded decodeSlots(host::serial_env& env, const Schema& schema, Decoder decoder,
                     Buffer<order> buffer, const TableFrame& frame, uint8_t* into) {
-  return SlotReader<order>(env, record, decoder, buffer, into).readAll(frame);
+  return SlotReader<order>(env, schema, decoder, buffer, into).readAll(frame);
 }
 
 template <host::ByteOrder order>
-Decoded decodeTable(host::serial_env& env, const Record& record, Buffer<order> buffer,
+Decoded decodeTable(host::serial_env& env, const Schema& schema, Buffer<order> buffer,
                     uint8_t* into, uint32_t table) {
-  if (record.style.checksParameters &&
+  if (schema.style.checksParameters &&
       (buffer.data == nullptr || static_cast<int32_t>(buffer.length) < 4 || into == nullptr)) {
-    reportUnpackParameters(env, record.tableReader, buffer.data, buffer.length, into);
+    reportUnpackParameters(env, schema.tableReader, buffer.data, buffer.length, into);
     return Decoded::No;
   }
   TableFrame frame;
-  if (locateTable(env, record.tableReader, buffer, table, frame) == Decoded::No) {
+  if (locateTable(env, schema.tableReader, buffer, table, frame) == Decoded::No) {
     return Decoded::No;
   }
-  return decodeSlots(env, record, Decoder::Table, buffer, frame, into);
+  return decodeSlots(env, schema, Decoder::Table, buffer, frame, into);
 }
 
-Decoded takeBytes(host::serial_env& env, const Record& record, Decoder decoder, const Slot& slot,
+Decoded takeBytes(host::serial_env& env, const Schema& schema, Decoder decoder, const Slot& slot,
                   Contents contents, uint8_t* into) {
   host::store(into + slot.countOffset, contents.length);
-  uint8_t* const block = allocatePart(env, record, decoder, contents.length);
+  uint8_t* const block = allocatePart(env, schema, decoder, contents.length);
   if (block == nullptr) [[unlikely]] {
     return Decoded::No;
   }
@@ -226,13 +226,13 @@ template Decoded locateTable(host::serial_env&, const char*, Buffer<ByteOrder::H
                              TableFrame&);
 template Decoded locateTable(host::serial_env&, const char*, Buffer<ByteOrder::Reversed>, uint32_t,
                              TableFrame&);
-template Decoded decodeSlots(host::serial_env&, const Record&, Decoder, Buffer<ByteOrder::Host>,
+template Decoded decodeSlots(host::serial_env&, const Schema&, Decoder, Buffer<ByteOrder::Host>,
                              const TableFrame&, uint8_t*);
-template Decoded decodeSlots(host::serial_env&, const Record&, Decoder, Buffer<ByteOrder::Reversed>,
+template Decoded decodeSlots(host::serial_env&, const Schema&, Decoder, Buffer<ByteOrder::Reversed>,
                              const TableFrame&, uint8_t*);
-template Decoded decodeTable(host::serial_env&, const Record&, Buffer<ByteOrder::Host>, uint8_t*,
+template Decoded decodeTable(host::serial_env&, const Schema&, Buffer<ByteOrder::Host>, uint8_t*,
                              uint32_t);
-template Decoded decodeTable(host::serial_env&, const Record&, Buffer<ByteOrder::Reversed>,
+template Decoded decodeTable(host::serial_env&, const Schema&, Buffer<ByteOrder::Reversed>,
                              uint8_t*, uint32_t);
 
 }  // namespace mesh::wire

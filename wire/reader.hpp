@@ -33,13 +33,13 @@ Decoded locateTable(host::serial_env& env, const char* function, Buffer<order> b
 // the caller has stored. The first value that does not fit ends the decoding, unlogged; what was
 // decoded stays, blocks included: releasing them is the caller's.
 template <host::ByteOrder order>
-Decoded decodeSlots(host::serial_env& env, const Record& record, Decoder decoder,
+Decoded decodeSlots(host::serial_env& env, const Schema& schema, Decoder decoder,
                     Buffer<order> buffer, const TableFrame& frame, uint8_t* into);
 
 // The table reader of a record: locates the table at `table`, and decodes its slots into `into`,
 // which the caller has cleared.
 template <host::ByteOrder order>
-Decoded decodeTable(host::serial_env& env, const Record& record, Buffer<order> buffer,
+Decoded decodeTable(host::serial_env& env, const Schema& schema, Buffer<order> buffer,
                     uint8_t* into, uint32_t table);
 
 // A byte string in the buffer.
@@ -50,7 +50,7 @@ struct Contents {
 
 // Gives a byte string that is not empty to its slot of the record: its length, and a copy in a
 // block of its own. Fails, with a log, where the host refuses the block; the length stays.
-Decoded takeBytes(host::serial_env& env, const Record& record, Decoder decoder, const Slot& slot,
+Decoded takeBytes(host::serial_env& env, const Schema& schema, Decoder decoder, const Slot& slot,
                   Contents contents, uint8_t* into);
 
 }  // namespace mesh::wire

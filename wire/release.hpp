@@ -12,14 +12,14 @@ namespace mesh::wire {
 // Every out-of-line part, in slot order, each pointer null afterwards; lengths and counts stay. The
 // host's free is called for null pointers too. `function` is the message's own release text, also
 // for the parts of nested records. Binding is the caller's.
-template <host::Module& module, const Record& record>
+template <host::Module& module, const Schema& schema>
 void releaseParts(uint8_t* into, const char* function);
 
 namespace detail {
 
-template <host::Module& module, const Record& record, size_t index>
+template <host::Module& module, const Schema& schema, size_t index>
 [[gnu::always_inline]] inline void releaseSlot(uint8_t* into, const char* function) {
-  constexpr const Slot& slot = record.slots[index];
+  constexpr const Slot& slot = schema.slots[index];
   uint8_t* const field = into + slot.recordOffset;
   if constexpr (slot.kind == Kind::Table) {
     if constexpr (ownsMemory(*slot.nested)) {
@@ -37,12 +37,12 @@ template <host::Module& module, const Record& record, size_t index>
 
 }  // namespace detail
 
-template <host::Module& module, const Record& record>
+template <host::Module& module, const Schema& schema>
 void releaseParts(uint8_t* into, const char* function) {
   [&]<size_t... index>(std::index_sequence<index...>) __attribute__((always_inline)) {
-    (detail::releaseSlot<module, record, index>(into, function), ...);
+    (detail::releaseSlot<module, schema, index>(into, function), ...);
   }
-  (std::make_index_sequence<record.slots.size()>());
+  (std::make_index_sequence<schema.slots.size()>());
 }
 
 }  // namespace mesh::wire

@@ -19,13 +19,13 @@ uint8_t* reverseWord(uint8_t* word) {
   return word + reverse<uint32_t>(word);
 }
 
-void reverseTable(const Record& record, uint8_t* table);
+void reverseTable(const Schema& schema, uint8_t* table);
 
-void reverseVector(const Record& record, uint8_t* vector) {
+void reverseVector(const Schema& schema, uint8_t* vector) {
   const auto count = reverse<uint32_t>(vector);
   uint8_t* word = vector + 4;
   for (uint32_t item = 0; item < count; ++item, word += 4) {
-    reverseTable(record, reverseWord(word));
+    reverseTable(schema, reverseWord(word));
   }
 }
 
@@ -55,13 +55,13 @@ void reverseValue(const Slot& slot, uint8_t* value) {
   }
 }
 
-void reverseTable(const Record& record, uint8_t* table) {
+void reverseTable(const Schema& schema, uint8_t* table) {
   // Signed: a fixed image has its vtable behind the table.
   uint8_t* const vtable = table - static_cast<int32_t>(reverse<uint32_t>(table));
   reverse<uint16_t>(vtable);
   reverse<uint16_t>(vtable + 2);
   uint8_t* entryAt = vtable + 4;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     const auto entry = reverse<uint16_t>(entryAt);
     if (entry != 0) {
       reverseValue(slot, table + entry);
@@ -72,8 +72,8 @@ void reverseTable(const Record& record, uint8_t* table) {
 
 }  // namespace
 
-[[gnu::cold]] void reverseMessage(const Record& record, uint8_t* message) {
-  reverseTable(record, message + reverse<uint32_t>(message));
+[[gnu::cold]] void reverseMessage(const Schema& schema, uint8_t* message) {
+  reverseTable(schema, message + reverse<uint32_t>(message));
 }
 
 }  // namespace mesh::wire

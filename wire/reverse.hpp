@@ -7,6 +7,6 @@ namespace mesh::wire {
 
 // Reverses every multi-byte value of a message that this library has just written in the host's
 // order, in either arrangement; the contents of byte strings stay. Nothing is verified.
-void reverseMessage(const Record& record, uint8_t* message);
+void reverseMessage(const Schema& schema, uint8_t* message);
 
 }  // namespace mesh::wire

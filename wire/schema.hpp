@@ -24,7 +24,7 @@ enum class Kind : uint8_t {
   Vector,  // counted run of nested tables, held through a pointer beside its count
 };
 
-struct Record;
+struct Schema;
 
 struct Slot {
   // Held in place: a thousand pointers to names would be as many relocations at load.
@@ -37,7 +37,7 @@ struct Slot {
   uint32_t recordOffset;
   // Bytes, Vector: where the u32 length or count stands in the record.
   uint32_t countOffset;
-  const Record* nested;
+  const Schema* nested;
 };
 
 // The order of the compact arrangement's inline part.
@@ -61,7 +61,7 @@ struct Style {
   bool operator==(const Style&) const = default;
 };
 
-struct Record {
+struct Schema {
   const char* name;
   // The names that decoding logs, allocates and releases under: the message's own root decoder, the
   // record's table reader, the message's release (null where there is nothing to release).
@@ -78,7 +78,7 @@ template <typename RecordType>
 struct SchemaOf;
 
 template <typename RecordType>
-inline constexpr const Record& schemaOf = SchemaOf<RecordType>::record;
+inline constexpr const Schema& schemaOf = SchemaOf<RecordType>::schema;
 
 constexpr uint32_t roundUp(uint32_t value, uint32_t step) {
   return (value + step - 1) / step * step;
@@ -93,12 +93,12 @@ constexpr bool isOutOfLine(Kind kind) {
   return kind == Kind::Bytes || kind == Kind::Vector;
 }
 
-constexpr uint32_t vtableLength(const Record& record) {
-  return 4 + 2 * static_cast<uint32_t>(record.slots.size());
+constexpr uint32_t vtableLength(const Schema& schema) {
+  return 4 + 2 * static_cast<uint32_t>(schema.slots.size());
 }
 
 // Whether two records differ in nothing but names.
-constexpr bool haveSameLayout(const Record& one, const Record& other) {
+constexpr bool haveSameLayout(const Schema& one, const Schema& other) {
   if (one.size != other.size || one.style != other.style ||
       one.slots.size() != other.slots.size()) {
     return false;
@@ -116,8 +116,8 @@ constexpr bool haveSameLayout(const Record& one, const Record& other) {
 }
 
 // Whether decoding into the record can allocate.
-constexpr bool ownsMemory(const Record& record) {
-  for (const Slot& slot : record.slots) {
+constexpr bool ownsMemory(const Schema& schema) {
+  for (const Slot& slot : schema.slots) {
     if (isOutOfLine(slot.kind) || (slot.kind == Kind::Table && ownsMemory(*slot.nested))) {
       return true;
     }

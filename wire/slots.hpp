@@ -18,8 +18,8 @@ void aSlotsNameHasSevenCharactersAtMost();
 
 // The release's name, where there is one: no other is kept.
 consteval const char* releaserOf(std::span<const Slot> slots, const char* name) {
-  const Record record{"", "", "", nullptr, 0, {}, slots};
-  return ownsMemory(record) ? name : nullptr;
+  const Schema schema{"", "", "", nullptr, 0, {}, slots};
+  return ownsMemory(schema) ? name : nullptr;
 }
 
 consteval std::array<char, 8> slotName(std::string_view name) {
@@ -79,7 +79,7 @@ consteval Slot vectorSlot(const char* name, size_t countOffset, size_t offset) {
 }
 
 // The alignment that the C struct gives a record or a slot's value.
-constexpr uint32_t alignmentOf(const Record& record);
+constexpr uint32_t alignmentOf(const Schema& schema);
 
 constexpr uint32_t alignmentOf(const Slot& slot) {
   if (isScalar(slot.kind)) {
@@ -91,9 +91,9 @@ constexpr uint32_t alignmentOf(const Slot& slot) {
   return isOutOfLine(slot.kind) ? alignof(void*) : 1;
 }
 
-constexpr uint32_t alignmentOf(const Record& record) {
+constexpr uint32_t alignmentOf(const Schema& schema) {
   uint32_t alignment = 1;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     const uint32_t ofSlot = alignmentOf(slot);
     alignment = ofSlot > alignment ? ofSlot : alignment;
   }
@@ -102,9 +102,9 @@ constexpr uint32_t alignmentOf(const Record& record) {
 
 // Whether the slots, laid out one after the other with natural alignment, are the struct: nothing
 // between them, nothing after the last.
-constexpr bool slotsAreTheStruct(const Record& record) {
+constexpr bool slotsAreTheStruct(const Schema& schema) {
   uint32_t end = 0;
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     if (isOutOfLine(slot.kind)) {
       if (slot.countOffset != roundUp(end, alignof(uint32_t))) {
         return false;
@@ -117,7 +117,7 @@ constexpr bool slotsAreTheStruct(const Record& record) {
     end = slot.recordOffset +
           (isOutOfLine(slot.kind) ? static_cast<uint32_t>(sizeof(void*)) : slot.size);
   }
-  return record.size == roundUp(end, alignmentOf(record));
+  return schema.size == roundUp(end, alignmentOf(schema));
 }
 
 }  // namespace mesh::wire
@@ -148,12 +148,12 @@ constexpr bool slotsAreTheStruct(const Record& record) {
   struct mesh::wire::SchemaOf<::record_type> {                                                   \
     using Self = ::record_type;                                                                  \
     static constexpr auto slots = std::to_array<mesh::wire::Slot>({__VA_ARGS__});                \
-    static constexpr mesh::wire::Record record{#record_type,                                     \
+    static constexpr mesh::wire::Schema schema{#record_type,                                     \
                                                #record_type "_unpack",                           \
                                                #record_type "_unpack_non_root",                  \
                                                releaserOf(slots, #record_type "_free_unpacked"), \
                                                sizeof(Self),                                     \
                                                record_style,                                     \
                                                slots};                                           \
-    static_assert(mesh::wire::slotsAreTheStruct(record), "slots and struct differ");             \
+    static_assert(mesh::wire::slotsAreTheStruct(schema), "slots and struct differ");             \
   };

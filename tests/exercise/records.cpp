@@ -8,10 +8,10 @@
 namespace exercise {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
-Records::Records(const Record& schema, uint32_t count, Random& random)
+Records::Records(const Schema& schema, uint32_t count, Random& random)
     : records_(std::make_unique<uint8_t[]>(size_t{schema.size} * count)) {
   for (uint32_t index = 0; index < count; ++index) {
     fill(schema, records_.get() + size_t{schema.size} * index, random);
@@ -22,7 +22,7 @@ uint8_t* Records::take(size_t size) {
   return parts_.emplace_back(std::make_unique<uint8_t[]>(size)).get();
 }
 
-void Records::fill(const Record& schema, uint8_t* record, Random& random) {
+void Records::fill(const Schema& schema, uint8_t* record, Random& random) {
   for (const Slot& slot : schema.slots) {
     uint8_t* const field = record + slot.recordOffset;
     if (mesh::wire::isScalar(slot.kind)) {
@@ -53,7 +53,7 @@ void Records::fill(const Record& schema, uint8_t* record, Random& random) {
   }
 }
 
-bool ownsParts(const Record& schema, const uint8_t* record) {
+bool ownsParts(const Schema& schema, const uint8_t* record) {
   return std::any_of(schema.slots.begin(), schema.slots.end(), [&](const Slot& slot) {
     const uint8_t* const field = record + slot.recordOffset;
     if (slot.kind == Kind::Table) {

@@ -28,20 +28,20 @@ class Random {
 // Some records, back to back, with what their pointers lead to.
 class Records {
  public:
-  Records(const mesh::wire::Record& schema, uint32_t count, Random& random);
+  Records(const mesh::wire::Schema& schema, uint32_t count, Random& random);
 
   const uint8_t* data() const { return records_.get(); }
 
  private:
   uint8_t* take(size_t size);
-  void fill(const mesh::wire::Record& schema, uint8_t* record, Random& random);
+  void fill(const mesh::wire::Schema& schema, uint8_t* record, Random& random);
 
   std::unique_ptr<uint8_t[]> records_;
   std::vector<std::unique_ptr<uint8_t[]>> parts_;
 };
 
 // Whether a pointer in the record leads to a byte string or a run.
-bool ownsParts(const mesh::wire::Record& schema, const uint8_t* record);
+bool ownsParts(const mesh::wire::Schema& schema, const uint8_t* record);
 
 // One to three bytes changed, or an end cut off.
 void damage(std::vector<uint8_t>& bytes, Random& random);

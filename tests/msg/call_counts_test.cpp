@@ -16,7 +16,7 @@ namespace {
 using harness::Buffer;
 using harness::Operations;
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 struct Calls {
@@ -50,7 +50,7 @@ struct Parts {
   int present = 0;
 };
 
-void count(const Record& schema, const uint8_t* record, Parts& parts) {
+void count(const Schema& schema, const uint8_t* record, Parts& parts) {
   for (const Slot& slot : schema.slots) {
     if (slot.kind == Kind::Table) {
       count(*slot.nested, record + slot.recordOffset, parts);

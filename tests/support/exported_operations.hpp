@@ -9,7 +9,7 @@ namespace harness {
 
 struct ExportedOperations {
   const char* name;
-  const mesh::wire::Record* schema;
+  const mesh::wire::Schema* schema;
   uint32_t (*unpack)(const uint8_t* data, uint32_t length, void* record);
   void (*freeUnpacked)(void* record);
   uint32_t (*pack)(const void* record, uint8_t* buffer, uint32_t* length);

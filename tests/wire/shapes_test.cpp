@@ -60,7 +60,7 @@ using namespace mesh::wire;
 template <typename Record>
 class Shapes : public testing::Test {
  protected:
-  static constexpr const mesh::wire::Record& record = schemaOf<Record>;
+  static constexpr const mesh::wire::Schema& record = schemaOf<Record>;
 
   // Every byte of the fields set, or only those of every second field.
   static std::vector<uint8_t> filled(bool whole) {

@@ -11,7 +11,7 @@
 namespace catalogue {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 #define MESSAGE(message, ...) &mesh::msg::messageOf<message>,
@@ -22,9 +22,9 @@ std::vector<Service> services() {
           {"l2vpn_sync", {L2VPN_SYNC_MESSAGES(MESSAGE)}}};
 }
 
-Range compactRange(const Record& record) {
-  const uint64_t smallest = 4 + mesh::wire::smallestTableSize(record);
-  return {smallest, smallest + mesh::wire::scalarWidths(record), mesh::wire::ownsMemory(record)};
+Range compactRange(const Schema& schema) {
+  const uint64_t smallest = 4 + mesh::wire::smallestTableSize(schema);
+  return {smallest, smallest + mesh::wire::scalarWidths(schema), mesh::wire::ownsMemory(schema)};
 }
 
 std::string kindOf(const Slot& slot) {
@@ -49,8 +49,8 @@ std::string kindOf(const Slot& slot) {
   return "";
 }
 
-bool isWrapper(const Record& record) {
-  const std::string_view name = record.name;
+bool isWrapper(const Schema& schema) {
+  const std::string_view name = schema.name;
   return name.ends_with("_update") || name.ends_with("_delete");
 }
 
@@ -66,8 +66,8 @@ std::string hex(uint64_t fingerprint) {
   return text;
 }
 
-std::string compactText(const Record& record) {
-  const Range range = compactRange(record);
+std::string compactText(const Schema& schema) {
+  const Range range = compactRange(schema);
   if (range.isOpen) {
     return std::to_string(range.from).append(" and more");
   }

@@ -26,12 +26,12 @@ struct Range {
 };
 
 // The size of the compact message: all slots absent, and all scalars present.
-Range compactRange(const mesh::wire::Record& record);
+Range compactRange(const mesh::wire::Schema& schema);
 
 std::string kindOf(const mesh::wire::Slot& slot);
 
 // "_update" and "_delete" messages: a value and a whole record of the same service.
-bool isWrapper(const mesh::wire::Record& record);
+bool isWrapper(const mesh::wire::Schema& schema);
 
 // The functions of a message, as suffixes of its name.
 inline constexpr const char* operations[] = {"__unpack",     "_free__unpacked", "__pack",
@@ -42,7 +42,7 @@ std::string hex(uint32_t id);
 std::string hex(uint64_t fingerprint);
 
 // "72 to 93", "20 and more".
-std::string compactText(const mesh::wire::Record& record);
+std::string compactText(const mesh::wire::Schema& schema);
 
 // The wire format of a message as a line of text, and the 64-bit FNV-1a hash of that line. Programs
 // with equal fingerprints of a message understand each other.

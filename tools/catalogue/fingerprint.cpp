@@ -11,13 +11,13 @@ using mesh::msg::Arrangement;
 using mesh::msg::Message;
 using mesh::wire::InlineOrder;
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
-std::string slotsText(const Record& record) {
-  std::string text = record.style.inlineOrder == InlineOrder::Slots ? "{" : "{scalars-first ";
-  for (const Slot& slot : record.slots) {
-    if (&slot != record.slots.data()) {
+std::string slotsText(const Schema& schema) {
+  std::string text = schema.style.inlineOrder == InlineOrder::Slots ? "{" : "{scalars-first ";
+  for (const Slot& slot : schema.slots) {
+    if (&slot != schema.slots.data()) {
       text += ' ';
     }
     if (slot.kind == Kind::Table || slot.kind == Kind::Vector) {
@@ -34,7 +34,7 @@ std::string slotsText(const Record& record) {
 
 std::string wireText(const Message& message) {
   return (message.policy.arrangement == Arrangement::Fixed ? "fixed " : "compact ") +
-         slotsText(*message.record);
+         slotsText(*message.schema);
 }
 
 uint64_t fingerprint(const Message& message) {
@@ -48,7 +48,7 @@ uint64_t fingerprint(const Message& message) {
 void writeFingerprints() {
   for (const Service& service : services()) {
     for (const Message* const message : service.messages) {
-      std::cout << message->record->name << ' ' << hex(message->id) << ' '
+      std::cout << message->schema->name << ' ' << hex(message->id) << ' '
                 << hex(fingerprint(*message)) << ' ' << wireText(*message) << '\n';
     }
   }

@@ -12,7 +12,7 @@ namespace {
 
 using mesh::msg::Arrangement;
 using mesh::msg::Message;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 
 constexpr size_t lineLength = 100;
 
@@ -54,14 +54,14 @@ std::string sentText(const Message& message) {
   if (message.policy.arrangement == Arrangement::Compact) {
     return "in the compact arrangement";
   }
-  return "in the fixed arrangement, " + std::to_string(mesh::wire::fixedLength(*message.record)) +
+  return "in the fixed arrangement, " + std::to_string(mesh::wire::fixedLength(*message.schema)) +
          " bytes";
 }
 
-void writeReceiving(const Record& record) {
-  const std::string name = record.name;
-  const std::string size = std::to_string(record.size);
-  const bool owns = mesh::wire::ownsMemory(record);
+void writeReceiving(const Schema& schema) {
+  const std::string name = schema.name;
+  const std::string size = std::to_string(schema.size);
+  const bool owns = mesh::wire::ownsMemory(schema);
   writeComment("Verifies `length` bytes at `data` as a message " + name +
                " and fills *record, which the caller hands in zeroed. " +
                (owns ? "What it allocates goes back through " + name + "_free__unpacked. " : "") +
@@ -75,13 +75,13 @@ void writeReceiving(const Record& record) {
 }
 
 void writeSending(const Message& message) {
-  const Record& record = *message.record;
-  const std::string name = record.name;
+  const Schema& schema = *message.schema;
+  const std::string name = schema.name;
   const std::string batch = "const " + name + "* records";
   writeComment(
       "Encodes *record in the compact arrangement. *length is the room at `buffer` on entry and "
       "the message's size on success: " +
-      compactText(record) + " bytes. Returns 0, or 0xFFFFFFFF with nothing changed.");
+      compactText(schema) + " bytes. Returns 0, or 0xFFFFFFFF with nothing changed.");
   writeDeclaration("MESH_L2VPN_API uint32_t " + name + "__pack",
                    {"const " + name + "* record", "uint8_t* buffer", "uint32_t* length"});
   writeComment("Sends *record " + sentText(message) +
@@ -102,11 +102,11 @@ void writeSending(const Message& message) {
 }
 
 void writeMessage(const Message& message) {
-  const std::string name = message.record->name;
+  const std::string name = message.schema->name;
   writeComment("Identifier of the message " + name + ". Its fingerprint is " +
                hex(fingerprint(message)) + ".");
   std::cout << "static const uint32_t " << name << "__msg_id = " << hex(message.id) << ";\n\n";
-  writeReceiving(*message.record);
+  writeReceiving(*message.schema);
   writeSending(message);
 }
 

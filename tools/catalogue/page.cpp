@@ -11,7 +11,7 @@ namespace {
 using mesh::msg::Arrangement;
 using mesh::msg::Message;
 using mesh::msg::RootDecoding;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 constexpr const char* introduction =
@@ -36,8 +36,8 @@ one section for each record; the update and delete messages of a record stand in
   `mesh-l2vpn-catalogue fingerprints` prints.
 )";
 
-std::string fixedText(const Record& record) {
-  return mesh::wire::hasFixedArrangement(record) ? std::to_string(mesh::wire::fixedLength(record))
+std::string fixedText(const Schema& schema) {
+  return mesh::wire::hasFixedArrangement(schema) ? std::to_string(mesh::wire::fixedLength(schema))
                                                  : "-";
 }
 
@@ -52,29 +52,29 @@ void writeIndex(const std::vector<Service>& services) {
          "|\n|---|---|---|---|---|---|---|---|---|\n";
   for (const Service& service : services) {
     for (const Message* const message : service.messages) {
-      const Record& record = *message->record;
-      std::cout << "| `" << record.name << "` | " << hex(message->id) << " | " << service.name
-                << " | " << sentText(*message) << " | " << record.size << " | "
-                << record.slots.size() << " | " << compactText(record) << " | " << fixedText(record)
+      const Schema& schema = *message->schema;
+      std::cout << "| `" << schema.name << "` | " << hex(message->id) << " | " << service.name
+                << " | " << sentText(*message) << " | " << schema.size << " | "
+                << schema.slots.size() << " | " << compactText(schema) << " | " << fixedText(schema)
                 << " | " << hex(fingerprint(*message)) << " |\n";
     }
   }
 }
 
-void writeOperations(const Record& record) {
+void writeOperations(const Schema& schema) {
   std::cout << '\n';
   for (const char* const operation : operations) {
-    std::cout << (operation == operations[0] ? "`" : ", `") << record.name << operation << '`';
+    std::cout << (operation == operations[0] ? "`" : ", `") << schema.name << operation << '`';
   }
   std::cout << ".\n";
 }
 
-void writeFields(const Record& record) {
-  const bool hasFixed = mesh::wire::hasFixedArrangement(record);
+void writeFields(const Schema& schema) {
+  const bool hasFixed = mesh::wire::hasFixedArrangement(schema);
   std::cout << "\n| slot | field | kind | width | C offset |" << (hasFixed ? " fixed |" : "")
             << "\n|---|---|---|---|---|" << (hasFixed ? "---|" : "") << '\n';
-  for (size_t index = 0; index < record.slots.size(); ++index) {
-    const Slot& slot = record.slots[index];
+  for (size_t index = 0; index < schema.slots.size(); ++index) {
+    const Slot& slot = schema.slots[index];
     std::cout << "| " << index << " | ";
     if (mesh::wire::isOutOfLine(slot.kind)) {
       const char* const count = slot.kind == mesh::wire::Kind::Bytes ? "_len" : "_count";
@@ -86,19 +86,19 @@ void writeFields(const Record& record) {
                 << slot.recordOffset;
     }
     if (hasFixed) {
-      std::cout << " | " << mesh::wire::fixedTable + mesh::wire::fixedEntry(record, index);
+      std::cout << " | " << mesh::wire::fixedTable + mesh::wire::fixedEntry(schema, index);
     }
     std::cout << " |\n";
   }
 }
 
 void writeFacts(const Message& message) {
-  const Record& record = *message.record;
-  std::cout << "\nIdentifier " << hex(message.id) << "; record of " << record.size
-            << " bytes; vtable of " << mesh::wire::vtableLength(record) << " bytes; compact "
-            << compactText(record) << " bytes; sent "
+  const Schema& schema = *message.schema;
+  std::cout << "\nIdentifier " << hex(message.id) << "; record of " << schema.size
+            << " bytes; vtable of " << mesh::wire::vtableLength(schema) << " bytes; compact "
+            << compactText(schema) << " bytes; sent "
             << (message.policy.arrangement == Arrangement::Fixed
-                    ? std::string("as ").append(fixedText(record)).append(" bytes")
+                    ? std::string("as ").append(fixedText(schema)).append(" bytes")
                     : "compact")
             << "; a bad head leaves the record "
             << (message.policy.rootDecoding == RootDecoding::ByMessage ? "as it was" : "cleared")
@@ -109,22 +109,22 @@ void writeSections(const Service& service) {
   std::cout << "\n## " << service.name << "\n\n`" << service.name << "_recv_init`, `"
             << service.name << "_send_init`, `" << service.name << "__send_resource_clean`.\n";
   for (const Message* const message : service.messages) {
-    const Record& record = *message->record;
-    if (isWrapper(record)) {
+    const Schema& schema = *message->schema;
+    if (isWrapper(schema)) {
       continue;
     }
-    std::cout << "\n### " << record.name << '\n';
+    std::cout << "\n### " << schema.name << '\n';
     writeFacts(*message);
-    writeOperations(record);
-    writeFields(record);
+    writeOperations(schema);
+    writeFields(schema);
     for (const Message* const wrapper : service.messages) {
-      if (!isWrapper(*wrapper->record) || wrapper->record->slots[1].nested != &record) {
+      if (!isWrapper(*wrapper->schema) || wrapper->schema->slots[1].nested != &schema) {
         continue;
       }
-      std::cout << "\n#### " << wrapper->record->name << '\n';
+      std::cout << "\n#### " << wrapper->schema->name << '\n';
       writeFacts(*wrapper);
-      writeOperations(*wrapper->record);
-      writeFields(*wrapper->record);
+      writeOperations(*wrapper->schema);
+      writeFields(*wrapper->schema);
     }
   }
 }

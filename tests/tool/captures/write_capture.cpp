@@ -23,7 +23,7 @@ Bytes sample(const KnownMessage& message, size_t number, bool isDamaged, std::mt
   const model::RecordImage image(
       type, model::randomValue(type, random, static_cast<model::Density>(number % 3)));
   OwnedRecord record(message);
-  std::memcpy(record.data(), image.data(), message.record().size);
+  std::memcpy(record.data(), image.data(), message.schema().size);
   const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
   return isDamaged && number % 4 >= 2 ? model::mutate(bytes, random) : bytes;
 }

@@ -23,7 +23,7 @@ std::string failureOf(const char* message, const char* json) {
 
 Json throughRecord(const char* message, const char* json) {
   const OwnedRecord record = fromJson(messageNamed(message), parseJson(json));
-  return toJson(record.message().record(), record.data());
+  return toJson(record.message().schema(), record.data());
 }
 
 TEST(RecordJson, MissingMembersAreZero) {

@@ -18,7 +18,7 @@ constexpr int recordsOfEach = 1000;
 class RoundTrip : public testing::TestWithParam<const char*> {};
 
 std::string jsonOf(const KnownMessage& message, const uint8_t* record) {
-  return toJson(message.record(), record).dump();
+  return toJson(message.schema(), record).dump();
 }
 
 Bytes written(const model::WrittenBytes& bytes) {

@@ -18,7 +18,7 @@ inline bool libraryAccepts(const KnownMessage& message, std::span<const uint8_t>
   OwnedRecord record(message);
   const bool isAccepted =
       mesh::wire::decodeTable(
-          env, message.record(), Buffer{bytes.data(), static_cast<uint32_t>(bytes.size())},
+          env, message.schema(), Buffer{bytes.data(), static_cast<uint32_t>(bytes.size())},
           record.data(), loadAs<uint32_t>(bytes.data())) == mesh::wire::Decoded::Yes;
   record.setUnpacked();
   return isAccepted;

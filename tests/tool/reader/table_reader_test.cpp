@@ -30,13 +30,13 @@ TEST_P(ReaderAgreement, DamagedAndTruncated) {
   const KnownMessage& message = messageNamed(GetParam());
   const model::Message& type = model::message(GetParam());
   std::mt19937_64 random(message.data->id);
-  const int rounds = message.record().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
+  const int rounds = message.schema().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
   int accepted = 0;
   for (int round = 0; round < rounds; ++round) {
     const auto density = static_cast<model::Density>(round % 3);
     const model::RecordImage image(type, model::randomValue(type, random, density));
     OwnedRecord record(message);
-    std::memcpy(record.data(), image.data(), message.record().size);
+    std::memcpy(record.data(), image.data(), message.schema().size);
     Bytes bytes = round % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
     if (round % 5 == 4) {
       bytes.resize(random() % (bytes.size() + 1));
@@ -109,7 +109,7 @@ TEST(TableReader, ShortensContents) {
 
 // Schemas of no message, so that the tests do not depend on the messages.
 struct Schema {
-  mesh::wire::Record record;
+  mesh::wire::Schema record;
   mesh::msg::Message data{&record, 1, {}};
 
   [[nodiscard]] KnownMessage message() const {
@@ -120,7 +120,7 @@ struct Schema {
   }
 };
 
-mesh::wire::Record recordOf(uint32_t size, mesh::wire::NestedFailure failure,
+mesh::wire::Schema recordOf(uint32_t size, mesh::wire::NestedFailure failure,
                             std::span<const mesh::wire::Slot> slots) {
   return {"record", "", "", "", size, {mesh::wire::InlineOrder::Slots, failure}, slots};
 }
@@ -128,7 +128,7 @@ mesh::wire::Record recordOf(uint32_t size, mesh::wire::NestedFailure failure,
 TEST(TableReader, CountsSharedTableMemoryPerItem) {
   using enum mesh::wire::NestedFailure;
   const mesh::wire::Slot ofItem{{"f0"}, mesh::wire::Kind::Bytes, 1, 8, 0, nullptr};
-  const mesh::wire::Record item = recordOf(16, FailsTheTable, {&ofItem, 1});
+  const mesh::wire::Schema item = recordOf(16, FailsTheTable, {&ofItem, 1});
   const mesh::wire::Slot ofList{{"f0"}, mesh::wire::Kind::Vector, 16, 8, 0, &item};
   const Schema schema{recordOf(16, FailsTheTable, {&ofList, 1})};
   Bytes bytes;
@@ -143,9 +143,9 @@ TEST(TableReader, CountsSharedTableMemoryPerItem) {
 TEST(TableReader, RereadsTableWhenNotTolerant) {
   using enum mesh::wire::NestedFailure;
   const mesh::wire::Slot array{{"f0"}, mesh::wire::Kind::Array, 4, 0, 0, nullptr};
-  const mesh::wire::Record inner = recordOf(4, FailsTheTable, {&array, 1});
+  const mesh::wire::Schema inner = recordOf(4, FailsTheTable, {&array, 1});
   const mesh::wire::Slot held{{"f0"}, mesh::wire::Kind::Table, 4, 0, 0, &inner};
-  const mesh::wire::Record holder = recordOf(4, IsIgnored, {&held, 1});
+  const mesh::wire::Schema holder = recordOf(4, IsIgnored, {&held, 1});
   const mesh::wire::Slot both[] = {{{"f0"}, mesh::wire::Kind::Table, 4, 0, 0, &holder},
                                    {{"f1"}, mesh::wire::Kind::Table, 4, 4, 0, &inner}};
   const Schema schema{recordOf(8, FailsTheTable, both)};

@@ -10,7 +10,7 @@ namespace tool {
 namespace {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 const char* kindName(Kind kind) {
@@ -32,19 +32,19 @@ std::string slotText(const Slot& slot) {
 }
 
 // Appends the nested records first, each record once.
-void appendRecord(const Record& record, std::set<std::string>& known, std::string& text) {
-  if (!known.insert(record.name).second) {
+void appendRecord(const Schema& schema, std::set<std::string>& known, std::string& text) {
+  if (!known.insert(schema.name).second) {
     return;
   }
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     if (slot.nested != nullptr) {
       appendRecord(*slot.nested, known, text);
     }
   }
-  const bool isTolerant = record.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
-  text.append("  ").append(record.name).append(" = {tolerant = ");
+  const bool isTolerant = schema.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
+  text.append("  ").append(schema.name).append(" = {tolerant = ");
   text.append(isTolerant ? "true" : "false").append(",\n");
-  for (const Slot& slot : record.slots) {
+  for (const Slot& slot : schema.slots) {
     text += slotText(slot);
   }
   text += "  },\n";
@@ -57,7 +57,7 @@ std::string dissector() {
   std::string records;
   std::string identifiers;
   for (const KnownMessage& message : messages()) {
-    appendRecord(message.record(), known, records);
+    appendRecord(message.schema(), known, records);
     identifiers.append("  [").append(catalogue::hex(message.data->id)).append("] = \"");
     identifiers.append(message.name).append("\",\n");
   }

@@ -19,7 +19,7 @@ constexpr uint64_t second = 1'000'000'000;
 void addContents(Json& json, const KnownMessage& message, std::span<const uint8_t> bytes,
                  ByteText form) {
   if (isOwnEncoding(message, bytes)) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
+    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
     return;
   }
   const Verdict verdict = judge(message, bytes);
@@ -30,7 +30,7 @@ void addContents(Json& json, const KnownMessage& message, std::span<const uint8_
     json["faults"].push_back("decoding needs " + std::to_string(verdict.memory) +
                              " bytes of memory");
   } else if (verdict.isAccepted()) {
-    json["record"] = toJson(message.record(), decode(message, bytes).data(), form);
+    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
     return;
   }
   json["bytes"] = toHex(bytes);

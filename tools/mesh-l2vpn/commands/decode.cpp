@@ -29,7 +29,7 @@ void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptio
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.record(), record.data(), options.byteText).dump(indentOf(options))
+  std::cout << toJson(message.schema(), record.data(), options.byteText).dump(indentOf(options))
             << '\n';
 }
 

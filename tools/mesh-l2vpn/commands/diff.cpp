@@ -27,7 +27,7 @@ Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes,
     throw Failure(Exit::BadInput, file + ": receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
-  Json record = toJson(message.record(), decode(message, bytes).data());
+  Json record = toJson(message.schema(), decode(message, bytes).data());
   return {std::move(bytes), std::move(reading), std::move(record)};
 }
 

@@ -19,7 +19,7 @@ void runList(const ListOptions& options, Session& session) {
     }
     const Json facts = describe(message);
     table.add({std::string(message.name), facts["identifier"], std::string(message.service),
-               facts["sent"], facts["recordSize"].dump(), catalogue::compactText(message.record()),
+               facts["sent"], facts["recordSize"].dump(), catalogue::compactText(message.schema()),
                facts["fixedSize"].is_null() ? "-" : facts["fixedSize"].dump(),
                facts["fingerprint"]});
     all.push_back(facts);

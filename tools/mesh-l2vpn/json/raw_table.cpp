@@ -24,7 +24,7 @@ std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
     if (!verdict.isAccepted()) {
       continue;
     }
-    const bool isSame = entries == message.record().slots.size();
+    const bool isSame = entries == message.schema().slots.size();
     const bool isSound = verdict.faults.empty();
     const bool isExact = isSame && isSound && isOwnEncoding(message, bytes);
     candidates.push_back({&message, isExact             ? Fit::Exact

@@ -10,7 +10,7 @@ namespace tool {
 namespace {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 uint64_t loadScalar(const Slot& slot, const uint8_t* field) {
@@ -79,7 +79,7 @@ class RecordFiller {
  public:
   RecordFiller(OwnedRecord& owner, ByteText form) : owner_(owner), form_(form) {}
 
-  void fill(const Record& schema, const Json& json, uint8_t* record, const std::string& path) {
+  void fill(const Schema& schema, const Json& json, uint8_t* record, const std::string& path) {
     if (!json.is_object()) {
       fail(path, std::string("expected an object, not ") + json.type_name());
     }
@@ -107,7 +107,7 @@ class RecordFiller {
     return text.empty() || text.size() > longest ? json.type_name() : text;
   }
 
-  static const Slot* find(const Record& schema, std::string_view name) {
+  static const Slot* find(const Schema& schema, std::string_view name) {
     for (const Slot& slot : schema.slots) {
       if (name == slot.name.data()) {
         return &slot;
@@ -220,7 +220,7 @@ class RecordFiller {
 
 }  // namespace
 
-Json toJson(const Record& schema, const uint8_t* record, ByteText form) {
+Json toJson(const Schema& schema, const uint8_t* record, ByteText form) {
   Json json = Json::object();
   for (const Slot& slot : schema.slots) {
     json[slot.name.data()] = slotToJson(slot, record, form);
@@ -230,7 +230,7 @@ Json toJson(const Record& schema, const uint8_t* record, ByteText form) {
 
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
   OwnedRecord record(message);
-  RecordFiller(record, form).fill(message.record(), json, record.data(), "");
+  RecordFiller(record, form).fill(message.schema(), json, record.data(), "");
   return record;
 }
 

@@ -16,7 +16,7 @@ namespace tool {
 
 using Json = nlohmann::ordered_json;
 
-Json toJson(const mesh::wire::Record& schema, const uint8_t* record, ByteText form = ByteText::Hex);
+Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex);
 
 // Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
 // lengths.

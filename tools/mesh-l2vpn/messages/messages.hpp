@@ -21,7 +21,7 @@ struct KnownMessage {
   uint32_t (*pack)(const void* record, uint8_t* buffer, uint32_t* length);
   uint32_t (*sendSingle)(uint32_t destination, const void* record, uint64_t extra);
 
-  [[nodiscard]] const mesh::wire::Record& record() const { return *data->record; }
+  [[nodiscard]] const mesh::wire::Schema& schema() const { return *data->schema; }
   [[nodiscard]] bool isSentFixed() const {
     return data->policy.arrangement == mesh::msg::Arrangement::Fixed;
   }

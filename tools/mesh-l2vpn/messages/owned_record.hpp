@@ -13,7 +13,7 @@ namespace tool {
 class OwnedRecord {
  public:
   explicit OwnedRecord(const KnownMessage& message)
-      : message_(&message), words_((message.record().size + 7) / 8) {}
+      : message_(&message), words_((message.schema().size + 7) / 8) {}
   OwnedRecord(OwnedRecord&& other) noexcept = default;
   OwnedRecord& operator=(OwnedRecord&&) = delete;
   ~OwnedRecord() {

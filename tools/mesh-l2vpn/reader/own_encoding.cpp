@@ -9,8 +9,8 @@ namespace tool {
 namespace {
 
 // Only with a vector can a few bytes ask for much memory.
-bool hasVector(const mesh::wire::Record& record) {
-  return std::ranges::any_of(record.slots, [](const mesh::wire::Slot& slot) {
+bool hasVector(const mesh::wire::Schema& schema) {
+  return std::ranges::any_of(schema.slots, [](const mesh::wire::Slot& slot) {
     return slot.kind == mesh::wire::Kind::Vector;
   });
 }
@@ -19,7 +19,7 @@ bool hasVector(const mesh::wire::Record& record) {
 
 bool isOwnEncoding(const KnownMessage& message, std::span<const uint8_t> bytes) {
   if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
-      (hasVector(message.record()) && judge(message, bytes).memory > largestMemory)) {
+      (hasVector(message.schema()) && judge(message, bytes).memory > largestMemory)) {
     return false;
   }
   // A rejected message may leave a count without items in the record, which has no encoding.

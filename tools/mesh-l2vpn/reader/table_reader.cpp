@@ -14,7 +14,7 @@ namespace tool {
 namespace {
 
 using mesh::wire::Kind;
-using mesh::wire::Record;
+using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 // No buffer holds the offset words of more items.
@@ -30,11 +30,11 @@ class TableReader {
  public:
   TableReader(std::span<const uint8_t> bytes, Result& result) : bytes_(bytes), found_(result) {}
 
-  void readRoot(const Record& record) {
+  void readRoot(const Schema& schema) {
     const auto table = load<uint32_t>(0);
     found_.add(rootRange, table);
     const Path root;
-    readTable(record, table, {0, root});
+    readTable(schema, table, {0, root});
   }
 
  private:
@@ -52,7 +52,7 @@ class TableReader {
 
   // Identifies a table that was read. The same bytes may be read as another record, or below a
   // table whose faults its holder ignores.
-  using Key = std::tuple<const Record*, uint64_t, bool>;
+  using Key = std::tuple<const Schema*, uint64_t, bool>;
 
   struct Outcome {
     bool isGood;
@@ -76,8 +76,8 @@ class TableReader {
   }
 
   // Whether the table is valid. A table that several words point to is read once.
-  bool readTable(const Record& record, uint64_t table, const Origin& from) {
-    const Key key{&record, table, tolerant_};
+  bool readTable(const Schema& schema, uint64_t table, const Origin& from) {
+    const Key key{&schema, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
       found_.note([&] {
         return from.path.text() + " points to a table that was read before, at " + number(table);
@@ -87,7 +87,7 @@ class TableReader {
     }
     const uint64_t before = found_.memory();
     Head head{};
-    const bool isGood = locate(table, from, head) && readSlots(record, head, from.path);
+    const bool isGood = locate(table, from, head) && readSlots(schema, head, from.path);
     tables_[key] = {isGood, found_.memory() - before};
     return isGood;
   }
@@ -128,22 +128,22 @@ class TableReader {
     return path.holder == nullptr ? "the root" : path.text();
   }
 
-  bool readSlots(const Record& record, const Head& head, const Path& path) {
+  bool readSlots(const Schema& schema, const Head& head, const Path& path) {
     bool isGood = true;
     uint32_t entryAt = head.vtable + 4;
     const uint32_t end = head.vtable + head.length;
-    for (size_t index = 0; index < record.slots.size() && entryAt + 2 <= end; ++index) {
-      const Slot& slot = record.slots[index];
+    for (size_t index = 0; index < schema.slots.size() && entryAt + 2 <= end; ++index) {
+      const Slot& slot = schema.slots[index];
       const uint32_t entry = load<uint16_t>(entryAt);
       const Path slotPath{&path, slot.name.data()};
       found_.add(entryRange, entryAt, slotPath, index, entry, head.table);
       isGood = (entry == 0 ||
-                readSlot(record, slot, uint64_t{head.table} + entry, {entryAt, slotPath})) &&
+                readSlot(schema, slot, uint64_t{head.table} + entry, {entryAt, slotPath})) &&
                isGood;
       entryAt += 2;
     }
     if constexpr (Findings<Result>::explains) {
-      addUnknown(entryAt, end, record.slots.size(), path);
+      addUnknown(entryAt, end, schema.slots.size(), path);
     }
     return isGood;
   }
@@ -162,14 +162,14 @@ class TableReader {
     }
   }
 
-  bool readSlot(const Record& record, const Slot& slot, uint64_t at, const Origin& entry) {
+  bool readSlot(const Schema& schema, const Slot& slot, uint64_t at, const Origin& entry) {
     switch (slot.kind) {
       case Kind::Array:
       case Kind::Bytes:
         return readBytes(slot, at, entry);
       case Kind::Table: {
         const bool wasTolerant = tolerant_;
-        const bool isIgnored = record.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
+        const bool isIgnored = schema.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
         tolerant_ = tolerant_ || isIgnored;
         const bool isGood = readNested(*slot.nested, at, entry);
         tolerant_ = wasTolerant;
@@ -235,7 +235,7 @@ class TableReader {
     return true;
   }
 
-  bool readNested(const Record& nested, uint64_t at, const Origin& entry) {
+  bool readNested(const Schema& nested, uint64_t at, const Origin& entry) {
     uint64_t table = 0;
     return follow(at, entry, table) &&
            readTable(nested, table, {static_cast<uint32_t>(at), entry.path});
@@ -285,7 +285,7 @@ Result read(const KnownMessage& message, std::span<const uint8_t> bytes) {
     result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
                      "a message cannot have " + number(bytes.size()) + " bytes", false});
   } else {
-    TableReader(bytes, result).readRoot(message.record());
+    TableReader(bytes, result).readRoot(message.schema());
   }
   return result;
 }
