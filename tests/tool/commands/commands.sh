@@ -62,7 +62,7 @@ expect_text out "^^ byte 80, f1.f9: 12 bytes, but only 7 are left"
 expect_exit 0 "$tool" --color always explain -m $message compact.bin
 expect_text out $'\033['
 expect_exit 0 "$tool" explain -m $message compact.bin
-! grep -q $'\033' out || fail "colours where the output is no terminal"
+! grep -q $'\033' out || fail "colours without a terminal"
 expect_exit 0 "$tool" explain --html -m $message fixed.bin
 expect_text out '<title>'
 ! grep -qE '(src|href)=' out || fail "the page is not self-contained"
@@ -119,7 +119,7 @@ expect_exit 0 "$tool" stat --json damaged.pcapng
 [ "$(sed -n '/"all"/,$ s/ *"tables": \([0-9]*\),/\1/p' out)" -eq 1020 ] || fail "a damaged table ends stat"
 
 expect_exit 0 "$tool" completion bash
-bash -n out || fail "the completion script is no bash"
+bash -n out || fail "the completion script is not valid bash"
 bash -c '. ./out; COMP_WORDS=(mesh-l2vpn exp); COMP_CWORD=1; _mesh_l2vpn
          [ "${COMPREPLY[*]}" = explain ]' || fail "explain is not completed"
 bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode -m l2vpn_sync_stp); COMP_CWORD=3; _mesh_l2vpn

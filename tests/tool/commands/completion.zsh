@@ -15,7 +15,7 @@ fail() {
 }
 
 $1 completion zsh >$work/completion
-zsh -n $work/completion || fail "the completion script is no zsh"
+zsh -n $work/completion || fail "the completion script is not valid zsh"
 
 if [[ ! -e /dev/pts/ptmx ]]; then
   print "skipped: this machine has no pseudo terminals"

@@ -1,4 +1,4 @@
-// The commands, one a file, and the options that each takes.
+// The commands, one per file, with their options.
 #pragma once
 
 #include <optional>
