@@ -8,17 +8,17 @@
 
 #include <sstream>
 
-#include "capture_file.hpp"
-#include "codec.hpp"
-#include "explanation.hpp"
-#include "failure.hpp"
-#include "hex_text.hpp"
-#include "html_page.hpp"
+#include "bytes/failure.hpp"
+#include "bytes/hex_text.hpp"
+#include "captures/capture_file.hpp"
 #include "input.hpp"
-#include "raw_table.hpp"
-#include "record_json.hpp"
-#include "tools/dumps.hpp"
-#include "tools/library_reader.hpp"
+#include "json/raw_table.hpp"
+#include "json/record_json.hpp"
+#include "messages/codec.hpp"
+#include "texts/explanation.hpp"
+#include "texts/html_page.hpp"
+#include "tool/bytes/dumps.hpp"
+#include "tool/reader/library_reader.hpp"
 
 namespace {
 
@@ -27,13 +27,13 @@ constexpr uint64_t largestMemory = uint64_t{1} << 19;
 
 using tool::Bytes;
 using tool::Json;
-using tool::Message;
+using tool::KnownMessage;
 
-void expect(bool isSo, const Message& message, const char* what) {
+void expect(bool isSo, const KnownMessage& message, const char* what) {
   fuzz::expectNone(isSo ? "" : std::string(message.name) + ": " + what);
 }
 
-void expectSurvivesJson(const Message& message, const tool::OwnedRecord& record) {
+void expectSurvivesJson(const KnownMessage& message, const tool::OwnedRecord& record) {
   const Json json = tool::toJson(message.schema(), record.data());
   const tool::OwnedRecord again = tool::fromJson(message, tool::parseJson(json.dump()));
   expect(tool::toJson(message.schema(), again.data()) == json, message, "JSON loses something");
@@ -44,7 +44,7 @@ void expectSurvivesJson(const Message& message, const tool::OwnedRecord& record)
   expect(encoded(tool::encodeAsSent(again)) == json, message, "sending loses something");
 }
 
-void readMessage(const Message& message, std::span<const uint8_t> bytes) {
+void readMessage(const KnownMessage& message, std::span<const uint8_t> bytes) {
   const tool::Reading reading = tool::readTable(message, bytes);
   const tool::Verdict verdict = tool::judge(message, bytes);
   fuzz::expectNone(tool::unsoundness(reading, bytes));
@@ -52,7 +52,7 @@ void readMessage(const Message& message, std::span<const uint8_t> bytes) {
              verdict.faults.size() == reading.faults.size(),
          message, "a reading and its verdict differ");
   std::ostringstream text;
-  tool::explain(reading, bytes, true, tool::Session(), text);
+  tool::explain(reading, bytes, true, tool::Colors(), text);
   tool::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {
     expect(tool::libraryAccepts(message, bytes) == reading.isAccepted(), message,
@@ -87,7 +87,7 @@ void readHexText(std::string_view text) {
   }
 }
 
-void readJson(const Message& message, std::string_view text) {
+void readJson(const KnownMessage& message, std::string_view text) {
   std::optional<tool::OwnedRecord> record;
   try {
     record.emplace(tool::fromJson(message, tool::parseJson(text)));
@@ -105,17 +105,17 @@ void readCapture(std::span<const uint8_t> bytes) {
   tool::CaptureReader reader("/proc/self/fd/" + std::to_string(file));
   close(file);
   while (const auto table = reader.next()) {
-    const Message* const message = tool::findById(table->id);
+    const KnownMessage* const message = tool::findById(table->id);
     if (message == nullptr || tool::readTable(*message, table->bytes).memory <= largestMemory) {
       tool::tableJson(*table);
-      tool::isTaken(*table);
+      tool::isAccepted(*table);
     }
   }
 }
 
 // As the head's second byte has it; its lowest bit is the mutator's.
 void read(const fuzz::Head& head, std::span<const uint8_t> body) {
-  const Message& message = tool::messages()[head.message % tool::messages().size()];
+  const KnownMessage& message = tool::messages()[head.message % tool::messages().size()];
   const std::string_view text(reinterpret_cast<const char*>(body.data()), body.size());
   switch (head.choices >> 1 & 7) {
     case 0:

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Renews the baselines in abi/: the shared object's binary interface, and every message's bytes. Their
-# changes belong in one commit with the CHANGELOG entry that announces them (docs/versions.md).
+# Updates the baselines in abi/: the binary interface of the shared object, and the wire format of
+# every message. Commit them together with the CHANGELOG entry that announces the change
+# (docs/versions.md).
 #
 #   tools/announce-interface.sh
 set -euo pipefail
@@ -13,7 +14,7 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMESH_L2VPN_DEVELOPE
   -DMESH_L2VPN_EXAMPLES=OFF >/dev/null
 cmake --build "$build" --target mesh_l2vpn mesh-l2vpn-catalogue
 
-# Without the places of the sources, which differ from machine to machine.
+# Without source paths, which differ between machines.
 abidw --no-corpus-path --no-comp-dir-path --no-show-locs --exported-interfaces-only \
   --drop-undefined-syms --type-id-style hash "$build/libmesh_l2vpn.so" |
   sed "s,path='$PWD/,path='," >abi/libmesh_l2vpn.xml

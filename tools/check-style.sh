@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Checks the format of every source, and lints the library. Changes nothing.
+# Checks the format of all sources, and lints the library. Changes nothing.
 #
-#   tools/check-style.sh            format alone
-#   tools/check-style.sh --lint     clang-tidy too, which takes minutes
+#   tools/check-style.sh            only the format
+#   tools/check-style.sh --lint     also clang-tidy, which takes minutes
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 

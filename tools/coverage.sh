@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
-# Measures what the tests reach of host/, wire/ and msg/: every line, and both ways of every branch.
+# Measures line and branch coverage of host/, wire/ and msg/.
 #
 #   tools/coverage.sh
 #
-# Writes build/coverage/report/: branches.txt, with every branch that was not taken, and index.html.
-# Fails where a branch was not taken that docs/testing.md does not explain.
+# Writes build/coverage/report/: branches.txt, with every branch not taken, and index.html. Fails for a
+# branch not taken that docs/testing.md does not explain.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/setup.sh clang libclang-rt-dev llvm cmake ninja-build libgtest-dev python3-minimal
 
 build=${MESH_L2VPN_COVERAGE_BUILD:-build/coverage}
-# The tests that are about the engine's ways, not about its messages; those of tests/host want a
-# process each. Random ones add little to the exhaustive ones, so a few rounds do.
+# Tests of the engine rather than of single messages. Those of tests/host need a process each. Random
+# tests add little to the exhaustive ones, so few rounds suffice.
 tests=(agreement_test bounded_memory_test descriptors_test exhaustive_test msg_test wire_test)
 export MESH_TEST_ROUNDS=0.02
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Debian packages in build/packages and lets lintian look for errors in them.
+# Builds the Debian packages in build/packages and checks them with lintian.
 #
 #   tools/make-packages.sh
 set -euo pipefail

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the reference of the public headers in build/reference/html; warnings are errors, and so is a
-# function that is not in it.
+# Generates the reference of the public headers in build/reference/html. Fails for warnings and for
+# missing functions.
 #
 #   tools/make-reference.sh
 set -euo pipefail

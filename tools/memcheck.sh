@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
-# Watches the shared object with valgrind while every operation of every message is exercised: random
-# records and damaged messages, memory refused at times, sixteen threads at once. Fails for any access
-# that is not right, any byte that nobody wrote and any block that is not given back.
+# Runs every operation of every message under valgrind: random records, damaged messages, failing
+# allocations, sixteen threads. Fails for invalid accesses, uninitialised bytes and leaks.
 #
-#   tools/memcheck.sh [ROUNDS]    of random records, 3 by default (about a minute)
+#   tools/memcheck.sh [ROUNDS]    rounds of random records; default 3, about a minute
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,4 +15,4 @@ watch=(valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=a
        --errors-for-leak-kinds=all --trace-children=yes --fair-sched=try)
 "${watch[@]}" build/memcheck/tests/exercise/exercise records "$rounds"
 "${watch[@]}" build/memcheck/tests/exercise/exercise threads 0.1 1
-echo "valgrind: nothing to complain of"
+echo "valgrind: no errors"

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are named and missing. Changes nothing when none is.
+# Installs the named Debian packages that are missing. Changes nothing if none is.
 #
 #   tools/setup.sh PACKAGE...
 set -euo pipefail
 
 if ! command -v dpkg-query >/dev/null; then
-  echo "Not a Debian: make sure that what these packages hold is there: $*" >&2
+  echo "Not Debian: make sure that the contents of these packages are installed: $*" >&2
   exit 0
 fi
 
@@ -23,7 +23,7 @@ if [ "$(id -u)" -eq 0 ]; then
 elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
   as_root=(sudo env)
 else
-  echo "This needs root, and sudo does not give it without a password. Run once, then start again:" >&2
+  echo "This needs root, and sudo asks for a password. Run this, then start again:" >&2
   echo "  sudo apt-get update && sudo apt-get install ${missing[*]}" >&2
   exit 1
 fi

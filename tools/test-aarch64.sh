@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds for 64-bit ARM and passes there, under qemu, what tells most of the library on a processor:
-# engine and model agree, golden bytes, sending, examples. (Not the behaviour tests, whose compiling
-# takes minutes.) qemu is slow: the comparison with the model makes a fiftieth of its rounds.
+# Builds for 64-bit ARM and runs under qemu the tests that tell most about a processor: agreement of
+# engine and model, golden bytes, sending, examples. Not the behaviour tests, which take minutes to
+# compile. qemu is slow, so the comparison with the model runs a fiftieth of its rounds.
 #
 #   tools/test-aarch64.sh
 set -euo pipefail

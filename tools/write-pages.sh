@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes anew what is made of the schemas: docs/messages.md and the headers with the functions.
+# Generates docs/messages.md and the function headers from the schemas.
 #
 #   tools/write-pages.sh
 set -euo pipefail

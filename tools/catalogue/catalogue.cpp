@@ -30,7 +30,7 @@ Range compactRange(const Schema& schema) {
 std::string kindOf(const Slot& slot) {
   switch (slot.kind) {
     case Kind::Scalar:
-      return "u" + std::to_string(8 * slot.size);
+      return std::to_string(8 * slot.size).insert(0, 1, 'u');
     case Kind::Array:
       return "bytes[" + std::to_string(slot.size) + "]";
     case Kind::Bytes:

@@ -1,4 +1,4 @@
-// What is written about the messages, taken from the schemas at run time.
+// Facts about the messages, from the schemas.
 #pragma once
 
 #include <cstdint>
@@ -16,16 +16,16 @@ struct Service {
   std::vector<const mesh::msg::Message*> messages;  // in registration order
 };
 
-// The three services, in the order in which the library's headers are read.
+// The three services, in the order of the headers.
 std::vector<Service> services();
 
 struct Range {
   uint64_t from;
   uint64_t to;
-  bool isOpen;  // byte strings or vectors have no end of their own
+  bool isOpen;  // byte strings and vectors are not bounded
 };
 
-// The compact message with nothing in it, and with every scalar.
+// The size of the compact message: all slots absent, and all scalars present.
 Range compactRange(const mesh::wire::Schema& schema);
 
 std::string kindOf(const mesh::wire::Slot& slot);
@@ -44,15 +44,15 @@ std::string hex(uint64_t fingerprint);
 // "72 to 93", "20 and more".
 std::string compactText(const mesh::wire::Schema& schema);
 
-// What of a message goes over the wire, as a line of text, and the line's 64-bit FNV-1a hash. Two
-// programs that agree on a message's fingerprint read each other's.
+// The wire format of a message as a line of text, and the 64-bit FNV-1a hash of that line. Programs
+// with equal fingerprints of a message understand each other.
 std::string wireText(const mesh::msg::Message& message);
 uint64_t fingerprint(const mesh::msg::Message& message);
 
 void writePage();
 void writeFingerprints();
 
-// The header with a service's functions, from which its public header takes them.
+// Writes the header with the functions of a service, which its public header includes.
 void writeFunctions(const Service& service);
 
 }  // namespace catalogue

@@ -1,4 +1,4 @@
-// What of a message goes over the wire, as text and as one number.
+// The wire format of a message, as text and as a number.
 
 #include <iostream>
 

@@ -1,5 +1,5 @@
-// The headers with the services' functions, l2vpn_*_functions.h: every name in full, so that it is
-// found by grep and by an editor, and beside it what is true of this message.
+// The headers with the functions of the services, l2vpn_*_functions.h. They have every name in
+// full, so that grep and editors find it, with the facts of its message.
 
 #include <algorithm>
 #include <iostream>
@@ -16,7 +16,7 @@ using mesh::wire::Schema;
 
 constexpr size_t lineLength = 100;
 
-// A comment, broken into lines.
+// Wraps a comment.
 void writeComment(const std::string& text) {
   std::string line = "/**";
   size_t at = 0;
@@ -32,7 +32,7 @@ void writeComment(const std::string& text) {
   std::cout << line << " */\n";
 }
 
-// A function's declaration, its parameters below one another where they do not fit.
+// Writes the declaration of a function. Wraps long parameter lists.
 void writeDeclaration(const std::string& start, const std::vector<std::string>& parameters) {
   std::string line = start + '(';
   const size_t indent = line.size();

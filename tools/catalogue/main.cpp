@@ -1,8 +1,8 @@
-// Writes to its output what the schemas say.
+// Writes pages and headers from the schemas to the standard output.
 //
 //   mesh-l2vpn-catalogue                      the page of all messages, docs/messages.md
-//   mesh-l2vpn-catalogue fingerprints         name, identifier, fingerprint and wire text, a line
-//   each mesh-l2vpn-catalogue functions SERVICE    the header SERVICE_functions.h
+//   mesh-l2vpn-catalogue fingerprints         name, identifier, fingerprint, wire text; one per
+//   line mesh-l2vpn-catalogue functions SERVICE    the header SERVICE_functions.h
 
 #include <cstdio>
 #include <iostream>

@@ -22,19 +22,18 @@ constexpr const char* introduction =
 Every message of the library: its identifier, its C record, its slots. The index comes first, then
 one section for each record; the update and delete messages of a record stand in its section.
 
-- Fields bear the number of their slot. A byte string in slot N is the pair `fN_len` and `fN`, a
-  vector the pair `fN_count` and `fN`; both C offsets are given.
-- *Compact* is the length of what `__pack` writes, from a record of zeros to one without a zero;
-  "and more" where byte strings or items come on top.
-- *Fixed* is the length of the fixed arrangement. Messages that are sent in it have it whatever
-  their values; the others are sent in the compact arrangement. The position of a field is counted
-  from the first byte of that message; for `bytes[N]` and tables it is that of the offset word.
-- A message that is received with a bad frame (root, vtable position or vtable length) leaves the
-  caller's record *as it was* or *cleared*.
-- The *fingerprint* stands for what goes over the wire: how the message is sent, the order of its
-  inline part, and the kinds and sizes of its slots in order, nested ones included; not for names.
-  Peers with equal fingerprints read each other. It is the 64-bit FNV-1a hash of a text that
-  `mesh-l2vpn-catalogue fingerprints` prints beside it.
+- Field fN is slot N. A byte string is the pair `fN_len` and `fN`, a vector the pair `fN_count` and
+  `fN`; the tables give both C offsets.
+- *Compact* is the length that `__pack` writes, from a record of zeros to one without zeros. "and more":
+  byte strings or items add to it.
+- *Fixed* is the length of the fixed arrangement. It does not depend on values. Positions of fields count
+  from the first byte of the message; for `bytes[N]` and tables they are those of the offset word.
+- A message with a bad head (root, vtable position or vtable length) leaves the caller's record *as it
+  was* or *cleared*.
+- The *fingerprint* identifies the wire format of a message: how it is sent, the order of its inline
+  part, and the kinds and sizes of its slots in order, including nested ones, but not names. Peers with
+  equal fingerprints understand each other. It is the 64-bit FNV-1a hash of a text that
+  `mesh-l2vpn-catalogue fingerprints` prints.
 )";
 
 std::string fixedText(const Schema& schema) {
@@ -101,7 +100,7 @@ void writeFacts(const Message& message) {
             << (message.policy.arrangement == Arrangement::Fixed
                     ? std::string("as ").append(fixedText(schema)).append(" bytes")
                     : "compact")
-            << "; a bad frame leaves the record "
+            << "; a bad head leaves the record "
             << (message.policy.rootDecoding == RootDecoding::ByMessage ? "as it was" : "cleared")
             << ".\n";
 }

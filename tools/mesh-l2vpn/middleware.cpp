@@ -5,16 +5,15 @@
 
 #include <filesystem>
 
-#include "failure.hpp"
-#include "messages.hpp"
+#include "bytes/failure.hpp"
+#include "messages/messages.hpp"
 
 namespace tool {
 namespace {
 
 constexpr const char* libraryName = "libzarnimesh.so";
 
-// Where the program was installed the library lies beside it, in a directory that the loader does
-// not look into by itself.
+// The library is installed in a directory that the loader does not search.
 std::string installedLibrary() {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -24,16 +23,16 @@ std::string installedLibrary() {
 
 void* load(const std::string& library) {
   const std::string path = library.empty() ? installedLibrary() : library;
-  // Local: its functions are found through this handle alone.
+  // Local: only this handle finds its functions.
   void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    throw Failure(Exit::System, std::string("no middleware: ") + dlerror() +
-                                    "; --middleware or MESH_L2VPN_MIDDLEWARE names a libzarnimesh");
+    throw Failure(Exit::System, std::string("cannot load the middleware: ") + dlerror() +
+                                    "; set --middleware or MESH_L2VPN_MIDDLEWARE");
   }
   return handle;
 }
 
-// The record is not wanted, only the table beside it.
+// The commands need the table, not the record.
 uint32_t unpackNothing(const uint8_t* /*data*/, uint32_t /*length*/, void* /*record*/) {
   return 0;
 }
@@ -82,7 +81,7 @@ struct Node::Functions {
 
 Node::Node(const std::string& library, uint32_t address)
     : functions_(std::make_unique<Functions>(load(library))), address_(address) {
-  for (const Message& message : messages()) {
+  for (const KnownMessage& message : messages()) {
     functions_->registerHook(message.data->id, &unpackNothing, &freeNothing);
   }
   mesh_node_options options;
@@ -146,13 +145,13 @@ void Node::takeRecord(const mesh_received* received, void* self) {
                                  {received->table, received->table_length}, received->extra);
 }
 
-// The middleware does not say what travelled along with a table that it does not know.
+// The middleware does not pass on `extra` with an unknown table.
 void Node::takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
                        void* self) {
   static_cast<Node*>(self)->take(source, id, {data, length}, 0);
 }
 
-// The middleware must not see an exception; it is thrown again behind it.
+// Exceptions must not pass through the middleware: receive() throws this one again.
 void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra) {
   if (!failure_.empty() || handler_ == nullptr) {
     return;
@@ -166,8 +165,8 @@ void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, ui
   }
 }
 
-uint32_t passingAddress() {
-  return 0xF0000000 | static_cast<uint32_t>(getpid());
+uint32_t sendingAddress(uint32_t wanted) {
+  return wanted != 0 ? wanted : 0xF0000000 | static_cast<uint32_t>(getpid());
 }
 
 }  // namespace tool

@@ -1,5 +1,5 @@
-// The workstation's middleware, loaded while the program runs: only commands that talk need it, and
-// its MESH_SendMsg must not take the place of this program's own (sent_table.hpp).
+// The workstation's middleware, loaded at run time: few commands need it, and its MESH_SendMsg must
+// not replace this program's (messages/sent_table.hpp).
 #pragma once
 
 #include <functional>
@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "traffic.hpp"
+#include "captures/traffic.hpp"
 #include "zarnimesh/mesh.h"
 #include "zarnimesh/node.h"
 
@@ -16,26 +16,25 @@ namespace tool {
 // A node of this process. One at a time.
 class Node {
  public:
-  // `library`: the path of a libzarnimesh; empty for the one that came along. Fails when there is
-  // none, or when the node does not open.
+  // `library`: the path of a libzarnimesh; empty for the installed one. Fails if it cannot be
+  // loaded or the node does not open.
   Node(const std::string& library, uint32_t address);
   ~Node();
   Node(const Node&) = delete;
   Node& operator=(const Node&) = delete;
 
-  // Fails with the middleware's text.
+  // Fails with the middleware's error text.
   void send(uint32_t destination, uint32_t id, std::span<const uint8_t> table, uint64_t extra);
 
-  // Waits for the tables of one call and hands each over, without decoding it. Calls that were
-  // missed are told with the first table behind them.
+  // Waits for the tables of one call and passes each to the handler, not decoded. The first table
+  // after missed calls tells their number.
   void receive(int timeoutMs, const std::function<void(const Table&)>& handler);
 
   [[nodiscard]] mesh_node_statistics statistics() const;
-  // Calls to this node that did not arrive, those among them that a sender made before the first
-  // that did.
+  // Calls to this node that did not arrive, including those before a sender's first call that did.
   [[nodiscard]] uint64_t missedCalls() const;
 
-  // Fails when the middleware could not hand over what was sent.
+  // Fails if the middleware could not deliver what was sent.
   void close();
 
  private:
@@ -54,7 +53,7 @@ class Node {
   uint64_t missedSoFar_ = 0;
 };
 
-// The address of a node that only sends, different in every process.
-uint32_t passingAddress();
+// The address of a node that only sends: the wanted one; for 0 one that differs in every process.
+uint32_t sendingAddress(uint32_t wanted);
 
 }  // namespace tool

@@ -8,7 +8,7 @@ namespace tool {
 namespace {
 
 constexpr auto interval = std::chrono::milliseconds(200);
-// The clock is not asked for every single one.
+// Reads the clock once per stride.
 constexpr uint64_t stride = 64;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Tells on a terminal how far long work has come.
+// Shows the progress of long work on a terminal.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// Silent when the standard error is no terminal, or with --quiet.
+// Silent if the standard error is not a terminal, and with --quiet.
 class Progress {
  public:
   Progress(const Session& session, std::string what);

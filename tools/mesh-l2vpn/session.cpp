@@ -7,32 +7,20 @@
 #include <cstring>
 #include <iostream>
 
-#include "printable.hpp"
+#include "texts/printable.hpp"
 
 namespace tool {
 
-bool Session::hasColor() const {
+Colors Session::colors() const {
   if (color != "auto") {
-    return color == "always";
+    return {color == "always"};
   }
   const char* const refused = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
-}
-
-std::string Session::ink(Ink ink, std::string_view text) const {
-  static constexpr const char* codes[] = {"0", "1", "2", "31", "32", "33", "34", "35", "36"};
-  if (ink == Ink::Plain || text.empty() || !hasColor()) {
-    return std::string(text);
-  }
-  return std::string("\033[")
-      .append(codes[static_cast<int>(ink)])
-      .append("m")
-      .append(text)
-      .append("\033[0m");
+  return {isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0')};
 }
 
 void Session::say(const std::string& text) const {
-  if (!isQuiet) {
+  if (!isQuiet && !text.empty()) {
     std::cout.flush();
     complain(text);
   }

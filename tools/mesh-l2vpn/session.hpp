@@ -1,36 +1,30 @@
-// What holds for every command: how it may speak, and how it ends.
+// The state of a run: how the program prints, and its exit status.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-#include "failure.hpp"
+#include "bytes/failure.hpp"
+#include "texts/ink.hpp"
 
 namespace tool {
-
-enum class Ink : uint8_t { Plain, Bold, Dim, Red, Green, Yellow, Blue, Magenta, Cyan };
 
 struct Session {
   bool isQuiet = false;
   std::string color = "auto";  // auto, always, never
   Exit result = Exit::Success;
 
-  // Whether the standard output is to be coloured: when it is a terminal and NO_COLOR is not set,
-  // unless told otherwise.
-  [[nodiscard]] bool hasColor() const;
+  // "auto" colours text for a terminal, unless NO_COLOR is set.
+  [[nodiscard]] Colors colors() const;
 
-  // The text, coloured where colours are wanted.
-  [[nodiscard]] std::string ink(Ink ink, std::string_view text) const;
-
-  // To the standard error, unless quiet: what a command found, as far as it is not its output.
+  // Prints a text to the standard error, unless it is empty or quiet is set.
   void say(const std::string& text) const;
 };
 
-// A line on the standard error, in which control characters of what was read are escaped: they
-// never reach a terminal.
+// Prints a line to the standard error. Escapes control characters, which may come from the input.
 void complain(std::string_view text);
 
-// Why the output failed, told where an attempt to write has just done so.
+// The failure of the output. errno must be that of the failed write.
 Failure outputFailure();
 
 }  // namespace tool

@@ -1,30 +1,122 @@
-// The commands, one a file: each adds itself to the program.
+// The commands, one per file, with their options.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "bytes/byte_text.hpp"
+#include "bytes/input.hpp"
 #include "session.hpp"
 
 namespace tool {
 
-void addList(CLI::App& app, Session& session);
-void addShow(CLI::App& app, Session& session);
-void addDecode(CLI::App& app, Session& session);
-void addEncode(CLI::App& app, Session& session);
-void addExplain(CLI::App& app, Session& session);
-void addDiff(CLI::App& app, Session& session);
-void addSend(CLI::App& app, Session& session);
-void addListen(CLI::App& app, Session& session);
-void addRecord(CLI::App& app, Session& session);
-void addReplay(CLI::App& app, Session& session);
-void addStat(CLI::App& app, Session& session);
-void addDissector(CLI::App& app, Session& session);
-void addCompletion(CLI::App& app, Session& session);
+struct ListOptions {
+  std::string service;
+  bool isJson = false;
+};
+void runList(const ListOptions& options, Session& session);
 
-// What a command read in, by its options.
-template <typename Options>
-std::shared_ptr<Options> makeOptions() {
-  return std::make_shared<Options>();
-}
+struct ShowOptions {
+  std::string message;
+  bool isJson = false;
+};
+void runShow(const ShowOptions& options, Session& session);
+
+// Of every command that reads one message.
+struct InputOptions {
+  std::string message;
+  std::string file = "-";
+  InputForm form = InputForm::Guessed;
+};
+
+struct DecodeOptions : InputOptions {
+  ByteText byteText = ByteText::Hex;
+  bool isOnOneLine = false;
+  bool isCapture = false;
+};
+void runDecode(const DecodeOptions& options, Session& session);
+
+struct EncodeOptions {
+  std::string message;
+  std::string file = "-";
+  ByteText byteText = ByteText::Hex;
+  bool isFixed = false;
+  bool isCompact = false;
+  bool isHex = false;
+};
+void runEncode(const EncodeOptions& options, Session& session);
+
+struct ExplainOptions : InputOptions {
+  bool isHtml = false;
+  bool isWhole = false;
+};
+void runExplain(const ExplainOptions& options, Session& session);
+
+struct DiffOptions : InputOptions {
+  std::string second;
+  bool isJson = false;
+};
+void runDiff(const DiffOptions& options, Session& session);
+
+// Of every command that sends.
+struct SenderOptions {
+  std::string middleware;
+  uint32_t from = 0;  // 0: an address of this process
+  std::optional<uint32_t> to;
+  std::string file = "-";
+};
+
+struct SendOptions : SenderOptions {
+  std::string message;
+  ByteText byteText = ByteText::Hex;
+  uint64_t extra = 0;
+};
+void runSend(const SendOptions& options, Session& session);
+
+struct ReplayOptions : SenderOptions {
+  double speed = 1;
+  double rate = 0;
+  bool isAtOnce = false;
+};
+void runReplay(const ReplayOptions& options, Session& session);
+
+// Of every command that receives.
+struct ReceiverOptions {
+  std::string middleware;
+  uint32_t address = 0;
+  uint64_t count = 0;
+  double seconds = 0;
+};
+
+struct ListenOptions : ReceiverOptions {
+  ByteText byteText = ByteText::Hex;
+};
+void runListen(const ListenOptions& options, Session& session);
+
+struct RecordOptions : ReceiverOptions {
+  std::string file;
+};
+void runRecord(const RecordOptions& options, Session& session);
+
+struct StatOptions {
+  std::string file;
+  bool isJson = false;
+};
+void runStat(const StatOptions& options, Session& session);
+
+// The words that a shell completes.
+struct CompletionOptions {
+  struct Command {
+    std::string name;
+    std::string options;
+  };
+
+  std::string shell;
+  std::vector<Command> commands;
+  std::string options;           // of the program itself
+  std::string optionsWithValue;  // those of them that take one
+};
+void runCompletion(const CompletionOptions& options, Session& session);
 
 }  // namespace tool

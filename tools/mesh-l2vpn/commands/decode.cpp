@@ -1,30 +1,23 @@
-// decode: bytes become JSON.
+// decode: converts bytes to JSON.
 
 #include <iostream>
 
-#include "capture_file.hpp"
-#include "codec.hpp"
-#include "commands/byte_text_option.hpp"
+#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
-#include "commands/input_options.hpp"
+#include "json/raw_table.hpp"
+#include "json/record_json.hpp"
+#include "messages/codec.hpp"
 #include "progress.hpp"
-#include "raw_table.hpp"
-#include "record_json.hpp"
-#include "table_reader.hpp"
+#include "reader/table_reader.hpp"
 
 namespace tool {
 namespace {
 
-struct Options {
-  InputOptions input;
-  ByteTextOption bytes;
-  bool isOnOneLine = false;
-  bool isCaptured = false;
+int indentOf(const DecodeOptions& options) {
+  return options.isOnOneLine ? -1 : 2;
+}
 
-  [[nodiscard]] int indent() const { return isOnOneLine ? -1 : 2; }
-};
-
-void decodeAs(const Message& message, const Bytes& bytes, const Options& options,
+void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptions& options,
               Session& session) {
   const Verdict reading = judge(message, bytes);
   for (const Fault& fault : reading.faults) {
@@ -36,7 +29,7 @@ void decodeAs(const Message& message, const Bytes& bytes, const Options& options
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.schema(), record.data(), options.bytes.form()).dump(options.indent())
+  std::cout << toJson(message.schema(), record.data(), options.byteText).dump(indentOf(options))
             << '\n';
 }
 
@@ -58,18 +51,19 @@ std::string cutText(const Table& table) {
          std::to_string(held + table.cutOff) + " bytes";
 }
 
-// Table by table, in as much memory as the largest takes.
-void decodeCapture(std::unique_ptr<InputFile> file, const Options& options, Session& session) {
+// Table by table: takes the memory of one table.
+void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options,
+                   Session& session) {
   CaptureReader reader(std::move(file));
-  const Message* const wanted =
-      options.input.message.empty() ? nullptr : &messageNamed(options.input.message);
+  const KnownMessage* const wanted =
+      options.message.empty() ? nullptr : &messageNamed(options.message);
   {
     Progress progress(session, "tables");
     while (const auto table = reader.next()) {
       if (wanted != nullptr && table->id != wanted->data->id) {
         continue;
       }
-      Json json = tableJson(*table, options.bytes.form());
+      Json json = tableJson(*table, options.byteText);
       if (table->cutOff != 0) {
         json["faults"].push_back(cutText(*table));
       }
@@ -84,33 +78,17 @@ void decodeCapture(std::unique_ptr<InputFile> file, const Options& options, Sess
 
 }  // namespace
 
-void addDecode(CLI::App& app, Session& session) {
-  CLI::App* const command = app.add_subcommand(
-      "decode", "Bytes in, JSON out; without a message the raw table and what it could be");
-  const auto options = makeOptions<Options>();
-  options->input.addTo(*command);
-  options->bytes.addTo(*command);
-  command->add_flag("--line", options->isOnOneLine, "JSON on one line");
-  command
-      ->add_flag("--capture", options->isCaptured,
-                 "The input is a capture: a line of JSON for each table")
-      ->excludes("--binary", "--hex");
-  command->footer(
-      "Examples:\n  mesh-l2vpn decode -m l2vpn_sync_vpls_ac_update update.bin\n"
-      "  xxd -p update.bin | mesh-l2vpn decode -m 0x5EED5F0D -\n  mesh-l2vpn decode unknown.bin\n"
-      "  mesh-l2vpn decode night.pcapng | jq 'select(.faults)'");
-  command->callback([options, &session] {
-    auto file = std::make_unique<InputFile>(options->input.file);
-    if (options->isCaptured || (options->input.form() == InputForm::Guessed && isCapture(*file))) {
-      return decodeCapture(std::move(file), *options, session);
-    }
-    const Bytes bytes = readBytes(*file, options->input.form());
-    if (options->input.message.empty()) {
-      decodeRaw(bytes, options->indent());
-    } else {
-      decodeAs(messageNamed(options->input.message), bytes, *options, session);
-    }
-  });
+void runDecode(const DecodeOptions& options, Session& session) {
+  auto file = std::make_unique<InputFile>(options.file);
+  if (options.isCapture || (options.form == InputForm::Guessed && isCapture(*file))) {
+    return decodeCapture(std::move(file), options, session);
+  }
+  const Bytes bytes = readBytes(*file, options.form);
+  if (options.message.empty()) {
+    decodeRaw(bytes, indentOf(options));
+  } else {
+    decodeAs(messageNamed(options.message), bytes, options, session);
+  }
 }
 
 }  // namespace tool

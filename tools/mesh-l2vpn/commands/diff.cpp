@@ -1,23 +1,16 @@
-// diff: what differs between two messages.
+// diff: compares two messages.
 
 #include <iostream>
 
-#include "codec.hpp"
 #include "commands/commands.hpp"
-#include "commands/input_options.hpp"
-#include "difference.hpp"
-#include "message_choice.hpp"
-#include "table_reader.hpp"
-#include "text_table.hpp"
+#include "json/raw_table.hpp"
+#include "messages/codec.hpp"
+#include "reader/table_reader.hpp"
+#include "texts/difference.hpp"
+#include "texts/text_table.hpp"
 
 namespace tool {
 namespace {
-
-struct Options {
-  InputOptions input;  // its file is the first
-  std::string other;
-  bool isJson = false;
-};
 
 struct Side {
   Bytes bytes;
@@ -25,7 +18,7 @@ struct Side {
   Json record;
 };
 
-Side readSide(const std::string& file, const Message& message, Bytes bytes, Session& session) {
+Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes, Session& session) {
   Reading reading = readTable(message, bytes);
   for (const Fault& fault : reading.faults) {
     session.say(file + ": " + faultText(fault));
@@ -38,7 +31,7 @@ Side readSide(const std::string& file, const Message& message, Bytes bytes, Sess
   return {std::move(bytes), std::move(reading), std::move(record)};
 }
 
-// As much of a value as a column has room for.
+// Shortens a value to fit a column.
 std::string shortened(const std::string& text) {
   constexpr size_t most = 60;
   constexpr size_t shown = 32;
@@ -55,7 +48,7 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
     for (const FieldDifference& field : fields) {
       table.add({field.path, shortened(field.one), shortened(field.other)});
     }
-    std::cout << table.text(session);
+    std::cout << table.text(session.colors());
   }
   if (!bytes.empty()) {
     TextTable table({"byte", "in the first", "first", "second"});
@@ -63,7 +56,7 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
       table.add({std::to_string(difference.at), difference.meaning, shortened(difference.one),
                  shortened(difference.other)});
     }
-    std::cout << (fields.empty() ? "" : "\n") << table.text(session);
+    std::cout << (fields.empty() ? "" : "\n") << table.text(session.colors());
   }
 }
 
@@ -89,15 +82,18 @@ Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDi
   return json;
 }
 
-void run(const Options& options, Session& session) {
-  if (options.input.file == "-" && options.other == "-") {
+}  // namespace
+
+void runDiff(const DiffOptions& options, Session& session) {
+  if (options.file == "-" && options.second == "-") {
     throw Failure(Exit::Usage, "the standard input cannot be both messages");
   }
-  Bytes first = options.input.read();
-  Bytes second = readBytes(options.other, options.input.form());
-  const Message& message = chooseMessage(options.input.message, first, session);
-  const Side one = readSide(options.input.file, message, std::move(first), session);
-  const Side other = readSide(options.other, message, std::move(second), session);
+  Bytes first = readBytes(options.file, options.form);
+  Bytes second = readBytes(options.second, options.form);
+  const auto [message, note] = chooseMessage(options.message, first);
+  session.say(note);
+  const Side one = readSide(options.file, message, std::move(first), session);
+  const Side other = readSide(options.second, message, std::move(second), session);
   const auto fields = fieldDifferences(one.record, other.record);
   const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
   if (options.isJson) {
@@ -111,25 +107,6 @@ void run(const Options& options, Session& session) {
   }
   const bool isSame = fields.empty() && bytes.empty() && one.bytes.size() == other.bytes.size();
   session.result = isSame ? Exit::Success : Exit::BadInput;
-}
-
-}  // namespace
-
-void addDiff(CLI::App& app, Session& session) {
-  CLI::App* const command =
-      app.add_subcommand("diff", "What differs between two messages, by field and by byte");
-  const auto options = makeOptions<Options>();
-  command->add_option("-m,--message", options->input.message, "Name or identifier")
-      ->check(notEmpty());
-  command->add_option("FIRST", options->input.file, "Bytes, or their hexadecimal text")->required();
-  command->add_option("SECOND", options->other, "The same")->required();
-  options->input.addFormTo(*command);
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer(
-      "Exit status 0 when they are the same, faults and all; 1 when they differ, or receivers\n"
-      "reject one. Long values are shortened; --json has them whole.\n\n"
-      "Example:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool

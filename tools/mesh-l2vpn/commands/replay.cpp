@@ -1,28 +1,22 @@
-// replay: a capture's tables, sent again.
+// replay: sends the tables of a capture again.
 
+#include <chrono>
 #include <thread>
 
-#include "../catalogue/catalogue.hpp"
-#include "capture_file.hpp"
+#include "bytes/interruption.hpp"
+#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
-#include "commands/talk_options.hpp"
+#include "middleware.hpp"
 #include "progress.hpp"
+#include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
 namespace {
 
-struct Options {
-  SendOptions talk;
-  std::string file;
-  double speed = 1;
-  double rate = 0;
-  bool isAtOnce = false;
-};
-
-// When each table is due.
+// Waits until each table is due.
 class Pace {
  public:
-  explicit Pace(const Options& options) : options_(options) {}
+  explicit Pace(const ReplayOptions& options) : options_(options) {}
 
   void waitFor(const Table& table) {
     if (options_.isAtOnce) {
@@ -49,7 +43,7 @@ class Pace {
   using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::milliseconds longestSleep{100};
 
-  const Options& options_;
+  const ReplayOptions& options_;
   uint64_t sent_ = 0;
   uint64_t first_ = 0;
   Clock::time_point start_;
@@ -63,19 +57,21 @@ void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBef
   try {
     node.send(destination, table.id, table.bytes, table.extra);
   } catch (const Failure& failure) {
-    const Message* const message = findById(table.id);
+    const KnownMessage* const message = findById(table.id);
     const std::string name =
         message == nullptr ? "identifier " + catalogue::hex(table.id) : std::string(message->name);
     throw Failure(failure.exit(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +
                                       failure.what() + "; " + tablesText(sentBefore) +
-                                      " went out before");
+                                      " were sent before");
   }
 }
 
-void run(const Options& options, Session& session) {
+}  // namespace
+
+void runReplay(const ReplayOptions& options, Session& session) {
   catchInterruptions();
   CaptureReader reader(options.file);
-  Node node(options.talk.middleware, options.talk.sender());
+  Node node(options.middleware, sendingAddress(options.from));
   Pace pace(options);
   uint64_t sent = 0;
   {
@@ -85,9 +81,7 @@ void run(const Options& options, Session& session) {
       if (isInterrupted()) {
         break;
       }
-      const auto to = options.talk.toOption->count() != 0 ? static_cast<uint32_t>(options.talk.to)
-                                                          : table->destination;
-      send(node, to, *table, sent);
+      send(node, options.to.value_or(table->destination), *table, sent);
       ++sent;
       progress.add();
     }
@@ -96,33 +90,10 @@ void run(const Options& options, Session& session) {
     node.close();
   } catch (const Failure& failure) {
     throw Failure(failure.exit(), std::string(failure.what()) + "; " + tablesText(sent) +
-                                      " had been handed to the middleware");
+                                      " had been passed to the middleware");
   }
   session.say(tablesText(sent) + " sent");
   reader.throwFault();
-}
-
-}  // namespace
-
-void addReplay(CLI::App& app, Session& session) {
-  CLI::App* const command = app.add_subcommand("replay", "A capture's tables, sent again");
-  const auto options = makeOptions<Options>();
-  options->talk.addTo(*command, "Address of the receiving node; the recorded one otherwise");
-  command->add_option("FILE", options->file, "A capture; - for the standard input")->required();
-  CLI::Option* const speed =
-      command->add_option("--speed", options->speed, "As many times as fast as it was recorded")
-          ->check(positive());
-  CLI::Option* const rate =
-      command->add_option("--rate", options->rate, "That many tables a second")
-          ->check(positive())
-          ->excludes(speed);
-  command->add_flag("--at-once", options->isAtOnce, "As fast as the receiver takes them")
-      ->excludes(speed)
-      ->excludes(rate);
-  command->footer(
-      "Examples:\n  mesh-l2vpn replay --to 2 night.pcapng\n"
-      "  mesh-l2vpn replay --rate 1000 night.pcapng");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool

@@ -1,27 +1,22 @@
-// show: one message.
+// show: shows one message.
 
 #include <iostream>
 
-#include "../catalogue/catalogue.hpp"
 #include "commands/commands.hpp"
-#include "description.hpp"
-#include "text_table.hpp"
+#include "json/description.hpp"
+#include "texts/text_table.hpp"
+#include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
 namespace {
-
-struct Options {
-  std::string message;
-  bool isJson = false;
-};
 
 std::string cell(const Json& value) {
   return value.is_null() ? "-" : value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-std::string textOf(const Message& message, const Session& session) {
+std::string textOf(const KnownMessage& message, const Session& session) {
   const Json facts = describeWithSlots(message);
-  std::string text = session.ink(Ink::Bold, message.name) + '\n';
+  std::string text = session.colors().ink(Ink::Bold, message.name) + '\n';
   const auto line = [&text](std::string_view label, const std::string& value) {
     text.append("  ").append(label).append(14 - label.size(), ' ').append(value).append("\n");
   };
@@ -41,23 +36,15 @@ std::string textOf(const Message& message, const Session& session) {
                         : cell(slot["recordOffset"]),
                cell(slot["fixedPosition"])});
   }
-  return text + '\n' + table.text(session);
+  return text + '\n' + table.text(session.colors());
 }
 
 }  // namespace
 
-void addShow(CLI::App& app, Session& session) {
-  CLI::App* const command = app.add_subcommand("show", "One message: identity, sizes, slots");
-  const auto options = makeOptions<Options>();
-  command->add_option("MESSAGE", options->message, "Name or identifier")->required();
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer(
-      "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
-  command->callback([options, &session] {
-    const Message& message = messageNamed(options->message);
-    std::cout << (options->isJson ? describeWithSlots(message).dump(2) + '\n'
-                                  : textOf(message, session));
-  });
+void runShow(const ShowOptions& options, Session& session) {
+  const KnownMessage& message = messageNamed(options.message);
+  std::cout << (options.isJson ? describeWithSlots(message).dump(2) + '\n'
+                               : textOf(message, session));
 }
 
 }  // namespace tool

@@ -1,20 +1,15 @@
-// stat: what a capture holds.
+// stat: summarises a capture.
 
 #include <iostream>
 
-#include "capture_file.hpp"
+#include "captures/capture_file.hpp"
+#include "captures/statistics.hpp"
 #include "commands/commands.hpp"
 #include "progress.hpp"
-#include "statistics.hpp"
-#include "text_table.hpp"
+#include "texts/text_table.hpp"
 
 namespace tool {
 namespace {
-
-struct Options {
-  std::string file;
-  bool isJson = false;
-};
 
 Json jsonOf(const Count& count, double seconds) {
   return {{"tables", count.tables},
@@ -34,7 +29,7 @@ double inSeconds(uint64_t nanoseconds) {
 }
 
 std::string decimal(double value, int digits) {
-  char text[400];  // the largest of doubles
+  char text[400];  // room for the largest double
   std::snprintf(text, sizeof text, "%.*f", digits, value);
   return text;
 }
@@ -43,12 +38,12 @@ std::string rateText(uint64_t count, double seconds) {
   return seconds > 0 ? decimal(static_cast<double>(count) / seconds, 1) : "-";
 }
 
-std::string placesText(const Gaps& gaps) {
-  return std::to_string(gaps.places) + (gaps.places == 1 ? " place" : " places");
+std::string gapsText(const Gaps& gaps) {
+  return std::to_string(gaps.places) + (gaps.places == 1 ? " gap" : " gaps");
 }
 
 void printText(const Statistics& statistics, const CaptureReader& reader, const Session& session) {
-  TextTable table({"message", "tables", "bytes", "length", "a second", "rejected"});
+  TextTable table({"message", "tables", "bytes", "length", "per second", "rejected"});
   const double seconds = inSeconds(statistics.duration());
   const auto add = [&](const std::string& name, const Count& count) {
     const std::string shortest = std::to_string(count.shortest);
@@ -62,25 +57,25 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
   }
   if (statistics.all.tables != 0) {
     add("all", statistics.all);
-    std::cout << table.text(session) << '\n'
+    std::cout << table.text(session.colors()) << '\n'
               << timeText(statistics.first) << " to " << timeText(statistics.last) << ", "
               << decimal(seconds, 3) << " s\nlongest pause "
               << decimal(inSeconds(statistics.longestPause), 3) << " s\n";
   }
-  std::cout << "calls that the recorder missed: " << reader.lost();
+  std::cout << "missed calls: " << reader.lost();
   if (statistics.gaps.places != 0) {
-    std::cout << ", in " << placesText(statistics.gaps);
+    std::cout << ", in " << gapsText(statistics.gaps);
   }
   std::cout << '\n';
   for (const auto& [source, gaps] : statistics.gapsBySource) {
-    std::cout << "  of node " << source << ": " << gaps.calls << ", in " << placesText(gaps)
+    std::cout << "  from node " << source << ": " << gaps.calls << ", in " << gapsText(gaps)
               << '\n';
   }
   if (statistics.gapsOfOthers.places != 0) {
-    std::cout << "  of other nodes: " << statistics.gapsOfOthers.calls << ", in "
-              << placesText(statistics.gapsOfOthers) << '\n';
+    std::cout << "  from other nodes: " << statistics.gapsOfOthers.calls << ", in "
+              << gapsText(statistics.gapsOfOthers) << '\n';
   }
-  std::cout << "packets that are no tables: " << reader.otherPackets() << '\n';
+  std::cout << "other packets: " << reader.otherPackets() << '\n';
 }
 
 void printJson(const Statistics& statistics, const CaptureReader& reader) {
@@ -109,7 +104,9 @@ void printJson(const Statistics& statistics, const CaptureReader& reader) {
   std::cout << json.dump(2) << '\n';
 }
 
-void run(const Options& options, Session& session) {
+}  // namespace
+
+void runStat(const StatOptions& options, Session& session) {
   CaptureReader reader(options.file);
   Statistics statistics;
   {
@@ -125,18 +122,6 @@ void run(const Options& options, Session& session) {
     printText(statistics, reader, session);
   }
   reader.throwFault();
-}
-
-}  // namespace
-
-void addStat(CLI::App& app, Session& session) {
-  CLI::App* const command =
-      app.add_subcommand("stat", "What a capture holds, by message: counts, bytes, rates, rejects");
-  const auto options = makeOptions<Options>();
-  command->add_option("FILE", options->file, "A capture; - for the standard input")->required();
-  command->add_flag("--json", options->isJson, "As a JSON object");
-  command->footer("Example:\n  mesh-l2vpn stat night.pcapng");
-  command->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace tool

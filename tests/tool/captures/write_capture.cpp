@@ -1,0 +1,56 @@
+// Writes a capture of random records of every message, in both arrangements in turn.
+//
+//   write_capture FILE COUNT [damaged]    damaged: mutates half of the tables
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+#include "captures/capture_file.hpp"
+#include "messages/codec.hpp"
+#include "model/generate.hpp"
+#include "model/record_image.hpp"
+
+namespace tool {
+namespace {
+
+constexpr uint64_t start = 1'700'000'000'000'000'000;
+constexpr uint64_t interval = 1'000'000;  // nanoseconds
+constexpr size_t samplesOfEach = 12;
+
+Bytes sample(const KnownMessage& message, size_t number, bool isDamaged, std::mt19937_64& random) {
+  const model::Message& type = model::message(std::string(message.name));
+  const model::RecordImage image(
+      type, model::randomValue(type, random, static_cast<model::Density>(number % 3)));
+  OwnedRecord record(message);
+  std::memcpy(record.data(), image.data(), message.schema().size);
+  const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
+  return isDamaged && number % 4 >= 2 ? model::mutate(bytes, random) : bytes;
+}
+
+void write(const char* file, uint64_t count, bool isDamaged) {
+  std::mt19937_64 random(count);
+  std::vector<std::pair<uint32_t, Bytes>> samples;
+  for (size_t number = 0; number < samplesOfEach; ++number) {
+    for (const KnownMessage& message : messages()) {
+      samples.emplace_back(message.data->id, sample(message, number, isDamaged, random));
+    }
+  }
+  CaptureWriter writer(file);
+  for (uint64_t index = 0; index < count; ++index) {
+    const auto& [id, bytes] = samples[index % samples.size()];
+    writer.write({start + index * interval, 1, 2, id, index, bytes});
+  }
+  writer.writeStatistics(count, 0);
+}
+
+}  // namespace
+}  // namespace tool
+
+int main(int count, char** words) {
+  if (count != 3 && count != 4) {
+    return 2;
+  }
+  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count == 4);
+  return 0;
+}

@@ -1,0 +1,108 @@
+// Options that several commands share.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <cmath>
+
+#include "commands/commands.hpp"
+
+namespace tool {
+
+inline CLI::Validator notEmpty() {
+  return {[](std::string& text) { return text.empty() ? "is empty" : std::string(); }, ""};
+}
+
+// CLI11 reads 010 as octal.
+inline CLI::Validator notOctal() {
+  return {[](std::string& text) {
+            return text.size() > 1 && text[0] == '0' && text[1] >= '0' && text[1] <= '9'
+                       ? text + " has a leading zero; hexadecimal numbers begin with 0x"
+                       : std::string();
+          },
+          ""};
+}
+
+// A finite number above 0.
+inline CLI::Validator positive() {
+  return {[](std::string& text) {
+            double value = 0;
+            const auto [stop, error] =
+                std::from_chars(text.data(), text.data() + text.size(), value);
+            return error == std::errc{} && stop == text.data() + text.size() &&
+                           std::isfinite(value) && value > 0
+                       ? std::string()
+                       : text + " is not a number above 0";
+          },
+          "POSITIVE"};
+}
+
+inline CLI::Option* addMessage(CLI::App& command, std::string& message) {
+  return command.add_option("-m,--message", message, "Name or identifier");
+}
+
+inline void addJson(CLI::App& command, bool& isJson,
+                    const char* description = "Print a JSON object") {
+  command.add_flag("--json", isJson, description);
+}
+
+inline void addByteText(CLI::App& command, ByteText& form) {
+  command.add_flag_callback(
+      "--base64", [&form] { form = ByteText::Base64; },
+      "Byte strings in JSON are base64, not hexadecimal");
+}
+
+inline void addInputForm(CLI::App& command, InputForm& form) {
+  CLI::Option* const binary = command.add_flag_callback(
+      "--binary", [&form] { form = InputForm::Binary; }, "The input is bytes");
+  command
+      .add_flag_callback(
+          "--hex", [&form] { form = InputForm::Hex; }, "The input is hexadecimal text")
+      ->excludes(binary);
+}
+
+inline void addInput(CLI::App& command, InputOptions& options) {
+  addMessage(command, options.message)->check(notEmpty());
+  command.add_option("FILE", options.file, "Bytes or hexadecimal text; - for the standard input")
+      ->capture_default_str();
+  addInputForm(command, options.form);
+}
+
+inline void addJsonInput(CLI::App& command, std::string& file) {
+  command.add_option("FILE", file, "JSON; - for the standard input")->capture_default_str();
+}
+
+inline void addMiddleware(CLI::App& command, std::string& middleware) {
+  command.add_option("--middleware", middleware, "Path of a libzarnimesh")
+      ->envname("MESH_L2VPN_MIDDLEWARE");
+}
+
+inline CLI::Option* addSender(CLI::App& command, SenderOptions& options,
+                              const char* toDescription) {
+  addMiddleware(command, options.middleware);
+  command
+      .add_option("--from", options.from, "Address of the sending node; default: a temporary one")
+      ->check(notOctal());
+  return command
+      .add_option_function<uint64_t>(
+          "--to", [&options](uint64_t to) { options.to = static_cast<uint32_t>(to); },
+          toDescription)
+      ->check(notOctal())
+      ->check(CLI::Range(uint64_t{0}, uint64_t{UINT32_MAX}));
+}
+
+inline void addReceiver(CLI::App& command, ReceiverOptions& options) {
+  addMiddleware(command, options.middleware);
+  command.add_option("ADDRESS", options.address, "Address of this node")
+      ->required()
+      ->check(notOctal());
+  command.add_option("--count", options.count, "Stop after this many tables")->check(notOctal());
+  command.add_option("--seconds", options.seconds, "Stop after this many seconds")
+      ->check(positive());
+}
+
+inline void addCaptureInput(CLI::App& command, std::string& file) {
+  command.add_option("FILE", file, "Capture; - for the standard input")->required();
+}
+
+}  // namespace tool
