@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "input.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/comparison.hpp"
 #include "support/recorder.hpp"
 #include "values.hpp"

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "input.hpp"
-#include "model/sender.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/operations/writer.hpp"
 #include "support/comparison.hpp"
 #include "values.hpp"
 

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "input.hpp"
-#include "model/record_image.hpp"
-#include "model/sender.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/comparison.hpp"
 #include "support/recorder.hpp"
 

@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "model/message.hpp"
+#include "oracle/messages/description.hpp"
 #include "support/operations.hpp"
 
 namespace fuzz {

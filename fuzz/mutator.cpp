@@ -5,8 +5,8 @@
 #include <random>
 
 #include "input.hpp"
-#include "model/generate.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t largest);
 

@@ -3,7 +3,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "model/value.hpp"
+#include "oracle/values/value.hpp"
 
 namespace fuzz {
 

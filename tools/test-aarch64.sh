@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 tools/setup.sh g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest
 build=build/aarch64
-tests=(agreement_test services/golden_test msg/msg_test msg/descriptors_test)
+tests=(agreement/agreement_test delivered/golden/golden_test msg/msg_test msg/descriptors_test)
 cmake --preset aarch64 >/dev/null
 cmake --build --preset aarch64 --target mesh_l2vpn own_host decode_file "${tests[@]##*/}"
 

@@ -5,9 +5,9 @@
 
 #include <cstring>
 
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
 #include "msg/message_table.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 

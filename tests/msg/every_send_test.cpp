@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
 #include "msg/message_table.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 
 namespace {

@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
-#include "model/reader.hpp"
-#include "model/record_image.hpp"
-#include "model/sender.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/reader.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 

@@ -5,9 +5,9 @@
 #include <set>
 
 #include "mesh_l2vpn/l2vpn_cfg.h"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 

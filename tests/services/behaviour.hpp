@@ -7,11 +7,11 @@
 #include <cstddef>
 #include <cstring>
 
-#include "golden/values.hpp"
+#include "delivered/golden/values.hpp"
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
-#include "model/record_image.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/operations.hpp"
 #include "support/recorder.hpp"

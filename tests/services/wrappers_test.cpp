@@ -1,6 +1,6 @@
 // The update and delete messages: one value of their own and a whole record.
 
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
 #include "services/behaviour.hpp"
 
 namespace {

@@ -9,9 +9,9 @@
 #include <sstream>
 
 #include "host/binding.hpp"
-#include "model/reader.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/reader.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/block.hpp"
 #include "support/recorder.hpp"
 

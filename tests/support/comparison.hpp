@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "model/message.hpp"
-#include "model/sender.hpp"
-#include "model/value.hpp"
+#include "oracle/messages/description.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/values/value.hpp"
 #include "support/guarded_buffer.hpp"
 #include "support/operations.hpp"
 

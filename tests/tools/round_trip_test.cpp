@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "codec.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "record_json.hpp"
 #include "table_reader.hpp"
 

@@ -9,8 +9,8 @@
 #include "hex.hpp"
 #include "hostile.hpp"
 #include "library_reader.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 
 namespace tool {
 namespace {

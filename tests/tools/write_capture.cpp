@@ -8,8 +8,8 @@
 
 #include "capture_file.hpp"
 #include "codec.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 
 namespace tool {
 namespace {
