@@ -20,16 +20,17 @@ namespace {
 
 using harness::Operations;
 using harness::recorder;
-using model::Kind;
-using model::Message;
+using oracle::Description;
+using oracle::Kind;
 
 constexpr uint32_t failure = 0xFFFFFFFF;
 constexpr size_t mostCalls = 24;
 constexpr size_t heldRecords = 3;
 
 // The blocks that a record's pointers lead to.
-void collectBlocks(const Message& message, const uint8_t* record, std::set<const void*>& blocks) {
-  for (const model::Field& field : message.fields) {
+void collectBlocks(const Description& message, const uint8_t* record,
+                   std::set<const void*>& blocks) {
+  for (const oracle::Field& field : message.fields) {
     const uint8_t* const place = record + field.offset;
     if (field.kind == Kind::Table) {
       collectBlocks(*field.nested, place, blocks);
@@ -84,7 +85,9 @@ class Calls {
     const Operations* operations = nullptr;
     std::vector<uint8_t> record;
 
-    [[nodiscard]] const Message& message() const { return model::message(operations->name); }
+    [[nodiscard]] const Description& message() const {
+      return oracle::descriptionOf(operations->name);
+    }
     [[nodiscard]] std::set<const void*> blocks() const {
       std::set<const void*> blocks;
       if (operations != nullptr) {
@@ -95,11 +98,11 @@ class Calls {
   };
 
   // A message of the compact arrangement, now and then with an injury.
-  std::vector<uint8_t> takeMessage(const Message& message, bool reversed, bool& whole) {
-    const model::Value value = fuzz::takeRecord(input_, message, fuzz::Lengths::True).value;
+  std::vector<uint8_t> takeMessage(const Description& message, bool reversed, bool& whole) {
+    const oracle::Value value = fuzz::takeRecord(input_, message, fuzz::Lengths::True).value;
     std::vector<uint8_t> bytes;
-    if (model::sendableSize(message, value)) {
-      for (const auto& byte : model::compactBytes(message, value, reversed)) {
+    if (oracle::sendableSize(message, value)) {
+      for (const auto& byte : oracle::compactBytes(message, value, reversed)) {
         bytes.push_back(byte.value_or(0));
       }
     }

@@ -5,9 +5,9 @@
 namespace fuzz {
 namespace {
 
-using model::Field;
-using model::FieldValue;
-using model::Kind;
+using oracle::Field;
+using oracle::FieldValue;
+using oracle::Kind;
 
 uint64_t takeScalar(FuzzedDataProvider& input, uint32_t width) {
   switch (width) {
@@ -39,24 +39,24 @@ bool takeBytes(FuzzedDataProvider& input, Lengths lengths, FieldValue& field) {
       field.length = input.ConsumeIntegral<uint32_t>();
       return true;
     case 2:
-      model::setBytes(field, {});
+      oracle::setBytes(field, {});
       return true;
     case 3:
-      model::setBytes(field, input.ConsumeBytes<uint8_t>(input.ConsumeIntegral<uint8_t>()));
+      oracle::setBytes(field, input.ConsumeBytes<uint8_t>(input.ConsumeIntegral<uint8_t>()));
       return true;
     case 4:  // up to about three times what a table's length can state
-      model::setBytes(field, std::vector<uint8_t>(size_t{3} * input.ConsumeIntegral<uint16_t>(),
-                                                  input.ConsumeIntegral<uint8_t>()));
+      oracle::setBytes(field, std::vector<uint8_t>(size_t{3} * input.ConsumeIntegral<uint16_t>(),
+                                                   input.ConsumeIntegral<uint8_t>()));
       return true;
     default:
-      model::setBytes(field, {1});
+      oracle::setBytes(field, {1});
       field.length = input.ConsumeIntegral<uint32_t>();
       return field.length <= 1;
   }
 }
 
-model::Value take(FuzzedDataProvider& input, const model::Message& message, Lengths lengths,
-                  bool& lies);
+oracle::Value take(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths,
+                   bool& lies);
 
 void takeItems(FuzzedDataProvider& input, const Field& shape, Lengths lengths, FieldValue& field,
                bool& lies) {
@@ -68,16 +68,16 @@ void takeItems(FuzzedDataProvider& input, const Field& shape, Lengths lengths, F
     field.length = input.ConsumeIntegral<uint32_t>();
     return;
   }
-  std::vector<model::Value> items;
+  std::vector<oracle::Value> items;
   for (int count = 2; count < form; ++count) {
     items.push_back(take(input, *shape.nested, lengths, lies));
   }
-  model::setItems(field, items);
+  oracle::setItems(field, items);
 }
 
-model::Value take(FuzzedDataProvider& input, const model::Message& message, Lengths lengths,
-                  bool& lies) {
-  model::Value value = model::zeroValue(message);
+oracle::Value take(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths,
+                   bool& lies) {
+  oracle::Value value = oracle::zeroValue(message);
   const auto present = input.ConsumeIntegral<uint32_t>();
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
     const Field& shape = message.fields[slot];
@@ -99,7 +99,7 @@ model::Value take(FuzzedDataProvider& input, const model::Message& message, Leng
         lies = !takeBytes(input, lengths, field) || lies;
         break;
       case Kind::Table:
-        model::nested(field) = take(input, *shape.nested, lengths, lies);
+        oracle::nested(field) = take(input, *shape.nested, lengths, lies);
         break;
       case Kind::Vector:
         takeItems(input, shape, lengths, field, lies);
@@ -111,7 +111,7 @@ model::Value take(FuzzedDataProvider& input, const model::Message& message, Leng
 
 }  // namespace
 
-Taken takeRecord(FuzzedDataProvider& input, const model::Message& message, Lengths lengths) {
+Taken takeRecord(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths) {
   Taken taken;
   taken.value = take(input, message, lengths, taken.lies);
   return taken;

@@ -12,10 +12,10 @@ namespace fuzz {
 enum class Lengths { True, MayLie };
 
 struct Taken {
-  model::Value value;
+  oracle::Value value;
   bool lies = false;
 };
 
-Taken takeRecord(FuzzedDataProvider& input, const model::Message& message, Lengths lengths);
+Taken takeRecord(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths);
 
 }  // namespace fuzz

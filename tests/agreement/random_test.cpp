@@ -12,33 +12,33 @@ namespace {
 
 using harness::allOperations;
 using harness::Operations;
-using model::Density;
-using model::Operation;
-using model::Value;
+using oracle::Density;
+using oracle::Operation;
+using oracle::Value;
 
 constexpr std::array densities{Density::Full, Density::Sparse, Density::Edge};
 
 class Agreement : public testing::TestWithParam<Operations> {
  protected:
   const Operations& operations() const { return GetParam(); }
-  const model::Message& message() const { return model::message(operations().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(operations().name); }
   Value randomRecord() {
-    return model::randomValue(message(), random_, densities[random_() % densities.size()]);
+    return oracle::randomValue(message(), random_, densities[random_() % densities.size()]);
   }
   uint64_t random() { return random_(); }
   std::vector<uint8_t> damaged(std::vector<uint8_t> bytes) {
-    return model::mutate(std::move(bytes), random_);
+    return oracle::mutate(std::move(bytes), random_);
   }
   // A valid message of a random record, in either arrangement where there are two.
   std::vector<uint8_t> randomMessage(bool reversed) {
     const Value value = randomRecord();
     if (!message().hasOutOfLineParts && random_() % 2 == 0) {
-      return model::fixedImage(message(), value, reversed);
+      return oracle::fixedImage(message(), value, reversed);
     }
     return harness::packed(operations(), value, reversed);
   }
   int scaled(int usual) const {
-    // A record of 16 KiB takes the model about as long as a hundred small ones.
+    // A record of 16 KiB takes the oracle about as long as a hundred small ones.
     return harness::rounds(message().recordSize > 4096 ? usual / 50 : usual);
   }
 
@@ -55,7 +55,7 @@ TEST_P(Agreement, OnIdentityAndSizes) {
 TEST_P(Agreement, OnPackedBytesOfRandomRecords) {
   for (int round = 0; round < harness::rounds(10000); ++round) {
     const Value value = randomRecord();
-    const auto size = static_cast<uint32_t>(model::compactSize(message(), value));
+    const auto size = static_cast<uint32_t>(oracle::compactSize(message(), value));
     const uint32_t room = size + static_cast<uint32_t>(random() % 3) - 1;
     ASSERT_EQ(harness::comparePack(operations(), value, room, round % 2 != 0), "");
   }

@@ -70,24 +70,24 @@ class CallCounts : public testing::TestWithParam<Operations> {
 
 TEST_P(CallCounts, AreThoseOfTheirOperation) {
   const Operations& operations = GetParam();
-  const model::Message& message = model::message(operations.name);
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
   const uint32_t fixed = harness::listed(operations.name).fixedLength;
   const Calls stack{.middleware = 1};
   const Calls block{.allocations = 1, .releases = 1, .middleware = 1};
   std::mt19937_64 random(17);
   for (int round = 0; round < harness::rounds(10); ++round) {
-    std::vector<model::Value> values;
+    std::vector<oracle::Value> values;
     for (int index = 0; index < 3; ++index) {
-      values.push_back(model::randomValue(message, random, model::Density::Sparse));
+      values.push_back(oracle::randomValue(message, random, oracle::Density::Sparse));
       if (message.name == "l2vpn_cfg_query_dfx_rec" && index > 0) {
-        values.back()[1] = model::zeroField(message.fields[1]);  // all fit one batch
+        values.back()[1] = oracle::zeroField(message.fields[1]);  // all fit one batch
       }
     }
-    const model::RecordImage records(message, values);
+    const oracle::RecordImage records(message, values);
     Parts parts;
     count(*operations.schema, static_cast<const uint8_t*>(records.data()), parts);
 
-    Buffer bytes(model::compactSize(message, values[0]));
+    Buffer bytes(oracle::compactSize(message, values[0]));
     auto length = static_cast<uint32_t>(bytes.size());
     harness::resetRecorder();
     ASSERT_EQ(operations.pack(records.data(), bytes.data(), &length), 0U);

@@ -27,25 +27,25 @@ class EverySend : public testing::TestWithParam<Operations> {
   EverySend() {
     std::mt19937_64 random(5);
     for (int index = 0; index < 3; ++index) {
-      values_.push_back(model::randomValue(message(), random, model::Density::Sparse));
+      values_.push_back(oracle::randomValue(message(), random, oracle::Density::Sparse));
       // Small enough for any batch.
       if (message().name == "l2vpn_cfg_query_dfx_rec") {
-        values_.back()[1] = model::zeroField(message().fields[1]);
+        values_.back()[1] = oracle::zeroField(message().fields[1]);
       }
     }
-    records_ = std::make_unique<model::RecordImage>(message(), values_);
+    records_ = std::make_unique<oracle::RecordImage>(message(), values_);
     harness::resetRecorder();
   }
 
   const std::string name_ = GetParam().name;
   const uint32_t fixed_ = harness::listed(name_).fixedLength;
 
-  const model::Message& message() const { return model::message(name_); }
+  const oracle::Description& message() const { return oracle::descriptionOf(name_); }
   bool isFixed() const { return fixed_ != 0; }
   const void* records() const { return records_->data(); }
   uint32_t sizeOf(size_t index) const {
     return isFixed() ? fixed_
-                     : static_cast<uint32_t>(model::compactSize(message(), values_[index]));
+                     : static_cast<uint32_t>(oracle::compactSize(message(), values_[index]));
   }
 
   std::string taken(uint64_t size, const std::string& operation, const char* block) const {
@@ -98,17 +98,17 @@ class EverySend : public testing::TestWithParam<Operations> {
   // What the encoder leaves as it was holds what the recording host fills its blocks with.
   Buffer encoded(size_t index) const {
     if (isFixed()) {
-      return model::fixedImage(message(), values_[index], false);
+      return oracle::fixedImage(message(), values_[index], false);
     }
     Buffer bytes;
-    for (const auto& byte : model::compactBytes(message(), values_[index], false)) {
+    for (const auto& byte : oracle::compactBytes(message(), values_[index], false)) {
       bytes.push_back(byte.value_or(0xC7));
     }
     return bytes;
   }
 
-  std::vector<model::Value> values_;
-  std::unique_ptr<model::RecordImage> records_;
+  std::vector<oracle::Value> values_;
+  std::unique_ptr<oracle::RecordImage> records_;
 };
 
 // The low halves of some of these are 0.

@@ -39,10 +39,10 @@ class EveryMessage : public testing::TestWithParam<Operations> {
 
   // A message with every byte string present.
   Buffer fullMessage() const {
-    const model::Message& message = model::message(GetParam().name);
+    const oracle::Description& message = oracle::descriptionOf(GetParam().name);
     std::mt19937_64 random(3);
     for (;;) {
-      const model::Value value = model::randomValue(message, random, model::Density::Full);
+      const oracle::Value value = oracle::randomValue(message, random, oracle::Density::Full);
       if (isFull(value)) {
         return harness::packed(GetParam(), value);
       }
@@ -50,11 +50,12 @@ class EveryMessage : public testing::TestWithParam<Operations> {
   }
 
  private:
-  static bool isFull(const model::Value& value) {
-    for (const model::FieldValue& field : value.fields) {
-      const bool outOfLine = field.kind == model::Kind::Bytes || field.kind == model::Kind::Vector;
+  static bool isFull(const oracle::Value& value) {
+    for (const oracle::FieldValue& field : value.fields) {
+      const bool outOfLine =
+          field.kind == oracle::Kind::Bytes || field.kind == oracle::Kind::Vector;
       if ((outOfLine && field.length == 0) ||
-          (field.kind == model::Kind::Table && !isFull(field.items.at(0)))) {
+          (field.kind == oracle::Kind::Table && !isFull(field.items.at(0)))) {
         return false;
       }
     }
@@ -110,11 +111,11 @@ TEST_P(EveryMessage, ReleasesNothingOfANullRecord) {
 
 TEST_P(EveryMessage, IsReadAndNothingElseByPackAndSend) {
   std::mt19937_64 random(4);
-  const model::Message& message = model::message(GetParam().name);
-  const model::RecordImage records(
+  const oracle::Description& message = oracle::descriptionOf(GetParam().name);
+  const oracle::RecordImage records(
       message,
-      std::vector<model::Value>{model::randomValue(message, random, model::Density::Full),
-                                model::randomValue(message, random, model::Density::Sparse)});
+      std::vector<oracle::Value>{oracle::randomValue(message, random, oracle::Density::Full),
+                                 oracle::randomValue(message, random, oracle::Density::Sparse)});
   const Buffer before = records.bytes();
   Buffer buffer(size_t{1} << 17);
   auto length = static_cast<uint32_t>(buffer.size());

@@ -46,8 +46,8 @@ std::string nameOf() {
 // A record of this library's own tests: no field zero, no two alike. Not for records with pointers.
 template <typename Record>
 Record full() {
-  const model::Message& message = model::message(nameOf<Record>());
-  const model::RecordImage image(message, golden::fullValue(message));
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  const oracle::RecordImage image(message, golden::fullValue(message));
   Record record;
   std::memcpy(&record, image.data(), sizeof record);
   return record;
@@ -112,8 +112,9 @@ Buffer sent(const Record& record) {
 // Field by field, strings included; what lies between the fields does not count.
 template <typename Record>
 void expectSame(const Record& record, const Record& expected) {
-  const model::Message& message = model::message(nameOf<Record>());
-  EXPECT_EQ(model::difference(model::load(message, &record), model::load(message, &expected)), "");
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  EXPECT_EQ(oracle::difference(oracle::load(message, &record), oracle::load(message, &expected)),
+            "");
 }
 
 template <typename Record>

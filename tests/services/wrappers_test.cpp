@@ -50,16 +50,16 @@ constexpr Wrapped wrappedRecords[] = {
     {"vpls_macping", 48, 68, 104, 88, 112},
 };
 
-Buffer packedBy(const Operations& operations, const model::Value& value) {
-  const model::RecordImage record(*value.message, value);
+Buffer packedBy(const Operations& operations, const oracle::Value& value) {
+  const oracle::RecordImage record(*value.message, value);
   Buffer buffer(1000);
   uint32_t length = 1000;
   EXPECT_EQ(operations.pack(record.data(), buffer.data(), &length), 0U);
   return firstBytes(buffer, length);
 }
 
-Buffer sentBy(const Operations& operations, const model::Value& value) {
-  const model::RecordImage record(*value.message, value);
+Buffer sentBy(const Operations& operations, const oracle::Value& value) {
+  const oracle::RecordImage record(*value.message, value);
   resetRecorder();
   EXPECT_EQ(operations.sendSingle(7, record.data(), 0), 0U);
   EXPECT_EQ(takeTrace(), Trace{"MESH_SendMsg destination=7 count=1"});
@@ -78,11 +78,11 @@ class Wrappers : public testing::TestWithParam<Wrapped> {
   std::string update() const { return base().append("_update"); }
   std::string deletion() const { return base().append("_delete"); }
   const Operations& operations(const std::string& name) const { return operationsOf(name.c_str()); }
-  model::Value zero(const std::string& name) const {
-    return model::zeroValue(model::message(name));
+  oracle::Value zero(const std::string& name) const {
+    return oracle::zeroValue(oracle::descriptionOf(name));
   }
-  model::Value filled(const std::string& name) const {
-    return golden::fullValue(model::message(name));
+  oracle::Value filled(const std::string& name) const {
+    return golden::fullValue(oracle::descriptionOf(name));
   }
 };
 
@@ -99,16 +99,16 @@ TEST_P(Wrappers, HaveTheirSizes) {
 }
 
 TEST_P(Wrappers, UpdateAndDeleteDifferInTheirIdentifiersAlone) {
-  const model::Value record = filled(update());
+  const oracle::Value record = filled(update());
   EXPECT_EQ(packedBy(operations(update()), record), packedBy(operations(deletion()), record));
   EXPECT_EQ(sentBy(operations(update()), record), sentBy(operations(deletion()), record));
   EXPECT_NE(operations(update()).id, operations(deletion()).id);
 }
 
 TEST_P(Wrappers, CompactCarriesTheRecordsMessageLessItsRoot) {
-  const model::Value wrapper = filled(update());
+  const oracle::Value wrapper = filled(update());
   const Buffer whole = packedBy(operations(update()), wrapper);
-  const Buffer carried = packedBy(operations(base()), model::nested(wrapper[1]));
+  const Buffer carried = packedBy(operations(base()), oracle::nested(wrapper[1]));
   // The offset word holds what the carried message's root would.
   EXPECT_EQ(
       shown(firstBytes(whole, 22)),
@@ -117,13 +117,13 @@ TEST_P(Wrappers, CompactCarriesTheRecordsMessageLessItsRoot) {
 }
 
 TEST_P(Wrappers, ImageCarriesTheRecordsImage) {
-  const model::Value wrapper = filled(update());
+  const oracle::Value wrapper = filled(update());
   const uint32_t length = GetParam().baseLength;
   const Buffer whole = sentBy(operations(update()), wrapper);
   EXPECT_EQ(shown(whole), shown(Layout()
                                     .u32(4, 0U - (length + 8))
                                     .u16(0x4001)
-                                    .append(sentBy(operations(base()), model::nested(wrapper[1])))
+                                    .append(sentBy(operations(base()), oracle::nested(wrapper[1])))
                                     .zeros(2)
                                     .u16(8, 6 + length, 4, 6)
                                     .zeros(4)));
@@ -167,14 +167,15 @@ TEST_P(Wrappers, ADamagedRecordKeepsF0) {
   const Buffer good = packedBy(operations(deletion()), filled(deletion()));
   const auto size = static_cast<uint32_t>(good.size());
   const uint32_t table = 18 + good[18];
-  model::RecordImage record(model::message(deletion()), 0xA5);
+  oracle::RecordImage record(oracle::descriptionOf(deletion()), 0xA5);
   resetRecorder();
   const Buffer bad = withU32(good, table, table - 3);  // its vtable at 3
   operations(deletion()).unpack(bad.data(), size, record.data());
-  model::Value expected = zero(deletion());
+  oracle::Value expected = zero(deletion());
   expected[0].scalar = 0x4001;
-  EXPECT_EQ(model::difference(model::load(model::message(deletion()), record.data()), expected),
-            "");
+  EXPECT_EQ(
+      oracle::difference(oracle::load(oracle::descriptionOf(deletion()), record.data()), expected),
+      "");
   EXPECT_EQ(takeTrace(),
             Trace{reported(base().append("_unpack_non_root"), std::string("Vtable offset(")
                                                                   .append(std::to_string(table))

@@ -43,7 +43,7 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
                           const Unpacking& how);
 
 // __pack into a buffer of exactly `room` bytes.
-std::string comparePack(const Operations& operations, const model::Value& value, uint32_t room,
+std::string comparePack(const Operations& operations, const oracle::Value& value, uint32_t room,
                         bool reversed);
 
 // The same, with other arguments and surroundings.
@@ -61,17 +61,17 @@ struct Packing {
   size_t bufferShift = 0;  // from an aligned place, without a guard
   size_t recordShift = 0;
 };
-std::string comparePack(const Operations& operations, const model::Value& value,
+std::string comparePack(const Operations& operations, const oracle::Value& value,
                         const Packing& how);
 
 // One of the four send operations on the records.
-std::string compareSend(const Operations& operations, model::Operation operation,
-                        const std::vector<model::Value>& values, uint64_t extra, bool reversed,
+std::string compareSend(const Operations& operations, oracle::Operation operation,
+                        const std::vector<oracle::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails = false, uint32_t middlewareResult = 0);
 
 // The same on a null pointer, which is said to lead to `count` records.
 struct Sending {
-  model::Operation operation = model::Operation::Single;
+  oracle::Operation operation = oracle::Operation::Single;
   uint32_t count = 0;
   uint64_t extra = 0;
   bool reversed = false;
@@ -81,7 +81,7 @@ struct Sending {
 std::string compareNullSend(const Operations& operations, const Sending& how);
 
 // The compact message of a value, by the engine.
-std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,
+std::vector<uint8_t> packed(const Operations& operations, const oracle::Value& value,
                             bool reversed = false);
 
 // The number of rounds a random test makes: as given, times the factor in the environment's

@@ -29,20 +29,20 @@ class ReaderAgreement : public testing::TestWithParam<const char*> {};
 
 TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
   const Message& message = messageNamed(GetParam());
-  const model::Message& type = model::message(GetParam());
+  const oracle::Description& type = oracle::descriptionOf(GetParam());
   std::mt19937_64 random(message.data->id);
   const int rounds = message.schema().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
   int accepted = 0;
   for (int round = 0; round < rounds; ++round) {
-    const auto density = static_cast<model::Density>(round % 3);
-    const model::RecordImage image(type, model::randomValue(type, random, density));
+    const auto density = static_cast<oracle::Density>(round % 3);
+    const oracle::RecordImage image(type, oracle::randomValue(type, random, density));
     OwnedRecord record(message);
     std::memcpy(record.data(), image.data(), message.schema().size);
     Bytes bytes = round % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
     if (round % 5 == 4) {
       bytes.resize(random() % (bytes.size() + 1));
     } else {
-      bytes = model::mutate(bytes, random);
+      bytes = oracle::mutate(bytes, random);
     }
     const Reading reading = readTable(message, bytes);
     const Verdict verdict = judge(message, bytes);

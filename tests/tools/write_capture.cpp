@@ -19,13 +19,13 @@ constexpr uint64_t interval = 1'000'000;  // nanoseconds
 constexpr size_t samplesOfEach = 12;
 
 Bytes sample(const Message& message, size_t number, bool isDamaged, std::mt19937_64& random) {
-  const model::Message& type = model::message(std::string(message.name));
-  const model::RecordImage image(
-      type, model::randomValue(type, random, static_cast<model::Density>(number % 3)));
+  const oracle::Description& type = oracle::descriptionOf(std::string(message.name));
+  const oracle::RecordImage image(
+      type, oracle::randomValue(type, random, static_cast<oracle::Density>(number % 3)));
   OwnedRecord record(message);
   std::memcpy(record.data(), image.data(), message.schema().size);
   const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
-  return isDamaged && number % 4 >= 2 ? model::mutate(bytes, random) : bytes;
+  return isDamaged && number % 4 >= 2 ? oracle::mutate(bytes, random) : bytes;
 }
 
 void write(const char* file, uint64_t count, bool isDamaged) {

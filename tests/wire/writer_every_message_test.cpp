@@ -19,17 +19,17 @@ constexpr uint32_t failure = 0xFFFFFFFF;
 // A record of zeros, and one whose scalars are not.
 class EveryWriter : public testing::TestWithParam<Operations> {
  protected:
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 
   template <typename Check>
   void forEachRecord(const Check& check) const {
     std::mt19937_64 random(1);
-    for (const model::Value& value :
-         {model::zeroValue(message()),
-          model::randomValue(message(), random, model::Density::Full)}) {
-      const model::RecordImage record(message(), value);
+    for (const oracle::Value& value :
+         {oracle::zeroValue(message()),
+          oracle::randomValue(message(), random, oracle::Density::Full)}) {
+      const oracle::RecordImage record(message(), value);
       harness::resetRecorder();
-      check(record.data(), static_cast<uint32_t>(model::compactSize(message(), value)));
+      check(record.data(), static_cast<uint32_t>(oracle::compactSize(message(), value)));
     }
   }
 

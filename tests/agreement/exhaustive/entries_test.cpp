@@ -14,7 +14,7 @@ using exhaustive::numberAt;
 using exhaustive::putNumber;
 using exhaustive::Sample;
 using exhaustive::TablePlace;
-using model::Value;
+using oracle::Value;
 
 class Entries : public exhaustive::EveryMessage {
  protected:
@@ -98,9 +98,9 @@ TEST_P(Entries, MayAllLeadToOnePlace) {
 
 Value received(const Sample& sample, const std::vector<uint8_t>& bytes) {
   harness::useByteOrder(*sample.operations, sample.reversed);
-  model::RecordImage record(sample.message(), uint8_t{0xA5});
+  oracle::RecordImage record(sample.message(), uint8_t{0xA5});
   sample.operations->unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
-  const Value value = model::load(sample.message(), record.data());
+  const Value value = oracle::load(sample.message(), record.data());
   sample.operations->freeUnpacked(record.data());
   return value;
 }
@@ -109,7 +109,7 @@ TEST_P(Entries, ThatFailKeepWhatWasReadBeforeAndNothingElse) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     const TablePlace place = frameOf(sample).tables[0];
     const Value whole = received(sample, sample.bytes);
-    const Value zero = model::zeroValue(sample.message());
+    const Value zero = oracle::zeroValue(sample.message());
     for (size_t slot = 0; slot < whole.fields.size(); ++slot) {
       EXPECT_FALSE(whole[slot] == zero[slot]) << "nothing to lose at slot " << slot;
       std::vector<uint8_t> bytes = sample.bytes;
@@ -117,8 +117,8 @@ TEST_P(Entries, ThatFailKeepWhatWasReadBeforeAndNothingElse) {
       Value expected = whole;
       std::copy(zero.fields.begin() + static_cast<std::ptrdiff_t>(slot), zero.fields.end(),
                 expected.fields.begin() + static_cast<std::ptrdiff_t>(slot));
-      model::release(sample.message(), expected);
-      EXPECT_EQ(model::difference(received(sample, bytes), expected), "")
+      oracle::release(sample.message(), expected);
+      EXPECT_EQ(oracle::difference(received(sample, bytes), expected), "")
           << sample.name() << ", slot " << slot;
     }
   }

@@ -3,8 +3,8 @@
 namespace exhaustive {
 namespace {
 
-using model::Field;
-using model::Kind;
+using oracle::Field;
+using oracle::Kind;
 
 class Walk {
  public:
@@ -15,7 +15,7 @@ class Walk {
   Frame frame;
 
  private:
-  void table(const model::Message& message, size_t at) {
+  void table(const oracle::Description& message, size_t at) {
     const auto vtable = static_cast<uint32_t>(at - word(at));
     const uint64_t length = numberAt(bytes_, vtable, 2, reversed_);
     frame.tables.push_back({&message, at, vtable});
@@ -32,7 +32,7 @@ class Walk {
   }
 
   void field(const Field& field, size_t at) {
-    if (model::isScalar(field.kind)) {
+    if (oracle::isScalar(field.kind)) {
       return;
     }
     const size_t target = follow(at);

@@ -10,7 +10,7 @@
 namespace exhaustive {
 
 struct TablePlace {
-  const model::Message* message;
+  const oracle::Description* message;
   size_t table;
   size_t vtable;
 };

@@ -15,7 +15,7 @@ using exhaustive::frameOf;
 using exhaustive::numberAt;
 using exhaustive::putNumber;
 using exhaustive::Sample;
-using model::Value;
+using oracle::Value;
 
 constexpr uint32_t largestLength = 0x7FFFFFFF;
 
@@ -164,9 +164,9 @@ TEST_P(Numbers, ThatAMiddlewareTakesArePassedOn) {
 EXHAUSTIVE_OVER_MESSAGES(Numbers);
 
 // Every byte string of the value and of its nested records.
-void collectStrings(Value& value, std::vector<model::FieldValue*>& strings) {
-  for (model::FieldValue& field : value.fields) {
-    if (field.kind == model::Kind::Bytes) {
+void collectStrings(Value& value, std::vector<oracle::FieldValue*>& strings) {
+  for (oracle::FieldValue& field : value.fields) {
+    if (field.kind == oracle::Kind::Bytes) {
       strings.push_back(&field);
     }
     for (Value& item : field.items) {
@@ -179,21 +179,21 @@ class LongStrings : public testing::TestWithParam<const char*> {};
 
 TEST_P(LongStrings, PassSixtyFourKiBAndTheTableLengthSaysNothing) {
   const harness::Operations& operations = harness::operationsOf(GetParam());
-  const model::Message& message = model::message(GetParam());
+  const oracle::Description& message = oracle::descriptionOf(GetParam());
   Value value = exhaustive::fullValue(message);
-  for (model::FieldValue& field : value.fields) {
-    if (field.kind == model::Kind::Vector) {
-      field = model::zeroField(message.fields.back());
+  for (oracle::FieldValue& field : value.fields) {
+    if (field.kind == oracle::Kind::Vector) {
+      field = oracle::zeroField(message.fields.back());
     }
   }
-  std::vector<model::FieldValue*> strings;
+  std::vector<oracle::FieldValue*> strings;
   collectStrings(value, strings);
-  const auto rest = static_cast<uint32_t>(model::compactSize(message, value)) - 5;
-  for (model::FieldValue* const string : strings) {
+  const auto rest = static_cast<uint32_t>(oracle::compactSize(message, value)) - 5;
+  for (oracle::FieldValue* const string : strings) {
     for (const uint32_t length : {0xFFFFU, 0x10000U, 0x10001U, 0xFFFFU - rest, 0x10000U - rest,
                                   0x10001U - rest, 0x20000U, 0x123456U}) {
-      model::setBytes(*string, std::vector<uint8_t>(length, 0x5A));
-      const auto size = static_cast<uint32_t>(model::compactSize(message, value));
+      oracle::setBytes(*string, std::vector<uint8_t>(length, 0x5A));
+      const auto size = static_cast<uint32_t>(oracle::compactSize(message, value));
       for (const bool reversed : {false, true}) {
         for (const uint32_t room : {size - 1, size, size + 1}) {
           ASSERT_EQ(harness::comparePack(operations, value, room, reversed), "");
@@ -207,7 +207,7 @@ TEST_P(LongStrings, PassSixtyFourKiBAndTheTableLengthSaysNothing) {
         }
       }
     }
-    model::setBytes(*string, {1, 2, 3, 4, 5});
+    oracle::setBytes(*string, {1, 2, 3, 4, 5});
   }
 }
 

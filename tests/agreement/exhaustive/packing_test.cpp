@@ -13,8 +13,8 @@ namespace {
 using exhaustive::agrees;
 using exhaustive::Sample;
 using harness::GuardedBuffer;
-using model::FieldValue;
-using model::Value;
+using oracle::FieldValue;
+using oracle::Value;
 
 struct Scalar {
   FieldValue* field;
@@ -23,12 +23,13 @@ struct Scalar {
 
 class Packing : public exhaustive::EveryMessage {
  protected:
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 
-  static void collect(const model::Message& message, Value& value, std::vector<Scalar>& scalars) {
+  static void collect(const oracle::Description& message, Value& value,
+                      std::vector<Scalar>& scalars) {
     for (size_t slot = 0; slot < message.fields.size(); ++slot) {
-      const model::Field& field = message.fields[slot];
-      if (model::isScalar(field.kind)) {
+      const oracle::Field& field = message.fields[slot];
+      if (oracle::isScalar(field.kind)) {
         scalars.push_back({&value[slot], field.size});
       }
       for (Value& item : value[slot].items) {
@@ -49,8 +50,8 @@ class Packing : public exhaustive::EveryMessage {
   Value smallValue() const {
     Value value = exhaustive::fullValue(message());
     for (FieldValue& field : value.fields) {
-      if (field.kind == model::Kind::Vector) {
-        model::setItems(field, {field.items.at(0)});
+      if (field.kind == oracle::Kind::Vector) {
+        oracle::setItems(field, {field.items.at(0)});
       }
     }
     return value;
@@ -62,7 +63,7 @@ class Packing : public exhaustive::EveryMessage {
     for (size_t index = 0; index < scalars.size(); ++index) {
       scalars[index].field->scalar = (zeros >> index & 1) != 0 ? 0 : nonzero(scalars[index].width);
     }
-    const auto size = static_cast<uint32_t>(model::compactSize(message(), value));
+    const auto size = static_cast<uint32_t>(oracle::compactSize(message(), value));
     const GuardedBuffer::Edge edge =
         random_() % 4 == 0 ? GuardedBuffer::Edge::Start : GuardedBuffer::Edge::End;
     const uint32_t more = 1 + static_cast<uint32_t>(random_() % 40);
@@ -81,7 +82,7 @@ class Packing : public exhaustive::EveryMessage {
   uint64_t random() { return random_(); }
 
  private:
-  const uint32_t fullSize_ = static_cast<uint32_t>(model::compactSize(message(), smallValue()));
+  const uint32_t fullSize_ = static_cast<uint32_t>(oracle::compactSize(message(), smallValue()));
   std::mt19937_64 random_{85};
 };
 
@@ -115,7 +116,7 @@ TEST_P(Packing, TakesEverySubsetOfZeroScalars) {
 
 TEST_P(Packing, TakesEveryAlignmentOfRecordAndBuffer) {
   const Value value = smallValue();
-  const auto size = static_cast<uint32_t>(model::compactSize(message(), value));
+  const auto size = static_cast<uint32_t>(oracle::compactSize(message(), value));
   for (size_t record = 0; record < 8; ++record) {
     for (size_t buffer = 0; buffer < 8; ++buffer) {
       ASSERT_EQ(harness::comparePack(GetParam(), value,
@@ -127,7 +128,7 @@ TEST_P(Packing, TakesEveryAlignmentOfRecordAndBuffer) {
 
 TEST_P(Packing, SendsARecordOfAnyAlignment) {
   const Value value = smallValue();
-  const model::RecordImage image(message(), value);
+  const oracle::RecordImage image(message(), value);
   std::vector<uint8_t> first;
   for (size_t shift = 0; shift < 8; ++shift) {
     std::vector<uint8_t> record(shift + image.size());

@@ -7,11 +7,11 @@
 namespace exhaustive {
 namespace {
 
-using model::Field;
-using model::FieldValue;
-using model::Kind;
-using model::Message;
-using model::Value;
+using oracle::Description;
+using oracle::Field;
+using oracle::FieldValue;
+using oracle::Kind;
+using oracle::Value;
 
 std::vector<uint8_t> nonzeroBytes(size_t size, std::mt19937_64& random) {
   std::vector<uint8_t> bytes(size);
@@ -29,8 +29,8 @@ uint64_t nonzeroScalar(uint32_t width, std::mt19937_64& random) {
   return number;
 }
 
-Value full(const Message& message, std::mt19937_64& random) {
-  Value value = model::zeroValue(message);
+Value full(const Description& message, std::mt19937_64& random) {
+  Value value = oracle::zeroValue(message);
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
     const Field& shape = message.fields[slot];
     FieldValue& field = value[slot];
@@ -45,13 +45,13 @@ Value full(const Message& message, std::mt19937_64& random) {
         field.bytes = nonzeroBytes(shape.size, random);
         break;
       case Kind::Bytes:
-        model::setBytes(field, nonzeroBytes(5, random));
+        oracle::setBytes(field, nonzeroBytes(5, random));
         break;
       case Kind::Table:
-        model::nested(field) = full(*shape.nested, random);
+        oracle::nested(field) = full(*shape.nested, random);
         break;
       case Kind::Vector:
-        model::setItems(field, {full(*shape.nested, random), full(*shape.nested, random)});
+        oracle::setItems(field, {full(*shape.nested, random), full(*shape.nested, random)});
         break;
     }
   }
@@ -59,8 +59,8 @@ Value full(const Message& message, std::mt19937_64& random) {
 }
 
 // The message as a writer sees it that knows neither the largest array nor what comes after.
-Message withoutLargeArrays(const Message& message) {
-  Message older = message;
+Description withoutLargeArrays(const Description& message) {
+  Description older = message;
   for (size_t slot = 0; slot < older.fields.size(); ++slot) {
     if (older.fields[slot].kind == Kind::Array && older.fields[slot].size > 1024) {
       older.fields.resize(slot);
@@ -70,9 +70,9 @@ Message withoutLargeArrays(const Message& message) {
   return older;
 }
 
-std::vector<uint8_t> compact(const Message& message, bool reversed) {
-  Message writer = message;
-  std::vector<Message> items;
+std::vector<uint8_t> compact(const Description& message, bool reversed) {
+  Description writer = message;
+  std::vector<Description> items;
   items.reserve(message.fields.size());
   for (Field& field : writer.fields) {
     if (field.kind == Kind::Vector) {
@@ -82,7 +82,7 @@ std::vector<uint8_t> compact(const Message& message, bool reversed) {
   }
   std::vector<uint8_t> bytes;
   for (const std::optional<uint8_t>& byte :
-       model::compactBytes(writer, fullValue(writer), reversed)) {
+       oracle::compactBytes(writer, fullValue(writer), reversed)) {
     bytes.push_back(byte.value());
   }
   return bytes;
@@ -96,25 +96,25 @@ std::string Sample::name() const {
          (reversed ? "_reversed" : "");
 }
 
-Value fullValue(const Message& message) {
+Value fullValue(const Description& message) {
   std::mt19937_64 random(message.id);
   return full(message, random);
 }
 
 std::vector<Sample> fixedSamplesOf(const harness::Operations& operations) {
-  const Message& message = model::message(operations.name);
+  const Description& message = oracle::descriptionOf(operations.name);
   std::vector<Sample> samples;
   for (const bool reversed : {false, true}) {
     if (!message.hasOutOfLineParts) {
       samples.push_back({&operations, Arrangement::Fixed, reversed,
-                         model::fixedImage(message, fullValue(message), reversed)});
+                         oracle::fixedImage(message, fullValue(message), reversed)});
     }
   }
   return samples;
 }
 
 std::vector<Sample> samplesOf(const harness::Operations& operations) {
-  const Message& message = model::message(operations.name);
+  const Description& message = oracle::descriptionOf(operations.name);
   std::vector<Sample> samples = fixedSamplesOf(operations);
   for (const bool reversed : {false, true}) {
     samples.push_back({&operations, Arrangement::Compact, reversed, compact(message, reversed)});

@@ -20,7 +20,9 @@ struct Sample {
   bool reversed;
   std::vector<uint8_t> bytes;
 
-  [[nodiscard]] const model::Message& message() const { return model::message(operations->name); }
+  [[nodiscard]] const oracle::Description& message() const {
+    return oracle::descriptionOf(operations->name);
+  }
   [[nodiscard]] std::string name() const;
   // A message of many KiB, of which a test tries less.
   [[nodiscard]] bool isLarge() const { return bytes.size() > 4096; }
@@ -31,7 +33,7 @@ inline void PrintTo(const Sample& sample, std::ostream* out) {
 }
 
 // A record in which nothing is zero, null or empty; every bit pattern of it comes from the name.
-model::Value fullValue(const model::Message& message);
+oracle::Value fullValue(const oracle::Description& message);
 
 // The full record in every arrangement and byte order that the message has. The items of
 // l2vpn_cfg_query_dfx_rec come from an older writer, which knew nothing of their last and largest

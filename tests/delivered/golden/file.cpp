@@ -9,7 +9,7 @@
 namespace golden {
 namespace {
 
-using model::joined;
+using oracle::joined;
 
 class Reader {
  public:
@@ -74,7 +74,7 @@ class Reader {
       file_.sentFixed = next<std::string>(words) == "fixed";
     } else if (heading == "values") {
       const auto [place, isNew] = file_.values.emplace(
-          next<std::string>(words), model::zeroValue(model::message(file_.name)));
+          next<std::string>(words), oracle::zeroValue(oracle::descriptionOf(file_.name)));
       value_ = isNew ? &place->second : (fail("is there twice"), nullptr);
     } else if (heading == "image") {
       readImageHeading(words);
@@ -141,7 +141,7 @@ class Reader {
   }
 
   // "f1[0].f3": the field f3 of the first item at f1.
-  model::FieldValue& fieldAt(model::Value& value, const std::string& path) const {
+  oracle::FieldValue& fieldAt(oracle::Value& value, const std::string& path) const {
     const size_t end = path.find_first_of(".[");
     const std::string name = path.substr(0, end);
     for (size_t slot = 0; slot < value.fields.size(); ++slot) {
@@ -160,12 +160,12 @@ class Reader {
 
   void readField(std::istringstream& words) {
     const auto path = next<std::string>(words);
-    model::FieldValue& field = fieldAt(*value_, path);
+    oracle::FieldValue& field = fieldAt(*value_, path);
     const auto type = next<std::string>(words);
     if (type == "items") {
-      setItems(field, std::vector<model::Value>(
+      setItems(field, std::vector<oracle::Value>(
                           next<size_t>(words),
-                          model::zeroValue(model::message("l2vpn_cfg_query_dfx_item"))));
+                          oracle::zeroValue(oracle::descriptionOf("l2vpn_cfg_query_dfx_item"))));
     } else if (type == "bytes") {
       setBytes(field, readBytes(words));
     } else if (type.starts_with("bytes[")) {
@@ -182,7 +182,7 @@ class Reader {
   std::ifstream in_;
   size_t line_ = 0;
   File file_;
-  model::Value* value_ = nullptr;
+  oracle::Value* value_ = nullptr;
   bool inImage_ = false;
   size_t stated_ = 0;
 };

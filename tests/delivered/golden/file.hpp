@@ -25,7 +25,7 @@ struct File {
   uint32_t id = 0;
   uint32_t recordSize = 0;
   bool sentFixed = false;
-  std::map<std::string, model::Value> values;
+  std::map<std::string, oracle::Value> values;
   std::vector<Image> images;
 };
 

@@ -51,13 +51,13 @@ testing::AssertionResult areTheSame(const std::vector<uint8_t>& engine,
 class Golden : public testing::TestWithParam<Operations> {
  protected:
   const Operations& operations() const { return GetParam(); }
-  const model::Message& message() const { return model::message(operations().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(operations().name); }
   File file() const {
     return golden::readFile(directory / (std::string(operations().name) + ".txt"));
   }
 
-  std::vector<uint8_t> packed(const model::Value& value) const {
-    const model::RecordImage record(message(), value);
+  std::vector<uint8_t> packed(const oracle::Value& value) const {
+    const oracle::RecordImage record(message(), value);
     std::vector<uint8_t> buffer(70000, 0xA5);
     auto length = static_cast<uint32_t>(buffer.size());
     EXPECT_EQ(operations().pack(record.data(), buffer.data(), &length), 0U);
@@ -65,9 +65,9 @@ class Golden : public testing::TestWithParam<Operations> {
     return buffer;
   }
 
-  std::vector<uint8_t> sent(const model::Value& value) const {
+  std::vector<uint8_t> sent(const oracle::Value& value) const {
     harness::resetRecorder();
-    const model::RecordImage record(message(), value);
+    const oracle::RecordImage record(message(), value);
     EXPECT_EQ(operations().sendSingle(1, record.data(), 0), 0U);
     EXPECT_EQ(harness::recorder().sent.size(), 1U);
     const harness::SentTable& table = harness::recorder().sent.at(0);
@@ -75,12 +75,12 @@ class Golden : public testing::TestWithParam<Operations> {
     return table.bytes;
   }
 
-  model::Value unpacked(const std::vector<uint8_t>& bytes) const {
+  oracle::Value unpacked(const std::vector<uint8_t>& bytes) const {
     harness::resetRecorder();
-    model::RecordImage record(message(), 0xA5);
+    oracle::RecordImage record(message(), 0xA5);
     EXPECT_EQ(operations().unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data()),
               file().recordSize);
-    model::Value value = model::load(message(), record.data());
+    oracle::Value value = oracle::load(message(), record.data());
     operations().freeUnpacked(record.data());
     EXPECT_TRUE(harness::recorder().blocks.empty());
     return value;
@@ -107,7 +107,7 @@ TEST_P(Golden, FileHoldsEveryCase) {
   }
   EXPECT_EQ(titles, expected);
   EXPECT_EQ(golden.values.size(), 3U);
-  EXPECT_EQ(golden.values.at("zero"), model::zeroValue(message()));
+  EXPECT_EQ(golden.values.at("zero"), oracle::zeroValue(message()));
   EXPECT_FALSE(golden.values.at("full") == golden.values.at("sparse"));
 }
 
@@ -115,7 +115,7 @@ TEST_P(Golden, ImagesAreWhatTheLibraryWrites) {
   const File golden = file();
   for (const Image& image : golden.images) {
     SCOPED_TRACE(image.title);
-    const model::Value& value = golden.values.at(image.value);
+    const oracle::Value& value = golden.values.at(image.value);
     harness::useByteOrder(operations(), image.reversed);
     EXPECT_TRUE(areTheSame(image.fixed ? sent(value) : packed(value), image.bytes));
     if (!golden.sentFixed) {
@@ -129,7 +129,7 @@ TEST_P(Golden, ImagesAreWhatTheLibraryReads) {
   for (const Image& image : golden.images) {
     SCOPED_TRACE(image.title);
     harness::useByteOrder(operations(), image.reversed);
-    EXPECT_EQ(model::difference(unpacked(image.bytes), golden.values.at(image.value)), "");
+    EXPECT_EQ(oracle::difference(unpacked(image.bytes), golden.values.at(image.value)), "");
   }
 }
 

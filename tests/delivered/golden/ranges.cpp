@@ -7,7 +7,7 @@
 namespace golden {
 namespace {
 
-using model::joined;
+using oracle::joined;
 using std::to_string;
 
 constexpr uint64_t slotsInARow = 8;
@@ -16,7 +16,7 @@ class Walk {
  public:
   Walk(const std::vector<uint8_t>& bytes, bool reversed) : bytes_(bytes), reversed_(reversed) {}
 
-  std::vector<Range> over(const model::Message& message) {
+  std::vector<Range> over(const oracle::Description& message) {
     const uint64_t root = number(0, 4);
     add(0, 4, joined({"root: ", to_string(root)}));
     overTable(message, root, "");
@@ -45,7 +45,7 @@ class Walk {
                        [begin](const Range& range) { return range.begin == begin; });
   }
 
-  void overTable(const model::Message& message, uint64_t table, const std::string& path) {
+  void overTable(const oracle::Description& message, uint64_t table, const std::string& path) {
     const std::string of = path.empty() ? "" : joined({" of ", path});
     const uint64_t distance = number(table, 4);
     const uint64_t vtable = (table - distance) & 0xFFFFFFFF;
@@ -63,7 +63,7 @@ class Walk {
     }
   }
 
-  void overEntries(const model::Message& message, uint64_t vtable, const std::string& of) {
+  void overEntries(const oracle::Description& message, uint64_t vtable, const std::string& of) {
     const size_t slots = message.fields.size();
     for (size_t first = 0; first < slots; first += slotsInARow) {
       const size_t count = std::min<size_t>(slotsInARow, slots - first);
@@ -78,18 +78,18 @@ class Walk {
     }
   }
 
-  void overField(const model::Field& field, uint64_t position, const std::string& path) {
-    if (model::isScalar(field.kind)) {
+  void overField(const oracle::Field& field, uint64_t position, const std::string& path) {
+    if (oracle::isScalar(field.kind)) {
       add(position, field.size, path);
       return;
     }
     const uint64_t target = overWord(position, path);
-    if (field.kind == model::Kind::Table) {
+    if (field.kind == oracle::Kind::Table) {
       overTable(*field.nested, target, path);
       return;
     }
     const uint64_t count = number(target, 4);
-    if (field.kind == model::Kind::Vector) {
+    if (field.kind == oracle::Kind::Vector) {
       add(target, 4, joined({path, ": count ", to_string(count)}));
       for (uint64_t item = 0; item < count; ++item) {
         const std::string name = joined({path, "[", to_string(item), "]"});
@@ -114,7 +114,7 @@ class Walk {
     uint64_t end = 0;
     for (const Range& range : ranges_) {
       if (range.begin < end) {
-        model::misuse("two ranges of a message overlap");
+        oracle::misuse("two ranges of a message overlap");
       }
       if (range.begin > end) {
         all.push_back({end, range.begin - end, "padding"});
@@ -135,7 +135,7 @@ class Walk {
 
 }  // namespace
 
-std::vector<Range> rangesOf(const model::Message& message, const std::vector<uint8_t>& bytes,
+std::vector<Range> rangesOf(const oracle::Description& message, const std::vector<uint8_t>& bytes,
                             bool reversed) {
   return Walk(bytes, reversed).over(message);
 }

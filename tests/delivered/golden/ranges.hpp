@@ -18,7 +18,7 @@ struct Range {
 
 // Follows the message's own words, from its root, in either arrangement. In position order and
 // without gaps: what no word leads to is padding.
-std::vector<Range> rangesOf(const model::Message& message, const std::vector<uint8_t>& bytes,
+std::vector<Range> rangesOf(const oracle::Description& message, const std::vector<uint8_t>& bytes,
                             bool reversed);
 
 }  // namespace golden

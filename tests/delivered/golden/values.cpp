@@ -33,26 +33,26 @@ std::vector<uint8_t> bytesOf(uint32_t size, uint32_t first) {
   return bytes;
 }
 
-model::Value filled(const model::Message& message, uint32_t base, Filling filling) {
-  model::Value value = model::zeroValue(message);
+oracle::Value filled(const oracle::Description& message, uint32_t base, Filling filling) {
+  oracle::Value value = oracle::zeroValue(message);
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
-    const model::Field& shape = message.fields[slot];
-    model::FieldValue& field = value[slot];
+    const oracle::Field& shape = message.fields[slot];
+    oracle::FieldValue& field = value[slot];
     const auto number = static_cast<uint32_t>(slot);
-    if (shape.kind == model::Kind::Table) {
-      model::nested(field) = filled(*shape.nested, nestedBase(slot, 0), filling);
+    if (shape.kind == oracle::Kind::Table) {
+      oracle::nested(field) = filled(*shape.nested, nestedBase(slot, 0), filling);
     } else if (filling == Filling::OddSlots && slot % 2 == 0) {
       continue;
-    } else if (shape.kind == model::Kind::Array) {
+    } else if (shape.kind == oracle::Kind::Array) {
       field.bytes = bytesOf(shape.size, base + 0x80 + number);
-    } else if (shape.kind == model::Kind::Bytes) {
-      model::setBytes(field, bytesOf(number + 1, base + 0x80 + number));
-    } else if (shape.kind == model::Kind::Vector) {
-      std::vector<model::Value> items;
+    } else if (shape.kind == oracle::Kind::Bytes) {
+      oracle::setBytes(field, bytesOf(number + 1, base + 0x80 + number));
+    } else if (shape.kind == oracle::Kind::Vector) {
+      std::vector<oracle::Value> items;
       for (size_t item = 0; item < (filling == Filling::Full ? 2U : 1U); ++item) {
         items.push_back(filled(*shape.nested, nestedBase(slot, item), filling));
       }
-      model::setItems(field, items);
+      oracle::setItems(field, items);
     } else {
       field.scalar = scalarOf(shape.size, base + number);
     }
@@ -62,11 +62,11 @@ model::Value filled(const model::Message& message, uint32_t base, Filling fillin
 
 }  // namespace
 
-model::Value fullValue(const model::Message& message) {
+oracle::Value fullValue(const oracle::Description& message) {
   return filled(message, rootBase, Filling::Full);
 }
 
-model::Value sparseValue(const model::Message& message) {
+oracle::Value sparseValue(const oracle::Description& message) {
   return filled(message, rootBase, Filling::OddSlots);
 }
 

@@ -18,11 +18,11 @@ namespace golden {
 //                       b + 0x80 + n throughout, then f2
 //   bytes               n + 1 bytes that count up from b + 0x80 + n
 //   vector of tables    two items
-model::Value fullValue(const model::Message& message);
+oracle::Value fullValue(const oracle::Description& message);
 
 // The same with every field of an even slot zero or null, in nested records too; a vector has one
 // item.
-model::Value sparseValue(const model::Message& message);
+oracle::Value sparseValue(const oracle::Description& message);
 
 }  // namespace golden
 

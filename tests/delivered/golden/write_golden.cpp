@@ -15,7 +15,7 @@
 
 namespace {
 
-using model::joined;
+using oracle::joined;
 
 // A longer run of one byte is written as a count.
 constexpr size_t longRun = 32;
@@ -74,24 +74,24 @@ bool isZero(const std::vector<uint8_t>& bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }
 
-void writeValue(std::ostream& out, const model::Value& value, const std::string& prefix) {
+void writeValue(std::ostream& out, const oracle::Value& value, const std::string& prefix) {
   for (size_t slot = 0; slot < value.fields.size(); ++slot) {
-    const model::Field& shape = value.message->fields[slot];
-    const model::FieldValue& field = value[slot];
+    const oracle::Field& shape = value.message->fields[slot];
+    const oracle::FieldValue& field = value[slot];
     const std::string path = joined({prefix, shape.name});
-    if (shape.kind == model::Kind::Table) {
-      writeValue(out, model::nested(field), joined({path, "."}));
-    } else if (shape.kind == model::Kind::Vector && !field.isNull) {
+    if (shape.kind == oracle::Kind::Table) {
+      writeValue(out, oracle::nested(field), joined({path, "."}));
+    } else if (shape.kind == oracle::Kind::Vector && !field.isNull) {
       writeField(out, path, "items", std::to_string(field.length));
       for (size_t item = 0; item < field.items.size(); ++item) {
         writeValue(out, field.items[item], joined({path, "[", std::to_string(item), "]."}));
       }
-    } else if (shape.kind == model::Kind::Bytes && !field.isNull) {
+    } else if (shape.kind == oracle::Kind::Bytes && !field.isNull) {
       writeField(out, path, "bytes", allOf(field.bytes));
-    } else if (shape.kind == model::Kind::Array && !isZero(field.bytes)) {
+    } else if (shape.kind == oracle::Kind::Array && !isZero(field.bytes)) {
       writeField(out, path, joined({"bytes[", std::to_string(shape.size), "]"}),
                  allOf(field.bytes));
-    } else if (model::isScalar(shape.kind) && field.scalar != 0) {
+    } else if (oracle::isScalar(shape.kind) && field.scalar != 0) {
       const std::string digits = joined({"0x%0", std::to_string(2 * shape.size), "llx"});
       writeField(out, path, joined({"u", std::to_string(8 * shape.size)}),
                  formatted(digits.c_str(), field.scalar));
@@ -99,7 +99,7 @@ void writeValue(std::ostream& out, const model::Value& value, const std::string&
   }
 }
 
-void writeImage(std::ostream& out, const model::Message& message, const std::string& title,
+void writeImage(std::ostream& out, const oracle::Description& message, const std::string& title,
                 const std::vector<uint8_t>& bytes, bool reversed) {
   out << "\nimage " << title << ": " << bytes.size() << " bytes\n";
   for (const golden::Range& range : golden::rangesOf(message, bytes, reversed)) {
@@ -117,19 +117,19 @@ void writeImage(std::ostream& out, const model::Message& message, const std::str
   }
 }
 
-std::vector<uint8_t> compact(const model::Message& message, const model::Value& value,
+std::vector<uint8_t> compact(const oracle::Description& message, const oracle::Value& value,
                              bool reversed) {
   std::vector<uint8_t> bytes;
-  for (const std::optional<uint8_t>& byte : model::compactBytes(message, value, reversed)) {
+  for (const std::optional<uint8_t>& byte : oracle::compactBytes(message, value, reversed)) {
     bytes.push_back(byte.value());
   }
   return bytes;
 }
 
-void writeMessage(std::ostream& out, const model::Message& message) {
-  const model::Value zero = model::zeroValue(message);
-  const model::Value full = golden::fullValue(message);
-  const model::Value sparse = golden::sparseValue(message);
+void writeMessage(std::ostream& out, const oracle::Description& message) {
+  const oracle::Value zero = oracle::zeroValue(message);
+  const oracle::Value full = golden::fullValue(message);
+  const oracle::Value sparse = golden::sparseValue(message);
   out << "message " << message.name << "\nidentifier " << formatted("0x%08llX", message.id)
       << "\nrecord " << message.recordSize << " bytes\nsent "
       << (message.sentFixed ? "fixed" : "compact") << "\n\nvalues zero\n\nvalues full\n";
@@ -141,8 +141,8 @@ void writeMessage(std::ostream& out, const model::Message& message) {
   writeImage(out, message, "full compact reversed", compact(message, full, true), true);
   writeImage(out, message, "sparse compact", compact(message, sparse, false), false);
   if (message.sentFixed) {
-    writeImage(out, message, "full fixed", model::fixedImage(message, full, false), false);
-    writeImage(out, message, "full fixed reversed", model::fixedImage(message, full, true), true);
+    writeImage(out, message, "full fixed", oracle::fixedImage(message, full, false), false);
+    writeImage(out, message, "full fixed reversed", oracle::fixedImage(message, full, true), true);
   }
 }
 
@@ -153,7 +153,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: write_golden DIRECTORY\n";
     return 2;
   }
-  for (const model::Message& message : model::messages()) {
+  for (const oracle::Description& message : oracle::descriptions()) {
     std::ofstream out(joined({argv[1], "/", message.name, ".txt"}));
     writeMessage(out, message);
     out.close();

@@ -1,6 +1,6 @@
 #include "oracle/messages/catalogue.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr bool compact = false;
@@ -101,4 +101,4 @@ const std::vector<CatalogueEntry>& synchronisationCatalogue() {
   return entries;
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,11 +1,10 @@
 // The records of the library, written out: one text per record, one word per slot.
-#ifndef MODEL_CATALOGUE_HPP
-#define MODEL_CATALOGUE_HPP
+#pragma once
 
 #include <cstdint>
 #include <vector>
 
-namespace model {
+namespace oracle {
 
 // A slot is one word of `fields`: u8, u16, u32, u64, bytes[N] (inline), bytes (a length and a
 // pointer), table:<message> or vector:<message>.
@@ -22,6 +21,4 @@ const std::vector<CatalogueEntry>& configurationCatalogue();
 const std::vector<CatalogueEntry>& statisticsCatalogue();
 const std::vector<CatalogueEntry>& synchronisationCatalogue();  // the 24 base records
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

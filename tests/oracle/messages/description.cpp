@@ -8,7 +8,7 @@
 #include "oracle/messages/catalogue.hpp"
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint32_t pointerWidth = 8;
@@ -18,8 +18,8 @@ uint32_t roundUp(uint32_t value, uint32_t step) {
   return (value + step - 1) / step * step;
 }
 
-const Message& find(const std::vector<Message>& among, const std::string& name) {
-  for (const Message& candidate : among) {
+const Description& find(const std::vector<Description>& among, const std::string& name) {
+  for (const Description& candidate : among) {
     if (candidate.name == name) {
       return candidate;
     }
@@ -28,7 +28,7 @@ const Message& find(const std::vector<Message>& among, const std::string& name) 
 }
 
 // One word of a catalogue text, for example "bytes[12]"; nested records must already be known.
-Field parseField(const std::string& word, size_t slot, const std::vector<Message>& known) {
+Field parseField(const std::string& word, size_t slot, const std::vector<Description>& known) {
   Field field;
   field.name = joined({"f", std::to_string(slot)});
   const size_t colon = word.find(':');
@@ -81,7 +81,7 @@ uint32_t alignmentOf(const Field& field) {
 }
 
 // Lays the C record out as a compiler does: natural alignment, a length before its pointer.
-void layOutRecord(Message& message) {
+void layOutRecord(Description& message) {
   uint32_t end = 0;
   message.alignment = 1;
   for (Field& field : message.fields) {
@@ -98,7 +98,7 @@ void layOutRecord(Message& message) {
   message.recordSize = roundUp(end, message.alignment);
 }
 
-bool anyOutOfLinePart(const Message& message) {
+bool anyOutOfLinePart(const Description& message) {
   for (const Field& field : message.fields) {
     if (field.kind == Kind::Bytes || field.kind == Kind::Vector) {
       return true;
@@ -110,10 +110,10 @@ bool anyOutOfLinePart(const Message& message) {
   return false;
 }
 
-Message describe(const CatalogueEntry& entry, const std::string& service, const std::string& name,
-                 const std::string& hashedName, const std::string& fields,
-                 const std::vector<Message>& known) {
-  Message message;
+Description describe(const CatalogueEntry& entry, const std::string& service,
+                     const std::string& name, const std::string& hashedName,
+                     const std::string& fields, const std::vector<Description>& known) {
+  Description message;
   message.name = name;
   message.service = service;
   message.hashedName = hashedName;
@@ -133,8 +133,9 @@ Message describe(const CatalogueEntry& entry, const std::string& service, const 
   return message;
 }
 
-Message describeSynchronisation(const CatalogueEntry& entry, const std::string& record,
-                                const std::string& fields, const std::vector<Message>& known) {
+Description describeSynchronisation(const CatalogueEntry& entry, const std::string& record,
+                                    const std::string& fields,
+                                    const std::vector<Description>& known) {
   return describe(entry, "l2vpn_sync", joined({"l2vpn_sync_", record}),
                   joined({"l2vpn_sync.", record}), fields, known);
 }
@@ -144,8 +145,8 @@ std::string qualifiedName(const std::string& service, const std::string& name) {
   return joined({service, ".", name.substr(service.size() + 1)});
 }
 
-std::vector<Message> describeAll() {
-  std::vector<Message> all;
+std::vector<Description> describeAll() {
+  std::vector<Description> all;
   // Nested records are pointed at, so nothing may move. Synchronisation records are in three each.
   all.reserve(configurationCatalogue().size() + statisticsCatalogue().size() +
               3 * synchronisationCatalogue().size());
@@ -178,13 +179,13 @@ bool isScalar(Kind kind) {
   return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;
 }
 
-const std::vector<Message>& messages() {
-  static const std::vector<Message> all = describeAll();
+const std::vector<Description>& descriptions() {
+  static const std::vector<Description> all = describeAll();
   return all;
 }
 
-const Message& message(const std::string& name) {
-  return find(messages(), name);
+const Description& descriptionOf(const std::string& name) {
+  return find(descriptions(), name);
 }
 
 uint32_t hashOf(const std::string& text) {
@@ -197,8 +198,8 @@ uint32_t hashOf(const std::string& text) {
 }
 
 void misuse(const std::string& text) {
-  std::fprintf(stderr, "model: %s\n", text.c_str());
+  std::fprintf(stderr, "oracle: %s\n", text.c_str());
   std::abort();
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,15 +1,14 @@
 // What a message is, as plain data: its fields in slot order, its record, its identity.
 //
-// The model shares nothing with the library. Every number below is worked out here, by the
+// The oracle shares nothing with the library. Every number below is worked out here, by the
 // rules a peer would follow, so that a slip in the library cannot repeat itself in its tests.
-#ifndef MODEL_MESSAGE_HPP
-#define MODEL_MESSAGE_HPP
+#pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace model {
+namespace oracle {
 
 enum class Kind {
   U8,
@@ -24,19 +23,19 @@ enum class Kind {
 
 bool isScalar(Kind kind);
 
-struct Message;
+struct Description;
 
 struct Field {
   std::string name;  // "f0", "f1", ... after the slot
   Kind kind = Kind::U8;
-  uint32_t size = 0;                // width of a scalar, N of an Array, record size of the nested;
-                                    // 0 for Bytes
-  const Message* nested = nullptr;  // Table and Vector
-  uint32_t offset = 0;              // of the value, or of the pointer, in the C record
-  uint32_t lengthOffset = 0;        // of fN_len / fN_count, which precedes the pointer
+  uint32_t size = 0;  // width of a scalar, N of an Array, record size of the nested;
+                      // 0 for Bytes
+  const Description* nested = nullptr;  // Table and Vector
+  uint32_t offset = 0;                  // of the value, or of the pointer, in the C record
+  uint32_t lengthOffset = 0;            // of fN_len / fN_count, which precedes the pointer
 };
 
-struct Message {
+struct Description {
   std::string name;
   std::string service;     // "l2vpn_cfg", "l2vpn_stat" or "l2vpn_sync"
   std::string hashedName;  // what the identifier is the hash of
@@ -55,17 +54,15 @@ struct Message {
 };
 
 // All, in the registration order of l2vpn_cfg, l2vpn_stat and l2vpn_sync.
-const std::vector<Message>& messages();
+const std::vector<Description>& descriptions();
 
 // Ends the process with a clear text if there is no such message.
-const Message& message(const std::string& name);
+const Description& descriptionOf(const std::string& name);
 
 // 32-bit FNV-1a.
 uint32_t hashOf(const std::string& text);
 
-// Says what is wrong and ends the process: for misuse of the model itself.
+// Says what is wrong and ends the process: for misuse of the oracle itself.
 [[noreturn]] void misuse(const std::string& text);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -4,13 +4,13 @@
 #include "oracle/operations/writer.hpp"
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint32_t failure = 0xFFFFFFFF;
 constexpr uint32_t wordWidth = 4;
 
-std::optional<uint64_t> sizeOfTable(const Message& message, const Value& value);
+std::optional<uint64_t> sizeOfTable(const Description& message, const Value& value);
 
 // What one field adds to the size of its table, its target included.
 std::optional<uint64_t> sizeOfField(const Field& field, const FieldValue& value) {
@@ -50,7 +50,7 @@ std::optional<uint64_t> sizeOfField(const Field& field, const FieldValue& value)
 }
 
 // A table with its vtable and everything its fields lead to.
-std::optional<uint64_t> sizeOfTable(const Message& message, const Value& value) {
+std::optional<uint64_t> sizeOfTable(const Description& message, const Value& value) {
   uint64_t size = message.vtableLength + wordWidth;
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
     const std::optional<uint64_t> added = sizeOfField(message.fields[slot], value[slot]);
@@ -84,7 +84,7 @@ class CompactWriter {
  public:
   CompactWriter(uint64_t size, bool reversed) : bytes_(size), reversed_(reversed) {}
 
-  WrittenBytes write(const Message& message, const Value& value) {
+  WrittenBytes write(const Description& message, const Value& value) {
     cursor_ = wordWidth;
     const uint64_t table = writeTable(message, value);
     put(0, wordWidth, table);
@@ -99,7 +99,7 @@ class CompactWriter {
 
   // The vtable at the cursor, the table behind it, its targets behind the table. Returns the
   // position of the table and leaves the cursor after everything written.
-  uint64_t writeTable(const Message& message, const Value& value) {
+  uint64_t writeTable(const Description& message, const Value& value) {
     const uint64_t vtable = cursor_;
     const uint64_t table = vtable + message.vtableLength;
     cursor_ = table + wordWidth;
@@ -139,7 +139,7 @@ class CompactWriter {
     return table;
   }
 
-  static std::vector<size_t> inlineOrder(const Message& message) {
+  static std::vector<size_t> inlineOrder(const Description& message) {
     std::vector<size_t> slots;
     for (size_t slot = 0; slot < message.fields.size(); ++slot) {
       slots.push_back(slot);
@@ -212,12 +212,12 @@ class CompactWriter {
 
 }  // namespace
 
-uint64_t compactSize(const Message& message, const Value& value) {
+uint64_t compactSize(const Description& message, const Value& value) {
   const std::optional<uint64_t> size = sizeOfTable(message, value);
   return size ? wordWidth + *size : noSize;
 }
 
-std::optional<uint32_t> sendableSize(const Message& message, const Value& value) {
+std::optional<uint32_t> sendableSize(const Description& message, const Value& value) {
   const uint64_t size = compactSize(message, value);
   if (size == noSize || size > message.largestSize) {
     return std::nullopt;
@@ -225,7 +225,7 @@ std::optional<uint32_t> sendableSize(const Message& message, const Value& value)
   return static_cast<uint32_t>(size);
 }
 
-WrittenBytes compactBytes(const Message& message, const Value& value, bool reversed) {
+WrittenBytes compactBytes(const Description& message, const Value& value, bool reversed) {
   const uint64_t size = compactSize(message, value);
   if (size == noSize) {
     misuse(joined({"a record of ", message.name, " without a size cannot be written"}));
@@ -233,8 +233,8 @@ WrittenBytes compactBytes(const Message& message, const Value& value, bool rever
   return CompactWriter(size, reversed).write(message, value);
 }
 
-PackResult pack(const Message& message, const Value* recordOrNull, bool bufferIsNull, uint32_t room,
-                bool lengthIsNull, bool reversed) {
+PackResult pack(const Description& message, const Value* recordOrNull, bool bufferIsNull,
+                uint32_t room, bool lengthIsNull, bool reversed) {
   PackResult result;
   result.result = failure;
   if (recordOrNull == nullptr || lengthIsNull) {
@@ -254,4 +254,4 @@ PackResult pack(const Message& message, const Value* recordOrNull, bool bufferIs
   return result;
 }
 
-}  // namespace model
+}  // namespace oracle

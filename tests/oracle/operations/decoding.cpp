@@ -2,7 +2,7 @@
 
 #include "oracle/operations/trace.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint64_t largestU32 = 0xFFFFFFFF;
@@ -44,7 +44,7 @@ std::optional<uint64_t> Decoding::vtableOf(uint64_t table, const std::string& fu
   return vtable;
 }
 
-bool Decoding::decodeSlots(const Message& message, uint64_t table, uint64_t vtable,
+bool Decoding::decodeSlots(const Description& message, uint64_t table, uint64_t vtable,
                            const std::string& function, Decoder decoder, Value& record) {
   const uint64_t vtableLength = numberAt(vtable, 2);
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
@@ -63,7 +63,7 @@ bool Decoding::decodeSlots(const Message& message, uint64_t table, uint64_t vtab
   return true;
 }
 
-bool Decoding::decodeTableAt(const Message& message, uint64_t table, Value& record) {
+bool Decoding::decodeTableAt(const Description& message, uint64_t table, Value& record) {
   const std::string function = message.name + "_unpack_non_root";
   const std::optional<uint64_t> vtable = vtableOf(table, function);
   return vtable && decodeSlots(message, table, *vtable, function, Decoder::OfTable, record);
@@ -99,7 +99,7 @@ std::optional<uint64_t> Decoding::targetOf(uint64_t position) const {
   return target;
 }
 
-bool Decoding::decodeField(const Message& message, const Field& field, uint64_t position,
+bool Decoding::decodeField(const Description& message, const Field& field, uint64_t position,
                            const std::string& function, Decoder decoder, FieldValue& value) {
   switch (field.kind) {
     case Kind::U8:
@@ -216,4 +216,4 @@ uint32_t Decoding::allocate(uint32_t size, const std::string& function, Decoder 
   return blocks_;
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
 // One received buffer on its way into one record: the checks and the reads of the table format.
-#ifndef MODEL_DECODING_HPP
-#define MODEL_DECODING_HPP
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -10,7 +9,7 @@
 #include "oracle/messages/description.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 // How a decoder words the failure of an allocation: the two texts differ in a run of blanks.
 enum class Decoder { OfRoot, OfTable };
@@ -27,11 +26,11 @@ class Decoding {
   std::optional<uint64_t> vtableOf(uint64_t table, const std::string& function);
 
   // Fills the record slot by slot; false as soon as a field fails.
-  bool decodeSlots(const Message& message, uint64_t table, uint64_t vtable,
+  bool decodeSlots(const Description& message, uint64_t table, uint64_t vtable,
                    const std::string& function, Decoder decoder, Value& record);
 
   // Both, as the table reader of the message.
-  bool decodeTableAt(const Message& message, uint64_t table, Value& record);
+  bool decodeTableAt(const Description& message, uint64_t table, Value& record);
 
   const std::vector<std::string>& trace() const { return trace_; }
 
@@ -43,7 +42,7 @@ class Decoding {
   // From an offset word to the length or count word it leads to, if both lie inside the buffer.
   std::optional<uint64_t> targetOf(uint64_t position) const;
 
-  bool decodeField(const Message& message, const Field& field, uint64_t position,
+  bool decodeField(const Description& message, const Field& field, uint64_t position,
                    const std::string& function, Decoder decoder, FieldValue& value);
   bool decodeArray(const Field& field, uint64_t position, FieldValue& value) const;
   bool decodeBytes(uint64_t position, const std::string& function, Decoder decoder,
@@ -64,6 +63,4 @@ class Decoding {
   std::vector<std::string> trace_;
 };
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

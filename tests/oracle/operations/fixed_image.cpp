@@ -1,6 +1,6 @@
 #include "oracle/operations/writer.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint32_t root = 4;
@@ -34,7 +34,7 @@ class Image {
   Image(uint32_t length, bool reversed) : bytes(length, 0), reversed_(reversed) {}
 
   // The whole image of a record, its first byte at `begin`.
-  void put(uint32_t begin, const Message& message, const Value& value) {
+  void put(uint32_t begin, const Description& message, const Value& value) {
     const FixedLayout layout = fixedLayout(message);
     putNumber(begin, wordWidth, root);
     putNumber(begin + table, wordWidth, uint64_t{table} - layout.vtablePosition);
@@ -78,7 +78,7 @@ class Image {
 
 }  // namespace
 
-FixedLayout fixedLayout(const Message& message) {
+FixedLayout fixedLayout(const Description& message) {
   FixedLayout layout;
   uint32_t entry = wordWidth;
   for (const Field& field : message.fields) {
@@ -92,14 +92,14 @@ FixedLayout fixedLayout(const Message& message) {
   return layout;
 }
 
-uint32_t fixedLength(const Message& message) {
+uint32_t fixedLength(const Description& message) {
   return message.sentFixed ? fixedLayout(message).length : 0;
 }
 
-std::vector<uint8_t> fixedImage(const Message& message, const Value& value, bool reversed) {
+std::vector<uint8_t> fixedImage(const Description& message, const Value& value, bool reversed) {
   Image image(fixedLayout(message).length, reversed);
   image.put(0, message, value);
   return image.bytes;
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -6,7 +6,7 @@
 #include "oracle/operations/trace.hpp"
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 bool lengthTooSmall(uint32_t length) {
@@ -17,7 +17,7 @@ void append(std::vector<std::string>& trace, const std::vector<std::string>& lin
   trace.insert(trace.end(), lines.begin(), lines.end());
 }
 
-void releaseParts(const Message& message, const std::string& caller, Value& record,
+void releaseParts(const Description& message, const std::string& caller, Value& record,
                   std::vector<std::string>& trace) {
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
     const Field& field = message.fields[slot];
@@ -39,8 +39,8 @@ void releaseParts(const Message& message, const std::string& caller, Value& reco
 
 }  // namespace
 
-UnpackResult unpack(const Message& message, const uint8_t* data, uint32_t length, bool recordIsNull,
-                    bool reversed, int failingAllocation) {
+UnpackResult unpack(const Description& message, const uint8_t* data, uint32_t length,
+                    bool recordIsNull, bool reversed, int failingAllocation) {
   UnpackResult result;
   result.returned = message.recordSize;
   result.record = zeroValue(message);
@@ -71,7 +71,7 @@ UnpackResult unpack(const Message& message, const uint8_t* data, uint32_t length
   return result;
 }
 
-DecodeResult decodeTable(const Message& message, const uint8_t* data, uint32_t length,
+DecodeResult decodeTable(const Description& message, const uint8_t* data, uint32_t length,
                          bool recordIsNull, uint32_t tablePosition, bool reversed,
                          int failingAllocation) {
   DecodeResult result;
@@ -90,12 +90,12 @@ DecodeResult decodeTable(const Message& message, const uint8_t* data, uint32_t l
   return result;
 }
 
-std::vector<std::string> freeUnpacked(const Message& message, const Value& record) {
+std::vector<std::string> freeUnpacked(const Description& message, const Value& record) {
   Value copy = record;
   return release(message, copy);
 }
 
-std::vector<std::string> release(const Message& message, Value& record) {
+std::vector<std::string> release(const Description& message, Value& record) {
   std::vector<std::string> trace;
   if (message.hasOutOfLineParts) {
     releaseParts(message, message.name + "_free_unpacked", record, trace);
@@ -103,4 +103,4 @@ std::vector<std::string> release(const Message& message, Value& record) {
   return trace;
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
 // What receiving a buffer does: the record it leaves, the calls it makes on the way.
-#ifndef MODEL_READER_HPP
-#define MODEL_READER_HPP
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -9,7 +8,7 @@
 #include "oracle/messages/description.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 struct UnpackResult {
   uint32_t returned = 0;
@@ -21,8 +20,8 @@ struct UnpackResult {
 // <message>__unpack. `data` may be null and is read only within [data, data + length), byte by
 // byte. Of the allocations of this call, the one numbered `failingAllocation` (from 1) returns
 // null; 0 lets all succeed. Blocks are numbered from 1 in the order in which they were given.
-UnpackResult unpack(const Message& message, const uint8_t* data, uint32_t length, bool recordIsNull,
-                    bool reversed, int failingAllocation);
+UnpackResult unpack(const Description& message, const uint8_t* data, uint32_t length,
+                    bool recordIsNull, bool reversed, int failingAllocation);
 
 struct DecodeResult {
   bool decoded = false;
@@ -33,16 +32,14 @@ struct DecodeResult {
 // The message's table reader, started at a given table position. It releases nothing on failure.
 // Only a message whose tableReaderChecksParameters is set accepts null pointers and a length
 // below 4; for the others such a call is a misuse.
-DecodeResult decodeTable(const Message& message, const uint8_t* data, uint32_t length,
+DecodeResult decodeTable(const Description& message, const uint8_t* data, uint32_t length,
                          bool recordIsNull, uint32_t tablePosition, bool reversed,
                          int failingAllocation);
 
 // <message>_free__unpacked of a record whose pointers carry block numbers: the trace it leaves.
-std::vector<std::string> freeUnpacked(const Message& message, const Value& record);
+std::vector<std::string> freeUnpacked(const Description& message, const Value& record);
 
 // The same, and the record as it stands afterwards: every pointer null, lengths as they were.
-std::vector<std::string> release(const Message& message, Value& record);
+std::vector<std::string> release(const Description& message, Value& record);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -3,7 +3,7 @@
 #include "oracle/operations/trace.hpp"
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint32_t failure = 0xFFFFFFFF;
@@ -15,7 +15,7 @@ constexpr uint32_t largestAutomatic = 1024;
 // One send operation under way.
 class Sending {
  public:
-  Sending(const Message& message, uint32_t destination,
+  Sending(const Description& message, uint32_t destination,
           const std::optional<std::vector<Value>>& recordsOrNull, uint64_t extra, bool reversed,
           bool allocationFails, uint32_t middlewareResult)
       : message_(message),
@@ -149,7 +149,7 @@ class Sending {
                                       : sendMsgLine(sent_.destination, count));
   }
 
-  const Message& message_;
+  const Description& message_;
   const std::optional<std::vector<Value>>& records_;
   bool reversed_;
   bool allocationFails_;
@@ -159,7 +159,7 @@ class Sending {
 
 }  // namespace
 
-Sent send(const Message& message, Operation operation, uint32_t destination,
+Sent send(const Description& message, Operation operation, uint32_t destination,
           const std::optional<std::vector<Value>>& recordsOrNull, uint32_t count, uint64_t extra,
           bool reversed, bool allocationFails, uint32_t middlewareResult) {
   const uint64_t passedOn = operation == Operation::Msg ? 0 : extra;
@@ -180,4 +180,4 @@ Sent send(const Message& message, Operation operation, uint32_t destination,
   misuse("unknown operation");
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
 // What sending records does: the calls made, and the descriptors the middleware is handed.
-#ifndef MODEL_SENDER_HPP
-#define MODEL_SENDER_HPP
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +10,7 @@
 #include "oracle/operations/writer.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 enum class Operation { Single, Batch, Msg, ToMsg };
 
@@ -33,10 +32,8 @@ struct Sent {
 
 // Single takes the first record and ignores `count`; Msg ignores `extra`. The array may be null;
 // it need hold no more records than the operation reads before it ends.
-Sent send(const Message& message, Operation operation, uint32_t destination,
+Sent send(const Description& message, Operation operation, uint32_t destination,
           const std::optional<std::vector<Value>>& recordsOrNull, uint32_t count, uint64_t extra,
           bool reversed, bool allocationFails, uint32_t middlewareResult);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -2,7 +2,7 @@
 
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr uint32_t reportCode = 22;
@@ -107,4 +107,4 @@ std::string tableAllocationFailedLine(const std::string& function, uint32_t size
              {"Malloc unpack data unsuccess,                size(", text(size), ")"});
 }
 
-}  // namespace model
+}  // namespace oracle

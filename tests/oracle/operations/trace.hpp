@@ -1,11 +1,10 @@
 // The lines of a trace: one per call the library makes to the world outside, in order.
-#ifndef MODEL_TRACE_HPP
-#define MODEL_TRACE_HPP
+#pragma once
 
 #include <cstdint>
 #include <string>
 
-namespace model {
+namespace oracle {
 
 // A block of 0 is the null pointer.
 std::string unpackAllocLine(uint32_t size, const std::string& caller, uint32_t block);
@@ -26,6 +25,4 @@ std::string vtableLengthLine(const std::string& function, uint32_t vtableLength,
 std::string rootAllocationFailedLine(const std::string& function, uint32_t size);
 std::string tableAllocationFailedLine(const std::string& function, uint32_t size);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

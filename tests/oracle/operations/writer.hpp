@@ -1,6 +1,5 @@
 // What encoding a record gives: the compact buffer of __pack and the fixed image of the senders.
-#ifndef MODEL_WRITER_HPP
-#define MODEL_WRITER_HPP
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -10,7 +9,7 @@
 #include "oracle/messages/description.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 // A byte that is not set was not written: the buffer keeps what it held there.
 using WrittenBytes = std::vector<std::optional<uint8_t>>;
@@ -19,13 +18,13 @@ constexpr uint64_t noSize = UINT64_MAX;
 
 // The exact size of the compact buffer, before any limit; noSize when the record declares items
 // behind a null pointer, so that no size can be worked out.
-uint64_t compactSize(const Message& message, const Value& value);
+uint64_t compactSize(const Description& message, const Value& value);
 
 // The same, with the message's limit applied: nothing when __pack and the senders must fail.
-std::optional<uint32_t> sendableSize(const Message& message, const Value& value);
+std::optional<uint32_t> sendableSize(const Description& message, const Value& value);
 
 // The compact buffer itself, compactSize bytes long.
-WrittenBytes compactBytes(const Message& message, const Value& value, bool reversed);
+WrittenBytes compactBytes(const Description& message, const Value& value, bool reversed);
 
 struct PackResult {
   uint32_t result = 0;
@@ -35,8 +34,8 @@ struct PackResult {
 };
 
 // <message>__pack, with `room` as the in/out length on entry.
-PackResult pack(const Message& message, const Value* recordOrNull, bool bufferIsNull, uint32_t room,
-                bool lengthIsNull, bool reversed);
+PackResult pack(const Description& message, const Value* recordOrNull, bool bufferIsNull,
+                uint32_t room, bool lengthIsNull, bool reversed);
 
 // Where everything lies in a fixed image. Positions count from the image's first byte, slot
 // entries from the table, which begins at 4.
@@ -49,10 +48,8 @@ struct FixedLayout {
 };
 
 // For messages without pointers; a pointer form has no fixed place and is a misuse.
-FixedLayout fixedLayout(const Message& message);
-uint32_t fixedLength(const Message& message);  // 0 for a message that is sent compact
-std::vector<uint8_t> fixedImage(const Message& message, const Value& value, bool reversed);
+FixedLayout fixedLayout(const Description& message);
+uint32_t fixedLength(const Description& message);  // 0 for a message that is sent compact
+std::vector<uint8_t> fixedImage(const Description& message, const Value& value, bool reversed);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -9,7 +9,7 @@
 
 #include "oracle/messages/description.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 const std::vector<std::string> syncRecords = {"vpls_ac",
@@ -37,7 +37,7 @@ const std::vector<std::string> syncRecords = {"vpls_ac",
                                               "vpls_macping",
                                               "stp"};
 
-TEST(Model, KnowsEightyFiveMessagesInRegistrationOrder) {
+TEST(Oracle, KnowsEightyFiveMessagesInRegistrationOrder) {
   std::vector<std::string> expected = {
       "dbginfo_key_l2vpn",          "dbginfo_para_l2vpn",       "l2vpn_cfg_query_dfx_cond",
       "l2vpn_cfg_query_comm_param", "l2vpn_cfg_query_comm_rec", "dbginfo_cmd_key_l2vpn",
@@ -52,31 +52,31 @@ TEST(Model, KnowsEightyFiveMessagesInRegistrationOrder) {
     expected.push_back("l2vpn_sync_" + record + "_delete");
   }
   std::vector<std::string> names;
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     names.push_back(type.name);
   }
   EXPECT_EQ(names.size(), 85U);
   EXPECT_EQ(names, expected);
 }
 
-TEST(Model, CountsTwelveOneAndSeventyTwoMessagesByService) {
+TEST(Oracle, CountsTwelveOneAndSeventyTwoMessagesByService) {
   std::map<std::string, int> counts;
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     ++counts[type.service];
   }
   EXPECT_EQ(counts,
             (std::map<std::string, int>{{"l2vpn_cfg", 12}, {"l2vpn_stat", 1}, {"l2vpn_sync", 72}}));
 }
 
-TEST(Model, GivesEveryMessageItsOwnIdentifier) {
+TEST(Oracle, GivesEveryMessageItsOwnIdentifier) {
   std::set<uint32_t> ids;
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     ids.insert(type.id);
   }
   EXPECT_EQ(ids.size(), 85U);
 }
 
-TEST(Model, HashesNamesToTheIdentifiersPeersUse) {
+TEST(Oracle, HashesNamesToTheIdentifiersPeersUse) {
   const std::map<std::string, std::pair<std::string, uint32_t>> stated = {
       {"dbginfo_key_l2vpn", {"dbginfo_key_l2vpn", 0xFEB5D38D}},
       {"dbginfo_para_l2vpn", {"dbginfo_para_l2vpn", 0xF5550D12}},
@@ -96,12 +96,12 @@ TEST(Model, HashesNamesToTheIdentifiersPeersUse) {
       {"l2vpn_sync_vpls_ac_delete", {"l2vpn_sync.vpls_ac_delete", 0x37A63707}},
   };
   for (const auto& [name, identity] : stated) {
-    EXPECT_EQ(message(name).hashedName, identity.first);
-    EXPECT_EQ(message(name).id, identity.second) << name;
+    EXPECT_EQ(descriptionOf(name).hashedName, identity.first);
+    EXPECT_EQ(descriptionOf(name).id, identity.second) << name;
   }
 }
 
-TEST(Model, LaysRecordsOutAsCompilersDo) {
+TEST(Oracle, LaysRecordsOutAsCompilersDo) {
   const std::map<std::string, uint32_t> stated = {
       {"dbginfo_key_l2vpn", 24},          {"dbginfo_para_l2vpn", 40},
       {"l2vpn_cfg_query_dfx_cond", 136},  {"l2vpn_cfg_query_comm_param", 24},
@@ -118,13 +118,13 @@ TEST(Model, LaysRecordsOutAsCompilersDo) {
       {"l2vpn_sync_vpls_ac_update", 52},
   };
   for (const auto& [name, size] : stated) {
-    EXPECT_EQ(message(name).recordSize, size) << name;
+    EXPECT_EQ(descriptionOf(name).recordSize, size) << name;
   }
 }
 
 std::vector<uint32_t> fieldOffsets(const std::string& name) {
   std::vector<uint32_t> offsets;
-  for (const Field& field : message(name).fields) {
+  for (const Field& field : descriptionOf(name).fields) {
     if (field.kind == Kind::Bytes || field.kind == Kind::Vector) {
       offsets.push_back(field.lengthOffset);
     }
@@ -133,7 +133,7 @@ std::vector<uint32_t> fieldOffsets(const std::string& name) {
   return offsets;
 }
 
-TEST(Model, PlacesFieldsAtTheirRecordOffsets) {
+TEST(Oracle, PlacesFieldsAtTheirRecordOffsets) {
   using Offsets = std::vector<uint32_t>;
   EXPECT_EQ(fieldOffsets("dbginfo_key_l2vpn"), (Offsets{0, 2, 4, 8, 16}));
   EXPECT_EQ(fieldOffsets("dbginfo_para_l2vpn"), (Offsets{0, 4, 8, 12, 16, 20, 24, 28, 32}));
@@ -152,4 +152,4 @@ TEST(Model, PlacesFieldsAtTheirRecordOffsets) {
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

@@ -6,13 +6,13 @@
 #include "oracle/tests/test_buffer.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 using Trace = std::vector<std::string>;
 
-TEST(Model, PacksIntoExactlyEnoughRoom) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, PacksIntoExactlyEnoughRoom) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   Value value = zeroValue(key);
   value[0].scalar = 1;
   setBytes(value[3], {1, 2, 3});
@@ -28,8 +28,8 @@ TEST(Model, PacksIntoExactlyEnoughRoom) {
   EXPECT_EQ(pack(key, &value, false, 33, true, false).result, 0xFFFFFFFF);
 }
 
-TEST(Model, ReportsTheSizeForANullBuffer) {
-  const Message& type = message("l2vpn_sync_vpls_ac");
+TEST(Oracle, ReportsTheSizeForANullBuffer) {
+  const Description& type = descriptionOf("l2vpn_sync_vpls_ac");
   const Value value = zeroValue(type);
   const PackResult asked = pack(type, &value, true, 100, false, false);
   EXPECT_EQ(asked.result, 0U);
@@ -43,25 +43,25 @@ TEST(Model, ReportsTheSizeForANullBuffer) {
   EXPECT_TRUE(tooLittle.trace.empty());
 }
 
-TEST(Model, FailsToPackBeyondTheLimitOfAMessage) {
+TEST(Oracle, FailsToPackBeyondTheLimitOfAMessage) {
   const auto packs = [](Value value) {
     return pack(*value.message, &value, true, UINT32_MAX, false, false).result == 0;
   };
-  Value key = zeroValue(message("dbginfo_key_l2vpn"));
+  Value key = zeroValue(descriptionOf("dbginfo_key_l2vpn"));
   setBytes(key[3], {});
   key[3].length = UINT32_MAX - 28;
   EXPECT_TRUE(packs(key));
   ++key[3].length;
   EXPECT_FALSE(packs(key));
 
-  Value command = zeroValue(message("dbginfo_cmd_key_l2vpn"));
+  Value command = zeroValue(descriptionOf("dbginfo_cmd_key_l2vpn"));
   nested(command[4])[3] = key[3];
   nested(command[4])[3].length = 0xFFFFFFF7 - 78;
   EXPECT_TRUE(packs(command));
   ++nested(command[4])[3].length;
   EXPECT_FALSE(packs(command));
 
-  Value query = zeroValue(message("l2vpn_cfg_query_dfx_key"));
+  Value query = zeroValue(descriptionOf("l2vpn_cfg_query_dfx_key"));
   nested(query[0])[2] = key[3];
   nested(query[0])[2].length = 0xFFFFFFFE - 196;
   EXPECT_TRUE(packs(query));
@@ -69,12 +69,12 @@ TEST(Model, FailsToPackBeyondTheLimitOfAMessage) {
   EXPECT_FALSE(packs(query));
 }
 
-TEST(Model, FailsToPackItemsBehindANullPointer) {
-  Value value = zeroValue(message("l2vpn_cfg_query_dfx_rec"));
+TEST(Oracle, FailsToPackItemsBehindANullPointer) {
+  Value value = zeroValue(descriptionOf("l2vpn_cfg_query_dfx_rec"));
   value[1].length = 1;
   EXPECT_EQ(compactSize(*value.message, value), noSize);
   EXPECT_EQ(pack(*value.message, &value, false, 40000, false, false).result, 0xFFFFFFFF);
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

@@ -1,4 +1,4 @@
-// The reader of the model against buffers written out byte by byte.
+// The oracle's reader against buffers written out byte by byte.
 #include <gtest/gtest.h>
 
 #include "oracle/messages/description.hpp"
@@ -7,15 +7,15 @@
 #include "oracle/tests/test_buffer.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 using Trace = std::vector<std::string>;
 using Bytes = std::vector<uint8_t>;
 
 UnpackResult unpackFrom(const std::string& name, const Bytes& buffer, int failingAllocation = 0) {
-  return unpack(message(name), buffer.data(), static_cast<uint32_t>(buffer.size()), false, false,
-                failingAllocation);
+  return unpack(descriptionOf(name), buffer.data(), static_cast<uint32_t>(buffer.size()), false,
+                false, failingAllocation);
 }
 
 std::string logLine(const std::string& function, const std::string& text, int code = 22) {
@@ -30,9 +30,9 @@ Bytes keyBuffer() {
   return buffer.content;
 }
 
-TEST(Model, UnpacksADebugKeyWithOneBlock) {
+TEST(Oracle, UnpacksADebugKeyWithOneBlock) {
   const UnpackResult result = unpackFrom("dbginfo_key_l2vpn", keyBuffer());
-  Value expected = zeroValue(message("dbginfo_key_l2vpn"));
+  Value expected = zeroValue(descriptionOf("dbginfo_key_l2vpn"));
   expected[0].scalar = 1;
   expected[1].scalar = 2;
   expected[2].scalar = 3;
@@ -46,8 +46,8 @@ TEST(Model, UnpacksADebugKeyWithOneBlock) {
             Trace({"unpackFree #1 owner=12 caller=\"dbginfo_key_l2vpn_free_unpacked\""}));
 }
 
-TEST(Model, RefusesBadParametersBeforeTouchingTheRecord) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, RefusesBadParametersBeforeTouchingTheRecord) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   const UnpackResult null = unpack(key, nullptr, 3, false, false, 0);
   EXPECT_EQ(null.returned, 24U);
   EXPECT_FALSE(null.recordTouched);
@@ -59,7 +59,7 @@ TEST(Model, RefusesBadParametersBeforeTouchingTheRecord) {
       Trace({logLine("dbginfo_key_l2vpn_unpack", "Param invalid(nonNull, -2147483648, null)")}));
 }
 
-TEST(Model, LogsTheThreeFrameChecksInOrder) {
+TEST(Oracle, LogsTheThreeFrameChecksInOrder) {
   const std::string function = "dbginfo_key_l2vpn_unpack";
   const UnpackResult four = unpackFrom("dbginfo_key_l2vpn", TestBuffer().u32(4).content);
   EXPECT_EQ(four.trace, Trace({logLine(function, "Table offset(4) is out of range(4 - 4)")}));
@@ -72,7 +72,7 @@ TEST(Model, LogsTheThreeFrameChecksInOrder) {
             Trace({logLine(function, "Vtable Len(5) is out of range(0 - 4)")}));
 }
 
-TEST(Model, ClearsRecordsWhoseRootIsReadByTheTableReader) {
+TEST(Oracle, ClearsRecordsWhoseRootIsReadByTheTableReader) {
   const UnpackResult base = unpackFrom("l2vpn_sync_vpls_ac", TestBuffer().u32({2, 0}).content);
   EXPECT_TRUE(base.recordTouched);
   EXPECT_EQ(base.trace, Trace({logLine("l2vpn_sync_vpls_ac_unpack_non_root",
@@ -91,23 +91,24 @@ TEST(Model, ClearsRecordsWhoseRootIsReadByTheTableReader) {
                    "unpackFree null owner=12 caller=\"dbginfo_para_l2vpn_free_unpacked\""}));
 }
 
-TEST(Model, ReadsShortVtablesAsAbsentFields) {
+TEST(Oracle, ReadsShortVtablesAsAbsentFields) {
   const Bytes none = TestBuffer().u32(8).u16({4, 4}).u32(4).content;
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     const UnpackResult result = unpackFrom(type.name, none);
     EXPECT_EQ(difference(result.record, zeroValue(type)), "") << type.name;
     EXPECT_TRUE(result.recordTouched && result.trace.empty()) << type.name;
   }
-  Bytes full = packed(message("l2vpn_sync_vpls_ac"), withScalars(message("l2vpn_sync_vpls_ac"), 6));
+  Bytes full = packed(descriptionOf("l2vpn_sync_vpls_ac"),
+                      withScalars(descriptionOf("l2vpn_sync_vpls_ac"), 6));
   full[4] = 14;  // slots 0 to 4
-  Value expected = zeroValue(message("l2vpn_sync_vpls_ac"));
+  Value expected = zeroValue(descriptionOf("l2vpn_sync_vpls_ac"));
   for (size_t slot = 0; slot < 5; ++slot) {
     expected[slot].scalar = 6;
   }
   EXPECT_EQ(difference(unpackFrom("l2vpn_sync_vpls_ac", full).record, expected), "");
 }
 
-TEST(Model, IgnoresSlotsItDoesNotKnow) {
+TEST(Oracle, IgnoresSlotsItDoesNotKnow) {
   TestBuffer buffer;
   buffer.u32(4 + 14).u16({14, 0, 0, 0, 0, 4, 0xFFFF}).u32({14, 7});
   const UnpackResult result = unpackFrom("l2vpn_sync_stp", buffer.content);
@@ -115,7 +116,7 @@ TEST(Model, IgnoresSlotsItDoesNotKnow) {
   EXPECT_TRUE(result.trace.empty());
 }
 
-TEST(Model, StopsSilentlyAtAFieldBeyondTheEnd) {
+TEST(Oracle, StopsSilentlyAtAFieldBeyondTheEnd) {
   TestBuffer buffer;
   buffer.u32(16).u16({12, 0, 4, 9, 8, 8}).u32({12, 1, 2});  // slot 1 ends one byte too late
   const UnpackResult result = unpackFrom("l2vpn_sync_stp", buffer.content);
@@ -124,8 +125,8 @@ TEST(Model, StopsSilentlyAtAFieldBeyondTheEnd) {
   EXPECT_TRUE(result.trace.empty());
 }
 
-TEST(Model, StopsAtArraysOfAnotherLength) {
-  const Message& type = message("l2vpn_sync_vpls_ac");
+TEST(Oracle, StopsAtArraysOfAnotherLength) {
+  const Description& type = descriptionOf("l2vpn_sync_vpls_ac");
   for (const int length : {11, 13}) {
     Value value = withScalars(type, 2);
     value[8].bytes.assign(12, 8);
@@ -137,8 +138,8 @@ TEST(Model, StopsAtArraysOfAnotherLength) {
   }
 }
 
-TEST(Model, GivesBlocksBackWhenALaterFieldFails) {
-  const Message& type = message("dbginfo_endata_l2vpn");
+TEST(Oracle, GivesBlocksBackWhenALaterFieldFails) {
+  const Description& type = descriptionOf("dbginfo_endata_l2vpn");
   Value value = zeroValue(type);
   setBytes(value[12], {1, 2});
   setBytes(value[14], {3, 4, 5});
@@ -154,7 +155,7 @@ TEST(Model, GivesBlocksBackWhenALaterFieldFails) {
                    "unpackFree null owner=12 caller=\"dbginfo_endata_l2vpn_free_unpacked\""}));
 }
 
-TEST(Model, KeepsTheLengthOfAStringThatFoundNoMemory) {
+TEST(Oracle, KeepsTheLengthOfAStringThatFoundNoMemory) {
   const UnpackResult result = unpackFrom("dbginfo_key_l2vpn", keyBuffer(), 1);
   EXPECT_TRUE(result.record[3].isNull);
   EXPECT_EQ(result.record[3].length, 3U);
@@ -165,8 +166,8 @@ TEST(Model, KeepsTheLengthOfAStringThatFoundNoMemory) {
                    "unpackFree null owner=12 caller=\"dbginfo_key_l2vpn_free_unpacked\""}));
 }
 
-TEST(Model, TakesNestedStringsUnderTheNestedName) {
-  const Message& type = message("dbginfo_cmd_key_l2vpn");
+TEST(Oracle, TakesNestedStringsUnderTheNestedName) {
+  const Description& type = descriptionOf("dbginfo_cmd_key_l2vpn");
   Value value = zeroValue(type);
   setBytes(nested(value[3])[7], {1});
   setBytes(nested(value[4])[3], {2, 2});
@@ -181,8 +182,8 @@ TEST(Model, TakesNestedStringsUnderTheNestedName) {
              "unpackFree null owner=12 caller=\"dbginfo_cmd_key_l2vpn_free_unpacked\""}));
 }
 
-TEST(Model, FailsAConfigurationMessageWithADamagedNestedTable) {
-  const Message& type = message("l2vpn_cfg_query_dfx_key");
+TEST(Oracle, FailsAConfigurationMessageWithADamagedNestedTable) {
+  const Description& type = descriptionOf("l2vpn_cfg_query_dfx_key");
   Value value = withScalars(type, 5);
   setBytes(nested(value[0])[2], {1});
   Bytes buffer = packed(type, value);
@@ -196,8 +197,8 @@ TEST(Model, FailsAConfigurationMessageWithADamagedNestedTable) {
                                      "Table offset(65555) is out of range(4 - 213)"));
 }
 
-TEST(Model, LeavesAWrapperWithWhatItsDamagedTableGave) {
-  const Message& type = message("l2vpn_sync_stp_delete");
+TEST(Oracle, LeavesAWrapperWithWhatItsDamagedTableGave) {
+  const Description& type = descriptionOf("l2vpn_sync_stp_delete");
   Bytes buffer = packed(type, withScalars(type, 5));
   buffer.erase(buffer.end() - 4, buffer.end());
   const UnpackResult result = unpackFrom(type.name, buffer);
@@ -207,9 +208,9 @@ TEST(Model, LeavesAWrapperWithWhatItsDamagedTableGave) {
   EXPECT_TRUE(result.trace.empty());
 }
 
-TEST(Model, TakesOneBlockForAllItems) {
-  const Message& type = message("l2vpn_cfg_query_dfx_rec");
-  const Message& item = message("l2vpn_cfg_query_dfx_item");
+TEST(Oracle, TakesOneBlockForAllItems) {
+  const Description& type = descriptionOf("l2vpn_cfg_query_dfx_rec");
+  const Description& item = descriptionOf("l2vpn_cfg_query_dfx_item");
   Value value = zeroValue(type);
   setItems(value[1], {withScalars(item, 4), withScalars(item, 5)});
   Bytes buffer = packed(type, value);
@@ -235,14 +236,14 @@ TEST(Model, TakesOneBlockForAllItems) {
                               "unpackFree null" + freeing, "unpackFree #1" + freeing}));
 }
 
-TEST(Model, ChecksParametersInTwoTableReaders) {
-  for (const Message& type : messages()) {
+TEST(Oracle, ChecksParametersInTwoTableReaders) {
+  for (const Description& type : descriptions()) {
     EXPECT_EQ(type.tableReaderChecksParameters,
               type.name == "l2vpn_sync_glb_en" || type.name == "l2vpn_sync_stp");
   }
-  EXPECT_EQ(decodeTable(message("l2vpn_sync_stp"), nullptr, 9, false, 4, false, 0).trace,
+  EXPECT_EQ(decodeTable(descriptionOf("l2vpn_sync_stp"), nullptr, 9, false, 4, false, 0).trace,
             Trace({logLine("l2vpn_sync_stp_unpack_non_root", "Param invalid(null, 9, nonNull)")}));
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

@@ -1,4 +1,4 @@
-// The sender of the model, and the parts that serve the tests: record images and generators.
+// The oracle's sender, and the parts that serve the tests: record images and generators.
 #include <gtest/gtest.h>
 
 #include "oracle/operations/reader.hpp"
@@ -7,25 +7,25 @@
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 using Trace = std::vector<std::string>;
 
 // A debug key whose compact buffer has exactly `size` bytes.
 Value keyOfSize(size_t size) {
-  Value value = zeroValue(message("dbginfo_key_l2vpn"));
+  Value value = zeroValue(descriptionOf("dbginfo_key_l2vpn"));
   setBytes(value[3], std::vector<uint8_t>(size - 28, 'k'));
   return value;
 }
 
 Sent sendKeys(Operation operation, const std::vector<Value>& keys, uint64_t extra = 0,
               bool allocationFails = false) {
-  return send(message("dbginfo_key_l2vpn"), operation, 7, keys, static_cast<uint32_t>(keys.size()),
-              extra, false, allocationFails, 41);
+  return send(descriptionOf("dbginfo_key_l2vpn"), operation, 7, keys,
+              static_cast<uint32_t>(keys.size()), extra, false, allocationFails, 41);
 }
 
-TEST(Model, SendsOneCompactRecordFromOneAllocation) {
+TEST(Oracle, SendsOneCompactRecordFromOneAllocation) {
   const Sent sent = sendKeys(Operation::Single, {keyOfSize(39)}, 9);
   EXPECT_EQ(sent.trace,
             Trace({"memAlloc size=39 owner=25088 caller=\"dbginfo_key_l2vpn__sendsingle\" -> #1",
@@ -35,13 +35,13 @@ TEST(Model, SendsOneCompactRecordFromOneAllocation) {
   ASSERT_EQ(sent.descriptors.size(), 1U);
   EXPECT_EQ(sent.descriptors[0].id, 0xFEB5D38D);
   EXPECT_EQ(sent.descriptors[0].bytes,
-            compactBytes(message("dbginfo_key_l2vpn"), keyOfSize(39), false));
+            compactBytes(descriptionOf("dbginfo_key_l2vpn"), keyOfSize(39), false));
   EXPECT_TRUE(sendKeys(Operation::Msg, {keyOfSize(39)}, 9).trace[1] ==
               "MESH_SendMsg destination=7 count=1");
 }
 
-TEST(Model, FailsLocallyWithoutReachingTheMiddleware) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, FailsLocallyWithoutReachingTheMiddleware) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   const Sent null = send(key, Operation::Single, 7, std::nullopt, 1, 0, false, false, 0);
   EXPECT_EQ(null.result, 0xFFFFFFFF);
   EXPECT_TRUE(null.trace.empty());
@@ -57,7 +57,7 @@ TEST(Model, FailsLocallyWithoutReachingTheMiddleware) {
   EXPECT_FALSE(full.reachedMiddleware);
 }
 
-TEST(Model, PlacesBatchedTablesBackToBack) {
+TEST(Oracle, PlacesBatchedTablesBackToBack) {
   const Sent sent = sendKeys(Operation::ToMsg, {keyOfSize(39), keyOfSize(31), keyOfSize(29)});
   ASSERT_EQ(sent.descriptors.size(), 3U);
   EXPECT_EQ(sent.descriptors[1].offset, 39U);
@@ -68,7 +68,7 @@ TEST(Model, PlacesBatchedTablesBackToBack) {
                    "memFree #1 owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\""}));
 }
 
-TEST(Model, SendsBatchesUpToTheEndOfTheRegion) {
+TEST(Oracle, SendsBatchesUpToTheEndOfTheRegion) {
   EXPECT_TRUE(sendKeys(Operation::Batch, {keyOfSize(32768), keyOfSize(32768)}).reachedMiddleware);
   const Sent tooMuch = sendKeys(Operation::Batch, {keyOfSize(32768), keyOfSize(32769)});
   EXPECT_FALSE(tooMuch.reachedMiddleware);
@@ -77,7 +77,7 @@ TEST(Model, SendsBatchesUpToTheEndOfTheRegion) {
   EXPECT_EQ(tooMuch.trace.size(), 2U);
 }
 
-TEST(Model, TellsACountOfZeroApartByOperation) {
+TEST(Oracle, TellsACountOfZeroApartByOperation) {
   const Sent batch = sendKeys(Operation::Batch, {});
   EXPECT_EQ(batch.result, 41U);
   EXPECT_EQ(batch.trace[0],
@@ -90,8 +90,8 @@ TEST(Model, TellsACountOfZeroApartByOperation) {
   }
 }
 
-TEST(Model, SendsSmallFixedRecordsWithoutAllocating) {
-  const Message& type = message("l2vpn_sync_vpls_ac_update");
+TEST(Oracle, SendsSmallFixedRecordsWithoutAllocating) {
+  const Description& type = descriptionOf("l2vpn_sync_vpls_ac_update");
   const Sent sent =
       send(type, Operation::ToMsg, 1, std::vector<Value>{zeroValue(type)}, 1, 2, false, true, 0);
   EXPECT_EQ(sent.trace, Trace({"MESH_SendToMsg destination=1 count=1 extra=2"}));
@@ -99,8 +99,8 @@ TEST(Model, SendsSmallFixedRecordsWithoutAllocating) {
   EXPECT_EQ(sent.descriptors.at(0).id, 0x5EED5F0D);
 }
 
-TEST(Model, AllocatesForTheOneLargeFixedRecord) {
-  const Message& type = message("l2vpn_cfg_query_dfx_item");
+TEST(Oracle, AllocatesForTheOneLargeFixedRecord) {
+  const Description& type = descriptionOf("l2vpn_cfg_query_dfx_item");
   for (const Operation operation : {Operation::Single, Operation::Msg, Operation::ToMsg}) {
     const Sent sent =
         send(type, operation, 1, std::vector<Value>{zeroValue(type)}, 1, 0, false, false, 0);
@@ -112,8 +112,8 @@ TEST(Model, AllocatesForTheOneLargeFixedRecord) {
   }
 }
 
-TEST(Model, StepsFixedBatchesByTheFixedLength) {
-  const Message& type = message("l2vpn_stat_pw_stat");
+TEST(Oracle, StepsFixedBatchesByTheFixedLength) {
+  const Description& type = descriptionOf("l2vpn_stat_pw_stat");
   const std::vector<Value> records(3, withScalars(type, 3));
   const Sent sent = send(type, Operation::Batch, 1, records, 3, 0, false, false, 0);
   EXPECT_EQ(sent.trace.at(0),
@@ -121,14 +121,14 @@ TEST(Model, StepsFixedBatchesByTheFixedLength) {
   EXPECT_EQ(sent.descriptors.at(2).offset, 256U);
 }
 
-TEST(Model, GivesBackTheBlockOfABatchThatPasses32Bits) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, GivesBackTheBlockOfABatchThatPasses32Bits) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   const Sent compact = send(key, Operation::Batch, 1, std::nullopt, 0x10000000, 0, false, false, 0);
   EXPECT_EQ(compact.trace.at(0),
             "memAlloc size=65536 owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\" -> #1");
   EXPECT_EQ(compact.trace.size(), 2U);
   EXPECT_EQ(compact.result, 0xFFFFFFFF);
-  const Message& stat = message("l2vpn_stat_pw_stat");
+  const Description& stat = descriptionOf("l2vpn_stat_pw_stat");
   const Sent fixed = send(stat, Operation::Batch, 1, std::nullopt, 29826162, 0, false, false, 0);
   EXPECT_EQ(fixed.trace.at(0),
             "memAlloc size=32 owner=25088 caller=\"l2vpn_stat_pw_stat__sendbatch\" -> #1");
@@ -136,9 +136,9 @@ TEST(Model, GivesBackTheBlockOfABatchThatPasses32Bits) {
   EXPECT_EQ(fixed.result, 0xFFFFFFFF);
 }
 
-TEST(Model, LoadsFromARecordWhatWasStoredInIt) {
+TEST(Oracle, LoadsFromARecordWhatWasStoredInIt) {
   std::mt19937_64 random(11);
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     const std::vector<Value> values = {randomValue(type, random, Density::Full),
                                        randomValue(type, random, Density::Edge)};
     const RecordImage image(type, values);
@@ -148,12 +148,13 @@ TEST(Model, LoadsFromARecordWhatWasStoredInIt) {
     EXPECT_EQ(difference(load(type, first), values[0]), "") << type.name;
     EXPECT_EQ(difference(load(type, first + type.recordSize), values[1]), "") << type.name;
   }
-  EXPECT_EQ(RecordImage(message("l2vpn_sync_stp"), 0xAB).bytes(), std::vector<uint8_t>(16, 0xAB));
+  EXPECT_EQ(RecordImage(descriptionOf("l2vpn_sync_stp"), 0xAB).bytes(),
+            std::vector<uint8_t>(16, 0xAB));
 }
 
-TEST(Model, ReadsBackWhatItWrites) {
+TEST(Oracle, ReadsBackWhatItWrites) {
   std::mt19937_64 random(12);
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     for (const bool reversed : {false, true}) {
       const Value value = randomValue(type, random, Density::Sparse);
       const std::vector<uint8_t> buffer = packed(type, value, reversed);
@@ -170,12 +171,12 @@ TEST(Model, ReadsBackWhatItWrites) {
   }
 }
 
-TEST(Model, StaysInsideDamagedBuffers) {
+TEST(Oracle, StaysInsideDamagedBuffers) {
   std::mt19937_64 random(13);
   int touched = 0;
   int logged = 0;
   for (int round = 0; round < 20; ++round) {
-    for (const Message& type : messages()) {
+    for (const Description& type : descriptions()) {
       const Value value = randomValue(type, random, Density::Sparse);
       const std::vector<uint8_t> buffer = mutate(packed(type, value), random);
       const UnpackResult result =
@@ -189,10 +190,10 @@ TEST(Model, StaysInsideDamagedBuffers) {
   EXPECT_GT(logged, 100);   // and trip them
 }
 
-TEST(Model, GeneratesTheSameFromTheSameSeed) {
+TEST(Oracle, GeneratesTheSameFromTheSameSeed) {
   std::mt19937_64 first(5);
   std::mt19937_64 second(5);
-  const Message& type = message("l2vpn_cfg_query_comm_rec");
+  const Description& type = descriptionOf("l2vpn_cfg_query_comm_rec");
   const Value value = randomValue(type, first, Density::Full);
   EXPECT_EQ(value, randomValue(type, second, Density::Full));
   EXPECT_EQ(mutate(packed(type, value), first), mutate(packed(type, value), second));
@@ -202,4 +203,4 @@ TEST(Model, GeneratesTheSameFromTheSameSeed) {
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

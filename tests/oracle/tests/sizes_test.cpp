@@ -11,7 +11,7 @@
 #include "oracle/tests/test_buffer.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 struct Sizes {
@@ -88,7 +88,7 @@ constexpr Fixed fixedForms[] = {
 };
 
 // The offset words of the present non-scalar slots, in slot order.
-std::vector<uint64_t> offsetWords(const Message& type, const Value& value) {
+std::vector<uint64_t> offsetWords(const Description& type, const Value& value) {
   const std::vector<uint8_t> buffer = packed(type, value);
   const uint64_t table = numberIn(buffer, 0, 4);
   std::vector<uint64_t> words;
@@ -101,10 +101,10 @@ std::vector<uint64_t> offsetWords(const Message& type, const Value& value) {
   return words;
 }
 
-TEST(Model, StatesCompactSizesOfEveryRecord) {
+TEST(Oracle, StatesCompactSizesOfEveryRecord) {
   EXPECT_EQ(std::size(sizes), 37U);
   for (const Sizes& row : sizes) {
-    const Message& type = message(row.name);
+    const Description& type = descriptionOf(row.name);
     EXPECT_EQ(type.fields.size(), row.slots) << row.name;
     EXPECT_EQ(type.vtableLength, row.vtable) << row.name;
     EXPECT_EQ(compactSize(type, zeroValue(type)), row.smallest) << row.name;
@@ -113,23 +113,23 @@ TEST(Model, StatesCompactSizesOfEveryRecord) {
   }
 }
 
-TEST(Model, StatesFixedSizesOfEveryRecordSentSo) {
+TEST(Oracle, StatesFixedSizesOfEveryRecordSentSo) {
   std::set<std::string> sentFixed;
   for (const Fixed& row : fixedForms) {
-    const FixedLayout layout = fixedLayout(message(row.name));
+    const FixedLayout layout = fixedLayout(descriptionOf(row.name));
     EXPECT_EQ(layout.tableLength, row.tableLength) << row.name;
     EXPECT_EQ(layout.vtablePosition, row.vtablePosition) << row.name;
     EXPECT_EQ(layout.length, row.length) << row.name;
-    EXPECT_EQ(fixedLength(message(row.name)), row.length) << row.name;
+    EXPECT_EQ(fixedLength(descriptionOf(row.name)), row.length) << row.name;
     sentFixed.insert(row.name);
   }
-  for (const Message& type : messages()) {
+  for (const Description& type : descriptions()) {
     EXPECT_EQ(type.sentFixed, type.wrapper || sentFixed.count(type.name) == 1) << type.name;
     EXPECT_EQ(fixedLength(type) == 0, !type.sentFixed) << type.name;
   }
 }
 
-TEST(Model, WrapsEveryRecordInTwentyFourMoreBytes) {
+TEST(Oracle, WrapsEveryRecordInTwentyFourMoreBytes) {
   const std::map<std::string, uint32_t> stated = {{"vpls_ac", 120},
                                                   {"vpls_ac_sub", 176},
                                                   {"vpls_ac_share", 144},
@@ -156,9 +156,9 @@ TEST(Model, WrapsEveryRecordInTwentyFourMoreBytes) {
                                                   {"vpls_macping", 112}};
   EXPECT_EQ(stated.size(), 24U);
   for (const auto& [record, length] : stated) {
-    const Message& base = message("l2vpn_sync_" + record);
+    const Description& base = descriptionOf("l2vpn_sync_" + record);
     for (const char* change : {"_update", "_delete"}) {
-      const Message& wrapper = message(base.name + change);
+      const Description& wrapper = descriptionOf(base.name + change);
       EXPECT_EQ(fixedLength(wrapper), length) << wrapper.name;
       EXPECT_EQ(fixedLength(wrapper), fixedLength(base) + 24) << wrapper.name;
       EXPECT_EQ(wrapper.vtableLength, 8U);
@@ -170,12 +170,12 @@ TEST(Model, WrapsEveryRecordInTwentyFourMoreBytes) {
       EXPECT_EQ(compactSize(wrapper, value), baseSize - 4 + 22) << wrapper.name;
     }
   }
-  EXPECT_EQ(compactSize(message("l2vpn_sync_vll_ac_update"),
-                        zeroValue(message("l2vpn_sync_vll_ac_update"))),
+  EXPECT_EQ(compactSize(descriptionOf("l2vpn_sync_vll_ac_update"),
+                        zeroValue(descriptionOf("l2vpn_sync_vll_ac_update"))),
             96U);
 }
 
-TEST(Model, KeepsSlotEntriesOfFixedImagesConstant) {
+TEST(Oracle, KeepsSlotEntriesOfFixedImagesConstant) {
   const std::map<std::string, std::vector<uint32_t>> stated = {
       {"dbginfo_cmd_ipc_l2vpn", {4, 8, 12, 14, 16, 20, 24, 28, 32, 34, 38, 40, 42}},
       {"dbginfo_dedata_l2vpn", {4, 8, 12, 14, 16, 18, 20, 22, 24, 28, 32, 34, 38}},
@@ -198,11 +198,11 @@ TEST(Model, KeepsSlotEntriesOfFixedImagesConstant) {
       {"l2vpn_sync_vll_ac_update", {4, 6}},
   };
   for (const auto& [name, entries] : stated) {
-    EXPECT_EQ(fixedLayout(message(name)).slotEntries, entries) << name;
+    EXPECT_EQ(fixedLayout(descriptionOf(name)).slotEntries, entries) << name;
   }
 }
 
-TEST(Model, LeadsFromOffsetWordsToTheirStrings) {
+TEST(Oracle, LeadsFromOffsetWordsToTheirStrings) {
   const std::map<std::string, std::vector<uint64_t>> stated = {
       {"l2vpn_stat_pw_stat", {4}},
       {"l2vpn_cfg_query_dfx_item", {16, 48, 72, 200}},
@@ -223,26 +223,26 @@ TEST(Model, LeadsFromOffsetWordsToTheirStrings) {
       {"l2vpn_sync_vpls_macping", {4}},
   };
   for (const auto& [name, words] : stated) {
-    const Message& type = message(name);
+    const Description& type = descriptionOf(name);
     EXPECT_EQ(offsetWords(type, zeroValue(type)), words) << name;
     EXPECT_EQ(offsetWords(type, withScalars(type, 7)), words) << name;
   }
 }
 
-TEST(Model, CountsArraysIntoTheTableLength) {
+TEST(Oracle, CountsArraysIntoTheTableLength) {
   const std::map<std::string, uint64_t> arrayBytes = {
       {"vpls_ac", 40},        {"vpls_ac_sub", 40},    {"vpls_ac_share", 40}, {"vpls_inst", 64},
       {"vpls_exp", 0},        {"vpls_inst_info", 64}, {"vpls_pw", 72},       {"vpls_pwred_pg", 48},
       {"vpls_ac_macdraw", 0}, {"glb_en", 72},         {"vpls_vsimac", 54},   {"oam_staticmac", 78},
       {"vpls_macping", 14}};
   for (const auto& [record, added] : arrayBytes) {
-    const Message& type = message("l2vpn_sync_" + record);
+    const Description& type = descriptionOf("l2vpn_sync_" + record);
     EXPECT_EQ(numberIn(packed(type, zeroValue(type)), 6, 2), 4 + added) << record;
   }
-  const Message& item = message("l2vpn_cfg_query_dfx_item");
+  const Description& item = descriptionOf("l2vpn_cfg_query_dfx_item");
   EXPECT_EQ(numberIn(packed(item, zeroValue(item)), 6, 2), 16604U);
   EXPECT_EQ(numberIn(packed(item, withScalars(item, 1)), 6, 2), 16608U);
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
-// Expected buffers written down number by number, for the tests of the model.
-#ifndef MODEL_TEST_BUFFER_HPP
-#define MODEL_TEST_BUFFER_HPP
+// Expected buffers written down number by number, for the tests of the oracle.
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -8,7 +7,7 @@
 
 #include "oracle/operations/writer.hpp"
 
-namespace model {
+namespace oracle {
 
 // TestBuffer().u32(16).u16({12, 23}).bytes({'a', 'b'}): little-endian, back to back.
 class TestBuffer {
@@ -63,12 +62,13 @@ inline std::vector<uint8_t> filled(const WrittenBytes& written, uint8_t left = 0
   return buffer;
 }
 
-inline std::vector<uint8_t> packed(const Message& type, const Value& value, bool reversed = false) {
+inline std::vector<uint8_t> packed(const Description& type, const Value& value,
+                                   bool reversed = false) {
   return filled(compactBytes(type, value, reversed));
 }
 
 // Every scalar `number` cut to its width, everything else zero, nested records alike.
-inline Value withScalars(const Message& type, uint64_t number) {
+inline Value withScalars(const Description& type, uint64_t number) {
   Value value = zeroValue(type);
   for (size_t slot = 0; slot < type.fields.size(); ++slot) {
     if (isScalar(type.fields[slot].kind)) {
@@ -80,6 +80,4 @@ inline Value withScalars(const Message& type, uint64_t number) {
   return value;
 }
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -1,4 +1,4 @@
-// The writers of the model against buffers written out byte by byte.
+// The oracle's writers against buffers written out byte by byte.
 #include <gtest/gtest.h>
 
 #include "oracle/messages/description.hpp"
@@ -6,11 +6,11 @@
 #include "oracle/tests/test_buffer.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 Value keyExample() {
-  Value value = zeroValue(message("dbginfo_key_l2vpn"));
+  Value value = zeroValue(descriptionOf("dbginfo_key_l2vpn"));
   value[0].scalar = 0x1122;
   value[1].scalar = 0x3344;
   value[2].scalar = 0x55667788;
@@ -19,7 +19,7 @@ Value keyExample() {
 }
 
 Value vplsAcExample() {
-  Value value = withScalars(message("l2vpn_sync_vpls_ac"), 0x0A0B0C0D);
+  Value value = withScalars(descriptionOf("l2vpn_sync_vpls_ac"), 0x0A0B0C0D);
   value[8].bytes = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
   value[9].bytes.assign(12, 0xF9);
   return value;
@@ -37,39 +37,39 @@ TestBuffer vplsAcImage() {
   return image;
 }
 
-TEST(Model, PacksADebugKeyTo39Bytes) {
+TEST(Oracle, PacksADebugKeyTo39Bytes) {
   TestBuffer expected;
   expected.u32(16).u16({12, 23, 4, 6, 8, 12}).u32(12);
   expected.u16({0x1122, 0x3344}).u32(0x55667788).u32({4, 3}).bytes({'a', 'b', 'c'});
-  EXPECT_EQ(packed(message("dbginfo_key_l2vpn"), keyExample()), expected.content);
+  EXPECT_EQ(packed(descriptionOf("dbginfo_key_l2vpn"), keyExample()), expected.content);
   EXPECT_EQ(expected.content.size(), 39U);
 }
 
-TEST(Model, MovesLaterFieldsDownWhenAScalarIsZero) {
+TEST(Oracle, MovesLaterFieldsDownWhenAScalarIsZero) {
   Value value = keyExample();
   value[0].scalar = 0;
   TestBuffer expected;
   expected.u32(16).u16({12, 21, 0, 4, 6, 10}).u32(12);
   expected.u16(0x3344).u32(0x55667788).u32({4, 3}).bytes({'a', 'b', 'c'});
-  EXPECT_EQ(packed(message("dbginfo_key_l2vpn"), value), expected.content);
+  EXPECT_EQ(packed(descriptionOf("dbginfo_key_l2vpn"), value), expected.content);
   EXPECT_EQ(expected.content.size(), 37U);
 }
 
-TEST(Model, ReversesNumbersButNotContents) {
+TEST(Oracle, ReversesNumbersButNotContents) {
   const std::vector<uint8_t> expected = {
       0,    0,    0,    16,   0,    12,   0,    23,   0, 4, 0, 6, 0, 8, 0, 12, 0,   0,   0,  12,
       0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0, 0, 0, 4, 0, 0, 0, 3,  'a', 'b', 'c'};
-  EXPECT_EQ(packed(message("dbginfo_key_l2vpn"), keyExample(), true), expected);
+  EXPECT_EQ(packed(descriptionOf("dbginfo_key_l2vpn"), keyExample(), true), expected);
 }
 
-TEST(Model, PacksAnAllZeroDebugKeyTo20Bytes) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, PacksAnAllZeroDebugKeyTo20Bytes) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   EXPECT_EQ(packed(key, zeroValue(key)),
             TestBuffer().u32(16).u16({12, 4, 0, 0, 0, 0}).u32(12).content);
 }
 
-TEST(Model, CountsAPointerWithoutLengthButDoesNotWriteIt) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, CountsAPointerWithoutLengthButDoesNotWriteIt) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   Value value = zeroValue(key);
   value[0].scalar = 5;
   setBytes(value[3], {});
@@ -78,16 +78,16 @@ TEST(Model, CountsAPointerWithoutLengthButDoesNotWriteIt) {
   EXPECT_EQ(packed(key, value), expected.content);
 }
 
-TEST(Model, IgnoresALengthWithoutAPointer) {
-  const Message& key = message("dbginfo_key_l2vpn");
+TEST(Oracle, IgnoresALengthWithoutAPointer) {
+  const Description& key = descriptionOf("dbginfo_key_l2vpn");
   Value value = zeroValue(key);
   value[3].length = 100;
   EXPECT_EQ(compactSize(key, value), 20U);
   EXPECT_EQ(packed(key, value), packed(key, zeroValue(key)));
 }
 
-TEST(Model, LeavesTheLast8BytesOfANestedEmptyString) {
-  const Message& type = message("dbginfo_cmd_key_l2vpn");
+TEST(Oracle, LeavesTheLast8BytesOfANestedEmptyString) {
+  const Description& type = descriptionOf("dbginfo_cmd_key_l2vpn");
   Value value = zeroValue(type);
   setBytes(nested(value[3])[7], {});
   TestBuffer expected;
@@ -99,8 +99,8 @@ TEST(Model, LeavesTheLast8BytesOfANestedEmptyString) {
   EXPECT_EQ(expected.content.size(), 78U);
 }
 
-TEST(Model, InterleavesScalarsAndOffsetWordsInConfigurationMessages) {
-  const Message& type = message("l2vpn_cfg_query_comm_rec");
+TEST(Oracle, InterleavesScalarsAndOffsetWordsInConfigurationMessages) {
+  const Description& type = descriptionOf("l2vpn_cfg_query_comm_rec");
   Value value = zeroValue(type);
   value[0].scalar = 1;
   setBytes(value[3], {7, 8});
@@ -110,8 +110,8 @@ TEST(Model, InterleavesScalarsAndOffsetWordsInConfigurationMessages) {
   EXPECT_EQ(packed(type, value), expected.content);
 }
 
-TEST(Model, PutsScalarsBeforeOffsetWordsInStatistics) {
-  const Message& type = message("l2vpn_stat_pw_stat");
+TEST(Oracle, PutsScalarsBeforeOffsetWordsInStatistics) {
+  const Description& type = descriptionOf("l2vpn_stat_pw_stat");
   Value value = zeroValue(type);
   value[0].scalar = 1;
   value[3].bytes = {7, 8, 9};
@@ -122,8 +122,8 @@ TEST(Model, PutsScalarsBeforeOffsetWordsInStatistics) {
   EXPECT_EQ(packed(type, value), expected.content);
 }
 
-TEST(Model, PutsTheScalarOfAnItemBeforeItsOffsetWords) {
-  const Message& item = message("l2vpn_cfg_query_dfx_item");
+TEST(Oracle, PutsTheScalarOfAnItemBeforeItsOffsetWords) {
+  const Description& item = descriptionOf("l2vpn_cfg_query_dfx_item");
   Value value = zeroValue(item);
   std::vector<uint8_t> buffer = packed(item, value);
   EXPECT_EQ(std::vector<uint8_t>(buffer.begin() + 8, buffer.begin() + 18),
@@ -135,8 +135,8 @@ TEST(Model, PutsTheScalarOfAnItemBeforeItsOffsetWords) {
   EXPECT_EQ(buffer.size(), 16626U);
 }
 
-TEST(Model, PacksAnAllZeroVplsAcTo72Bytes) {
-  const Message& type = message("l2vpn_sync_vpls_ac");
+TEST(Oracle, PacksAnAllZeroVplsAcTo72Bytes) {
+  const Description& type = descriptionOf("l2vpn_sync_vpls_ac");
   TestBuffer expected;
   expected.u32(28).u16({24, 44, 0, 0, 0, 0, 0, 0, 0, 0, 4, 8}).u32(24).u32({8, 20});
   expected.u32(12).zeros(12).u32(12).zeros(12);
@@ -144,21 +144,21 @@ TEST(Model, PacksAnAllZeroVplsAcTo72Bytes) {
   EXPECT_EQ(expected.content.size(), 72U);
 }
 
-TEST(Model, PacksAFullVplsAcTo93Bytes) {
-  const std::vector<uint8_t> buffer = packed(message("l2vpn_sync_vpls_ac"), vplsAcExample());
+TEST(Oracle, PacksAFullVplsAcTo93Bytes) {
+  const std::vector<uint8_t> buffer = packed(descriptionOf("l2vpn_sync_vpls_ac"), vplsAcExample());
   EXPECT_EQ(buffer.size(), 93U);
   EXPECT_EQ(std::vector<uint8_t>(buffer.begin() + 4, buffer.begin() + 28),
             TestBuffer().u16({24, 65, 4, 8, 12, 16, 20, 21, 22, 24, 25, 29}).content);
 }
 
-TEST(Model, ImagesAVplsAcIn96Bytes) {
-  EXPECT_EQ(fixedImage(message("l2vpn_sync_vpls_ac"), vplsAcExample(), false),
+TEST(Oracle, ImagesAVplsAcIn96Bytes) {
+  EXPECT_EQ(fixedImage(descriptionOf("l2vpn_sync_vpls_ac"), vplsAcExample(), false),
             vplsAcImage().content);
   EXPECT_EQ(vplsAcImage().content.size(), 96U);
 }
 
-TEST(Model, ImagesAVplsAcUpdateIn120Bytes) {
-  const Message& type = message("l2vpn_sync_vpls_ac_update");
+TEST(Oracle, ImagesAVplsAcUpdateIn120Bytes) {
+  const Description& type = descriptionOf("l2vpn_sync_vpls_ac_update");
   Value value = zeroValue(type);
   value[0].scalar = 0x0102;
   nested(value[1]) = vplsAcExample();
@@ -169,8 +169,8 @@ TEST(Model, ImagesAVplsAcUpdateIn120Bytes) {
   EXPECT_EQ(expected.content.size(), 120U);
 }
 
-TEST(Model, ImagesAVllAcUpdateWithItsVtableAt124) {
-  const Message& type = message("l2vpn_sync_vll_ac_update");
+TEST(Oracle, ImagesAVllAcUpdateWithItsVtableAt124) {
+  const Description& type = descriptionOf("l2vpn_sync_vll_ac_update");
   const std::vector<uint8_t> image = fixedImage(type, zeroValue(type), false);
   EXPECT_EQ(image.size(), 136U);
   EXPECT_EQ(numberIn(image, 4, 4), static_cast<uint32_t>(-120));
@@ -178,14 +178,14 @@ TEST(Model, ImagesAVllAcUpdateWithItsVtableAt124) {
             TestBuffer().u16({8, 118, 4, 6}).content);
 }
 
-TEST(Model, ImagesConfigurationMessagesByteForByte) {
-  const Message& condition = message("l2vpn_cfg_query_dfx_cond");
+TEST(Oracle, ImagesConfigurationMessagesByteForByte) {
+  const Description& condition = descriptionOf("l2vpn_cfg_query_dfx_cond");
   TestBuffer expected;
   expected.u32({4, static_cast<uint32_t>(-148), 7, 7, 4, 128}).zeros(128);
   expected.u16({10, 148, 4, 8, 12}).zeros(6);
   EXPECT_EQ(fixedImage(condition, withScalars(condition, 7), false), expected.content);
 
-  const Message& command = message("dbginfo_cmd_ipc_l2vpn");
+  const Description& command = descriptionOf("dbginfo_cmd_ipc_l2vpn");
   TestBuffer ipc;
   ipc.u32({4, static_cast<uint32_t>(-48), 7, 7}).u16({7, 7}).u32({7, 7, 7, 7}).u16(7).u32(7);
   ipc.u16({7, 7}).u32(7).zeros(2);
@@ -193,35 +193,35 @@ TEST(Model, ImagesConfigurationMessagesByteForByte) {
   EXPECT_EQ(fixedImage(command, withScalars(command, 7), false), ipc.content);
 }
 
-TEST(Model, PacksAnAllZeroWrapperTo42Bytes) {
-  const Message& type = message("l2vpn_sync_vllexp_update");
+TEST(Oracle, PacksAnAllZeroWrapperTo42Bytes) {
+  const Description& type = descriptionOf("l2vpn_sync_vllexp_update");
   TestBuffer expected;
   expected.u32(12).u16({8, 8, 0, 4}).u32({8, 22}).u16({18, 4}).zeros(14).u32(18);
   EXPECT_EQ(packed(type, zeroValue(type)), expected.content);
   EXPECT_EQ(expected.content.size(), 42U);
 }
 
-TEST(Model, PacksUpdatesAndDeletesAlike) {
-  Value update = withScalars(message("l2vpn_sync_vll_ac_update"), 3);
-  Value remove = withScalars(message("l2vpn_sync_vll_ac_delete"), 3);
+TEST(Oracle, PacksUpdatesAndDeletesAlike) {
+  Value update = withScalars(descriptionOf("l2vpn_sync_vll_ac_update"), 3);
+  Value remove = withScalars(descriptionOf("l2vpn_sync_vll_ac_delete"), 3);
   EXPECT_EQ(packed(*update.message, update), packed(*remove.message, remove));
   EXPECT_EQ(fixedImage(*update.message, update, false), fixedImage(*remove.message, remove, false));
 }
 
-TEST(Model, PacksSingleScalarsIntoTheirSlots) {
-  Value extension = zeroValue(message("l2vpn_sync_extnhp"));
+TEST(Oracle, PacksSingleScalarsIntoTheirSlots) {
+  Value extension = zeroValue(descriptionOf("l2vpn_sync_extnhp"));
   extension[4].scalar = 1;
   EXPECT_EQ(packed(*extension.message, extension),
             TestBuffer().u32(20).u16({16, 5, 0, 0, 0, 0, 4, 0}).u32(16).u8(1).content);
-  Value tree = zeroValue(message("l2vpn_sync_stp"));
+  Value tree = zeroValue(descriptionOf("l2vpn_sync_stp"));
   tree[3].scalar = 7;
   EXPECT_EQ(packed(*tree.message, tree),
             TestBuffer().u32(16).u16({12, 8, 0, 0, 0, 4}).u32({12, 7}).content);
-  Value withdrawal = zeroValue(message("l2vpn_sync_vpls_pw_macdraw"));
+  Value withdrawal = zeroValue(descriptionOf("l2vpn_sync_vpls_pw_macdraw"));
   withdrawal[7].scalar = 9;
   EXPECT_EQ(packed(*withdrawal.message, withdrawal),
             TestBuffer().u32(26).u16({22, 8, 0, 0, 0, 0, 0, 0, 0, 4, 0}).u32({22, 9}).content);
-  Value ping = zeroValue(message("l2vpn_sync_vpls_macping"));
+  Value ping = zeroValue(descriptionOf("l2vpn_sync_vpls_macping"));
   EXPECT_EQ(packed(*ping.message, ping), TestBuffer()
                                              .u32(34)
                                              .u16({30, 18, 0, 0, 0, 0, 0, 4})
@@ -234,9 +234,9 @@ TEST(Model, PacksSingleScalarsIntoTheirSlots) {
   EXPECT_EQ(numberIn(packed(*ping.message, ping), 38, 8), 1U);
 }
 
-TEST(Model, LeadsFromAVectorToItsItems) {
-  const Message& type = message("l2vpn_cfg_query_dfx_rec");
-  const Message& item = message("l2vpn_cfg_query_dfx_item");
+TEST(Oracle, LeadsFromAVectorToItsItems) {
+  const Description& type = descriptionOf("l2vpn_cfg_query_dfx_rec");
+  const Description& item = descriptionOf("l2vpn_cfg_query_dfx_item");
   Value value = zeroValue(type);
   setItems(value[1], {zeroValue(item), withScalars(item, 5)});
   EXPECT_EQ(compactSize(type, value), 18U + 28 + 8 + 16618 + 16622);
@@ -251,4 +251,4 @@ TEST(Model, LeadsFromAVectorToItsItems) {
 }
 
 }  // namespace
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,6 @@
 #include "oracle/values/generate.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 // Plain remainders: the distributions of the standard library differ between implementations.
@@ -70,7 +70,7 @@ void fillItems(FieldValue& field, const Field& shape, std::mt19937_64& random, D
 
 }  // namespace
 
-Value randomValue(const Message& message, std::mt19937_64& random, Density density) {
+Value randomValue(const Description& message, std::mt19937_64& random, Density density) {
   Value value = zeroValue(message);
   for (size_t slot = 0; slot < message.fields.size(); ++slot) {
     const Field& shape = message.fields[slot];
@@ -99,4 +99,4 @@ Value randomValue(const Message& message, std::mt19937_64& random, Density densi
   return value;
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
 // Random records and damaged buffers. The same seed gives the same result everywhere.
-#ifndef MODEL_GENERATE_HPP
-#define MODEL_GENERATE_HPP
+#pragma once
 
 #include <cstdint>
 #include <random>
@@ -9,7 +8,7 @@
 #include "oracle/messages/description.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 enum class Density {
   Full,    // no scalar is zero
@@ -19,13 +18,11 @@ enum class Density {
 
 // Byte strings are null, or hold 0, 1, a few or now and then some hundred bytes; vectors are
 // null or hold up to 3 items. Declared lengths are true.
-Value randomValue(const Message& message, std::mt19937_64& random, Density density);
+Value randomValue(const Description& message, std::mt19937_64& random, Density density);
 
 // The buffer with one to four injuries: flipped bits, overwritten bytes and words, words of the
 // frame bent to telling values, vtable lengths changed, the end cut off or drawn out, slices
 // repeated.
 std::vector<uint8_t> mutate(std::vector<uint8_t> buffer, std::mt19937_64& random);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

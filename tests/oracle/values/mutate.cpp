@@ -2,7 +2,7 @@
 
 #include "oracle/values/generate.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 using Buffer = std::vector<uint8_t>;
@@ -176,4 +176,4 @@ std::vector<uint8_t> mutate(std::vector<uint8_t> buffer, std::mt19937_64& random
   return buffer;
 }
 
-}  // namespace model
+}  // namespace oracle

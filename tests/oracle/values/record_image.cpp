@@ -5,7 +5,7 @@
 
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 // A record holds its numbers in the order of this machine, so a copy of the bytes is the number.
@@ -68,7 +68,7 @@ FieldValue loadField(const Field& field, const uint8_t* record) {
 
 }  // namespace
 
-Value load(const Message& message, const void* record) {
+Value load(const Description& message, const void* record) {
   Value value;
   value.message = &message;
   for (const Field& field : message.fields) {
@@ -77,10 +77,10 @@ Value load(const Message& message, const void* record) {
   return value;
 }
 
-RecordImage::RecordImage(const Message& message, const Value& value)
+RecordImage::RecordImage(const Description& message, const Value& value)
     : RecordImage(message, std::vector<Value>{value}) {}
 
-RecordImage::RecordImage(const Message& message, const std::vector<Value>& values)
+RecordImage::RecordImage(const Description& message, const std::vector<Value>& values)
     : size_(values.size() * message.recordSize) {
   record_ = take(size_);
   for (size_t i = 0; i < values.size(); ++i) {
@@ -88,7 +88,7 @@ RecordImage::RecordImage(const Message& message, const std::vector<Value>& value
   }
 }
 
-RecordImage::RecordImage(const Message& message, uint8_t fill) : size_(message.recordSize) {
+RecordImage::RecordImage(const Description& message, uint8_t fill) : size_(message.recordSize) {
   record_ = take(size_);
   std::memset(record_, fill, size_);
 }
@@ -105,7 +105,7 @@ uint8_t* RecordImage::take(size_t size) {
   return block;
 }
 
-void RecordImage::store(const Message& message, const Value& value, uint8_t* record) {
+void RecordImage::store(const Description& message, const Value& value, uint8_t* record) {
   if (value.message != &message) {
     misuse(joined({"a value of another message for a record of ", message.name}));
   }
@@ -159,4 +159,4 @@ void RecordImage::store(const Message& message, const Value& value, uint8_t* rec
   }
 }
 
-}  // namespace model
+}  // namespace oracle

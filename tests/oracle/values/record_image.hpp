@@ -1,6 +1,5 @@
 // Between a Value and the C record it stands for.
-#ifndef MODEL_RECORD_IMAGE_HPP
-#define MODEL_RECORD_IMAGE_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -11,21 +10,21 @@
 #include "oracle/messages/description.hpp"
 #include "oracle/values/value.hpp"
 
-namespace model {
+namespace oracle {
 
 // Reads a C record. A pointer that is not null is followed for as many bytes or items as the
 // record declares.
-Value load(const Message& message, const void* record);
+Value load(const Description& message, const void* record);
 
 // One C record, or several back to back, in memory of its own, byte strings and items included.
 // Every block is exactly as large as what it holds and stands alone, so that a sanitizer sees
 // the first byte read or written beyond it. Records are 16-byte aligned, padding is zero.
 class RecordImage {
  public:
-  RecordImage(const Message& message, const Value& value);
-  RecordImage(const Message& message, const std::vector<Value>& values);
+  RecordImage(const Description& message, const Value& value);
+  RecordImage(const Description& message, const std::vector<Value>& values);
   // One record with every byte set to `fill`: a target that shows whether it was touched.
-  RecordImage(const Message& message, uint8_t fill);
+  RecordImage(const Description& message, uint8_t fill);
 
   void* data() { return record_; }
   const void* data() const { return record_; }
@@ -39,13 +38,11 @@ class RecordImage {
   static constexpr std::align_val_t alignment{16};
 
   uint8_t* take(size_t size);
-  void store(const Message& message, const Value& value, uint8_t* record);
+  void store(const Description& message, const Value& value, uint8_t* record);
 
   std::vector<std::unique_ptr<uint8_t, Release>> blocks_;
   uint8_t* record_ = nullptr;
   size_t size_ = 0;
 };
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

@@ -1,12 +1,11 @@
 // Joining pieces of text.
-#ifndef MODEL_TEXT_HPP
-#define MODEL_TEXT_HPP
+#pragma once
 
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
-namespace model {
+namespace oracle {
 
 // Piece by piece rather than with operator+, over which GCC 12 warns without cause when it
 // optimises.
@@ -18,6 +17,4 @@ inline std::string joined(std::initializer_list<std::string_view> pieces) {
   return text;
 }
 
-}  // namespace model
-
-#endif
+}  // namespace oracle

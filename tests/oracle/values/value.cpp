@@ -6,7 +6,7 @@
 
 #include "oracle/values/text.hpp"
 
-namespace model {
+namespace oracle {
 namespace {
 
 constexpr size_t bytesPrinted = 64;
@@ -86,7 +86,7 @@ FieldValue zeroField(const Field& field) {
   return zero;
 }
 
-Value zeroValue(const Message& message) {
+Value zeroValue(const Description& message) {
   Value zero;
   zero.message = &message;
   zero.fields.reserve(message.fields.size());
@@ -174,4 +174,4 @@ std::ostream& operator<<(std::ostream& out, const Value& value) {
   return out << print(value);
 }
 
-}  // namespace model
+}  // namespace oracle

@@ -1,6 +1,5 @@
 // The contents of a record as a tree, free of pointers, padding and byte order.
-#ifndef MODEL_VALUE_HPP
-#define MODEL_VALUE_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +9,7 @@
 
 #include "oracle/messages/description.hpp"
 
-namespace model {
+namespace oracle {
 
 struct Value;
 
@@ -25,7 +24,7 @@ struct FieldValue {
 };
 
 struct Value {
-  const Message* message = nullptr;
+  const Description* message = nullptr;
   std::vector<FieldValue> fields;
 
   FieldValue& operator[](size_t slot) { return fields.at(slot); }
@@ -37,7 +36,7 @@ bool operator==(const FieldValue& left, const FieldValue& right);
 bool operator==(const Value& left, const Value& right);
 
 // An all-zero record: every scalar and byte 0, every pointer null.
-Value zeroValue(const Message& message);
+Value zeroValue(const Description& message);
 FieldValue zeroField(const Field& field);
 
 // Setters for the two pointer forms and the nested record, to build values in one line.
@@ -58,6 +57,4 @@ std::string difference(const Value& left, const Value& right);
 
 std::ostream& operator<<(std::ostream& out, const Value& value);
 
-}  // namespace model
-
-#endif
+}  // namespace oracle
