@@ -5,6 +5,7 @@
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
+#include "mesh_l2vpn/messages.h"
 
 namespace bench {
 
@@ -42,6 +43,4 @@ inline constexpr bool owns = mesh::wire::ownsMemory(schema<Record>);
     }                                                                                 \
   };
 
-L2VPN_CFG_MESSAGES(BENCH_EXPORTED)
-L2VPN_STAT_MESSAGES(BENCH_EXPORTED)
-L2VPN_SYNC_MESSAGES(BENCH_EXPORTED)
+L2VPN_MESSAGES(BENCH_EXPORTED)

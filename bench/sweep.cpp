@@ -24,9 +24,7 @@ void addMessage() {
 #define BENCH_ADD(X, identifier) addMessage<X>();
 
 void addSweep() {
-  L2VPN_CFG_MESSAGES(BENCH_ADD)
-  L2VPN_STAT_MESSAGES(BENCH_ADD)
-  L2VPN_SYNC_MESSAGES(BENCH_ADD)
+  L2VPN_MESSAGES(BENCH_ADD)
 }
 
 }  // namespace bench
