@@ -117,7 +117,7 @@ class Calls {
 
   void receive(Held& held) {
     held.operations = &fuzz::Head{input_.ConsumeIntegral<uint8_t>(), 0}.operations();
-    held.record.assign(held.operations->schema->size, 0);
+    held.record.assign(held.operations->schema().size, 0);
     const bool reversed = input_.ConsumeBool();
     bool whole = false;
     const std::vector<uint8_t> bytes = takeMessage(held.message(), reversed, whole);
@@ -187,7 +187,7 @@ class Calls {
     uint32_t result = 0;
     switch (operation) {
       case 0:
-        result = held.operations->sendSingle(1, records.data(), extra);
+        result = held.operations->sendSingle(1, records.data(), harness::unused, extra);
         break;
       case 1:
         result = held.operations->sendBatch(1, records.data(), count, extra);
@@ -211,13 +211,13 @@ class Calls {
     expect(result == recorder().middlewareResult, "the middleware's result was lost");
     expect(recorder().sent.size() == count, "a part of the records was sent");
     for (const harness::SentTable& sent : recorder().sent) {
-      expect(sent.id == held.operations->id, "sent as another message");
+      expect(sent.id == held.operations->id(), "sent as another message");
       expect(sent.bytes == recorder().sent[0].bytes, "the same record in other bytes");
     }
   }
 
   void begin(const char* call, const Held& held) {
-    call_ = std::string(call) + held.operations->name;
+    call_.assign(call).append(held.operations->name);
     static_cast<void>(harness::takeTrace());
   }
 

@@ -46,12 +46,6 @@ class Agreement : public testing::TestWithParam<Operations> {
   std::mt19937_64 random_{20260101};
 };
 
-TEST_P(Agreement, OnIdentityAndSizes) {
-  EXPECT_EQ(operations().id, message().id);
-  EXPECT_EQ(operations().schema->size, message().recordSize);
-  EXPECT_EQ(mesh::wire::vtableLength(*operations().schema), message().vtableLength);
-}
-
 TEST_P(Agreement, OnPackedBytesOfRandomRecords) {
   for (int round = 0; round < harness::rounds(10000); ++round) {
     const Value value = randomRecord();

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "msg/message_table.hpp"
+#include "oracle/operations/writer.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
@@ -71,7 +71,7 @@ class CallCounts : public testing::TestWithParam<Operations> {
 TEST_P(CallCounts, AreThoseOfTheirOperation) {
   const Operations& operations = GetParam();
   const oracle::Description& message = oracle::descriptionOf(operations.name);
-  const uint32_t fixed = harness::listed(operations.name).fixedLength;
+  const uint32_t fixed = oracle::fixedLength(message);
   const Calls stack{.middleware = 1};
   const Calls block{.allocations = 1, .releases = 1, .middleware = 1};
   std::mt19937_64 random(17);
@@ -85,7 +85,7 @@ TEST_P(CallCounts, AreThoseOfTheirOperation) {
     }
     const oracle::RecordImage records(message, values);
     Parts parts;
-    count(*operations.schema, static_cast<const uint8_t*>(records.data()), parts);
+    count(operations.schema(), static_cast<const uint8_t*>(records.data()), parts);
 
     Buffer bytes(oracle::compactSize(message, values[0]));
     auto length = static_cast<uint32_t>(bytes.size());
@@ -93,7 +93,7 @@ TEST_P(CallCounts, AreThoseOfTheirOperation) {
     ASSERT_EQ(operations.pack(records.data(), bytes.data(), &length), 0U);
     EXPECT_EQ(taken(), Calls()) << "pack";
 
-    Buffer record(operations.schema->size);
+    Buffer record(operations.schema().size);
     operations.unpack(bytes.data(), length, record.data());
     EXPECT_EQ(taken(), Calls{.allocations = parts.present}) << "unpack";
     operations.freeUnpacked(record.data());
@@ -101,7 +101,7 @@ TEST_P(CallCounts, AreThoseOfTheirOperation) {
 
     for (const uint64_t extra : {0U, 1U}) {
       const Calls single = fixed != 0 && fixed <= 1024 ? stack : block;
-      ASSERT_EQ(operations.sendSingle(1, records.data(), extra), 0U);
+      ASSERT_EQ(operations.sendSingle(1, records.data(), harness::unused, extra), 0U);
       EXPECT_EQ(taken(), single) << "sendsingle";
       ASSERT_EQ(operations.sendToMsg(1, records.data(), 1, extra), 0U);
       EXPECT_EQ(taken(), single) << "sendtomsg of one";

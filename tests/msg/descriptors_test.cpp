@@ -48,7 +48,7 @@ TEST(Descriptors, OfACompactBatchFollowItsRegion) {
     EXPECT_EQ(distance(), 0x10000U);
     for (uint32_t index = 0; index < count; ++index) {
       EXPECT_EQ(last.content[index].data, last.content[0].data + 20 * index);
-      EXPECT_EQ(last.content[index].msg_id, 0xFEB5D38D);
+      EXPECT_EQ(last.content[index].msg_id, dbginfo_key_l2vpn__msg_id);
       EXPECT_EQ(last.content[index].length, 20U);
     }
   }
@@ -62,7 +62,7 @@ TEST(Descriptors, OfAFixedBatchFollowItsImages) {
     EXPECT_EQ(distance(), 128 * count);
     for (uint32_t index = 0; index < count; ++index) {
       EXPECT_EQ(last.content[index].data, last.content[0].data + 128 * index);
-      EXPECT_EQ(last.content[index].msg_id, 0x98DB4DAE);
+      EXPECT_EQ(last.content[index].msg_id, l2vpn_stat_pw_stat__msg_id);
       EXPECT_EQ(last.content[index].length, 128U);
     }
   }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "msg/message_table.hpp"
 #include "oracle/operations/writer.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
@@ -37,8 +36,8 @@ class EverySend : public testing::TestWithParam<Operations> {
     harness::resetRecorder();
   }
 
-  const std::string name_ = GetParam().name;
-  const uint32_t fixed_ = harness::listed(name_).fixedLength;
+  const std::string name_{GetParam().name};
+  const uint32_t fixed_ = oracle::fixedLength(message());
 
   const oracle::Description& message() const { return oracle::descriptionOf(name_); }
   bool isFixed() const { return fixed_ != 0; }
@@ -82,7 +81,7 @@ class EverySend : public testing::TestWithParam<Operations> {
     uint64_t offset = 0;
     for (size_t index = 0; index < count; ++index) {
       const SentTable& table = recorder().sent[index];
-      EXPECT_EQ(table.id, harness::listed(name_).id);
+      EXPECT_EQ(table.id, message().id);
       EXPECT_EQ(table.address - recorder().sent[0].address, offset);
       EXPECT_EQ(hex(table.bytes), hex(encoded(index)));
       offset += sizeOf(index);
@@ -116,7 +115,7 @@ constexpr std::initializer_list<uint64_t> extras{1, 0xFFFFFFFF, 0x100000000, 0x8
                                                  0xFFFFFFFFFFFFFFFF};
 
 TEST_P(EverySend, OfOneRecord) {
-  EXPECT_EQ(GetParam().sendSingle(destination, records(), 0), 0U);
+  EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 0), 0U);
   expectCalls(single());
   expectSent(1);
 }
@@ -124,7 +123,7 @@ TEST_P(EverySend, OfOneRecord) {
 TEST_P(EverySend, OfOneRecordWithExtra) {
   for (const uint64_t extra : extras) {
     harness::resetRecorder();
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), extra), 0U);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, extra), 0U);
     expectCalls(single(extra));
     expectSent(1);
   }
@@ -193,8 +192,8 @@ TEST_P(EverySend, ReturnsWhatTheMiddlewareReturns) {
   for (const uint32_t result : {1U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
     harness::resetRecorder();
     recorder().middlewareResult = result;
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), 0), result);
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), 1), result);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 0), result);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 1), result);
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, 0), result);
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, 1), result);
     EXPECT_EQ(GetParam().sendMsg(destination, records(), 1), result);
@@ -211,7 +210,8 @@ TEST_P(EverySend, FailsUnreportedWithoutMemory) {
   const bool onTheStack = isFixed() && fixed_ <= 1024;
   const Trace refused{taken(sizeOf(0), "__sendsingle", "null")};
   for (const uint64_t extra : {0U, 1U}) {
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), extra), onTheStack ? 0 : failure);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, extra),
+              onTheStack ? 0 : failure);
     expectCalls(onTheStack ? single(extra) : refused);
     EXPECT_EQ(GetParam().sendToMsg(destination, records(), 1, extra), onTheStack ? 0 : failure);
     expectCalls(onTheStack ? single(extra) : refused);

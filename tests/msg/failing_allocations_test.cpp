@@ -103,7 +103,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   uint32_t call(Operation operation, const void* records, uint32_t count, uint64_t extra) const {
     switch (operation) {
       case Operation::Single:
-        return operations().sendSingle(5, records, extra);
+        return operations().sendSingle(5, records, harness::unused, extra);
       case Operation::Batch:
         return operations().sendBatch(5, records, count, extra);
       case Operation::Msg:

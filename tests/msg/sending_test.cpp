@@ -26,10 +26,10 @@ std::vector<std::string> compactMessages() {
 
 TEST(SendSingle, OfANullRecordFailsBeforeAnAllocation) {
   for (const std::string& name : compactMessages()) {
-    const auto& operations = harness::operationsOf(name.c_str());
+    const auto& operations = harness::operationsOf(name);
     harness::resetRecorder();
-    EXPECT_EQ(operations.sendSingle(1, nullptr, 0), failure) << name;
-    EXPECT_EQ(operations.sendSingle(1, nullptr, 7), failure) << name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 0), failure) << name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 7), failure) << name;
     EXPECT_EQ(operations.sendMsg(1, nullptr, 1), failure) << name;
     EXPECT_EQ(operations.sendToMsg(1, nullptr, 1, 7), failure) << name;
     EXPECT_EQ(harness::takeTrace(), Trace()) << name;
@@ -62,7 +62,7 @@ TEST(SendSingle, AsksForAnySizeThatCanBeEncoded) {
   const auto expectAskedFor = [](const char* name, const void* record, const char* size) {
     harness::resetRecorder();
     recorder().everyAllocationFails = true;
-    EXPECT_EQ(harness::operationsOf(name).sendSingle(1, record, 0), failure);
+    EXPECT_EQ(harness::operationsOf(name).sendSingle(1, record, harness::unused, 0), failure);
     EXPECT_EQ(harness::takeTrace(),
               Trace({std::string("memAlloc size=") + size + " owner=25088 caller=\"" + name +
                      "__sendsingle\" -> null"}));

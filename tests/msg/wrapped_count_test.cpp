@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "msg/message_table.hpp"
+#include "oracle/operations/writer.hpp"
 #include "support/bytes.hpp"
 #include "support/guarded_buffer.hpp"
 
@@ -15,8 +15,8 @@ using harness::Trace;
 
 class WrappedCount : public testing::TestWithParam<Operations> {
  protected:
-  const std::string name_ = GetParam().name;
-  const uint32_t fixed_ = harness::listed(name_).fixedLength;
+  const std::string name_{GetParam().name};
+  const uint32_t fixed_ = oracle::fixedLength(oracle::descriptionOf(name_));
   // Past the end of an empty buffer.
   const harness::GuardedBuffer nothing_{{}};
 

@@ -11,6 +11,7 @@
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
+#include "oracle/operations/writer.hpp"
 #include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/operations.hpp"
@@ -104,7 +105,7 @@ Asked askForSize(const Record& record, uint32_t room) {
 template <typename Record>
 Buffer sent(const Record& record) {
   resetRecorder();
-  EXPECT_EQ(of<Record>().sendSingle(7, &record, 0), 0U);
+  EXPECT_EQ(of<Record>().sendSingle(7, &record, unused, 0), 0U);
   EXPECT_EQ(recorder().sent.size(), 1U);
   return recorder().sent.at(0).bytes;
 }
@@ -132,10 +133,13 @@ void expectRoundTrip(const Record& record) {
   expectRead(sent(record), record);
 }
 
-// __pack of a record that takes `size` bytes: no record, too little room, no buffer, room enough.
+// __pack: no record, too little room, no buffer, room enough.
 template <typename Record>
-void expectPackLimits(const Record& record, uint32_t size) {
+void expectPackLimits(const Record& record) {
   SCOPED_TRACE(nameOf<Record>());
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  const auto size =
+      static_cast<uint32_t>(oracle::compactSize(message, oracle::load(message, &record)));
   uint32_t length = 1000;
   Buffer buffer = marks(1000);
   resetRecorder();
@@ -171,13 +175,13 @@ void expectPackLimits(const Record& record, uint32_t size) {
 
 // __unpack without a buffer, with too short a one, with a negative length, without a record.
 template <typename Record>
-void expectUnpackParameters(uint32_t recordSize) {
+void expectUnpackParameters() {
   SCOPED_TRACE(nameOf<Record>());
   const std::string function = nameOf<Record>() + "_unpack";
   const Buffer bytes(64, 0);
   const auto expectRefused = [&](const uint8_t* data, uint32_t length, const std::string& text) {
     const Unpacked<Record> refused(data, length);
-    EXPECT_EQ(bytesOf(refused.record), marks(recordSize));
+    EXPECT_EQ(bytesOf(refused.record), marks(sizeof(Record)));
     EXPECT_EQ(refused.trace, Trace{reported(function, text)});
   };
   expectRefused(nullptr, 64, "Param invalid(null, 64, nonNull)");
@@ -185,7 +189,7 @@ void expectUnpackParameters(uint32_t recordSize) {
   expectRefused(bytes.data(), 0x80000000, "Param invalid(nonNull, -2147483648, nonNull)");
   expectRefused(bytes.data(), 0xFFFFFFFF, "Param invalid(nonNull, -1, nonNull)");
   resetRecorder();
-  EXPECT_EQ(of<Record>().unpack(bytes.data(), 64, nullptr), recordSize);
+  EXPECT_EQ(of<Record>().unpack(bytes.data(), 64, nullptr), sizeof(Record));
   EXPECT_EQ(takeTrace(), Trace{reported(function, "Param invalid(nonNull, 64, null)")});
 }
 
@@ -250,8 +254,10 @@ void expectVtableOf(uint32_t length, size_t offset) {
 // A message that owns no memory is sent in one length, whatever its values: a single one without
 // an allocation, a batch in one.
 template <typename Record>
-void expectSentAs(uint32_t id, uint32_t length) {
+void expectSentFixed() {
   SCOPED_TRACE(nameOf<Record>());
+  const uint32_t id = of<Record>().id();
+  const uint32_t length = oracle::fixedLength(oracle::descriptionOf(nameOf<Record>()));
   const Record records[] = {Record{}, full<Record>()};
   for (const Record& record : records) {
     EXPECT_EQ(sent(record).size(), length);

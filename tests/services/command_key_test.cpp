@@ -90,12 +90,12 @@ TEST(CommandKey, OfZerosPacksTo70Bytes) {
                               .u32(12);
   EXPECT_EQ(shown(compact(CommandKey{})), shown(expected));
   EXPECT_EQ(expected.size(), 70U);
-  expectPackLimits(CommandKey{}, 70);
+  expectPackLimits(CommandKey{});
 }
 
 TEST(CommandKey, WritesItsNestedTablesInSlotOrder) {
   EXPECT_EQ(shown(compact(sample())), shown(sampleBytes()));
-  expectPackLimits(sample(), static_cast<uint32_t>(sampleBytes().size()));
+  expectPackLimits(sample());
 }
 
 TEST(CommandKey, ItsStringsAreAllocatedUnderTheirTablesAndReleasedUnderItsOwnName) {
@@ -191,7 +191,7 @@ TEST(CommandKey, SizesFrom0xFFFFFFF8OnFail) {
   record.f3.f7_len = record.f4.f3_len = 0x80000000;
   record.f4.f3 = defgh;
   EXPECT_EQ(askForSize(record, 0xFFFFFFFF).result, failure);
-  EXPECT_EQ(of<CommandKey>().sendSingle(7, &record, 0), failure);
+  EXPECT_EQ(of<CommandKey>().sendSingle(7, &record, unused, 0), failure);
 }
 
 TEST(CommandKey, IsSentInABufferOfItsOwnSize) {
@@ -201,11 +201,11 @@ TEST(CommandKey, IsSentInABufferOfItsOwnSize) {
                    "-> #1",
                    "MESH_SendMsg destination=7 count=1",
                    "memFree #1 owner=25088 caller=\"dbginfo_cmd_key_l2vpn__sendsingle\""}));
-  EXPECT_EQ(recorder().sent.at(0).id, 0x8B614502);
+  EXPECT_EQ(recorder().sent.at(0).id, of<CommandKey>().id());
 }
 
 TEST(CommandKey, UnpackingChecksItsParametersAndItsFrame) {
-  expectUnpackParameters<CommandKey>(80);
+  expectUnpackParameters<CommandKey>();
   expectFrameChecksByMessage(sample());
 }
 

@@ -53,9 +53,9 @@ TEST(GlobalAndStp, EveryScalarMakesTheLargestMessage) {
 }
 
 TEST(GlobalAndStp, EachRecordIsSentInItsOwnLength) {
-  expectSentAs<Global>(0x273F1BFE, 112);
-  expectSentAs<Vlan>(0x11459A9B, 40);
-  expectSentAs<Stp>(0x408A311E, 40);
+  expectSentFixed<Global>();
+  expectSentFixed<Vlan>();
+  expectSentFixed<Stp>();
 }
 
 TEST(GlobalAndStp, Images) {
@@ -136,18 +136,18 @@ TEST(GlobalAndStp, TheTableReadersOfGlobalAndStpCheckTheirOwnParameters) {
 }
 
 TEST(GlobalAndStp, PackingKeepsItsLimits) {
-  expectPackLimits(Global{}, 94);
-  expectPackLimits(full<Global>(), 106);
-  expectPackLimits(Vlan{}, 24);
-  expectPackLimits(full<Vlan>(), 40);
-  expectPackLimits(Stp{}, 20);
-  expectPackLimits(full<Stp>(), 36);
+  expectPackLimits(Global{});
+  expectPackLimits(full<Global>());
+  expectPackLimits(Vlan{});
+  expectPackLimits(full<Vlan>());
+  expectPackLimits(Stp{});
+  expectPackLimits(full<Stp>());
 }
 
 TEST(GlobalAndStp, UnpackingChecksItsParameters) {
-  expectUnpackParameters<Global>(68);
-  expectUnpackParameters<Vlan>(16);
-  expectUnpackParameters<Stp>(16);
+  expectUnpackParameters<Global>();
+  expectUnpackParameters<Vlan>();
+  expectUnpackParameters<Stp>();
 }
 
 TEST(GlobalAndStp, ABadFrameIsLoggedAndLeavesAClearedRecord) {

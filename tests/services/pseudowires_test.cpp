@@ -46,8 +46,8 @@ TEST(Pseudowires, EveryScalarMakesTheLargestMessage) {
 }
 
 TEST(Pseudowires, EachRecordIsSentInItsOwnLength) {
-  expectSentAs<Pw>(0xB4C15BFE, 200);
-  expectSentAs<Pg>(0x690AF357, 112);
+  expectSentFixed<Pw>();
+  expectSentFixed<Pg>();
 }
 
 TEST(Pseudowires, ImagesEndInTheirVtablesAndZeros) {
@@ -90,15 +90,15 @@ TEST(Pseudowires, AShorterVtableLeavesTheRestZero) {
 }
 
 TEST(Pseudowires, PackingKeepsItsLimits) {
-  expectPackLimits(Pw{}, 134);
-  expectPackLimits(full<Pw>(), 198);
-  expectPackLimits(Pg{}, 82);
-  expectPackLimits(full<Pg>(), 110);
+  expectPackLimits(Pw{});
+  expectPackLimits(full<Pw>());
+  expectPackLimits(Pg{});
+  expectPackLimits(full<Pg>());
 }
 
 TEST(Pseudowires, UnpackingChecksItsParameters) {
-  expectUnpackParameters<Pw>(120);
-  expectUnpackParameters<Pg>(60);
+  expectUnpackParameters<Pw>();
+  expectUnpackParameters<Pg>();
 }
 
 TEST(Pseudowires, ABadFrameIsLoggedAndLeavesAClearedRecord) {

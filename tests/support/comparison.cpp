@@ -114,7 +114,7 @@ uint32_t callSend(const Operations& operations, uint32_t destination, const void
                   const Sending& how) {
   switch (how.operation) {
     case oracle::Operation::Single:
-      return operations.sendSingle(destination, records, how.extra);
+      return operations.sendSingle(destination, records, unused, how.extra);
     case oracle::Operation::Batch:
       return operations.sendBatch(destination, records, how.count, how.extra);
     case oracle::Operation::Msg:
@@ -157,7 +157,8 @@ std::string compareSendOf(const Operations& operations, const void* records,
 }  // namespace
 
 void useByteOrder(const Operations& operations, bool reversed) {
-  for (mesh::host::Module* const module : {operations.receive, operations.send}) {
+  const Modules modules = modulesOf(operations);
+  for (mesh::host::Module* const module : {modules.receive, modules.send}) {
     mesh::host::bindUnpackAllocator(*module);
     module->swapBytes.store(reversed ? 1 : 0);
   }

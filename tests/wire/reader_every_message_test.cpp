@@ -24,8 +24,8 @@ const Buffer emptyTable = Layout().u32(8).u16(4, 4).u32(4);
 
 class EveryReader : public testing::TestWithParam<Operations> {
  protected:
-  const std::string name_ = GetParam().name;
-  const uint32_t size_ = GetParam().schema->size;
+  const std::string name_{GetParam().name};
+  const uint32_t size_ = GetParam().schema().size;
 
   // Messages that verify their root table themselves, and so leave the record alone when the frame
   // is bad. The others hand a cleared record to their table reader.
@@ -176,7 +176,7 @@ TEST_P(EveryReader, ReportsAsItsOwnModule) {
   unpack(harness::withU32(emptyTable, 0, 0));
   ASSERT_EQ(recorder().logOrigins.size(), 1U);
   const void* const env = recorder().logOrigins[0].first;
-  EXPECT_EQ(env, &GetParam().receive->env);
+  EXPECT_EQ(env, &harness::modulesOf(GetParam()).receive->env);
   const char* identity = nullptr;
   std::memcpy(&identity, env, sizeof identity);
   EXPECT_STREQ(identity, "VELTA");

@@ -130,8 +130,8 @@ TEST_P(EveryWriter, ReportsAsItsOwnModule) {
     uint32_t length = size;
     EXPECT_EQ(pack(record, nullptr, &length), 0U);
     ASSERT_EQ(harness::recorder().logOrigins.size(), 1U);
-    EXPECT_EQ(harness::recorder().logOrigins[0].first, &GetParam().send->env);
-    EXPECT_STREQ(GetParam().send->env.frameworkName, "VELTA");
+    EXPECT_EQ(harness::recorder().logOrigins[0].first, &harness::modulesOf(GetParam()).send->env);
+    EXPECT_STREQ(harness::modulesOf(GetParam()).send->env.frameworkName, "VELTA");
   });
 }
 

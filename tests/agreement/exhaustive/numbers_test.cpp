@@ -143,7 +143,7 @@ TEST_P(Numbers, OfAVtableThatIsFarAwayAreFollowed) {
 }
 
 TEST_P(Numbers, ThatAMiddlewareTakesArePassedOn) {
-  const std::vector<uint8_t> record(GetParam().schema->size);
+  const std::vector<uint8_t> record(GetParam().schema().size);
   for (const uint32_t destination : {0U, 1U, 0xFFFFU, 0x10000U, 0x7FFFFFFFU, 0x80000000U, ~0U}) {
     for (const uint64_t extra : {uint64_t{0}, uint64_t{1}, uint64_t{0xFFFFFFFF}, uint64_t{1} << 32,
                                  uint64_t{1} << 63, ~uint64_t{0}}) {

@@ -135,7 +135,7 @@ TEST_P(Packing, SendsARecordOfAnyAlignment) {
     std::memcpy(record.data() + shift, image.data(), image.size());
     harness::useByteOrder(GetParam(), false);
     harness::resetRecorder();
-    ASSERT_EQ(GetParam().sendSingle(1, record.data() + shift, 0), 0U);
+    ASSERT_EQ(GetParam().sendSingle(1, record.data() + shift, harness::unused, 0), 0U);
     ASSERT_EQ(harness::recorder().sent.size(), 1U);
     const std::vector<uint8_t>& sent = harness::recorder().sent[0].bytes;
     if (shift == 0) {

@@ -68,7 +68,7 @@ class Golden : public testing::TestWithParam<Operations> {
   std::vector<uint8_t> sent(const oracle::Value& value) const {
     harness::resetRecorder();
     const oracle::RecordImage record(message(), value);
-    EXPECT_EQ(operations().sendSingle(1, record.data(), 0), 0U);
+    EXPECT_EQ(operations().sendSingle(1, record.data(), harness::unused, 0), 0U);
     EXPECT_EQ(harness::recorder().sent.size(), 1U);
     const harness::SentTable& table = harness::recorder().sent.at(0);
     EXPECT_EQ(table.id, file().id);
@@ -90,8 +90,8 @@ class Golden : public testing::TestWithParam<Operations> {
 TEST_P(Golden, FileStatesIdentityAndSize) {
   const File golden = file();
   EXPECT_EQ(golden.name, operations().name);
-  EXPECT_EQ(golden.id, operations().id);
-  EXPECT_EQ(golden.recordSize, operations().schema->size);
+  EXPECT_EQ(golden.id, operations().id());
+  EXPECT_EQ(golden.recordSize, operations().schema().size);
 }
 
 TEST_P(Golden, FileHoldsEveryCase) {
@@ -145,9 +145,8 @@ TEST(GoldenFiles, AreOfTheMessagesAndNoOthers) {
   }
   std::set<std::string> names;
   for (const Operations& operations : harness::allOperations()) {
-    names.insert(operations.name);
+    names.emplace(operations.name);
   }
-  EXPECT_EQ(names.size(), 85U);
   EXPECT_EQ(files, names);
 }
 

@@ -18,7 +18,7 @@ uint32_t roundUp(uint32_t value, uint32_t step) {
   return (value + step - 1) / step * step;
 }
 
-const Description& find(const std::vector<Description>& among, const std::string& name) {
+const Description& find(const std::vector<Description>& among, std::string_view name) {
   for (const Description& candidate : among) {
     if (candidate.name == name) {
       return candidate;
@@ -184,7 +184,7 @@ const std::vector<Description>& descriptions() {
   return all;
 }
 
-const Description& descriptionOf(const std::string& name) {
+const Description& descriptionOf(std::string_view name) {
   return find(descriptions(), name);
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace oracle {
@@ -57,7 +58,7 @@ struct Description {
 const std::vector<Description>& descriptions();
 
 // Ends the process with a clear text if there is no such message.
-const Description& descriptionOf(const std::string& name);
+const Description& descriptionOf(std::string_view name);
 
 // 32-bit FNV-1a.
 uint32_t hashOf(const std::string& text);

@@ -33,7 +33,7 @@ TEST(Oracle, SendsOneCompactRecordFromOneAllocation) {
                    "memFree #1 owner=25088 caller=\"dbginfo_key_l2vpn__sendsingle\""}));
   EXPECT_EQ(sent.result, 41U);
   ASSERT_EQ(sent.descriptors.size(), 1U);
-  EXPECT_EQ(sent.descriptors[0].id, 0xFEB5D38D);
+  EXPECT_EQ(sent.descriptors[0].id, descriptionOf("dbginfo_key_l2vpn").id);
   EXPECT_EQ(sent.descriptors[0].bytes,
             compactBytes(descriptionOf("dbginfo_key_l2vpn"), keyOfSize(39), false));
   EXPECT_TRUE(sendKeys(Operation::Msg, {keyOfSize(39)}, 9).trace[1] ==
@@ -96,7 +96,7 @@ TEST(Oracle, SendsSmallFixedRecordsWithoutAllocating) {
       send(type, Operation::ToMsg, 1, std::vector<Value>{zeroValue(type)}, 1, 2, false, true, 0);
   EXPECT_EQ(sent.trace, Trace({"MESH_SendToMsg destination=1 count=1 extra=2"}));
   EXPECT_EQ(sent.descriptors.at(0).bytes.size(), 120U);
-  EXPECT_EQ(sent.descriptors.at(0).id, 0x5EED5F0D);
+  EXPECT_EQ(sent.descriptors.at(0).id, descriptionOf("l2vpn_sync_vpls_ac_update").id);
 }
 
 TEST(Oracle, AllocatesForTheOneLargeFixedRecord) {
