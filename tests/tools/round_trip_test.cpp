@@ -32,7 +32,7 @@ Bytes written(const oracle::WrittenBytes& bytes) {
 TEST_P(RoundTrip, ThroughJsonLosesNothing) {
   const Message& message = messageNamed(GetParam());
   const oracle::Description& type = oracle::descriptionOf(GetParam());
-  std::mt19937_64 random(message.data->id);
+  std::mt19937_64 random(message.id());
   for (int round = 0; round < recordsOfEach; ++round) {
     const auto density = static_cast<oracle::Density>(round % 3);
     // Byte strings of length 0 have no pointer in JSON.

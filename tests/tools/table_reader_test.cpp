@@ -30,7 +30,7 @@ class ReaderAgreement : public testing::TestWithParam<const char*> {};
 TEST_P(ReaderAgreement, OnDamagedAndCutBuffers) {
   const Message& message = messageNamed(GetParam());
   const oracle::Description& type = oracle::descriptionOf(GetParam());
-  std::mt19937_64 random(message.data->id);
+  std::mt19937_64 random(message.id());
   const int rounds = message.schema().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
   int accepted = 0;
   for (int round = 0; round < rounds; ++round) {
@@ -115,7 +115,7 @@ struct Schema {
 
   [[nodiscard]] Message message() const {
     Message message{};
-    message.data = &data;
+    message.message = &data;
     message.freeUnpacked = [](void*) {};
     return message;
   }

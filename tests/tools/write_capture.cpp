@@ -33,7 +33,7 @@ void write(const char* file, uint64_t count, bool isDamaged) {
   std::vector<std::pair<uint32_t, Bytes>> samples;
   for (size_t number = 0; number < samplesOfEach; ++number) {
     for (const Message& message : messages()) {
-      samples.emplace_back(message.data->id, sample(message, number, isDamaged, random));
+      samples.emplace_back(message.id(), sample(message, number, isDamaged, random));
     }
   }
   CaptureWriter writer(file);

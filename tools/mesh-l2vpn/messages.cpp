@@ -6,40 +6,9 @@
 #include <numeric>
 
 #include "failure.hpp"
-#include "l2vpn_cfg/schema.hpp"
-#include "l2vpn_stat/schema.hpp"
-#include "l2vpn_sync/schema.hpp"
 
 namespace tool {
 namespace {
-
-#define MESSAGE(X, identifier)                                                            \
-  Message{#X,                                                                             \
-          service,                                                                        \
-          &mesh::msg::messageOf<X>,                                                       \
-          [](const uint8_t* data, uint32_t length, void* record) {                        \
-            return X##__unpack(data, length, static_cast<X*>(record));                    \
-          },                                                                              \
-          [](void* record) { X##_free__unpacked(static_cast<X*>(record)); },              \
-          [](const void* record, uint8_t* buffer, uint32_t* length) {                     \
-            return X##__pack(static_cast<const X*>(record), buffer, length);              \
-          },                                                                              \
-          [](uint32_t destination, const void* record, uint64_t extra) {                  \
-            return X##__sendsingle(destination, static_cast<const X*>(record), 0, extra); \
-          }},
-
-std::vector<Message> listMessages() {
-  std::vector<Message> list;
-  std::string_view service = "l2vpn_cfg";
-  list.insert(list.end(), {L2VPN_CFG_MESSAGES(MESSAGE)});
-  service = "l2vpn_stat";
-  list.insert(list.end(), {L2VPN_STAT_MESSAGES(MESSAGE)});
-  service = "l2vpn_sync";
-  list.insert(list.end(), {L2VPN_SYNC_MESSAGES(MESSAGE)});
-  return list;
-}
-
-#undef MESSAGE
 
 constexpr size_t longestName = 63;
 
@@ -78,16 +47,6 @@ bool isHexId(std::string_view text) {
 
 }  // namespace
 
-const std::vector<Message>& messages() {
-  static const std::vector<Message> list = listMessages();
-  return list;
-}
-
-const Message* findById(uint32_t id) {
-  const auto found = std::ranges::find(messages(), id, [](const Message& m) { return m.data->id; });
-  return found == messages().end() ? nullptr : &*found;
-}
-
 std::vector<std::string_view> nearestNames(std::string_view name) {
   struct Candidate {
     size_t distance;
@@ -115,9 +74,8 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
 }
 
 const Message& messageNamed(std::string_view nameOrId) {
-  const auto found = std::ranges::find(messages(), nameOrId, &Message::name);
-  if (found != messages().end()) {
-    return *found;
+  if (const Message* const message = inspect::operationsOf(nameOrId)) {
+    return *message;
   }
   uint32_t id = 0;
   if (parseId(nameOrId, id)) {

@@ -66,7 +66,7 @@ void decodeCapture(std::unique_ptr<InputFile> file, const Options& options, Sess
   {
     Progress progress(session, "tables");
     while (const auto table = reader.next()) {
-      if (wanted != nullptr && table->id != wanted->data->id) {
+      if (wanted != nullptr && table->id != wanted->id()) {
         continue;
       }
       Json json = tableJson(*table, options.bytes.form());

@@ -26,7 +26,7 @@ void run(const Options& options, const Session& session) {
       encodeAsSent(fromJson(message, parseJson(readAll(options.file)), options.bytes.form()));
   const auto to = static_cast<uint32_t>(options.talk.to);
   Node node(options.talk.middleware, options.talk.sender());
-  node.send(to, message.data->id, bytes, options.extra);
+  node.send(to, message.id(), bytes, options.extra);
   node.close();
   session.say("sent " + std::to_string(bytes.size()) + " bytes of " + std::string(message.name) +
               " to node " + std::to_string(to));
