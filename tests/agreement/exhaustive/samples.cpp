@@ -3,6 +3,7 @@
 #include <random>
 
 #include "oracle/operations/writer.hpp"
+#include "oracle/values/fill.hpp"
 
 namespace exhaustive {
 namespace {
@@ -21,44 +22,27 @@ std::vector<uint8_t> nonzeroBytes(size_t size, std::mt19937_64& random) {
   return bytes;
 }
 
-uint64_t nonzeroScalar(uint32_t width, std::mt19937_64& random) {
-  uint64_t number = 0;
-  for (const uint8_t byte : nonzeroBytes(width, random)) {
-    number = number << 8 | byte;
-  }
-  return number;
-}
+// Nothing is zero, null or empty.
+class NonzeroSource : public oracle::Source {
+ public:
+  explicit NonzeroSource(uint64_t seed) : random_(seed) {}
 
-Value full(const Description& message, std::mt19937_64& random) {
-  Value value = oracle::zeroValue(message);
-  for (size_t slot = 0; slot < message.fields.size(); ++slot) {
-    const Field& shape = message.fields[slot];
-    FieldValue& field = value[slot];
-    switch (shape.kind) {
-      case Kind::U8:
-      case Kind::U16:
-      case Kind::U32:
-      case Kind::U64:
-        field.scalar = nonzeroScalar(shape.size, random);
-        break;
-      case Kind::Array:
-        field.bytes = nonzeroBytes(shape.size, random);
-        break;
-      case Kind::Bytes:
-        oracle::setBytes(field, nonzeroBytes(5, random));
-        break;
-      case Kind::Table:
-        oracle::nested(field) = full(*shape.nested, random);
-        break;
-      case Kind::Vector:
-        oracle::setItems(field, {full(*shape.nested, random), full(*shape.nested, random)});
-        break;
+  uint64_t scalar(uint32_t width) override {
+    uint64_t number = 0;
+    for (const uint8_t byte : nonzeroBytes(width, random_)) {
+      number = number << 8 | byte;
     }
+    return number;
   }
-  return value;
-}
+  std::vector<uint8_t> array(uint32_t size) override { return nonzeroBytes(size, random_); }
+  void fillString(FieldValue& field) override { oracle::setBytes(field, nonzeroBytes(5, random_)); }
+  std::optional<uint32_t> itemCount(FieldValue&) override { return 2; }
 
-// The message as a writer sees it that knows neither the largest array nor what comes after.
+ private:
+  std::mt19937_64 random_;
+};
+
+// The message of an older writer, without its largest array and what follows.
 Description withoutLargeArrays(const Description& message) {
   Description older = message;
   for (size_t slot = 0; slot < older.fields.size(); ++slot) {
@@ -97,8 +81,8 @@ std::string Sample::name() const {
 }
 
 Value fullValue(const Description& message) {
-  std::mt19937_64 random(message.id);
-  return full(message, random);
+  NonzeroSource source(message.id);
+  return oracle::fill(message, source);
 }
 
 std::vector<Sample> fixedSamplesOf(const harness::Operations& operations) {

@@ -32,12 +32,11 @@ inline void PrintTo(const Sample& sample, std::ostream* out) {
   *out << sample.name();
 }
 
-// A record in which nothing is zero, null or empty; every bit pattern of it comes from the name.
+// A record in which nothing is zero, null or empty; the identifier is the seed.
 oracle::Value fullValue(const oracle::Description& message);
 
 // The full record in every arrangement and byte order that the message has. The items of
-// l2vpn_cfg_query_dfx_rec come from an older writer, which knew nothing of their last and largest
-// slot.
+// l2vpn_cfg_query_dfx_rec come from an older writer, without their last and largest slot.
 std::vector<Sample> samplesOf(const harness::Operations& operations);
 
 // The same in the fixed arrangement alone; empty where there is none.
