@@ -7,7 +7,7 @@ namespace {
 
 template <typename Record>
 void addMessage() {
-  const std::string prefix = std::string("sweep/") + Exported<Record>::name + "/";
+  const std::string prefix = std::string("sweep/") + schema<Record>.name + "/";
   // The records of the largest messages stay in the caches, too.
   const Shape shape{.room = uint64_t{512} << 10};
   add(prefix + "copy", copyCase<Record>, shape);

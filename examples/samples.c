@@ -15,7 +15,7 @@ static void fill_bytes(void* record, size_t size, uint32_t seed) {
   }
 }
 
-/* The records with pointers, whose bytes alone make no record. */
+/* Records with pointers need more than their bytes. */
 static void complete_dbginfo_key_l2vpn(dbginfo_key_l2vpn* record) {
   record->f3_len = sizeof text;
   record->f3 = text;

@@ -1,6 +1,6 @@
-// Sequences of calls with an allocator that fails where the input says. Whatever the order: what is
-// out is what the records hold, a send reaches the middleware as a whole or not at all, and a block
-// goes back to where it came from.
+// Sequences of calls with an allocator that fails where the input says. In any order, the blocks in
+// use are those that the records hold, a send reaches the middleware as a whole or not at all, and
+// a block returns to where it came from.
 
 #include <algorithm>
 #include <array>
@@ -97,7 +97,7 @@ class Calls {
     }
   };
 
-  // A message of the compact arrangement, now and then with an injury.
+  // A compact message, sometimes damaged.
   std::vector<uint8_t> takeMessage(const Description& message, bool reversed, bool& whole) {
     const oracle::Value value = fuzz::takeRecord(input_, message, fuzz::Lengths::True).value;
     std::vector<uint8_t> bytes;
@@ -139,7 +139,7 @@ class Calls {
       return false;
     }
     again.resize(length);
-    // A byte string that is there and empty ends the first message with room for itself.
+    // A byte string of length 0 that is not null ends the first message with eight unwritten bytes.
     return std::equal(again.begin(), again.end(), bytes.begin());
   }
 
@@ -221,7 +221,7 @@ class Calls {
     static_cast<void>(harness::takeTrace());
   }
 
-  // What every call owes.
+  // What holds after every call.
   void end() {
     trace_ = harness::takeTrace();
     for (const std::string& line : trace_) {

@@ -13,7 +13,7 @@ namespace {
 
 using harness::Operations;
 
-// Above this, only a block that is refused is asked for.
+// The host refuses larger blocks.
 constexpr uint64_t largestBlock = uint64_t{1} << 20;
 
 void pack(FuzzedDataProvider& input, const fuzz::Head& head) {
@@ -34,13 +34,13 @@ void pack(FuzzedDataProvider& input, const fuzz::Head& head) {
   if (record.lies && size <= how.room) {
     how.bufferIsNull = true;
   }
-  // A buffer of the exact size shows a sanitizer the first byte too many, whatever room it is said
-  // to have; one of the room shows what else is touched.
+  // In a buffer of the exact size a sanitizer sees any overrun, whatever room is claimed; a buffer
+  // of the claimed room shows what else is written.
   how.block = record.lies ? 0 : size == 0 || !nearlyExact ? size : how.room;
   fuzz::expectNone(harness::comparePack(operations, record.value, how));
 }
 
-// Whether no operation with these records gets as far as writing one of them whose length lies.
+// Whether every operation with these records fails before it writes the one whose length lies.
 bool isNeverWritten(const oracle::Description& message, const oracle::Value& value, bool inABatch) {
   const std::optional<uint32_t> size = oracle::sendableSize(message, value);
   return !size || (inABatch && *size > 0x10000);

@@ -15,8 +15,8 @@ namespace {
 
 using harness::Operations;
 
-// A few bytes can ask for an item of 16 KiB each. More than this is refused: to look at gigabytes
-// of zeros finds nothing.
+// A few bytes can ask for an item of 16 KiB each. More than this is refused: gigabytes of zeros
+// find nothing.
 constexpr uint32_t largestBlock = uint32_t{1} << 19;
 
 oracle::Value received(const Operations& operations, std::span<const uint8_t> bytes) {

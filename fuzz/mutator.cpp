@@ -1,5 +1,4 @@
-// Mutations that know what a message is. Blind ones rarely keep a frame whole, and would take long
-// to find one at all.
+// Mutations that know what a message is. Blind ones rarely leave a readable message.
 
 #include <algorithm>
 #include <random>

@@ -1,4 +1,4 @@
-// Records out of the bytes that the fuzzer tries.
+// Records made of a fuzzer's input.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -7,7 +7,7 @@
 
 namespace fuzz {
 
-// Whether byte strings may be declared longer than they are. Such a record can be measured, but not
+// Whether byte strings may be declared longer than they are. Such a record can be measured, not
 // written.
 enum class Lengths { True, MayLie };
 

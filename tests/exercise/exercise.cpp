@@ -6,10 +6,10 @@
 //   exercise read-only ROUNDS
 //     two threads, with the library's own memory made read-only
 //   exercise threads SECONDS PROCESSES
-//     in so many new processes, one after the other, sixteen threads make the first calls at once
-//     and go on for so long
+//     PROCESSES new processes, one after the other: sixteen threads make the first calls at once
+//     and go on for SECONDS
 //
-// The exit code is 0 when everything was as it should be, and what was not is told.
+// Exits with 0, or prints the first fault and exits with 1.
 #include <sys/wait.h>
 #include <unistd.h>
 

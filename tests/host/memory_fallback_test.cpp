@@ -1,4 +1,4 @@
-// The bounded copies and fills that serve a process without its own.
+// The bounded copies and fills for a process that has none.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ TEST(FallbackCopy, CopiesWhatFits) {
   EXPECT_EQ(target.text(), "<ABCDEFGH>");
 }
 
-TEST(FallbackCopy, OfNothingChangesNothing) {
+TEST(FallbackCopy, CopiesZeroBytes) {
   Target target;
   EXPECT_EQ(fallbackCopy(target.data(), 8, source, 0), 0);
   EXPECT_EQ(fallbackCopy(target.data(), 0, source, 0), 0);
@@ -125,7 +125,7 @@ TEST(FallbackFill, TouchesNothingWithoutAValidRoom) {
 }
 
 // This executable has none of the three functions: everything it copies goes this way.
-TEST(Fallback, ServesAProcessWithoutItsOwn) {
+TEST(Fallback, ServesAProcessWithoutBoundedMemory) {
   EXPECT_EQ(&::memcpy_s, nullptr);
   EXPECT_EQ(&::memset_s, nullptr);
   EXPECT_EQ(&::memcpy_sOptAsm, nullptr);

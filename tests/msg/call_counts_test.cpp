@@ -1,5 +1,4 @@
-// What each operation costs its host, counted by the schema alone: allocations, releases and calls
-// of the middleware, and none else.
+// How often each operation allocates, releases and calls the middleware.
 
 #include <gtest/gtest.h>
 
@@ -68,7 +67,7 @@ class CallCounts : public testing::TestWithParam<Operations> {
   void SetUp() override { harness::useByteOrder(GetParam(), false); }
 };
 
-TEST_P(CallCounts, AreThoseOfTheirOperation) {
+TEST_P(CallCounts, MatchEachOperation) {
   const Operations& operations = GetParam();
   const oracle::Description& message = oracle::descriptionOf(operations.name);
   const uint32_t fixed = oracle::fixedLength(message);

@@ -39,7 +39,7 @@ uint64_t distance() {
   return last.descriptors - last.content.at(0).data;
 }
 
-TEST(Descriptors, OfACompactBatchFollowItsRegion) {
+TEST(Descriptors, StandBehindTheRegionOfACompactBatch) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     const std::vector<dbginfo_key_l2vpn> keys(count);
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(0xFFFFFFFF, keys.data(), count, 0), 0U);
@@ -54,7 +54,7 @@ TEST(Descriptors, OfACompactBatchFollowItsRegion) {
   }
 }
 
-TEST(Descriptors, OfAFixedBatchFollowItsImages) {
+TEST(Descriptors, StandBehindTheImagesOfAFixedBatch) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     const std::vector<l2vpn_stat_pw_stat> records(count);
     EXPECT_EQ(l2vpn_stat_pw_stat__sendbatch(0, records.data(), count, 0), 0U);

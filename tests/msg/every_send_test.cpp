@@ -94,7 +94,7 @@ class EverySend : public testing::TestWithParam<Operations> {
   }
 
  private:
-  // What the encoder leaves as it was holds what the recording host fills its blocks with.
+  // Bytes that the encoder does not write keep the recording host's fill.
   Buffer encoded(size_t index) const {
     if (isFixed()) {
       return oracle::fixedImage(message(), values_[index], false);
@@ -114,13 +114,13 @@ class EverySend : public testing::TestWithParam<Operations> {
 constexpr std::initializer_list<uint64_t> extras{1, 0xFFFFFFFF, 0x100000000, 0x8000000000000000,
                                                  0xFFFFFFFFFFFFFFFF};
 
-TEST_P(EverySend, OfOneRecord) {
+TEST_P(EverySend, SendsOneRecord) {
   EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 0), 0U);
   expectCalls(single());
   expectSent(1);
 }
 
-TEST_P(EverySend, OfOneRecordWithExtra) {
+TEST_P(EverySend, SendsOneRecordWithExtra) {
   for (const uint64_t extra : extras) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, extra), 0U);
@@ -129,7 +129,7 @@ TEST_P(EverySend, OfOneRecordWithExtra) {
   }
 }
 
-TEST_P(EverySend, OfABatch) {
+TEST_P(EverySend, SendsABatch) {
   for (const uint32_t count : {1U, 2U, 3U}) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendBatch(destination, records(), count, 0), 0U);
@@ -138,7 +138,7 @@ TEST_P(EverySend, OfABatch) {
   }
 }
 
-TEST_P(EverySend, OfABatchWithExtra) {
+TEST_P(EverySend, SendsABatchWithExtra) {
   for (const uint64_t extra : extras) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, extra), 0U);
@@ -147,7 +147,7 @@ TEST_P(EverySend, OfABatchWithExtra) {
   }
 }
 
-TEST_P(EverySend, OfABatchOfNone) {
+TEST_P(EverySend, SendsABatchOfNone) {
   for (const void* const none : {records(), static_cast<const void*>(nullptr)}) {
     harness::resetRecorder();
     recorder().middlewareResult = 9;
@@ -159,7 +159,7 @@ TEST_P(EverySend, OfABatchOfNone) {
   }
 }
 
-TEST_P(EverySend, IsChosenByTheCount) {
+TEST_P(EverySend, ChoosesSingleOrBatchByCount) {
   for (const uint64_t extra : {uint64_t{0}, uint64_t{0x100000000}}) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendToMsg(destination, records(), 0, extra), failure);
@@ -205,7 +205,7 @@ TEST_P(EverySend, ReturnsWhatTheMiddlewareReturns) {
   }
 }
 
-TEST_P(EverySend, FailsUnreportedWithoutMemory) {
+TEST_P(EverySend, FailsSilentlyWithoutMemory) {
   recorder().everyAllocationFails = true;
   const bool onTheStack = isFixed() && fixed_ <= 1024;
   const Trace refused{taken(sizeOf(0), "__sendsingle", "null")};

@@ -1,6 +1,5 @@
-// A host that runs out of memory somewhere in a row of operations: the n-th allocation of them all
-// fails, for every n, once or for good. What each operation then does is what the oracle says it
-// does in that place, and at the end nothing is out.
+// A host that runs out of memory: in a row of operations the n-th allocation fails, for every n,
+// once or for good. Each operation then does what the oracle says, and nothing leaks.
 
 #include <gtest/gtest.h>
 
@@ -137,7 +136,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   Failing manner_ = Failing::Once;
 };
 
-TEST_P(FailingAllocations, AreSurvivedEachInItsTurn) {
+TEST_P(FailingAllocations, AreSurvivedInTurn) {
   std::mt19937_64 random(11);
   const oracle::Density densities[] = {oracle::Density::Full, oracle::Density::Sparse,
                                        oracle::Density::Edge};

@@ -17,22 +17,22 @@ using harness::Operations;
 using harness::recorder;
 using harness::Trace;
 
-// How many blocks a record can own, by the messages that can.
-size_t outOfLineParts(std::string_view name) {
-  if (name == "dbginfo_key_l2vpn" || name == "dbginfo_para_l2vpn" ||
-      name == "l2vpn_cfg_query_comm_param" || name == "l2vpn_cfg_query_comm_rec" ||
-      name == "l2vpn_cfg_query_dfx_key") {
-    return 1;
+// How many blocks a record can own. The items of a vector own none.
+size_t outOfLineParts(const oracle::Description& message) {
+  size_t parts = 0;
+  for (const oracle::Field& field : message.fields) {
+    if (field.kind == oracle::Kind::Table) {
+      parts += outOfLineParts(*field.nested);
+    } else if (field.kind == oracle::Kind::Bytes || field.kind == oracle::Kind::Vector) {
+      ++parts;
+    }
   }
-  return name == "dbginfo_cmd_key_l2vpn" || name == "dbginfo_endata_l2vpn" ||
-                 name == "l2vpn_cfg_query_dfx_rec"
-             ? 2
-             : 0;
+  return parts;
 }
 
 class EveryMessage : public testing::TestWithParam<Operations> {
  protected:
-  size_t outOfLineParts() const { return ::outOfLineParts(GetParam().name); }
+  size_t outOfLineParts() const { return ::outOfLineParts(oracle::descriptionOf(GetParam().name)); }
   uint32_t size() const { return GetParam().schema().size; }
 
   // A message with every byte string present.
@@ -61,7 +61,7 @@ class EveryMessage : public testing::TestWithParam<Operations> {
   }
 };
 
-TEST_P(EveryMessage, ReturnsItsRecordsSizeWhetherItIsAcceptedOrNot) {
+TEST_P(EveryMessage, AlwaysReturnsItsRecordSize) {
   const Buffer whole = fullMessage();
   const size_t step = whole.size() > 4096 ? 127 : 1;
   for (size_t length = 0; length <= whole.size(); length += step) {
@@ -107,7 +107,7 @@ TEST_P(EveryMessage, ReleasesNothingOfANullRecord) {
   EXPECT_EQ(harness::takeTrace(), Trace());
 }
 
-TEST_P(EveryMessage, IsReadAndNothingElseByPackAndSend) {
+TEST_P(EveryMessage, IsOnlyReadByPackAndSend) {
   std::mt19937_64 random(4);
   const oracle::Description& message = oracle::descriptionOf(GetParam().name);
   const oracle::RecordImage records(
@@ -129,10 +129,10 @@ TEST_P(EveryMessage, IsReadAndNothingElseByPackAndSend) {
 INSTANTIATE_TEST_SUITE_P(All, EveryMessage, testing::ValuesIn(harness::allOperations()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(Messages, WithoutBlocksAreNotLookedAtByTheirRelease) {
+TEST(Messages, WithoutBlocksAreIgnoredByRelease) {
   size_t count = 0;
   for (const Operations& operations : harness::allOperations()) {
-    if (outOfLineParts(operations.name) == 0) {
+    if (!oracle::descriptionOf(operations.name).hasOutOfLineParts) {
       Buffer record = harness::marks(operations.schema().size);
       harness::resetRecorder();
       operations.freeUnpacked(record.data());
@@ -141,7 +141,7 @@ TEST(Messages, WithoutBlocksAreNotLookedAtByTheirRelease) {
       ++count;
     }
   }
-  EXPECT_EQ(count, harness::allOperations().size() - 8);
+  EXPECT_GT(count, 0U);
 }
 
 }  // namespace

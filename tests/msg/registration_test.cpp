@@ -68,7 +68,7 @@ class Registration : public testing::TestWithParam<Service> {
   std::vector<const oracle::Description*> messages_;  // in registration order
 };
 
-TEST_P(Registration, GoesThroughTheMessagesInOrder) {
+TEST_P(Registration, FollowsTheMessagesOrder) {
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   expectRegistered(0, messages().size());
   EXPECT_EQ(harness::takeTrace(), Trace());
@@ -88,7 +88,7 @@ TEST_P(Registration, StopsAtTheFirstRefusal) {
   }
 }
 
-TEST_P(Registration, MayBeMadeAgain) {
+TEST_P(Registration, CanBeRepeated) {
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   expectRegistered(messages().size(), messages().size());
@@ -102,7 +102,7 @@ TEST_P(Registration, MayBeMadeAgain) {
   expectRegistered(0, messages().size());
 }
 
-TEST_P(Registration, OfASenderHandsOverItsCleanFunction) {
+TEST_P(Registration, OfASenderRegistersItsCleanup) {
   for (const uint32_t result : {0U, 1U, 0x80000000U, 0xFFFFFFFFU}) {
     harness::resetRecorder();
     recorder().middlewareResult = result;
@@ -113,7 +113,7 @@ TEST_P(Registration, OfASenderHandsOverItsCleanFunction) {
   }
 }
 
-TEST_P(Registration, CleansNothing) {
+TEST_P(Registration, CleanupDoesNothing) {
   GetParam().clean();
   GetParam().clean();
   EXPECT_EQ(harness::takeTrace(), Trace());
@@ -123,7 +123,7 @@ TEST_P(Registration, CleansNothing) {
 INSTANTIATE_TEST_SUITE_P(Of, Registration, testing::ValuesIn(services),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(Registrations, AreOfEveryMessageOnce) {
+TEST(Registrations, CoverEveryMessageOnce) {
   harness::resetRecorder();
   std::set<uint32_t> ids;
   std::set<const void*> functions;
@@ -141,7 +141,7 @@ TEST(Registrations, AreOfEveryMessageOnce) {
   EXPECT_EQ(functions.size(), 2 * messages) << "every function is registered once";
 }
 
-TEST(Registrations, OfSendersAreThreeFunctions) {
+TEST(Registrations, OfSendersAreThreeCleanups) {
   harness::resetRecorder();
   for (const Service& service : services) {
     EXPECT_EQ(service.sendInit(), 0U);
@@ -150,7 +150,7 @@ TEST(Registrations, OfSendersAreThreeFunctions) {
   EXPECT_EQ(std::set(hooks.begin(), hooks.end()).size(), 3U);
 }
 
-// The middleware's view: it has the bytes, an identifier and two functions of one type.
+// As the middleware calls them: by one function type for all messages.
 TEST(Registrations, LeadToFunctionsThatDecode) {
   harness::resetRecorder();
   ASSERT_EQ(l2vpn_stat_recv_init(), 0U);

@@ -1,5 +1,5 @@
-// Counts whose batch would take more than 32 bits: the block that the wrapped size gives is of no
-// use, and the records, which lie where nothing can be read, are never looked at.
+// Counts whose batch size wraps 32 bits: the block of the wrapped size is given back, and the
+// records, which lie on inaccessible memory, are not read.
 
 #include <gtest/gtest.h>
 
@@ -70,7 +70,7 @@ TEST_P(WrappedCount, FailsAfterTheWrappedAllocation) {
   expectGivenBack(first, first * each);
 }
 
-TEST_P(WrappedCount, IsNoneBelowThirtyTwoBits) {
+TEST_P(WrappedCount, DoesNotOccurBelow32Bits) {
   if (fixed_ == 0) {
     expectRefused(0x0FFFEFFF, 0xFFFFFFF0);
     expectRefused(0xFFFFFFFF, 0xFFF0);

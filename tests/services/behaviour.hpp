@@ -21,19 +21,6 @@ namespace harness {
 
 inline constexpr uint32_t failure = 0xFFFFFFFF;
 
-// Sixteen bytes a line behind their position, so that what differs is found by eye.
-inline std::string shown(const Buffer& bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (size_t at = 0; at < bytes.size(); ++at) {
-    if (at % 16 == 0) {
-      text.append("\n").append(std::to_string(at)).append(":");
-    }
-    text.append({' ', digits[bytes[at] >> 4], digits[bytes[at] & 15]});
-  }
-  return text;
-}
-
 template <typename Record>
 const Operations& of() {
   return operationsOf(mesh::wire::schemaOf<Record>.name);
@@ -44,7 +31,7 @@ std::string nameOf() {
   return mesh::wire::schemaOf<Record>.name;
 }
 
-// A record of this library's own tests: no field zero, no two alike. Not for records with pointers.
+// No field is zero, no two are alike. Not for records with pointers.
 template <typename Record>
 Record full() {
   const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
@@ -54,7 +41,7 @@ Record full() {
   return record;
 }
 
-// The record with everything from the offset on zero: as far as a reader came.
+// The record with everything from the offset on zero: what a reader leaves that stops there.
 template <typename Record>
 Record upTo(size_t offset, Record record) {
   auto* const bytes = reinterpret_cast<uint8_t*>(&record);
@@ -110,7 +97,7 @@ Buffer sent(const Record& record) {
   return recorder().sent.at(0).bytes;
 }
 
-// Field by field, strings included; what lies between the fields does not count.
+// Field by field, strings included. Padding does not count.
 template <typename Record>
 void expectSame(const Record& record, const Record& expected) {
   const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
@@ -193,9 +180,9 @@ void expectUnpackParameters() {
   EXPECT_EQ(takeTrace(), Trace{reported(function, "Param invalid(nonNull, 64, null)")});
 }
 
-// The frame's three tests, on a compact message: each is logged, and the record is as `left` says.
+// The three checks of the head, on a compact message: each logs, and leaves the record as `left`.
 template <typename Record>
-void expectFrameChecks(const Buffer& good, const std::string& function, const Buffer& left) {
+void expectHeadChecks(const Buffer& good, const std::string& function, const Buffer& left) {
   SCOPED_TRACE(nameOf<Record>());
   const auto length = static_cast<uint32_t>(good.size());
   const uint32_t root = good.at(0);
@@ -217,17 +204,17 @@ void expectFrameChecks(const Buffer& good, const std::string& function, const Bu
                                                   std::to_string(length - 4) + ")");
 }
 
-// The table reader decodes the root: a bad frame leaves a cleared record.
+// The table reader decodes the root: a bad head clears the record.
 template <typename Record>
-void expectFrameChecksByTableReader(const Record& record) {
-  expectFrameChecks<Record>(compact(record), nameOf<Record>() + "_unpack_non_root",
-                            Buffer(sizeof(Record), 0));
+void expectHeadChecksByTableReader(const Record& record) {
+  expectHeadChecks<Record>(compact(record), nameOf<Record>() + "_unpack_non_root",
+                           Buffer(sizeof(Record), 0));
 }
 
-// The message decodes its root itself: a bad frame leaves the record as it was.
+// The message decodes its root itself: a bad head leaves the record as it was.
 template <typename Record>
-void expectFrameChecksByMessage(const Record& record) {
-  expectFrameChecks<Record>(compact(record), nameOf<Record>() + "_unpack", marks(sizeof(Record)));
+void expectHeadChecksByMessage(const Record& record) {
+  expectHeadChecks<Record>(compact(record), nameOf<Record>() + "_unpack", marks(sizeof(Record)));
 }
 
 // An array whose length word, at `position` of the full compact message, is not its size ends the
@@ -276,7 +263,7 @@ void expectSentFixed() {
   EXPECT_EQ(recorder().sent[1].id, id);
 }
 
-// Nothing is released, nothing is called.
+// The release changes nothing and calls nobody.
 template <typename Record>
 void expectNothingToRelease() {
   SCOPED_TRACE(nameOf<Record>());

@@ -26,17 +26,16 @@ void useByteOrder(const Operations& operations, bool reversed);
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           bool reversed, int failingAllocation = 0, bool guarded = false);
 
-// The same, in other surroundings.
+// The same, with more choices.
 struct Unpacking {
   bool reversed = false;
   int failingAllocation = 0;
-  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
-  // them.
+  // Buffer and record lie against inaccessible pages; otherwise in blocks of their exact size.
   std::optional<GuardedBuffer::Edge> guard = std::nullopt;
   size_t recordShift = 0;  // from an aligned place, without a guard
   // The buffer is read where it lies: it is too large for a copy.
   bool inPlace = false;
-  // Allocations of more fail.
+  // Larger allocations fail.
   uint32_t largestBlock = UINT32_MAX;
 };
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
@@ -46,7 +45,7 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
 std::string comparePack(const Operations& operations, const oracle::Value& value, uint32_t room,
                         bool reversed);
 
-// The same, with other arguments and surroundings.
+// The same, with more choices.
 struct Packing {
   uint32_t room = 0;
   bool reversed = false;
@@ -55,8 +54,7 @@ struct Packing {
   bool lengthIsNull = false;
   // How many bytes the buffer really has, where that is less than `room`.
   std::optional<uint32_t> block = std::nullopt;
-  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
-  // them.
+  // Buffer and record lie against inaccessible pages; otherwise in blocks of their exact size.
   std::optional<GuardedBuffer::Edge> guard = std::nullopt;
   size_t bufferShift = 0;  // from an aligned place, without a guard
   size_t recordShift = 0;
@@ -69,7 +67,7 @@ std::string compareSend(const Operations& operations, oracle::Operation operatio
                         const std::vector<oracle::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails = false, uint32_t middlewareResult = 0);
 
-// The same on a null pointer, which is said to lead to `count` records.
+// The same on a null pointer and `count` records.
 struct Sending {
   oracle::Operation operation = oracle::Operation::Single;
   uint32_t count = 0;

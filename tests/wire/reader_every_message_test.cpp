@@ -1,5 +1,5 @@
-// What the reader does with a bad frame, for every message: what it reports, under which name, and
-// what becomes of the record.
+// What the reader does with a bad head, for every message: what it logs, under which name, and what
+// it leaves in the record.
 
 #include <gtest/gtest.h>
 
@@ -27,8 +27,8 @@ class EveryReader : public testing::TestWithParam<Operations> {
   const std::string name_{GetParam().name};
   const uint32_t size_ = GetParam().schema().size;
 
-  // Messages that verify their root table themselves, and so leave the record alone when the frame
-  // is bad. The others hand a cleared record to their table reader.
+  // Messages that verify their root table themselves leave the record alone when the head is bad.
+  // The others hand a cleared record to their table reader.
   bool verifiesItsRoot() const {
     static const std::set<std::string> byTableReader{
         "dbginfo_para_l2vpn", "l2vpn_cfg_query_dfx_rec", "l2vpn_stat_pw_stat"};
@@ -163,7 +163,7 @@ TEST_P(EveryReader, ClearsTheWholeRecordPaddingIncluded) {
   expectCleared();
 }
 
-TEST_P(EveryReader, TakesAVtableShorterThanItsOwnHeadAsEmpty) {
+TEST_P(EveryReader, ReadsATooShortVtableAsEmpty) {
   for (const uint32_t length : {0U, 1U, 3U, 5U}) {
     unpack(harness::withU16(emptyTable, 4, length));
     EXPECT_EQ(trace_, Trace());

@@ -16,7 +16,7 @@ using harness::Trace;
 
 constexpr uint32_t failure = 0xFFFFFFFF;
 
-// A record of zeros, and one whose scalars are not.
+// A record of zeros, and one without a zero scalar.
 class EveryWriter : public testing::TestWithParam<Operations> {
  protected:
   const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }

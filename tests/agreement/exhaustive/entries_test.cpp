@@ -45,7 +45,7 @@ class Entries : public exhaustive::EveryMessage {
   }
 };
 
-TEST_P(Entries, LeadAnywhere) {
+TEST_P(Entries, AgreeWhereverTheyLead) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (const TablePlace& place : frameOf(sample).tables) {
       const std::set<uint16_t> entries = tellingEntries(sample, place);
@@ -62,7 +62,7 @@ TEST_P(Entries, LeadAnywhere) {
   }
 }
 
-TEST_P(Entries, AreFollowedInAnyOrder) {
+TEST_P(Entries, AgreeInAnyOrder) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (const TablePlace& place : frameOf(sample).tables) {
       const size_t slots = slotsOf(sample, place);
@@ -81,7 +81,7 @@ TEST_P(Entries, AreFollowedInAnyOrder) {
   }
 }
 
-TEST_P(Entries, MayAllLeadToOnePlace) {
+TEST_P(Entries, AgreeWhenAllLeadToOnePlace) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     const TablePlace place = frameOf(sample).tables[0];
     for (const uint16_t entry : tellingEntries(sample, place)) {
@@ -105,7 +105,7 @@ Value received(const Sample& sample, const std::vector<uint8_t>& bytes) {
   return value;
 }
 
-TEST_P(Entries, ThatFailKeepWhatWasReadBeforeAndNothingElse) {
+TEST_P(Entries, KeepEarlierFieldsWhenOneFails) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     const TablePlace place = frameOf(sample).tables[0];
     const Value whole = received(sample, sample.bytes);

@@ -11,7 +11,7 @@ using exhaustive::Sample;
 
 class Frames : public testing::TestWithParam<Sample> {};
 
-TEST_P(Frames, AreReadAlikeWithEveryValueOfEveryByte) {
+TEST_P(Frames, AgreeOnEveryValueOfEveryByte) {
   const Sample& sample = GetParam();
   // For a message of many KiB, the values beside the good one and beside the borders.
   constexpr std::array telling{0, 1, 2, 3, 4, 5, 6, 7, 8, 0x7F, 0x80, 0xFC, 0xFE, 0xFF};
@@ -31,7 +31,7 @@ TEST_P(Frames, AreReadAlikeWithEveryValueOfEveryByte) {
   }
 }
 
-TEST_P(Frames, AreReadAlikeWithEveryTwoOfTheirFirstBitsFlipped) {
+TEST_P(Frames, AgreeWithAnyTwoFirstBitsFlipped) {
   const Sample& sample = GetParam();
   const size_t bits = sample.isLarge() ? 8 * 8 : 16 * 8;
   const auto flip = [](std::vector<uint8_t>& bytes, size_t bit) {
@@ -56,8 +56,8 @@ INSTANTIATE_TEST_SUITE_P(Shapes, Frames, testing::ValuesIn(exhaustive::shapes())
 
 using FixedImages = exhaustive::EveryMessage;
 
-// Contents, frame and padding: which of them matters is the reader's to know.
-TEST_P(FixedImages, AreReadAlikeWithAnyOneBitFlipped) {
+// Any bit: of contents, frame and padding.
+TEST_P(FixedImages, AgreeWithAnyBitFlipped) {
   for (const Sample& sample : exhaustive::fixedSamplesOf(GetParam())) {
     const exhaustive::Frame frame = exhaustive::frameOf(sample);
     const size_t padding = frame.tables[0].vtable - 4;

@@ -19,7 +19,7 @@ class Places : public exhaustive::EveryMessage {
   }
 };
 
-TEST_P(Places, OfTheRootAreAllTried) {
+TEST_P(Places, AgreeForEveryRoot) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (size_t at = 0; at < sample.bytes.size() + 4; ++at) {
       std::vector<uint8_t> bytes = sample.bytes;
@@ -31,7 +31,7 @@ TEST_P(Places, OfTheRootAreAllTried) {
   }
 }
 
-TEST_P(Places, OfAVtableThatIsElsewhereAreAllTried) {
+TEST_P(Places, AgreeForEveryVtableOffset) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (const TablePlace& place : frameOf(sample).tables) {
       for (size_t at = 0; at < sample.bytes.size() + 4; ++at) {
@@ -46,7 +46,7 @@ TEST_P(Places, OfAVtableThatIsElsewhereAreAllTried) {
 }
 
 // The vtable itself moves: over fields, over padding, behind everything.
-TEST_P(Places, OfAGoodVtableAreAllTried) {
+TEST_P(Places, AgreeForEveryPlaceOfAVtable) {
   for (const Sample& sample : exhaustive::fixedSamplesOf(GetParam())) {
     for (const TablePlace& place : frameOf(sample).tables) {
       const auto from = sample.bytes.begin() + static_cast<std::ptrdiff_t>(place.vtable);
@@ -64,7 +64,7 @@ TEST_P(Places, OfAGoodVtableAreAllTried) {
   }
 }
 
-TEST_P(Places, BehindOrBeforeOtherBytesChangeNothing) {
+TEST_P(Places, IgnoreOtherBytesAround) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (size_t more = 0; more <= 9; ++more) {
       std::vector<uint8_t> before(4 + more, 0xEE);
@@ -80,7 +80,7 @@ TEST_P(Places, BehindOrBeforeOtherBytesChangeNothing) {
   }
 }
 
-TEST_P(Places, AreLookedForInTheModulesByteOrderAlone) {
+TEST_P(Places, AreReadInTheModulesByteOrder) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     Sample inTheOther = sample;
     inTheOther.reversed = !sample.reversed;
@@ -90,7 +90,7 @@ TEST_P(Places, AreLookedForInTheModulesByteOrderAlone) {
   }
 }
 
-TEST_P(Places, OfAVtablesEndAreAllTried) {
+TEST_P(Places, AgreeForEveryVtableLength) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     std::vector<uint8_t> bytes = sample.bytes;
     // Room for slots that no schema has yet.

@@ -1,4 +1,4 @@
-// Messages that end too early, and the ends of buffers.
+// Truncated messages, and the ends of buffers.
 
 #include "agreement/exhaustive/agreement.hpp"
 
@@ -11,8 +11,7 @@ using harness::GuardedBuffer;
 
 class Prefixes : public exhaustive::EveryMessage {
  protected:
-  // Every length of a message of many KiB is tried in one of its forms, in the others every one
-  // near the frame and now and then one between.
+  // A large message: every length in one form; in the others those near the frame, and every 61st.
   static bool isTried(const Sample& sample, size_t length) {
     constexpr size_t nearby = 300;
     return !sample.isLarge() || (sample.arrangement == Arrangement::Fixed && !sample.reversed) ||
@@ -20,7 +19,7 @@ class Prefixes : public exhaustive::EveryMessage {
   }
 };
 
-TEST_P(Prefixes, AreReadToTheirEndAndNoFurther) {
+TEST_P(Prefixes, ReadNothingPastTheBuffer) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (size_t length = 0; length <= sample.bytes.size(); ++length) {
       const std::span prefix(sample.bytes.data(), length);
@@ -31,7 +30,7 @@ TEST_P(Prefixes, AreReadToTheirEndAndNoFurther) {
   }
 }
 
-TEST_P(Prefixes, AreNotReadBeforeTheirBeginning) {
+TEST_P(Prefixes, ReadNothingBeforeTheBuffer) {
   for (const Sample& sample : exhaustive::samplesOf(GetParam())) {
     for (size_t cut = 0; cut < 16; ++cut) {
       const std::span prefix(sample.bytes.data(), sample.bytes.size() - cut);
@@ -52,7 +51,7 @@ TEST_P(Prefixes, AreNotReadBeforeTheirBeginning) {
 }
 
 // The last field is cut, and not the vtable, when the vtable stands before its table.
-TEST_P(Prefixes, OfFixedTablesBehindTheirVtableAreRead) {
+TEST_P(Prefixes, AgreeForTablesBehindTheirVtable) {
   for (const Sample& sample : exhaustive::fixedSamplesOf(GetParam())) {
     const exhaustive::TablePlace root = exhaustive::frameOf(sample).tables[0];
     const size_t length = root.message->vtableLength;

@@ -19,7 +19,7 @@ using harness::Operations;
 
 const std::filesystem::path directory = GOLDEN_DIRECTORY;
 
-// In rows of 16, and from the first row that differs on.
+// Rows of 16 bytes, from the first row that differs.
 std::string rows(const std::vector<uint8_t>& bytes, size_t first) {
   std::string text;
   for (size_t row = first; row < bytes.size() && row < first + 256; row += 16) {
@@ -136,7 +136,7 @@ TEST_P(Golden, ImagesAreWhatTheLibraryReads) {
 INSTANTIATE_TEST_SUITE_P(All, Golden, testing::ValuesIn(harness::allOperations()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(GoldenFiles, AreOfTheMessagesAndNoOthers) {
+TEST(GoldenFiles, ExistForExactlyTheMessages) {
   std::set<std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
     if (entry.path().extension() == ".txt" && entry.path().stem() != "CMakeLists") {

@@ -1,4 +1,4 @@
-// What libmesh_l2vpn.so shows of itself and asks of others.
+// What libmesh_l2vpn.so exports, imports and needs.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -74,7 +74,7 @@ TEST(SharedObject, ExportsExactlyItsFunctions) {
   EXPECT_EQ(exported, expected);
 }
 
-TEST(SharedObject, ImportsOnlyTheMiddlewareTheBoundedMemoryFunctionsAndTheCLibrary) {
+TEST(SharedObject, ImportsOnlyMiddlewareBoundedMemoryAndLibc) {
   if (MESH_L2VPN_INSTRUMENTED) {
     GTEST_SKIP() << "an instrumented build imports its sanitizer";
   }
@@ -118,7 +118,7 @@ TEST(SharedObject, NeedsTheCLibraryAlone) {
   EXPECT_EQ(needed, std::vector<std::string>{"[libc.so.6]"});
 }
 
-TEST(SharedObject, BindsItsImportsLazilyAndIsNamedAfterItsAbi) {
+TEST(SharedObject, BindsLazilyAndIsNamedAfterItsAbi) {
   std::string dynamic;
   for (const std::string& line : outputOf(std::string("readelf -dW ") + library)) {
     dynamic += line + "\n";
@@ -128,7 +128,7 @@ TEST(SharedObject, BindsItsImportsLazilyAndIsNamedAfterItsAbi) {
   EXPECT_NE(dynamic.find("soname: [libmesh_l2vpn.so.1]"), std::string::npos) << dynamic;
 }
 
-TEST(SharedObject, RunsSixConstructorsAndNoOthers) {
+TEST(SharedObject, RunsSixConstructors) {
   if (MESH_L2VPN_INSTRUMENTED) {
     GTEST_SKIP() << "an instrumented build registers its globals";
   }
@@ -172,7 +172,7 @@ TEST_F(Loaded, EveryFunctionHasAnAddressOfItsOwn) {
   }
 }
 
-TEST_F(Loaded, PacksAndUnpacksWithoutAnyMiddlewareOrHost) {
+TEST_F(Loaded, WorksWithoutMiddlewareAndHost) {
   const auto pack = find<decltype(l2vpn_sync_vpls_ac__pack)>("l2vpn_sync_vpls_ac__pack");
   const auto unpack = find<decltype(l2vpn_sync_vpls_ac__unpack)>("l2vpn_sync_vpls_ac__unpack");
   ASSERT_EQ(dlsym(RTLD_DEFAULT, "MESH_SendMsg"), nullptr) << "this process must have none";

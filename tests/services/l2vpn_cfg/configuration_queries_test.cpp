@@ -35,29 +35,29 @@ Rec rec() {
 
 TEST(ConfigurationQueries, ParametersOfZerosPackTo18Bytes) {
   const Buffer expected = Layout().u32(14).u16(10, 4, 0, 0, 0).u32(10);
-  EXPECT_EQ(shown(compact(Param{})), shown(expected));
+  EXPECT_EQ(hex(compact(Param{})), hex(expected));
   EXPECT_EQ(expected.size(), 18U);
-  EXPECT_EQ(shown(compact(param())), shown(Layout()
-                                               .u32(14)
-                                               .u16(10, 23, 4, 8, 12)
-                                               .u32(10)
-                                               .u32(0x10, 0x11)
-                                               .u32(4)
-                                               .u32(3)
-                                               .text("abc")));
+  EXPECT_EQ(hex(compact(param())), hex(Layout()
+                                           .u32(14)
+                                           .u16(10, 23, 4, 8, 12)
+                                           .u32(10)
+                                           .u32(0x10, 0x11)
+                                           .u32(4)
+                                           .u32(3)
+                                           .text("abc")));
 }
 
-TEST(ConfigurationQueries, AResultKeepsItsStringsWordInSlotOrder) {
-  EXPECT_EQ(shown(compact(Rec{})), shown(Layout().u32(18).u16(14, 4).zeros(10).u32(14)));
-  EXPECT_EQ(shown(compact(rec())), shown(Layout()
-                                             .u32(18)
-                                             .u16(14, 31, 4, 8, 12, 16, 20)
-                                             .u32(14)
-                                             .u32(0x10, 0x11, 0x12)
-                                             .u32(8)  // over f4
-                                             .u32(0x14)
-                                             .u32(3)
-                                             .text("abc")));
+TEST(ConfigurationQueries, ResultKeepsItsStringsWordInSlotOrder) {
+  EXPECT_EQ(hex(compact(Rec{})), hex(Layout().u32(18).u16(14, 4).zeros(10).u32(14)));
+  EXPECT_EQ(hex(compact(rec())), hex(Layout()
+                                         .u32(18)
+                                         .u16(14, 31, 4, 8, 12, 16, 20)
+                                         .u32(14)
+                                         .u32(0x10, 0x11, 0x12)
+                                         .u32(8)  // over f4
+                                         .u32(0x14)
+                                         .u32(3)
+                                         .text("abc")));
 }
 
 TEST(ConfigurationQueries, StringsAreAllocatedAndReleasedUnderTheirMessages) {
@@ -76,7 +76,7 @@ TEST(ConfigurationQueries, StringsAreAllocatedAndReleasedUnderTheirMessages) {
             Trace{"unpackFree #1 owner=12 caller=\"l2vpn_cfg_query_comm_rec_free_unpacked\""});
 }
 
-TEST(ConfigurationQueries, ARefusedAllocationIsLoggedWithoutBlanks) {
+TEST(ConfigurationQueries, RefusedAllocationIsLoggedWithoutBlanks) {
   const Unpacked<Param> refusedParam(compact(param()), 1);
   EXPECT_EQ(
       refusedParam.trace,
@@ -93,7 +93,7 @@ TEST(ConfigurationQueries, ARefusedAllocationIsLoggedWithoutBlanks) {
   expectSame(refusedRec.record, left);
 }
 
-TEST(ConfigurationQueries, AResultWithAVtableOfFourSlotsLeavesF4Zero) {
+TEST(ConfigurationQueries, ResultWithAVtableOfFourSlotsLeavesF4Zero) {
   Rec expected = rec();
   expected.f4 = 0;
   Unpacked<Rec> unpacked(withU16(compact(rec()), 4, 12));
@@ -102,7 +102,7 @@ TEST(ConfigurationQueries, AResultWithAVtableOfFourSlotsLeavesF4Zero) {
   unpacked.release();
 }
 
-TEST(ConfigurationQueries, AFieldBehindTheStringThatFailsReleasesTheString) {
+TEST(ConfigurationQueries, FieldBehindTheStringThatFailsReleasesTheString) {
   const Buffer good = compact(rec());
   const Unpacked<Rec> unpacked(withU16(good, 16, static_cast<uint32_t>(good.size()) - 18 - 3));
   Rec left = rec();
@@ -114,38 +114,38 @@ TEST(ConfigurationQueries, AFieldBehindTheStringThatFailsReleasesTheString) {
   EXPECT_TRUE(recorder().blocks.empty());
 }
 
-TEST(ConfigurationQueries, ACondPacksTo154To162Bytes) {
-  EXPECT_EQ(shown(compact(Cond{})),
-            shown(Layout().u32(14).u16(10, 140, 0, 0, 4).u32(10).u32(4).u32(128).zeros(128)));
+TEST(ConfigurationQueries, CondPacksTo154To162Bytes) {
+  EXPECT_EQ(hex(compact(Cond{})),
+            hex(Layout().u32(14).u16(10, 140, 0, 0, 4).u32(10).u32(4).u32(128).zeros(128)));
   EXPECT_EQ(compact(Cond{}).size(), 154U);
   EXPECT_EQ(compact(full<Cond>()).size(), 162U);
 }
 
-TEST(ConfigurationQueries, ACondIsSentAs168Bytes) {
+TEST(ConfigurationQueries, CondIsSentAs168Bytes) {
   expectSentFixed<Cond>();
   Cond record{};
   record.f0 = 0x10111213;
   record.f1 = 0x20212223;
   std::memset(record.f2, 0x30, 128);
-  EXPECT_EQ(shown(sent(record)), shown(Layout()
-                                           .u32(4, 0xFFFFFF6C)
-                                           .u32(0x10111213, 0x20212223)
-                                           .u32(4)
-                                           .u32(128)
-                                           .fill(128, 0x30)
-                                           .u16(10, 148, 4, 8, 12)
-                                           .zeros(6)));
+  EXPECT_EQ(hex(sent(record)), hex(Layout()
+                                       .u32(4, 0xFFFFFF6C)
+                                       .u32(0x10111213, 0x20212223)
+                                       .u32(4)
+                                       .u32(128)
+                                       .fill(128, 0x30)
+                                       .u16(10, 148, 4, 8, 12)
+                                       .zeros(6)));
   expectRoundTrip(record);
   expectNothingToRelease<Cond>();
 }
 
-TEST(ConfigurationQueries, ACondOf127Or129BytesKeepsF0AndF1) {
+TEST(ConfigurationQueries, CondOf127Or129BytesKeepsF0AndF1) {
   expectArrayLengthChecked<Cond>(30, 128, offsetof(Cond, f2));
   const Buffer roomier = Layout().append(compact(full<Cond>())).zeros(1);
   expectRead(withU32(roomier, 30, 129), upTo(offsetof(Cond, f2), full<Cond>()));
 }
 
-TEST(ConfigurationQueries, AKeyOfZerosPacksTo188Bytes) {
+TEST(ConfigurationQueries, KeyOfZerosPacksTo188Bytes) {
   const Buffer expected = Layout()
                               .u32(12)
                               .u16(8, 12, 4, 8)
@@ -159,12 +159,12 @@ TEST(ConfigurationQueries, AKeyOfZerosPacksTo188Bytes) {
                               .u32(4)
                               .u32(128)
                               .zeros(128);
-  EXPECT_EQ(shown(compact(Key{})), shown(expected));
+  EXPECT_EQ(hex(compact(Key{})), hex(expected));
   EXPECT_EQ(expected.size(), 188U);
   expectPackLimits(Key{});
 }
 
-TEST(ConfigurationQueries, AKeyIsReadBackWithItsParametersString) {
+TEST(ConfigurationQueries, KeyIsReadBackWithItsParametersString) {
   Key record{};
   record.f0 = param();
   record.f1 = full<Cond>();
@@ -178,7 +178,7 @@ TEST(ConfigurationQueries, AKeyIsReadBackWithItsParametersString) {
   EXPECT_EQ(unpacked.record.f0.f2, nullptr);
 }
 
-TEST(ConfigurationQueries, AKeyWhoseConditionFailsReleasesItsParametersString) {
+TEST(ConfigurationQueries, KeyWhoseConditionFailsReleasesItsParametersString) {
   Key record{};
   record.f0 = param();
   record.f1 = full<Cond>();
@@ -193,7 +193,7 @@ TEST(ConfigurationQueries, AKeyWhoseConditionFailsReleasesItsParametersString) {
   EXPECT_TRUE(recorder().blocks.empty());
 }
 
-TEST(ConfigurationQueries, ASizePast32BitsFails) {
+TEST(ConfigurationQueries, SizePast32BitsFails) {
   Param longParam{};
   longParam.f2 = abc;
   longParam.f2_len = 0xFFFFFFFF - 26;
@@ -216,7 +216,7 @@ TEST(ConfigurationQueries, ASizePast32BitsFails) {
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).result, failure);
 }
 
-TEST(ConfigurationQueries, PackingKeepsItsLimits) {
+TEST(ConfigurationQueries, PackChecksRecordAndRoom) {
   expectPackLimits(Param{});
   expectPackLimits(param());
   expectPackLimits(Rec{});
@@ -225,16 +225,16 @@ TEST(ConfigurationQueries, PackingKeepsItsLimits) {
   expectPackLimits(full<Cond>());
 }
 
-TEST(ConfigurationQueries, UnpackingChecksItsParametersAndItsFrame) {
+TEST(ConfigurationQueries, UnpackChecksParametersAndHead) {
   expectUnpackParameters<Param>();
   expectUnpackParameters<Rec>();
   expectUnpackParameters<Cond>();
   expectUnpackParameters<Key>();
   expectUnpackParameters<l2vpn_cfg_query_dfx_rec>();
-  expectFrameChecksByMessage(param());
-  expectFrameChecksByMessage(rec());
-  expectFrameChecksByMessage(full<Cond>());
-  expectFrameChecksByMessage(Key{});
+  expectHeadChecksByMessage(param());
+  expectHeadChecksByMessage(rec());
+  expectHeadChecksByMessage(full<Cond>());
+  expectHeadChecksByMessage(Key{});
 }
 
 }  // namespace

@@ -30,19 +30,19 @@ TEST(DebugImages, TheImageOfAnIpc) {
                    .f10 = 0x10A,
                    .f11 = 0x10B,
                    .f12 = 0x10C};
-  EXPECT_EQ(shown(sent(record)),
-            shown(Layout()
-                      .u32(4, 0xFFFFFFD0)
-                      .u32(0x100, 0x101)
-                      .u16(0x102, 0x103)
-                      .u32(0x104, 0x105, 0x106, 0x107)
-                      .u16(0x108)
-                      .u32(0x109)
-                      .u16(0x10A, 0x10B)
-                      .u32(0x10C)
-                      .zeros(2)
-                      .u16(30, 46, 4, 8, 12, 14, 16, 20, 24, 28, 32, 34, 38, 40, 42)
-                      .zeros(6)));
+  EXPECT_EQ(hex(sent(record)),
+            hex(Layout()
+                    .u32(4, 0xFFFFFFD0)
+                    .u32(0x100, 0x101)
+                    .u16(0x102, 0x103)
+                    .u32(0x104, 0x105, 0x106, 0x107)
+                    .u16(0x108)
+                    .u32(0x109)
+                    .u16(0x10A, 0x10B)
+                    .u32(0x10C)
+                    .zeros(2)
+                    .u16(30, 46, 4, 8, 12, 14, 16, 20, 24, 28, 32, 34, 38, 40, 42)
+                    .zeros(6)));
   expectRoundTrip(record);
 }
 
@@ -60,17 +60,17 @@ TEST(DebugImages, TheImageOfDedata) {
                       .f10 = 0x10A,
                       .f11 = 0x10B,
                       .f12 = 0x10C};
-  EXPECT_EQ(shown(sent(record)),
-            shown(Layout()
-                      .u32(4, 0xFFFFFFD4)
-                      .u32(0x100, 0x101)
-                      .u16(0x102, 0x103, 0x104, 0x105, 0x106, 0x107)
-                      .u32(0x108, 0x109)
-                      .u16(0x10A)
-                      .u32(0x10B, 0x10C)
-                      .zeros(2)
-                      .u16(30, 42, 4, 8, 12, 14, 16, 18, 20, 22, 24, 28, 32, 34, 38)
-                      .zeros(2)));
+  EXPECT_EQ(hex(sent(record)),
+            hex(Layout()
+                    .u32(4, 0xFFFFFFD4)
+                    .u32(0x100, 0x101)
+                    .u16(0x102, 0x103, 0x104, 0x105, 0x106, 0x107)
+                    .u32(0x108, 0x109)
+                    .u16(0x10A)
+                    .u32(0x10B, 0x10C)
+                    .zeros(2)
+                    .u16(30, 42, 4, 8, 12, 14, 16, 18, 20, 22, 24, 28, 32, 34, 38)
+                    .zeros(2)));
   expectRoundTrip(record);
 }
 

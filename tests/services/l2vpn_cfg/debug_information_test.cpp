@@ -37,13 +37,13 @@ void expectLeft(const Unpacked<Record>& unpacked, const Record& expected) {
   EXPECT_TRUE(recorder().blocks.empty());
 }
 
-TEST(DebugInformation, AKeyOfZerosPacksTo20Bytes) {
+TEST(DebugInformation, KeyOfZerosPacksTo20Bytes) {
   const Buffer expected = Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12);
-  EXPECT_EQ(shown(compact(Key{})), shown(expected));
+  EXPECT_EQ(hex(compact(Key{})), hex(expected));
   EXPECT_EQ(expected.size(), 20U);
 }
 
-TEST(DebugInformation, AKeyWithAStringOfThreePacksTo39Bytes) {
+TEST(DebugInformation, KeyWithAStringOfThreePacksTo39Bytes) {
   const Buffer expected = Layout()
                               .u32(16)
                               .u16(12, 23, 4, 6, 8, 12)
@@ -53,31 +53,30 @@ TEST(DebugInformation, AKeyWithAStringOfThreePacksTo39Bytes) {
                               .u32(4)
                               .u32(3)
                               .text("abc");
-  EXPECT_EQ(shown(compact(key())), shown(expected));
+  EXPECT_EQ(hex(compact(key())), hex(expected));
   EXPECT_EQ(expected.size(), 39U);
   Key withoutF0 = key();
   withoutF0.f0 = 0;
   EXPECT_EQ(compact(withoutF0).size(), 37U);
 }
 
-TEST(DebugInformation, AStringOfLengthZeroCountsEightBytesThatAreNotWritten) {
+TEST(DebugInformation, StringOfLengthZeroCountsEightBytesThatAreNotWritten) {
   Key record{};
   record.f3 = abc;
   const Packed<Key> packed(record, 28);
   EXPECT_EQ(packed.result, 0U);
   EXPECT_EQ(packed.length, 28U);
-  EXPECT_EQ(shown(packed.buffer),
-            shown(Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12).fill(8, mark)));
+  EXPECT_EQ(hex(packed.buffer), hex(Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12).fill(8, mark)));
   expectRead(packed.buffer, Key{});
 }
 
-TEST(DebugInformation, ALengthWithoutAStringIsAbsent) {
+TEST(DebugInformation, LengthWithoutAStringIsAbsent) {
   Key record{};
   record.f3_len = 5;
   EXPECT_EQ(compact(record).size(), 20U);
 }
 
-TEST(DebugInformation, AKeysStringIsOneBlockUntilItsRelease) {
+TEST(DebugInformation, KeysStringIsOneBlockUntilItsRelease) {
   Unpacked<Key> unpacked(compact(key()));
   EXPECT_EQ(unpacked.record.f0, 0x1011);
   EXPECT_EQ(unpacked.record.f1, 0x2021);
@@ -94,7 +93,7 @@ TEST(DebugInformation, AKeysStringIsOneBlockUntilItsRelease) {
             Trace{"unpackFree null owner=12 caller=\"dbginfo_key_l2vpn_free_unpacked\""});
 }
 
-TEST(DebugInformation, AStringOfLengthZeroOnTheWireTakesNoBlock) {
+TEST(DebugInformation, StringOfLengthZeroOnTheWireTakesNoBlock) {
   Key expected = key();
   expected.f3_len = 0;
   expected.f3 = nullptr;
@@ -103,21 +102,21 @@ TEST(DebugInformation, AStringOfLengthZeroOnTheWireTakesNoBlock) {
 
 TEST(DebugInformation, ParametersOfZerosPackTo28Bytes) {
   const Buffer expected = Layout().u32(24).u16(20, 4).zeros(16).u32(20);
-  EXPECT_EQ(shown(compact(Para{})), shown(expected));
+  EXPECT_EQ(hex(compact(Para{})), hex(expected));
   EXPECT_EQ(expected.size(), 28U);
   const Para record{
       .f0 = 1, .f1 = 2, .f2 = 3, .f3 = 4, .f4 = 5, .f5 = 6, .f6 = 7, .f7_len = 3, .f7 = abc};
-  EXPECT_EQ(shown(compact(record)), shown(Layout()
-                                              .u32(24)
-                                              .u16(20, 39, 4, 6, 10, 14, 18, 22, 24, 28)
-                                              .u32(20)
-                                              .u16(1)
-                                              .u32(2, 3, 4, 5)
-                                              .u16(6)
-                                              .u32(7)
-                                              .u32(4)
-                                              .u32(3)
-                                              .text("abc")));
+  EXPECT_EQ(hex(compact(record)), hex(Layout()
+                                          .u32(24)
+                                          .u16(20, 39, 4, 6, 10, 14, 18, 22, 24, 28)
+                                          .u32(20)
+                                          .u16(1)
+                                          .u32(2, 3, 4, 5)
+                                          .u16(6)
+                                          .u32(7)
+                                          .u32(4)
+                                          .u32(3)
+                                          .text("abc")));
   Unpacked<Para> unpacked(compact(record));
   EXPECT_EQ(
       unpacked.trace,
@@ -127,20 +126,20 @@ TEST(DebugInformation, ParametersOfZerosPackTo28Bytes) {
 }
 
 TEST(DebugInformation, EndataKeepsItsStringsInSlotOrder) {
-  EXPECT_EQ(shown(compact(Endata{})), shown(Layout().u32(38).u16(34, 4).zeros(30).u32(34)));
-  EXPECT_EQ(shown(compact(endata())), shown(Layout()
-                                                .u32(38)
-                                                .u16(34, 36)
-                                                .u16(4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 12, 16)
-                                                .u32(34)
-                                                .u32(0x10)
-                                                .u32(12)  // over f13 and the other word
-                                                .u32(0x20)
-                                                .u32(11)  // over its own word and the first string
-                                                .u32(3)
-                                                .text("abc")
-                                                .u32(5)
-                                                .text("defgh")));
+  EXPECT_EQ(hex(compact(Endata{})), hex(Layout().u32(38).u16(34, 4).zeros(30).u32(34)));
+  EXPECT_EQ(hex(compact(endata())), hex(Layout()
+                                            .u32(38)
+                                            .u16(34, 36)
+                                            .u16(4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8, 12, 16)
+                                            .u32(34)
+                                            .u32(0x10)
+                                            .u32(12)  // over f13 and the other word
+                                            .u32(0x20)
+                                            .u32(11)  // over its own word and the first string
+                                            .u32(3)
+                                            .text("abc")
+                                            .u32(5)
+                                            .text("defgh")));
   EXPECT_EQ(compact(endata()).size(), 42U + 4 + 11 + 4 + 13);
 }
 
@@ -155,7 +154,7 @@ TEST(DebugInformation, EndataReleasesBothStrings) {
                    "unpackFree #2 owner=12 caller=\"dbginfo_endata_l2vpn_free_unpacked\""}));
 }
 
-TEST(DebugInformation, ARefusedAllocationReleasesEverythingAndKeepsLengths) {
+TEST(DebugInformation, RefusedAllocationReleasesEverythingAndKeepsLengths) {
   const Unpacked<Key> first(compact(key()), 1);
   EXPECT_EQ(
       first.trace,
@@ -195,7 +194,7 @@ TEST(DebugInformation, TheTableReadersRefusalHasSixteenBlanks) {
   expectLeft(unpacked, record);
 }
 
-TEST(DebugInformation, AFieldPastTheEndReleasesWhatWasAllocated) {
+TEST(DebugInformation, FieldPastTheEndReleasesWhatWasAllocated) {
   Endata expected = endata();
   expected.f12 = nullptr;
   expected.f14_len = 0;
@@ -209,7 +208,7 @@ TEST(DebugInformation, AFieldPastTheEndReleasesWhatWasAllocated) {
   expectLeft(cut, expected);
 }
 
-TEST(DebugInformation, PackingKeepsItsLimits) {
+TEST(DebugInformation, PackChecksRecordAndRoom) {
   expectPackLimits(Key{});
   expectPackLimits(key());
   expectPackLimits(Para{});
@@ -221,7 +220,7 @@ TEST(DebugInformation, PackingKeepsItsLimits) {
   expectPackLimits(full<Dedata>());
 }
 
-TEST(DebugInformation, ASizePast32BitsFails) {
+TEST(DebugInformation, SizePast32BitsFails) {
   Key longKey{};
   longKey.f3 = abc;
   longKey.f3_len = 0xFFFFFFFF - 28;
@@ -250,7 +249,7 @@ TEST(DebugInformation, ASizePast32BitsFails) {
   EXPECT_EQ(askForSize(longEndata, 0xFFFFFFFF).result, failure);
 }
 
-TEST(DebugInformation, UnpackingChecksItsParameters) {
+TEST(DebugInformation, UnpackChecksItsParameters) {
   expectUnpackParameters<Key>();
   expectUnpackParameters<Para>();
   expectUnpackParameters<Ipc>();
@@ -258,11 +257,11 @@ TEST(DebugInformation, UnpackingChecksItsParameters) {
   expectUnpackParameters<Dedata>();
 }
 
-TEST(DebugInformation, ABadFrameLeavesTheRecordAsItWasButParametersCleared) {
-  expectFrameChecksByMessage(key());
-  expectFrameChecksByMessage(full<Ipc>());
-  expectFrameChecksByMessage(endata());
-  expectFrameChecksByMessage(full<Dedata>());
+TEST(DebugInformation, BadHeadKeepsRecordsButClearsParameters) {
+  expectHeadChecksByMessage(key());
+  expectHeadChecksByMessage(full<Ipc>());
+  expectHeadChecksByMessage(endata());
+  expectHeadChecksByMessage(full<Dedata>());
   const Buffer good = compact(Para{
       .f0 = 1, .f1 = 2, .f2 = 3, .f3 = 4, .f4 = 5, .f5 = 6, .f6 = 7, .f7_len = 0, .f7 = nullptr});
   const Unpacked<Para> unpacked(withU32(good, 0, 2));
@@ -273,7 +272,7 @@ TEST(DebugInformation, ABadFrameLeavesTheRecordAsItWasButParametersCleared) {
                    "unpackFree null owner=12 caller=\"dbginfo_para_l2vpn_free_unpacked\""}));
 }
 
-TEST(DebugInformation, ReleasingNoRecordDoesNothing) {
+TEST(DebugInformation, ReleaseOfNullDoesNothing) {
   resetRecorder();
   of<Key>().freeUnpacked(nullptr);
   of<Para>().freeUnpacked(nullptr);

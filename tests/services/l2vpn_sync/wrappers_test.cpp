@@ -88,22 +88,22 @@ TEST_P(Wrappers, CompactCarriesTheRecordsMessageLessItsRoot) {
   const Buffer carried = packedBy(operations(base()), oracle::nested(wrapper[1]));
   // The offset word holds what the carried message's root would.
   EXPECT_EQ(
-      shown(firstBytes(whole, 22)),
-      shown(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x4001).append(firstBytes(carried, 4))));
-  EXPECT_EQ(shown(part(whole, 22, whole.size())), shown(part(carried, 4, carried.size())));
+      hex(firstBytes(whole, 22)),
+      hex(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x4001).append(firstBytes(carried, 4))));
+  EXPECT_EQ(hex(part(whole, 22, whole.size())), hex(part(carried, 4, carried.size())));
 }
 
 TEST_P(Wrappers, ImageCarriesTheRecordsImage) {
   const oracle::Value wrapper = filled(update());
   const uint32_t length = oracle::fixedLength(oracle::descriptionOf(base()));
   const Buffer whole = sentBy(operations(update()), wrapper);
-  EXPECT_EQ(shown(whole), shown(Layout()
-                                    .u32(4, 0U - (length + 8))
-                                    .u16(0x4001)
-                                    .append(sentBy(operations(base()), oracle::nested(wrapper[1])))
-                                    .zeros(2)
-                                    .u16(8, 6 + length, 4, 6)
-                                    .zeros(4)));
+  EXPECT_EQ(hex(whole), hex(Layout()
+                                .u32(4, 0U - (length + 8))
+                                .u16(0x4001)
+                                .append(sentBy(operations(base()), oracle::nested(wrapper[1])))
+                                .zeros(2)
+                                .u16(8, 6 + length, 4, 6)
+                                .zeros(4)));
 }
 
 TEST_P(Wrappers, NameThemselvesInTheirReports) {
@@ -140,7 +140,7 @@ TEST_P(Wrappers, NameThemselvesInTheirReports) {
   }
 }
 
-TEST_P(Wrappers, ADamagedRecordKeepsF0) {
+TEST_P(Wrappers, DamagedRecordKeepsF0) {
   const Buffer good = packedBy(operations(deletion()), filled(deletion()));
   const auto size = static_cast<uint32_t>(good.size());
   const uint32_t table = 18 + good[18];
@@ -167,19 +167,19 @@ INSTANTIATE_TEST_SUITE_P(All, Wrappers, testing::ValuesIn(wrappedRecords()),
 TEST(Wrapper, OfAnExpOfZerosPacksTo42Bytes) {
   const Buffer expected =
       Layout().u32(12).u16(8, 8, 0, 4).u32(8).u32(22).u16(18, 4).zeros(14).u32(18);
-  EXPECT_EQ(shown(compact(l2vpn_sync_vllexp_update{})), shown(expected));
+  EXPECT_EQ(hex(compact(l2vpn_sync_vllexp_update{})), hex(expected));
   EXPECT_EQ(expected.size(), 42U);
 }
 
 TEST(Wrapper, OfAnAcTakes96BytesAnd98WithF0) {
   AcUpdate record{};
   EXPECT_EQ(compact(record).size(), 96U);
-  EXPECT_EQ(shown(firstBytes(compact(record), 20)),
-            shown(Layout().u32(12).u16(8, 8, 0, 4).u32(8).u32(36)));
+  EXPECT_EQ(hex(firstBytes(compact(record), 20)),
+            hex(Layout().u32(12).u16(8, 8, 0, 4).u32(8).u32(36)));
   record.f0 = 0x0102;
   EXPECT_EQ(compact(record).size(), 98U);
-  EXPECT_EQ(shown(firstBytes(compact(record), 22)),
-            shown(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x0102).u32(36)));
+  EXPECT_EQ(hex(firstBytes(compact(record), 22)),
+            hex(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x0102).u32(36)));
   expectRoundTrip(record);
 }
 
@@ -187,24 +187,24 @@ TEST(Wrapper, OfAnAcIsSentAs136Bytes) {
   expectSentFixed<AcUpdate>();
   expectSentFixed<AcDelete>();
   const Buffer image = sent(full<AcUpdate>());
-  EXPECT_EQ(shown(firstBytes(image, 8)), shown(Layout().u32(4, 0xFFFFFF88)));
-  EXPECT_EQ(shown(part(image, 122, 136)), shown(Layout().zeros(2).u16(8, 118, 4, 6).zeros(4)));
+  EXPECT_EQ(hex(firstBytes(image, 8)), hex(Layout().u32(4, 0xFFFFFF88)));
+  EXPECT_EQ(hex(part(image, 122, 136)), hex(Layout().zeros(2).u16(8, 118, 4, 6).zeros(4)));
 }
 
 TEST(Wrapper, OfAVplsAcIsSentAs120Bytes) {
   expectSentFixed<l2vpn_sync_vpls_ac_update>();
   expectSentFixed<l2vpn_sync_vpls_ac_delete>();
   const Buffer image = sent(full<l2vpn_sync_vpls_ac_update>());
-  EXPECT_EQ(shown(firstBytes(image, 18)),
-            shown(Layout().u32(4, 0xFFFFFF98).u16(0x4001).u32(4, 0xFFFFFFBC)));
-  EXPECT_EQ(shown(part(image, 106, 120)), shown(Layout().zeros(2).u16(8, 102, 4, 6).zeros(4)));
+  EXPECT_EQ(hex(firstBytes(image, 18)),
+            hex(Layout().u32(4, 0xFFFFFF98).u16(0x4001).u32(4, 0xFFFFFFBC)));
+  EXPECT_EQ(hex(part(image, 106, 120)), hex(Layout().zeros(2).u16(8, 102, 4, 6).zeros(4)));
 }
 
 TEST(Wrapper, OfAVlanIsSentAs64BytesWhateverItsValues) {
   expectSentFixed<l2vpn_sync_ifvlan_update>();
 }
 
-TEST(Wrapper, AVtableWithOnlySlot0ReadsF0) {
+TEST(Wrapper, VtableWithOnlySlot0ReadsF0) {
   AcUpdate expected{};
   expected.f0 = 0x4001;
   const Buffer good = compact(full<AcUpdate>());
@@ -214,13 +214,13 @@ TEST(Wrapper, AVtableWithOnlySlot0ReadsF0) {
   expectRead(withU16(good, 4, 4), AcUpdate{});
 }
 
-TEST(Wrapper, ABadFrameIsLoggedAndLeavesTheRecordAsItWas) {
-  expectFrameChecksByMessage(full<AcUpdate>());
-  expectFrameChecksByMessage(full<AcDelete>());
-  expectFrameChecksByMessage(full<l2vpn_sync_stp_update>());
+TEST(Wrapper, BadHeadIsLoggedAndKeepsTheRecord) {
+  expectHeadChecksByMessage(full<AcUpdate>());
+  expectHeadChecksByMessage(full<AcDelete>());
+  expectHeadChecksByMessage(full<l2vpn_sync_stp_update>());
 }
 
-TEST(Wrapper, OfABadRootKeepsTheRecordWhereTheRecordsOwnMessageClearsIt) {
+TEST(Wrapper, KeepsTheRecordOnABadRoot) {
   const Unpacked<AcUpdate> wrapper(withU32(compact(full<AcUpdate>()), 0, 2));
   EXPECT_EQ(bytesOf(wrapper.record), marks(56));
   EXPECT_EQ(wrapper.trace, Trace{reported("l2vpn_sync_vll_ac_update_unpack",
@@ -231,7 +231,7 @@ TEST(Wrapper, OfABadRootKeepsTheRecordWhereTheRecordsOwnMessageClearsIt) {
                                          "Table offset(2) is out of range(4 - 107)")});
 }
 
-TEST(Wrapper, ARecordThatIsAbsentOrPastTheEndIsZeroWithoutALog) {
+TEST(Wrapper, RecordThatIsAbsentOrPastTheEndIsZeroWithoutALog) {
   AcUpdate expected{};
   expected.f0 = 0x4001;
   const Buffer good = compact(full<AcUpdate>());
@@ -242,7 +242,7 @@ TEST(Wrapper, ARecordThatIsAbsentOrPastTheEndIsZeroWithoutALog) {
   expectRead(withU32(good, 18, 0xFFFFFFFF), expected);  // the target wraps
 }
 
-TEST(Wrapper, ARecordOutsideTheBufferIsLoggedByTheRecordsReader) {
+TEST(Wrapper, RecordOutsideTheBufferIsLoggedByTheRecordsReader) {
   AcUpdate expected{};
   expected.f0 = 0x4001;
   const Unpacked<AcUpdate> unpacked(withU32(compact(full<AcUpdate>()), 18, 200));
@@ -251,11 +251,11 @@ TEST(Wrapper, ARecordOutsideTheBufferIsLoggedByTheRecordsReader) {
                                            "Table offset(218) is out of range(4 - 125)")});
 }
 
-TEST(Wrapper, F0PastTheEndEndsTheReading) {
+TEST(Wrapper, StopsAtF0PastTheEnd) {
   expectRead(withU16(compact(full<AcUpdate>()), 8, 125 - 12 - 1), AcUpdate{});
 }
 
-TEST(Wrapper, ARecordDamagedPartWayKeepsWhatWasReadBefore) {
+TEST(Wrapper, RecordDamagedPartWayKeepsWhatWasReadBefore) {
   const Buffer good = compact(full<AcUpdate>());
   // The record's first array: its offset word is at 85, its length word 8 bytes on.
   ASSERT_EQ(good[93], 12);
@@ -264,21 +264,21 @@ TEST(Wrapper, ARecordDamagedPartWayKeepsWhatWasReadBefore) {
   expectRead(firstBytes(good, 124), upTo(4 + offsetof(l2vpn_sync_vll_ac, f13), record));
 }
 
-TEST(Wrapper, PackingKeepsItsLimits) {
+TEST(Wrapper, PackChecksRecordAndRoom) {
   expectPackLimits(AcUpdate{});
   expectPackLimits(full<AcUpdate>());
   expectPackLimits(AcDelete{});
   expectPackLimits(full<AcDelete>());
 }
 
-TEST(Wrapper, BothArrangementsAreReadBack) {
+TEST(Wrapper, ReadsBackBothArrangements) {
   expectRoundTrip(full<AcUpdate>());
   expectRoundTrip(full<AcDelete>());
   expectRoundTrip(full<l2vpn_sync_vpls_macping_delete>());
   expectRoundTrip(full<l2vpn_sync_oam_staticmac_update>());
 }
 
-TEST(Wrapper, ReleasingDoesNothing) {
+TEST(Wrapper, ReleaseDoesNothing) {
   expectNothingToRelease<AcUpdate>();
   expectNothingToRelease<AcDelete>();
 }

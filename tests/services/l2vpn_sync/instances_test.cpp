@@ -23,25 +23,25 @@ Layout instanceOfZeros() {
       .zeros(24);
 }
 
-TEST(Instances, AnInstanceOfZerosPacksTo102Bytes) {
-  EXPECT_EQ(shown(compact(Inst{})), shown(instanceOfZeros()));
-  EXPECT_EQ(shown(compact(Info{})), shown(instanceOfZeros()));
+TEST(Instances, InstanceOfZerosPacksTo102Bytes) {
+  EXPECT_EQ(hex(compact(Inst{})), hex(instanceOfZeros()));
+  EXPECT_EQ(hex(compact(Info{})), hex(instanceOfZeros()));
   EXPECT_EQ(compact(Inst{}).size(), 102U);
 }
 
-TEST(Instances, AnExpOfZerosPacksTo26Bytes) {
+TEST(Instances, ExpOfZerosPacksTo26Bytes) {
   const Buffer expected = Layout().u32(22).u16(18, 4).u16(0, 0, 0, 0, 0, 0, 0).u32(18);
-  EXPECT_EQ(shown(compact(Exp{})), shown(expected));
+  EXPECT_EQ(hex(compact(Exp{})), hex(expected));
   EXPECT_EQ(expected.size(), 26U);
 }
 
-TEST(Instances, EveryScalarMakesTheLargestMessage) {
+TEST(Instances, AllScalarsPackToTheLargestSize) {
   EXPECT_EQ(compact(full<Inst>()).size(), 126U);
   EXPECT_EQ(compact(full<Info>()).size(), 126U);
   EXPECT_EQ(compact(full<Exp>()).size(), 42U);
 }
 
-TEST(Instances, EachRecordIsSentInItsOwnLength) {
+TEST(Instances, SendsEachRecordInItsFixedLength) {
   expectSentFixed<Inst>();
   expectSentFixed<Info>();
   expectSentFixed<Exp>();
@@ -62,17 +62,17 @@ TEST(Instances, TheImageOfAnExpIs42BytesAndZeros) {
                            .u16(18, 20)
                            .u16(4, 8, 12, 16, 17, 18, 19)
                            .zeros(6);
-  EXPECT_EQ(shown(sent(record)), shown(image));
+  EXPECT_EQ(hex(sent(record)), hex(image));
 }
 
 TEST(Instances, TheImageOfAnInstanceIs126BytesAndZeros) {
   const Buffer image = sent(full<Inst>());
-  EXPECT_EQ(shown(Buffer(image.begin() + 96, image.end())),
-            shown(Layout().u16(30, 92, 4, 8, 12, 16, 17, 18, 20, 21, 22, 23, 24, 28, 60).zeros(2)));
-  EXPECT_EQ(shown(sent(full<Info>())), shown(image));
+  EXPECT_EQ(hex(Buffer(image.begin() + 96, image.end())),
+            hex(Layout().u16(30, 92, 4, 8, 12, 16, 17, 18, 20, 21, 22, 23, 24, 28, 60).zeros(2)));
+  EXPECT_EQ(hex(sent(full<Info>())), hex(image));
 }
 
-TEST(Instances, BothArrangementsAreReadBack) {
+TEST(Instances, ReadsBackBothArrangements) {
   expectRoundTrip(Inst{});
   expectRoundTrip(full<Inst>());
   expectRoundTrip(Info{});
@@ -81,14 +81,14 @@ TEST(Instances, BothArrangementsAreReadBack) {
   expectRoundTrip(full<Exp>());
 }
 
-TEST(Instances, AnInstanceIsReadAsInstanceInformation) {
+TEST(Instances, InstanceIsReadAsInstanceInformation) {
   const auto inst = full<Inst>();
   const Unpacked<Info> info(compact(inst));
   EXPECT_EQ(bytesOf(info.record), bytesOf(inst));
   EXPECT_NE(of<Inst>().id(), of<Info>().id());
 }
 
-TEST(Instances, AVtableOf16BytesLeavesF6OfAnExpZero) {
+TEST(Instances, VtableOf16BytesLeavesF6OfAnExpZero) {
   expectVtableOf<Exp>(16, offsetof(Exp, f6));
   expectVtableOf<Exp>(17, offsetof(Exp, f6));
   expectVtableOf<Exp>(4, 0);
@@ -96,20 +96,20 @@ TEST(Instances, AVtableOf16BytesLeavesF6OfAnExpZero) {
   expectVtableOf<Inst>(28, offsetof(Inst, f12));
 }
 
-TEST(Instances, AnArrayOfAnotherLengthEndsTheReading) {
+TEST(Instances, StopsAtAnArrayOfAnotherLength) {
   expectArrayLengthChecked<Inst>(70, 24, offsetof(Inst, f11));
   expectArrayLengthChecked<Inst>(98, 24, offsetof(Inst, f12));
   expectArrayLengthChecked<Info>(70, 24, offsetof(Info, f11));
   expectArrayLengthChecked<Info>(98, 24, offsetof(Info, f12));
 }
 
-TEST(Instances, AScalarPastTheEndEndsTheReading) {
+TEST(Instances, StopsAtAScalarPastTheEnd) {
   const Buffer good = compact(full<Exp>());
   expectRead(withU16(good, 8 + 2 * 6, 42 - 22), upTo(offsetof(Exp, f6), full<Exp>()));
   expectRead(withU16(good, 8 + 2 * 2, 42 - 22 - 3), upTo(offsetof(Exp, f2), full<Exp>()));
 }
 
-TEST(Instances, PackingKeepsItsLimits) {
+TEST(Instances, PackChecksRecordAndRoom) {
   expectPackLimits(Inst{});
   expectPackLimits(full<Inst>());
   expectPackLimits(Info{});
@@ -118,19 +118,19 @@ TEST(Instances, PackingKeepsItsLimits) {
   expectPackLimits(full<Exp>());
 }
 
-TEST(Instances, UnpackingChecksItsParameters) {
+TEST(Instances, UnpackChecksItsParameters) {
   expectUnpackParameters<Inst>();
   expectUnpackParameters<Info>();
   expectUnpackParameters<Exp>();
 }
 
-TEST(Instances, ABadFrameIsLoggedAndLeavesAClearedRecord) {
-  expectFrameChecksByTableReader(full<Inst>());
-  expectFrameChecksByTableReader(full<Info>());
-  expectFrameChecksByTableReader(full<Exp>());
+TEST(Instances, BadHeadIsLoggedAndClearsTheRecord) {
+  expectHeadChecksByTableReader(full<Inst>());
+  expectHeadChecksByTableReader(full<Info>());
+  expectHeadChecksByTableReader(full<Exp>());
 }
 
-TEST(Instances, ReleasingDoesNothing) {
+TEST(Instances, ReleaseDoesNothing) {
   expectNothingToRelease<Inst>();
   expectNothingToRelease<Info>();
   expectNothingToRelease<Exp>();

@@ -12,22 +12,22 @@ using Global = l2vpn_sync_glb_en;
 using Vlan = l2vpn_sync_ifvlan;
 using Stp = l2vpn_sync_stp;
 
-TEST(GlobalAndStp, AnStpOfZerosPacksTo20Bytes) {
+TEST(GlobalAndStp, StpOfZerosPacksTo20Bytes) {
   const Buffer expected = Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12);
-  EXPECT_EQ(shown(compact(Stp{})), shown(expected));
+  EXPECT_EQ(hex(compact(Stp{})), hex(expected));
   EXPECT_EQ(expected.size(), 20U);
 }
 
-TEST(GlobalAndStp, AnStpWithOnlyF3PacksTo24Bytes) {
+TEST(GlobalAndStp, StpWithOnlyF3PacksTo24Bytes) {
   Stp record{};
   record.f3 = 7;
   const Buffer expected = Layout().u32(16).u16(12, 8, 0, 0, 0, 4).u32(12, 7);
-  EXPECT_EQ(shown(compact(record)), shown(expected));
+  EXPECT_EQ(hex(compact(record)), hex(expected));
   EXPECT_EQ(expected.size(), 24U);
   expectRead(expected, record);
 }
 
-TEST(GlobalAndStp, AGlobalOfZerosPacksTo94BytesAndBack) {
+TEST(GlobalAndStp, GlobalOfZerosPacksTo94BytesAndBack) {
   const Buffer expected = Layout()
                               .u32(18)
                               .u16(14, 76, 0, 0, 0, 4, 8)
@@ -37,22 +37,22 @@ TEST(GlobalAndStp, AGlobalOfZerosPacksTo94BytesAndBack) {
                               .zeros(28)
                               .u32(28)
                               .zeros(28);
-  EXPECT_EQ(shown(compact(Global{})), shown(expected));
+  EXPECT_EQ(hex(compact(Global{})), hex(expected));
   EXPECT_EQ(expected.size(), 94U);
   expectRead(expected, Global{});
 }
 
-TEST(GlobalAndStp, AVlanOfZerosPacksTo24Bytes) {
-  EXPECT_EQ(shown(compact(Vlan{})), shown(Layout().u32(20).u16(16, 4).zeros(12).u32(16)));
+TEST(GlobalAndStp, VlanOfZerosPacksTo24Bytes) {
+  EXPECT_EQ(hex(compact(Vlan{})), hex(Layout().u32(20).u16(16, 4).zeros(12).u32(16)));
 }
 
-TEST(GlobalAndStp, EveryScalarMakesTheLargestMessage) {
+TEST(GlobalAndStp, AllScalarsPackToTheLargestSize) {
   EXPECT_EQ(compact(full<Global>()).size(), 106U);
   EXPECT_EQ(compact(full<Vlan>()).size(), 40U);  // 24 and three of 4, one of 2, two of 1
   EXPECT_EQ(compact(full<Stp>()).size(), 36U);
 }
 
-TEST(GlobalAndStp, EachRecordIsSentInItsOwnLength) {
+TEST(GlobalAndStp, SendsEachRecordInItsFixedLength) {
   expectSentFixed<Global>();
   expectSentFixed<Vlan>();
   expectSentFixed<Stp>();
@@ -60,24 +60,24 @@ TEST(GlobalAndStp, EachRecordIsSentInItsOwnLength) {
 
 TEST(GlobalAndStp, Images) {
   const Stp stp{.f0 = 0x10111213, .f1 = 0x20212223, .f2 = 0x30313233, .f3 = 0x40414243};
-  EXPECT_EQ(shown(sent(stp)), shown(Layout()
-                                        .u32(4, 0xFFFFFFEC)
-                                        .u32(0x10111213, 0x20212223, 0x30313233, 0x40414243)
-                                        .u16(12, 20, 4, 8, 12, 16)
-                                        .zeros(4)));
+  EXPECT_EQ(hex(sent(stp)), hex(Layout()
+                                    .u32(4, 0xFFFFFFEC)
+                                    .u32(0x10111213, 0x20212223, 0x30313233, 0x40414243)
+                                    .u16(12, 20, 4, 8, 12, 16)
+                                    .zeros(4)));
   const Vlan vlan{.f0 = 1, .f1 = 2, .f2 = 3, .f3 = 4, .f4 = 5, .f5 = 0x0607};
-  EXPECT_EQ(shown(sent(vlan)), shown(Layout()
-                                         .u32(4, 0xFFFFFFEC)
-                                         .u32(1, 2, 3)
-                                         .u8(4, 5)
-                                         .u16(0x0607)
-                                         .u16(16, 20, 4, 8, 12, 16, 17, 18)));
+  EXPECT_EQ(hex(sent(vlan)), hex(Layout()
+                                     .u32(4, 0xFFFFFFEC)
+                                     .u32(1, 2, 3)
+                                     .u8(4, 5)
+                                     .u16(0x0607)
+                                     .u16(16, 20, 4, 8, 12, 16, 17, 18)));
   const Buffer global = sent(full<Global>());
-  EXPECT_EQ(shown(Buffer(global.begin() + 92, global.end())),
-            shown(Layout().u16(14, 88, 4, 8, 12, 16, 52).zeros(6)));
+  EXPECT_EQ(hex(Buffer(global.begin() + 92, global.end())),
+            hex(Layout().u16(14, 88, 4, 8, 12, 16, 52).zeros(6)));
 }
 
-TEST(GlobalAndStp, BothArrangementsAreReadBack) {
+TEST(GlobalAndStp, ReadsBackBothArrangements) {
   expectRoundTrip(Global{});
   expectRoundTrip(full<Global>());
   expectRoundTrip(Vlan{});
@@ -86,19 +86,19 @@ TEST(GlobalAndStp, BothArrangementsAreReadBack) {
   expectRoundTrip(full<Stp>());
 }
 
-TEST(GlobalAndStp, AVtableOf14BytesLeavesF5OfAVlanZero) {
+TEST(GlobalAndStp, VtableOf14BytesLeavesF5OfAVlanZero) {
   expectVtableOf<Vlan>(14, offsetof(Vlan, f5));
   expectVtableOf<Stp>(10, offsetof(Stp, f3));
   expectVtableOf<Global>(12, offsetof(Global, f4));
   expectVtableOf<Global>(4, 0);
 }
 
-TEST(GlobalAndStp, AnArrayOfAnotherLengthEndsTheReading) {
+TEST(GlobalAndStp, StopsAtAnArrayOfAnotherLength) {
   expectArrayLengthChecked<Global>(42, 28, offsetof(Global, f3));
   expectArrayLengthChecked<Global>(74, 28, offsetof(Global, f4));
 }
 
-TEST(GlobalAndStp, AFieldPastTheEndEndsTheReadingSilently) {
+TEST(GlobalAndStp, StopsSilentlyAtAFieldPastTheEnd) {
   expectRead(firstBytes(compact(full<Stp>()), 35), upTo(offsetof(Stp, f3), full<Stp>()));
   expectRead(firstBytes(compact(full<Vlan>()), 39), upTo(offsetof(Vlan, f5), full<Vlan>()));
 }
@@ -135,7 +135,7 @@ TEST(GlobalAndStp, TheTableReadersOfGlobalAndStpCheckTheirOwnParameters) {
   EXPECT_FALSE(mesh::wire::schemaOf<Vlan>.style.checksParameters);
 }
 
-TEST(GlobalAndStp, PackingKeepsItsLimits) {
+TEST(GlobalAndStp, PackChecksRecordAndRoom) {
   expectPackLimits(Global{});
   expectPackLimits(full<Global>());
   expectPackLimits(Vlan{});
@@ -144,19 +144,19 @@ TEST(GlobalAndStp, PackingKeepsItsLimits) {
   expectPackLimits(full<Stp>());
 }
 
-TEST(GlobalAndStp, UnpackingChecksItsParameters) {
+TEST(GlobalAndStp, UnpackChecksItsParameters) {
   expectUnpackParameters<Global>();
   expectUnpackParameters<Vlan>();
   expectUnpackParameters<Stp>();
 }
 
-TEST(GlobalAndStp, ABadFrameIsLoggedAndLeavesAClearedRecord) {
-  expectFrameChecksByTableReader(full<Global>());
-  expectFrameChecksByTableReader(full<Vlan>());
-  expectFrameChecksByTableReader(full<Stp>());
+TEST(GlobalAndStp, BadHeadIsLoggedAndClearsTheRecord) {
+  expectHeadChecksByTableReader(full<Global>());
+  expectHeadChecksByTableReader(full<Vlan>());
+  expectHeadChecksByTableReader(full<Stp>());
 }
 
-TEST(GlobalAndStp, ReleasingDoesNothing) {
+TEST(GlobalAndStp, ReleaseDoesNothing) {
   expectNothingToRelease<Global>();
   expectNothingToRelease<Vlan>();
   expectNothingToRelease<Stp>();

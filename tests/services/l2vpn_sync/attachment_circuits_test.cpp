@@ -10,7 +10,7 @@ using Ac = l2vpn_sync_vpls_ac;
 using AcSub = l2vpn_sync_vpls_ac_sub;
 using AcShare = l2vpn_sync_vpls_ac_share;
 
-TEST(AttachmentCircuits, AnAcOfZerosPacksTo72Bytes) {
+TEST(AttachmentCircuits, AcOfZerosPacksTo72Bytes) {
   const Buffer expected = Layout()
                               .u32(28)
                               .u16(24, 44)
@@ -21,11 +21,11 @@ TEST(AttachmentCircuits, AnAcOfZerosPacksTo72Bytes) {
                               .zeros(12)
                               .u32(12)
                               .zeros(12);
-  EXPECT_EQ(shown(compact(Ac{})), shown(expected));
+  EXPECT_EQ(hex(compact(Ac{})), hex(expected));
   EXPECT_EQ(expected.size(), 72U);
 }
 
-TEST(AttachmentCircuits, AnAcWithEveryScalarPacksTo93Bytes) {
+TEST(AttachmentCircuits, AcWithEveryScalarPacksTo93Bytes) {
   Ac record{.f0 = 0x10111213,
             .f1 = 0x20212223,
             .f2 = 0x30313233,
@@ -52,7 +52,7 @@ TEST(AttachmentCircuits, AnAcWithEveryScalarPacksTo93Bytes) {
                               .fill(12, 0x90)
                               .u32(12)
                               .fill(12, 0xA0);
-  EXPECT_EQ(shown(compact(record)), shown(expected));
+  EXPECT_EQ(hex(compact(record)), hex(expected));
   EXPECT_EQ(expected.size(), 93U);
 
   const Buffer image = Layout()
@@ -68,7 +68,7 @@ TEST(AttachmentCircuits, AnAcWithEveryScalarPacksTo93Bytes) {
                            .zeros(3)
                            .u16(24, 65)
                            .u16(4, 8, 12, 16, 20, 21, 22, 24, 25, 45);
-  EXPECT_EQ(shown(sent(record)), shown(image));
+  EXPECT_EQ(hex(sent(record)), hex(image));
 }
 
 TEST(AttachmentCircuits, CompactLengthsRunFromNoScalarToEveryScalar) {
@@ -78,13 +78,13 @@ TEST(AttachmentCircuits, CompactLengthsRunFromNoScalarToEveryScalar) {
   EXPECT_EQ(compact(full<AcShare>()).size(), 116U);
 }
 
-TEST(AttachmentCircuits, EachRecordIsSentInItsOwnLength) {
+TEST(AttachmentCircuits, SendsEachRecordInItsFixedLength) {
   expectSentFixed<Ac>();
   expectSentFixed<AcSub>();
   expectSentFixed<AcShare>();
 }
 
-TEST(AttachmentCircuits, ImagesEndInTheirVtablesAndZeros) {
+TEST(AttachmentCircuits, ImagesEndWithVtableAndPadding) {
   const Buffer sub = sent(full<AcSub>());
   EXPECT_EQ(Buffer(sub.begin() + 96, sub.end()),
             Buffer(Layout()
@@ -98,7 +98,7 @@ TEST(AttachmentCircuits, ImagesEndInTheirVtablesAndZeros) {
                        .zeros(4)));
 }
 
-TEST(AttachmentCircuits, BothArrangementsAreReadBack) {
+TEST(AttachmentCircuits, ReadsBackBothArrangements) {
   expectRoundTrip(Ac{});
   expectRoundTrip(full<Ac>());
   expectRoundTrip(AcSub{});
@@ -107,19 +107,19 @@ TEST(AttachmentCircuits, BothArrangementsAreReadBack) {
   expectRoundTrip(full<AcShare>());
 }
 
-TEST(AttachmentCircuits, AVtableWithoutSlotsReadsAsZeros) {
+TEST(AttachmentCircuits, ReadsAVtableWithoutSlotsAsZeros) {
   expectVtableOf<Ac>(4, 0);
   expectVtableOf<AcSub>(4, 0);
   expectVtableOf<AcShare>(4, 0);
 }
 
-TEST(AttachmentCircuits, AVtableOf22BytesLeavesF9OfAnAcZero) {
+TEST(AttachmentCircuits, VtableOf22BytesLeavesF9OfAnAcZero) {
   expectVtableOf<Ac>(22, offsetof(Ac, f9));
   expectVtableOf<Ac>(23, offsetof(Ac, f9));
   expectVtableOf<Ac>(21, offsetof(Ac, f8));
 }
 
-TEST(AttachmentCircuits, AnArrayOfAnotherLengthEndsTheReading) {
+TEST(AttachmentCircuits, StopsAtAnArrayOfAnotherLength) {
   expectArrayLengthChecked<Ac>(61, 12, offsetof(Ac, f8));
   expectArrayLengthChecked<Ac>(77, 12, offsetof(Ac, f9));
   expectArrayLengthChecked<AcSub>(116, 12, offsetof(AcSub, f22));
@@ -128,7 +128,7 @@ TEST(AttachmentCircuits, AnArrayOfAnotherLengthEndsTheReading) {
   expectArrayLengthChecked<AcShare>(100, 12, offsetof(AcShare, f15));
 }
 
-TEST(AttachmentCircuits, AScalarPastTheEndEndsTheReading) {
+TEST(AttachmentCircuits, StopsAtAScalarPastTheEnd) {
   const Buffer good = compact(full<Ac>());
   expectRead(withU16(good, 8 + 2 * 6, 93 - 28 - 2), [] {
     Ac record = full<Ac>();
@@ -139,7 +139,7 @@ TEST(AttachmentCircuits, AScalarPastTheEndEndsTheReading) {
   expectRead(withU16(good, 8, 93 - 28 - 3), Ac{});
 }
 
-TEST(AttachmentCircuits, AnArrayPastTheEndEndsTheReading) {
+TEST(AttachmentCircuits, StopsAtAnArrayPastTheEnd) {
   const Buffer good = compact(full<Ac>());
   const Ac beforeArrays = upTo(offsetof(Ac, f8), full<Ac>());
   expectRead(withU16(good, 24, 93 - 28 - 3), beforeArrays);  // the offset word
@@ -149,7 +149,7 @@ TEST(AttachmentCircuits, AnArrayPastTheEndEndsTheReading) {
   expectRead(firstBytes(good, 92), upTo(offsetof(Ac, f9), full<Ac>()));
 }
 
-TEST(AttachmentCircuits, PackingKeepsItsLimits) {
+TEST(AttachmentCircuits, PackChecksRecordAndRoom) {
   expectPackLimits(Ac{});
   expectPackLimits(full<Ac>());
   expectPackLimits(AcSub{});
@@ -158,19 +158,19 @@ TEST(AttachmentCircuits, PackingKeepsItsLimits) {
   expectPackLimits(full<AcShare>());
 }
 
-TEST(AttachmentCircuits, UnpackingChecksItsParameters) {
+TEST(AttachmentCircuits, UnpackChecksItsParameters) {
   expectUnpackParameters<Ac>();
   expectUnpackParameters<AcSub>();
   expectUnpackParameters<AcShare>();
 }
 
-TEST(AttachmentCircuits, ABadFrameIsLoggedAndLeavesAClearedRecord) {
-  expectFrameChecksByTableReader(full<Ac>());
-  expectFrameChecksByTableReader(full<AcSub>());
-  expectFrameChecksByTableReader(full<AcShare>());
+TEST(AttachmentCircuits, BadHeadIsLoggedAndClearsTheRecord) {
+  expectHeadChecksByTableReader(full<Ac>());
+  expectHeadChecksByTableReader(full<AcSub>());
+  expectHeadChecksByTableReader(full<AcShare>());
 }
 
-TEST(AttachmentCircuits, ReleasingDoesNothing) {
+TEST(AttachmentCircuits, ReleaseDoesNothing) {
   expectNothingToRelease<Ac>();
   expectNothingToRelease<AcSub>();
   expectNothingToRelease<AcShare>();

@@ -76,7 +76,7 @@ TEST(QueryItem, ImageIs16632Bytes) {
   EXPECT_EQ(sent(*std::make_unique<Item>()).size(), 16632U);
 }
 
-TEST(QueryItem, ASingleOneIsSentFromTheHostsMemory) {
+TEST(QueryItem, SingleOneIsSentFromTheHostsMemory) {
   const Trace expected{
       "memAlloc size=16632 owner=25088 caller=\"l2vpn_cfg_query_dfx_item__sendsingle\" -> #1",
       "MESH_SendMsg destination=7 count=1",
@@ -106,7 +106,7 @@ TEST(QueryItem, IsReadBackFromBothArrangements) {
   expectUnpackParameters<Item>();
 }
 
-TEST(QueryItem, AnArrayOfAnotherLengthEndsTheReading) {
+TEST(QueryItem, StopsAtAnArrayOfAnotherLength) {
   const auto record = item(0x10111213);
   const Buffer good = compact(*record);
   const auto lengthWord = [&](size_t position, size_t offset) {
@@ -121,7 +121,7 @@ TEST(QueryItem, AnArrayOfAnotherLengthEndsTheReading) {
   lengthWord(238, offsetof(Item, f4));
 }
 
-TEST(QueryItem, ReleasingDoesNothing) {
+TEST(QueryItem, ReleaseDoesNothing) {
   const auto record = item(1);
   resetRecorder();
   of<Item>().freeUnpacked(record.get());
@@ -129,7 +129,7 @@ TEST(QueryItem, ReleasingDoesNothing) {
   EXPECT_EQ(takeTrace(), Trace{});
 }
 
-TEST(QueryItem, ABadFrameLeavesTheRecordAsItWas) {
+TEST(QueryItem, BadHeadKeepsTheRecord) {
   const auto unpacked = std::make_unique<Unpacked<Item>>(withU32(compact(*item(1)), 0, 2));
   EXPECT_EQ(bytesOf(unpacked->record), marks(16572));
   EXPECT_EQ(unpacked->trace, Trace{reported("l2vpn_cfg_query_dfx_item_unpack",

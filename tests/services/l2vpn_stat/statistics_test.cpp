@@ -37,7 +37,7 @@ TEST(Statistics, ZerosPackTo49BytesWithOnlyF3Present) {
                               .u32(4)
                               .u32(3)
                               .zeros(3);
-  EXPECT_EQ(shown(compact(PwStat{})), shown(expected));
+  EXPECT_EQ(hex(compact(PwStat{})), hex(expected));
   EXPECT_EQ(expected.size(), 49U);
 }
 
@@ -54,7 +54,7 @@ TEST(Statistics, EveryFieldPacksWithF3BehindTheScalars) {
                               .u32(4)
                               .u32(3)
                               .u8(0xA1, 0xA2, 0xA3);
-  EXPECT_EQ(shown(compact(sample)), shown(expected));
+  EXPECT_EQ(hex(compact(sample)), hex(expected));
   // 49, three of 4, one of 1 and eight counters of 8.
   EXPECT_EQ(expected.size(), 126U);
 }
@@ -87,12 +87,12 @@ TEST(Statistics, TheImageIs128Bytes) {
                            .u16(30, 92)
                            .u16(4, 8, 12, 13, 24, 28, 36, 44, 52, 60, 68, 76, 84)
                            .zeros(2);
-  EXPECT_EQ(shown(sent(sample)), shown(image));
+  EXPECT_EQ(hex(sent(sample)), hex(image));
   EXPECT_EQ(image.size(), 128U);
   EXPECT_EQ(sent(PwStat{}).size(), 128U);
 }
 
-TEST(Statistics, ASingleRecordTakesNoAllocationABatch144BytesARecord) {
+TEST(Statistics, SingleTakesNoAllocationBatch144BytesARecord) {
   expectSentFixed<PwStat>();
   const PwStat records[3] = {};
   resetRecorder();
@@ -101,12 +101,12 @@ TEST(Statistics, ASingleRecordTakesNoAllocationABatch144BytesARecord) {
             "memAlloc size=432 owner=25088 caller=\"l2vpn_stat_pw_stat__sendbatch\" -> #1");
 }
 
-TEST(Statistics, BothArrangementsAreReadBack) {
+TEST(Statistics, ReadsBackBothArrangements) {
   expectRoundTrip(PwStat{});
   expectRoundTrip(sample);
 }
 
-TEST(Statistics, AnF3OfTwoOrFourBytesKeepsWhatWasReadBefore) {
+TEST(Statistics, F3OfTwoOrFourBytesKeepsWhatWasReadBefore) {
   expectArrayLengthChecked<PwStat>(119, 3, offsetof(PwStat, f3));
   const Buffer good = compact(sample);
   // Room for a fourth byte: the length alone is wrong.
@@ -114,36 +114,36 @@ TEST(Statistics, AnF3OfTwoOrFourBytesKeepsWhatWasReadBefore) {
   expectRead(withU32(good, 119, 2), upTo(offsetof(PwStat, f3), sample));
 }
 
-TEST(Statistics, AnAbsentF3IsZero) {
+TEST(Statistics, AbsentF3IsZero) {
   PwStat expected = sample;
   std::memset(expected.f3, 0, 3);
   expectRead(withU16(compact(sample), 8 + 2 * 3, 0), expected);
 }
 
-TEST(Statistics, AVtableOfSlots0To4LeavesTheCountersZero) {
+TEST(Statistics, VtableOfSlots0To4LeavesTheCountersZero) {
   expectVtableOf<PwStat>(14, offsetof(PwStat, f5));
   expectVtableOf<PwStat>(4, 0);
 }
 
-TEST(Statistics, ACounterPastTheEndEndsTheReading) {
+TEST(Statistics, StopsAtACounterPastTheEnd) {
   const Buffer good = compact(sample);
   expectRead(withU16(good, 8 + 2 * 6, 126 - 34 - 7), upTo(offsetof(PwStat, f6), sample));
 }
 
-TEST(Statistics, PackingKeepsItsLimits) {
+TEST(Statistics, PackChecksRecordAndRoom) {
   expectPackLimits(PwStat{});
   expectPackLimits(sample);
 }
 
-TEST(Statistics, UnpackingChecksItsParameters) {
+TEST(Statistics, UnpackChecksItsParameters) {
   expectUnpackParameters<PwStat>();
 }
 
-TEST(Statistics, ABadFrameIsLoggedAndLeavesAClearedRecord) {
-  expectFrameChecksByTableReader(sample);
+TEST(Statistics, BadHeadIsLoggedAndClearsTheRecord) {
+  expectHeadChecksByTableReader(sample);
 }
 
-TEST(Statistics, ReleasingDoesNothing) {
+TEST(Statistics, ReleaseDoesNothing) {
   expectNothingToRelease<PwStat>();
 }
 

@@ -102,13 +102,13 @@ void expectFailed(const Unpacked<Result>& unpacked, uint32_t count, const Trace&
 TEST(QueryResult, WithoutItemsHasNoSlot1) {
   const Buffer expected =
       Layout().u32(12).u16(8, 8, 4, 0).u32(8).u32(18).u16(14, 4).zeros(10).u32(14);
-  EXPECT_EQ(shown(compact(Result{})), shown(expected));
+  EXPECT_EQ(hex(compact(Result{})), hex(expected));
   EXPECT_EQ(expected.size(), 38U);
   expectPackLimits(Result{});
   Items items{1};
   Result countOfZero = items.result();
   countOfZero.f1_count = 0;
-  EXPECT_EQ(shown(compact(countOfZero)), shown(expected));
+  EXPECT_EQ(hex(compact(countOfZero)), hex(expected));
 }
 
 TEST(QueryResult, OfOneItem) {
@@ -171,7 +171,7 @@ TEST(QueryResult, TheBlockIsClearedBeforeItemsAreReadIntoIt) {
   unpacked.release();
 }
 
-TEST(QueryResult, ACountOfZeroOnTheWireAllocatesNothing) {
+TEST(QueryResult, CountOfZeroOnTheWireAllocatesNothing) {
   expectRead(withU32(oneItem(), 42, 0), Result{});
   expectRead(firstBytes(withU32(oneItem(), 42, 0), 46), Result{});
 }
@@ -182,10 +182,10 @@ TEST(QueryResult, WordsPastTheEndFail) {
   const Buffer oneWord = firstBytes(oneItem(), 50);
   expectFailed(Unpacked<Result>(withU32(oneWord, 42, 2)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(firstBytes(oneItem(), 49)), 0, nothingHeld);
-  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, 0x3FFFFFFF)), 0, nothingHeld);
+  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount)), 0, nothingHeld);
   // These counts' words wrap to none and to one in 32 bits.
-  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, 0x40000000)), 0, nothingHeld);
-  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, 0x40000001)), 0, nothingHeld);
+  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount + 1)), 0, nothingHeld);
+  expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount + 2)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(withU32(oneItem(), 42, 0xFFFFFFFF)), 0, nothingHeld);
   // The count itself, and the word that leads to it.
   expectFailed(Unpacked<Result>(firstBytes(oneItem(), 45)), 0, nothingHeld);
@@ -193,7 +193,7 @@ TEST(QueryResult, WordsPastTheEndFail) {
   expectFailed(Unpacked<Result>(withU16(oneItem(), 10, 16668 - 12 - 3)), 0, nothingHeld);
 }
 
-TEST(QueryResult, ABlockPast32BitsFailsWithoutALog) {
+TEST(QueryResult, BlockPast32BitsFailsWithoutALog) {
   // 259,171 items would take 4,294,981,812 bytes.
   const Buffer bytes = head().u32(259171).fill(size_t{4} * 259171, 0);
   expectFailed(Unpacked<Result>(bytes), 0, {freed("null"), freed("null")});
@@ -205,7 +205,7 @@ TEST(QueryResult, ABlockPast32BitsFailsWithoutALog) {
                 freed("null"), freed("null")});
 }
 
-TEST(QueryResult, AnItemThatFailsReleasesEverything) {
+TEST(QueryResult, ItemThatFailsReleasesEverything) {
   Items items{0, 7};
   Result record = items.result();
   record.f0.f3_len = 3;
@@ -222,7 +222,7 @@ TEST(QueryResult, AnItemThatFailsReleasesEverything) {
   expectFailed(Unpacked<Result>(withU32(good, 61, 0xFFFFFFFF)), 2, taken);
 }
 
-TEST(QueryResult, ABadItemFrameIsLoggedByTheItemsReader) {
+TEST(QueryResult, BadItemHeadIsLoggedByTheItemsReader) {
   expectFailed(Unpacked<Result>(withU32(twoItems(), 50, 40000)), 2,
                {allocated(2 * itemSize, "#1"),
                 reported("l2vpn_cfg_query_dfx_item_unpack_non_root",
@@ -252,7 +252,7 @@ TEST(QueryResult, EachAllocationFailingInTurnReleasesEverything) {
   third.release();
 }
 
-TEST(QueryResult, ABadFrameLeavesAClearedRecord) {
+TEST(QueryResult, BadHeadClearsTheRecord) {
   Items items{0};
   const Unpacked<Result> unpacked(withU32(compact(items.result()), 0, 2));
   EXPECT_EQ(bytesOf(unpacked.record), Buffer(48, 0));
@@ -261,7 +261,7 @@ TEST(QueryResult, ABadFrameLeavesAClearedRecord) {
                                    freed("null"), freed("null")}));
 }
 
-TEST(QueryResult, ACountWithoutItemsFails) {
+TEST(QueryResult, CountWithoutItemsFails) {
   Result record{};
   record.f1_count = 1;
   EXPECT_EQ(askForSize(record, 0xFFFFFFFF).result, failure);
@@ -277,7 +277,7 @@ TEST(QueryResult, PackingWithoutALengthFails) {
   EXPECT_EQ(buffer, marks(100));
 }
 
-TEST(QueryResult, ASizePast32BitsFails) {
+TEST(QueryResult, SizePast32BitsFails) {
   Result record{};
   record.f0.f3 = abc;
   record.f0.f3_len = 0xFFFFFFFF - 46;

@@ -88,17 +88,17 @@ TEST(CommandKey, OfZerosPacksTo70Bytes) {
                               .u16(12, 4)
                               .zeros(8)
                               .u32(12);
-  EXPECT_EQ(shown(compact(CommandKey{})), shown(expected));
+  EXPECT_EQ(hex(compact(CommandKey{})), hex(expected));
   EXPECT_EQ(expected.size(), 70U);
   expectPackLimits(CommandKey{});
 }
 
 TEST(CommandKey, WritesItsNestedTablesInSlotOrder) {
-  EXPECT_EQ(shown(compact(sample())), shown(sampleBytes()));
+  EXPECT_EQ(hex(compact(sample())), hex(sampleBytes()));
   expectPackLimits(sample());
 }
 
-TEST(CommandKey, ItsStringsAreAllocatedUnderTheirTablesAndReleasedUnderItsOwnName) {
+TEST(CommandKey, StringsAreAllocatedUnderTheirTablesAndReleasedUnderTheMessage) {
   Unpacked<CommandKey> unpacked(sampleBytes());
   EXPECT_EQ(unpacked.trace, bothBlocks);
   EXPECT_EQ(std::memcmp(unpacked.record.f3.f7, "abc", 3), 0);
@@ -108,7 +108,7 @@ TEST(CommandKey, ItsStringsAreAllocatedUnderTheirTablesAndReleasedUnderItsOwnNam
   EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("null")}));
 }
 
-TEST(CommandKey, AnAbsentNestedTableIsZeroAndFailsNothing) {
+TEST(CommandKey, AbsentNestedTableIsZeroAndFailsNothing) {
   Unpacked<CommandKey> unpacked(withU16(sampleBytes(), 14, 0));  // slot 3
   EXPECT_EQ(
       unpacked.trace,
@@ -122,7 +122,7 @@ TEST(CommandKey, AnAbsentNestedTableIsZeroAndFailsNothing) {
   EXPECT_EQ(shorter.release(), (Trace{freed("#1"), freed("null")}));
 }
 
-TEST(CommandKey, ANestedTableThatFailsFailsTheMessage) {
+TEST(CommandKey, NestedTableThatFailsFailsTheMessage) {
   // The length of f4's string is past the end.
   expectLeft(Unpacked<CommandKey>(withU32(sampleBytes(), 103, 6)),
              [] {
@@ -133,7 +133,7 @@ TEST(CommandKey, ANestedTableThatFailsFailsTheMessage) {
              {bothBlocks[0], freed("#1"), freed("null")});
 }
 
-TEST(CommandKey, ABadNestedFrameIsLoggedAndFailsTheMessage) {
+TEST(CommandKey, BadNestedHeadIsLoggedAndFailsTheMessage) {
   CommandKey expected = left();
   expected.f4 = {};
   expectLeft(
@@ -143,7 +143,7 @@ TEST(CommandKey, ABadNestedFrameIsLoggedAndFailsTheMessage) {
        freed("#1"), freed("null")});
 }
 
-TEST(CommandKey, AnOffsetWordPastTheEndFailsTheMessage) {
+TEST(CommandKey, OffsetWordPastTheEndFailsTheMessage) {
   CommandKey expected = left();
   expected.f4 = {};
   const Trace trace{bothBlocks[0], freed("#1"), freed("null")};
@@ -151,7 +151,7 @@ TEST(CommandKey, AnOffsetWordPastTheEndFailsTheMessage) {
   expectLeft(Unpacked<CommandKey>(withU32(sampleBytes(), 36, 0xFFFFFFFF)), expected, trace);
 }
 
-TEST(CommandKey, AFailureOfTheFirstNestedTableLeavesTheSecondUnread) {
+TEST(CommandKey, FailureOfTheFirstNestedTableLeavesTheSecondUnread) {
   CommandKey expected = left();
   expected.f3 = {};
   expected.f4 = {};
@@ -161,7 +161,7 @@ TEST(CommandKey, AFailureOfTheFirstNestedTableLeavesTheSecondUnread) {
        freed("null"), freed("null")});
 }
 
-TEST(CommandKey, ARefusedAllocationReleasesEverythingAndKeepsLengths) {
+TEST(CommandKey, RefusedAllocationReleasesEverythingAndKeepsLengths) {
   CommandKey expected = left();
   expected.f4 = {};
   expectLeft(Unpacked<CommandKey>(sampleBytes(), 1), expected,
@@ -195,7 +195,7 @@ TEST(CommandKey, SizesFrom0xFFFFFFF8OnFail) {
 }
 
 TEST(CommandKey, IsSentInABufferOfItsOwnSize) {
-  EXPECT_EQ(shown(sent(sample())), shown(sampleBytes()));
+  EXPECT_EQ(hex(sent(sample())), hex(sampleBytes()));
   EXPECT_EQ(takeTrace(),
             (Trace{"memAlloc size=112 owner=25088 caller=\"dbginfo_cmd_key_l2vpn__sendsingle\" "
                    "-> #1",
@@ -204,9 +204,9 @@ TEST(CommandKey, IsSentInABufferOfItsOwnSize) {
   EXPECT_EQ(recorder().sent.at(0).id, of<CommandKey>().id());
 }
 
-TEST(CommandKey, UnpackingChecksItsParametersAndItsFrame) {
+TEST(CommandKey, UnpackChecksParametersAndHead) {
   expectUnpackParameters<CommandKey>();
-  expectFrameChecksByMessage(sample());
+  expectHeadChecksByMessage(sample());
 }
 
 }  // namespace
