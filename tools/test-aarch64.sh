@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds for 64-bit ARM and passes there, under qemu, what tells most of the library on a processor:
-# engine and model agree, golden bytes, sending, examples. (Not the behaviour tests, whose compiling
-# takes minutes.) qemu is slow: the comparison with the model makes a fiftieth of its rounds.
+# engine and oracle agree, golden bytes, sending, examples. (Not the behaviour tests, whose compiling
+# takes minutes.) qemu is slow: the comparison with the oracle makes a fiftieth of its rounds.
 #
 #   tools/test-aarch64.sh
 set -euo pipefail
