@@ -1,10 +1,13 @@
 // Writes a capture of random records of every message, in both arrangements by turns.
 //
-//   write_capture FILE COUNT [damaged]    damaged: with injuries, in every second table
+//   write_capture FILE COUNT [damaged [MESSAGE...]]    damaged: every second table is
+//                                                      MESSAGE...: of these messages alone
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <set>
 
 #include "capture_file.hpp"
 #include "codec.hpp"
@@ -28,11 +31,14 @@ Bytes sample(const Message& message, size_t number, bool isDamaged, std::mt19937
   return isDamaged && number % 4 >= 2 ? oracle::mutate(bytes, random) : bytes;
 }
 
-void write(const char* file, uint64_t count, bool isDamaged) {
+void write(const char* file, uint64_t count, bool isDamaged, const std::set<std::string_view>& of) {
   std::mt19937_64 random(count);
   std::vector<std::pair<uint32_t, Bytes>> samples;
   for (size_t number = 0; number < samplesOfEach; ++number) {
     for (const Message& message : messages()) {
+      if (!of.empty() && !of.contains(message.name)) {
+        continue;
+      }
       samples.emplace_back(message.id(), sample(message, number, isDamaged, random));
     }
   }
@@ -48,9 +54,10 @@ void write(const char* file, uint64_t count, bool isDamaged) {
 }  // namespace tool
 
 int main(int count, char** words) {
-  if (count != 3 && count != 4) {
+  if (count < 3) {
     return 2;
   }
-  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count == 4);
+  const std::set<std::string_view> of(words + std::min(count, 4), words + count);
+  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count >= 4, of);
   return 0;
 }
