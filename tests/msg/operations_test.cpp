@@ -17,22 +17,11 @@ using harness::Operations;
 using harness::recorder;
 using harness::Trace;
 
-// How many blocks a record can own. The items of a vector own none.
-size_t outOfLineParts(const oracle::Description& message) {
-  size_t parts = 0;
-  for (const oracle::Field& field : message.fields) {
-    if (field.kind == oracle::Kind::Table) {
-      parts += outOfLineParts(*field.nested);
-    } else if (field.kind == oracle::Kind::Bytes || field.kind == oracle::Kind::Vector) {
-      ++parts;
-    }
-  }
-  return parts;
-}
-
 class EveryMessage : public testing::TestWithParam<Operations> {
  protected:
-  size_t outOfLineParts() const { return ::outOfLineParts(oracle::descriptionOf(GetParam().name)); }
+  size_t outOfLineParts() const {
+    return oracle::outOfLineParts(oracle::descriptionOf(GetParam().name));
+  }
   uint32_t size() const { return GetParam().schema().size; }
 
   // A message with every byte string present.

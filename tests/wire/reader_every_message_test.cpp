@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
+#include "oracle/messages/description.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 #include "support/guarded_buffer.hpp"
@@ -29,14 +28,7 @@ class EveryReader : public testing::TestWithParam<Operations> {
 
   // Messages that verify their root table themselves leave the record alone when the head is bad.
   // The others hand a cleared record to their table reader.
-  bool verifiesItsRoot() const {
-    static const std::set<std::string> byTableReader{
-        "dbginfo_para_l2vpn", "l2vpn_cfg_query_dfx_rec", "l2vpn_stat_pw_stat"};
-    if (name_.starts_with("l2vpn_sync_")) {
-      return name_.ends_with("_update") || name_.ends_with("_delete");
-    }
-    return byTableReader.count(name_) == 0;
-  }
+  bool verifiesItsRoot() const { return oracle::descriptionOf(name_).ownRoot; }
 
   // One call on a record full of marks; the bytes end where nothing may be read.
   void unpack(const Buffer& bytes) {
@@ -53,7 +45,7 @@ class EveryReader : public testing::TestWithParam<Operations> {
   void expectUntouched() const { EXPECT_EQ(hex(record_), hex(harness::marks(size_))); }
   void expectCleared() const { EXPECT_EQ(hex(record_), hex(Buffer(size_, 0))); }
 
-  void expectBadFrame(const std::string& text) const {
+  void expectBadHead(const std::string& text) const {
     if (verifiesItsRoot()) {
       expectUntouched();
       EXPECT_EQ(trace_, Trace({reported(name_ + "_unpack", text)}));
@@ -62,11 +54,7 @@ class EveryReader : public testing::TestWithParam<Operations> {
     expectCleared();
     Trace expected{reported(name_ + "_unpack_non_root", text)};
     const std::string release = "unpackFree null owner=12 caller=\"" + name_ + "_free_unpacked\"";
-    if (name_ == "dbginfo_para_l2vpn") {
-      expected.insert(expected.end(), 1, release);
-    } else if (name_ == "l2vpn_cfg_query_dfx_rec") {
-      expected.insert(expected.end(), 2, release);
-    }
+    expected.insert(expected.end(), oracle::outOfLineParts(oracle::descriptionOf(name_)), release);
     EXPECT_EQ(trace_, expected);
   }
 
@@ -113,14 +101,14 @@ TEST_P(EveryReader, RefusesALengthBelowFourAsASignedNumber) {
 
 TEST_P(EveryReader, RefusesABufferOfARootAlone) {
   unpack(Layout().u32(4));
-  expectBadFrame("Table offset(4) is out of range(4 - 4)");
+  expectBadHead("Table offset(4) is out of range(4 - 4)");
 }
 
 TEST_P(EveryReader, RefusesATableOutsideTheBuffer) {
   for (const uint32_t root : {0U, 1U, 3U, 9U, 12U, 0xFFFFU, 0x10000U, 0x7FFFFFFFU, 0x80000000U,
                               0xFFFFFFFCU, 0xFFFFFFFFU}) {
     unpack(harness::withU32(emptyTable, 0, root));
-    expectBadFrame("Table offset(" + std::to_string(root) + ") is out of range(4 - 12)");
+    expectBadHead("Table offset(" + std::to_string(root) + ") is out of range(4 - 12)");
   }
 }
 
@@ -128,7 +116,7 @@ TEST_P(EveryReader, ComparesTheRootWithTheWholeLength) {
   // Of a buffer that is said to be larger than any, only the root word is looked at.
   const harness::GuardedBuffer rootAlone(Buffer(Layout().u32(0x7FFFFFFC)));
   unpack(rootAlone.data(), 0x7FFFFFFF);
-  expectBadFrame("Table offset(2147483644) is out of range(4 - 2147483647)");
+  expectBadHead("Table offset(2147483644) is out of range(4 - 2147483647)");
 }
 
 TEST_P(EveryReader, RefusesAVtableOutsideTheBuffer) {
@@ -136,14 +124,14 @@ TEST_P(EveryReader, RefusesAVtableOutsideTheBuffer) {
   for (const uint32_t distance : {5U, 8U, 9U, 0xFFFFFFFFU, 0xFFFFU, 0x10000U, 0x7FFFFFFFU,
                                   0x80000000U, static_cast<uint32_t>(-68)}) {
     unpack(harness::withU32(emptyTable, 8, distance));
-    expectBadFrame("Vtable offset(8) is out of range(4 - 8)");
+    expectBadHead("Vtable offset(8) is out of range(4 - 8)");
   }
 }
 
 TEST_P(EveryReader, RefusesAVtablePastTheEnd) {
   for (const uint32_t length : {9U, 0x7FFFU, 0x8000U, 0xFFFFU}) {
     unpack(harness::withU16(emptyTable, 4, length));
-    expectBadFrame("Vtable Len(" + std::to_string(length) + ") is out of range(0 - 8)");
+    expectBadHead("Vtable Len(" + std::to_string(length) + ") is out of range(0 - 8)");
   }
 }
 
@@ -154,7 +142,7 @@ TEST_P(EveryReader, AcceptsAVtableThatEndsWithTheBuffer) {
   EXPECT_EQ(trace_, Trace());
   expectCleared();
   unpack(harness::withU16(behind, 8, 5));
-  expectBadFrame("Vtable Len(5) is out of range(0 - 4)");
+  expectBadHead("Vtable Len(5) is out of range(0 - 4)");
 }
 
 TEST_P(EveryReader, ClearsTheWholeRecordPaddingIncluded) {

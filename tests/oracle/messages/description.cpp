@@ -98,18 +98,6 @@ void layOutRecord(Description& message) {
   message.recordSize = roundUp(end, message.alignment);
 }
 
-bool anyOutOfLinePart(const Description& message) {
-  for (const Field& field : message.fields) {
-    if (field.kind == Kind::Bytes || field.kind == Kind::Vector) {
-      return true;
-    }
-    if (field.kind == Kind::Table && anyOutOfLinePart(*field.nested)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 Description describe(const CatalogueEntry& entry, const std::string& service,
                      const std::string& name, const std::string& hashedName,
                      const std::string& fields, const std::vector<Description>& known) {
@@ -129,7 +117,7 @@ Description describe(const CatalogueEntry& entry, const std::string& service,
   }
   layOutRecord(message);
   message.vtableLength = 4 + 2 * static_cast<uint32_t>(message.fields.size());
-  message.hasOutOfLineParts = anyOutOfLinePart(message);
+  message.hasOutOfLineParts = outOfLineParts(message) > 0;
   return message;
 }
 
@@ -177,6 +165,18 @@ std::vector<Description> describeAll() {
 
 bool isScalar(Kind kind) {
   return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;
+}
+
+uint32_t outOfLineParts(const Description& message) {
+  uint32_t parts = 0;
+  for (const Field& field : message.fields) {
+    if (field.kind == Kind::Bytes || field.kind == Kind::Vector) {
+      ++parts;
+    } else if (field.kind == Kind::Table) {
+      parts += outOfLineParts(*field.nested);
+    }
+  }
+  return parts;
 }
 
 const std::vector<Description>& descriptions() {

@@ -54,6 +54,9 @@ struct Description {
   uint32_t vtableLength = 0;
 };
 
+// How many blocks a record can own: Bytes and Vectors, in nested tables too. Items own none.
+uint32_t outOfLineParts(const Description& message);
+
 // All, in the registration order of l2vpn_cfg, l2vpn_stat and l2vpn_sync.
 const std::vector<Description>& descriptions();
 
