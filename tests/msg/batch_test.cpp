@@ -65,28 +65,28 @@ void expectNothingSent(const std::vector<dbginfo_key_l2vpn>& keys) {
   }
 }
 
-TEST(Batch, MayFillItsRegionToTheLastByte) {
+TEST(Batch, FillsItsRegionToTheLastByte) {
   expectSent({30000, region - 30000});
   expectSent({region});
   expectSent({region - 29 - 31, 29, 31});
 }
 
-TEST(Batch, OfOneByteMoreThanItsRegionIsNotSent) {
+TEST(Batch, RefusesOneByteMoreThanItsRegion) {
   expectNothingSent({keyOf(30000), keyOf(region - 30000 + 1)});
   expectNothingSent({keyOf(region + 1)});
   expectNothingSent({keyOf(region - 29 - 31), keyOf(29), keyOf(32)});
 }
 
-TEST(Batch, IsNotSentWhenARecordFollowsAFullRegion) {
+TEST(Batch, RefusesARecordBehindAFullRegion) {
   expectNothingSent({keyOf(region), dbginfo_key_l2vpn{}});
   expectNothingSent({keyOf(40000), keyOf(region - 40000), dbginfo_key_l2vpn{}, keyOf(29)});
 }
 
-TEST(Batch, PutsNothingBetweenItsTables) {
+TEST(Batch, PlacesTablesBackToBack) {
   expectSent({29, 31, 33, 35, 29});
 }
 
-TEST(Batch, OfANullArrayIsNotSent) {
+TEST(Batch, RefusesANullArray) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     harness::resetRecorder();
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, nullptr, count, 0), failure);
@@ -98,7 +98,7 @@ TEST(Batch, OfANullArrayIsNotSent) {
   EXPECT_TRUE(recorder().sent.empty());
 }
 
-TEST(Batch, IsNotSentWhenARecordHasNoEncoding) {
+TEST(Batch, RefusesARecordWithoutEncoding) {
   // It takes 2^32 bytes, 2^32 + 20 and 2^32 + 27: small sizes to a sum of 32 bits.
   for (const uint32_t length : {0xFFFFFFFF - 27, 0xFFFFFFFF - 7, 0xFFFFFFFF}) {
     dbginfo_key_l2vpn bad = keyOf(29);
@@ -108,7 +108,7 @@ TEST(Batch, IsNotSentWhenARecordHasNoEncoding) {
   }
 }
 
-TEST(Batch, OfResultsIsBoundByItsRegionToo) {
+TEST(Batch, LimitsResultsToItsRegion) {
   static l2vpn_cfg_query_dfx_item items[4];
   std::vector<l2vpn_cfg_query_dfx_rec> results(2);
   results[0].f1 = items;
