@@ -45,7 +45,9 @@ class Executor {
   void prepare(Reading& reading, int fill, uint32_t refused) const;
   Result compareReadings(Random& random);
   Result compareWritings(Random& random);
-  void compareSent(const uint8_t* record, uint32_t packed);
+  uint32_t writeExpected(const uint8_t* record, uint8_t* to) const;
+  void compareSent(const uint8_t* records, uint32_t count);
+  void comparePacked(const uint8_t* record);
   void compareTraces() const;
   void compareRecords();
   void relocateParts(const Reading& reading) const;

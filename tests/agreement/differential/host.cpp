@@ -14,7 +14,7 @@ namespace {
 enum CallKind : uint64_t { Allocation, Release, Log };
 
 // Larger blocks are refused: a few bytes can ask for many items of 16 KiB.
-constexpr uint32_t largestBlock = uint32_t{1} << 16;
+constexpr uint32_t largestBlock = uint32_t{1} << 17;
 constexpr uint32_t arenaSize = uint32_t{1} << 20;
 
 constexpr uint64_t noBlock = UINT64_MAX;
@@ -35,10 +35,14 @@ uint64_t word(const char* text) {
   return reinterpret_cast<uintptr_t>(text);
 }
 
-uint32_t take(const mesh_msg_desc* descriptors) {
-  sent.length = descriptors->length;
+uint32_t take(const mesh_msg_desc* descriptors, uint32_t count) {
+  sent.length = 0;
   sent.id = descriptors->msg_id;
-  std::memcpy(sent.bytes, reinterpret_cast<const uint8_t*>(descriptors->data), sent.length);
+  for (uint32_t index = 0; index < count; ++index) {
+    const mesh_msg_desc& each = descriptors[index];
+    std::memcpy(sent.bytes + sent.length, reinterpret_cast<const uint8_t*>(each.data), each.length);
+    sent.length += each.length;
+  }
   return 0;
 }
 
@@ -134,12 +138,12 @@ uint32_t DDM_OsalMemUseFlagGet(uint32_t) {
   return 1;
 }
 
-uint32_t MESH_SendMsg(uint32_t, const mesh_msg_desc* descriptors, uint32_t) {
-  return take(descriptors);
+uint32_t MESH_SendMsg(uint32_t, const mesh_msg_desc* descriptors, uint32_t count) {
+  return take(descriptors, count);
 }
 
-uint32_t MESH_SendToMsg(uint32_t, const mesh_msg_desc* descriptors, uint32_t, uint64_t) {
-  return take(descriptors);
+uint32_t MESH_SendToMsg(uint32_t, const mesh_msg_desc* descriptors, uint32_t count, uint64_t) {
+  return take(descriptors, count);
 }
 
 uint32_t MESH_RegIDLFuncHook(uint32_t, mesh_unpack_hook, mesh_free_hook) {

@@ -48,14 +48,14 @@ void recordInto(Trace& trace, uint32_t refused);
 
 Trace newTrace();
 
-// What the last message sent was.
+// The messages of the last call of the middleware, one after the other.
 struct Sent {
   uint8_t* bytes;
   uint32_t length;
   uint32_t id;
 };
 
-// From here on, each message sent is copied to `into`, where there is room for it.
+// From here on, messages sent are copied to `into`, where there is room for them.
 void receiveInto(uint8_t* into);
 const Sent& lastSent();
 
