@@ -137,12 +137,25 @@ void lengthen(Random& random, Draft& draft) {
   draft.length = std::max(draft.held, uint32_t{UINT16_MAX} - 8 + random.below(96));
 }
 
-void moveTable(Random& random, Draft& draft) {
+void moveAll(Random& random, Draft& draft) {
   const uint32_t distance = 1 + random.below(8);
   std::memmove(&draft.bytes[4 + distance], &draft.bytes[4], draft.held - 4);
   random.fill(&draft.bytes[4], distance);
   host::store(draft.bytes.data(), host::load<uint32_t>(draft.bytes.data()) + distance);
   setLength(draft, draft.held + distance);
+}
+
+void moveHead(Random& random, Draft& draft) {
+  const auto table = host::load<uint32_t>(draft.bytes.data());
+  if (!holds(draft, table, 4)) {
+    return;
+  }
+  const uint32_t vtable = table - host::load<uint32_t>(&draft.bytes[table]);
+  const uint32_t last = draft.held - 4;
+  const uint32_t to =
+      random.oneIn(2) ? last - std::min(last, random.below(around)) : random.below(last + 1);
+  host::store(&draft.bytes[to], to - vtable);
+  host::store(draft.bytes.data(), to);
 }
 
 void splice(Random& random, Draft& draft, const Draft& other) {

@@ -25,7 +25,10 @@ struct Draft {
 void lengthen(Random& random, Draft& draft);
 
 // Moves all but the root word, which then leads to the table's new place.
-void moveTable(Random& random, Draft& draft);
+void moveAll(Random& random, Draft& draft);
+
+// Puts the root table's head elsewhere, often so that the buffer ends within the table's fields.
+void moveHead(Random& random, Draft& draft);
 
 // Gives the draft the end of another message.
 void splice(Random& random, Draft& draft, const Draft& other);

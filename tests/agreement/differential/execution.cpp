@@ -122,7 +122,10 @@ void Executor::damage(Random& random, Draft& draft) {
     splice(random, draft, other_);
   }
   if (random.oneIn(8)) {
-    moveTable(random, draft);
+    moveAll(random, draft);
+  }
+  if (random.oneIn(16)) {
+    moveHead(random, draft);
   }
   if (random.oneIn(64)) {
     lengthen(random, draft);
