@@ -44,8 +44,8 @@ Executor::Executor(uint64_t seed)
       longBuffer_(mapReadOnly(Draft::capacity)),
       filler_(Draft::capacity),
       packed_(mapWritable(Draft::capacity)),
-      quick_{mapWritable(largestRecord), newTrace()},
-      slow_{mapWritable(largestRecord), newTrace()} {
+      quick_{mapWritable(largestRecord), {}},
+      slow_{mapWritable(largestRecord), {}} {
   for (size_t index = 0; index < subjects_.size(); ++index) {
     choices_.insert(choices_.end(), subjects_[index].isLarge() ? 1 : usualWeight,
                     static_cast<uint8_t>(index));
@@ -168,7 +168,7 @@ void Executor::relocateParts(const Reading& reading) const {
   for (const Part& part : subject_->parts) {
     uint8_t* const at = reading.record + part.pointer;
     const auto pointer = host::load<uint64_t>(at);
-    const auto arena = reinterpret_cast<uintptr_t>(reading.trace.arena);
+    const auto arena = reinterpret_cast<uintptr_t>(reading.trace.arena.data());
     if (pointer - arena < reading.trace.used) {
       host::store(at, pointer - arena + 1);
     }
@@ -185,7 +185,7 @@ void Executor::compareTraces() const {
   for (uint32_t index = 0; index < quick.count; ++index) {
     const Block block = blockOf(quick.calls[index]);
     if (block.size != 0 &&
-        std::memcmp(quick.arena + block.at, slow.arena + block.at, block.size + behindBlock) != 0) {
+        std::memcmp(&quick.arena[block.at], &slow.arena[block.at], block.size + behindBlock) != 0) {
       fail("a block's contents differ");
     }
   }

@@ -70,9 +70,7 @@ void recordInto(Trace& into, uint32_t refused) {
   allocationsUntilRefusal = refused;
 }
 
-Trace newTrace() {
-  return {{}, 0, 0, static_cast<uint8_t*>(std::malloc(arenaSize))};
-}
+Trace::Trace() : arena(arenaSize) {}
 
 void receiveInto(uint8_t* into) {
   sent.bytes = into;
@@ -117,7 +115,7 @@ void* DDM_OsalMemAlloc(uint32_t size, uint32_t owner, const char* caller) {
   if (isRefused) {
     return nullptr;
   }
-  uint8_t* const block = trace->arena + at;
+  uint8_t* const block = trace->arena.data() + at;
   std::memset(block, unwritten, size + behindBlock);
   trace->used = (trace->used + size + 2 * behindBlock - 1) / behindBlock * behindBlock;
   return block;
@@ -128,9 +126,9 @@ void* DDM_OsalMemCacheAlloc(uint32_t size, uint32_t owner, const char* caller) {
 }
 
 void DDM_OsalMemFree(void* block, uint32_t owner, const char* caller) {
-  const uint64_t at = block == nullptr
-                          ? noBlock
-                          : static_cast<uint64_t>(static_cast<uint8_t*>(block) - trace->arena);
+  const uint64_t at =
+      block == nullptr ? noBlock
+                       : static_cast<uint64_t>(static_cast<uint8_t*>(block) - trace->arena.data());
   nextCall() = {Release, owner, word(caller), 0, at};
 }
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <vector>
 
 namespace differential {
 
@@ -16,10 +16,12 @@ using Call = std::array<uint64_t, 10>;
 struct Trace {
   static constexpr uint32_t capacity = 64;
 
-  std::array<Call, capacity> calls;
-  uint32_t count;
-  uint32_t used;
-  uint8_t* arena;
+  Trace();
+
+  std::array<Call, capacity> calls{};
+  uint32_t count = 0;
+  uint32_t used = 0;
+  std::vector<uint8_t> arena;
 };
 
 struct Block {
@@ -45,8 +47,6 @@ inline constexpr uint32_t behindBlock = 16;
 // From here on, calls are recorded in a trace, which is emptied. `refused` is the number of the
 // allocation that fails, from 1 on; 0 for none.
 void recordInto(Trace& trace, uint32_t refused);
-
-Trace newTrace();
 
 // The messages of the last call of the middleware, one after the other.
 struct Sent {
