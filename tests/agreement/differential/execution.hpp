@@ -47,7 +47,7 @@ class Executor {
   Result compareWritings(Random& random);
   uint32_t writeExpected(const uint8_t* record, uint8_t* to) const;
   void compareSent(const uint8_t* records, uint32_t count);
-  void comparePacked(const uint8_t* record);
+  void comparePacked(Random& random, const uint8_t* record);
   void compareTraces() const;
   void compareRecords();
   void relocateParts(const Reading& reading) const;

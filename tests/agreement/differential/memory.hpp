@@ -9,10 +9,10 @@ namespace differential {
 struct TrappedMemory {
   uint8_t* begin;
   uint8_t* end;
-  // The same bytes for who fills them: what is read between the traps cannot be written there.
+  // The same bytes once more, to fill them where those between the traps are read-only.
   uint8_t* writable;
 
-  // The writable place of a byte between the traps.
+  // The writable place of the byte at `at`.
   [[nodiscard]] uint8_t* toWrite(const uint8_t* at) const { return writable + (at - begin); }
 };
 

@@ -36,7 +36,7 @@ struct Subject : harness::ExportedOperations {
   const msg::Message* message;
   host::Module* receive;
   host::Module* send;
-  // The first way that accepts the buffer, of those the message has.
+  // Which of the message's readers accepts the buffer first.
   Way (*wayOf)(const uint8_t* data, uint32_t length);
 
   std::vector<Field> fields;
