@@ -172,8 +172,9 @@ void change(Random& random, const wire::Schema& schema, Draft& draft) {
   } else if (kind == 0) {
     setLength(draft, draft.held - std::min(draft.held, random.below(around)));
   } else if (kind == 1) {
-    const uint32_t length = random.oneIn(2) ? random.below(draft.held)
-                                            : pickPlace(random, schema, draft).at + random.below(5);
+    const uint32_t into = random.below(5);
+    const uint32_t length =
+        random.oneIn(2) ? random.below(draft.held) : pickPlace(random, schema, draft).at + into;
     setLength(draft, std::min(length, draft.held));
   } else {
     const uint32_t added = 1 + random.below(2 * around);

@@ -22,11 +22,8 @@ void Executor::write(Random& random, const Subject& subject, Draft& draft) {
     subject.sendSingle(0, record, 0);
     draft.held = lastSent().length;
   } else {
-    if (!subject.parts.empty()) {
-      // Some bytes are counted and not written: without this they would be those of an earlier
-      // execution.
-      std::memset(draft.bytes.data(), unwritten, subject.isLarge() ? Draft::capacity : 1024);
-    }
+    // Bytes that are counted and not written must not depend on earlier executions.
+    std::memset(draft.bytes.data(), unwritten, subject.isLarge() ? Draft::capacity : 512);
     draft.held = Draft::capacity;
     subject.pack(record, draft.bytes.data(), &draft.held);
   }

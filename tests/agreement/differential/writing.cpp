@@ -47,6 +47,7 @@ void Executor::comparePacked(Random& random, const uint8_t* record) {
   subject_->pack(record, nullptr, &size);
   const bool isExact = random.oneIn(2);
   uint8_t* const packed = isExact ? packed_.end - size : packed_.begin;
+  std::memset(packed, unwritten, size);
   data_ = packed;
   length_ = size;
   size = isExact ? size : Draft::capacity;
