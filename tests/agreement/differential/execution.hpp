@@ -1,5 +1,5 @@
-// One execution: a random record is written, and the message, damaged, is read in both ways; or
-// what the writers write is held against the slow writer and against what is read of it.
+// One execution: it damages a random message and reads it in both ways, or it compares what the
+// writers make of a random record with what the slow writer makes, and with what is read of it.
 #pragma once
 
 #include "damage.hpp"
@@ -9,7 +9,8 @@
 
 namespace differential {
 
-// What became of an execution: how a damaged message was read, or what was written.
+// What an execution did: read a message, in one of the ways (as Way numbers them) or with a
+// rejection, or wrote messages.
 enum class Result : uint8_t { FixedImage, Quick, SlotBySlot, Rejected, Written };
 inline constexpr size_t resultCount = 5;
 
