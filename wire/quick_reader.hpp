@@ -67,10 +67,12 @@ bool entriesInside(const uint8_t* entries, uint32_t left) {
     return false;
   }
   if constexpr (count < laneCount) {
-    return sumSlots<schema>([&](auto index) -> uint64_t {
-             return host::load<uint16_t>(entries + 2 * index) + footprint(schema.slots[index]) >
-                    left;
-           }) == 0;
+    uint32_t outside = 0;
+    forEachSlot<schema>([&](auto index) {
+      constexpr uint32_t width = footprint(schema.slots[index]);
+      outside |= host::load<uint16_t>(entries + 2 * index) + width > left ? 1U : 0U;
+    });
+    return outside == 0;
   } else {
     // Positions beyond sixteen bits go to the slot reader.
     const Lanes limit = Lanes{} + static_cast<uint16_t>(left < UINT16_MAX ? left : UINT16_MAX);
