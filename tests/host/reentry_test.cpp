@@ -99,7 +99,7 @@ class Reentry : public testing::TestWithParam<const char*> {
   // and so does the outer call.
   static void expectAllWell(const std::function<void()>& before) {
     const Lines lines = inANewProcess([&] {
-      alarm(60);  // a call that waits for a lock of its own never ends
+      alarm(20);  // a call that waits for a lock of its own never ends
       before();
       caller = GetParam();
       callAll("program");
