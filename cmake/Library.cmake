@@ -17,7 +17,7 @@ endforeach()
 
 add_library(mesh_l2vpn_objects OBJECT
   host/log.cpp
-  host/memory.cpp
+  host/proof.cpp
   wire/slow_writer.cpp
   l2vpn_cfg/proof.cpp
   l2vpn_cfg/receive.cpp

@@ -5,10 +5,8 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <type_traits>
 
 #include "host/memory.hpp"
 
@@ -54,22 +52,6 @@ struct serial_env {
   FreeFn unpackFree = &freeWrapper;
 };
 
-static_assert(sizeof(void*) == 8, "records, descriptors and this layout are those of 64-bit hosts");
-static_assert(std::is_standard_layout_v<serial_env>);
-static_assert(offsetof(serial_env, frameworkName) == 0);
-static_assert(offsetof(serial_env, moduleName) == 8);
-static_assert(offsetof(serial_env, memModuleId) == 16);
-static_assert(offsetof(serial_env, hostLock) == 24);
-static_assert(offsetof(serial_env, logWrite) == 24 + sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, memAlloc) == 32 + sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, memFree) == 40 + sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, hostBound) == 48 + sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, unpackLock) == 56 + sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, unpackBound) == 56 + 2 * sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, unpackAlloc) == 64 + 2 * sizeof(pthread_mutex_t));
-static_assert(offsetof(serial_env, unpackFree) == 72 + 2 * sizeof(pthread_mutex_t));
-static_assert(std::atomic<uint32_t>::is_always_lock_free);
-
 // One direction of one service. Modules share nothing.
 struct Module {
   serial_env env;
@@ -83,17 +65,6 @@ inline ByteOrder byteOrder(const Module& module) {
   return module.swapBytes.load(std::memory_order_relaxed) == 0 ? ByteOrder::Host
                                                                : ByteOrder::Reversed;
 }
-
-class Guard {
- public:
-  explicit Guard(pthread_mutex_t& mutex) : mutex_(mutex) { pthread_mutex_lock(&mutex_); }
-  ~Guard() { pthread_mutex_unlock(&mutex_); }
-  Guard(const Guard&) = delete;
-  Guard& operator=(const Guard&) = delete;
-
- private:
-  pthread_mutex_t& mutex_;
-};
 
 // A null handle searches the global namespace, in load order.
 template <typename Function>
@@ -110,33 +81,33 @@ inline void completePair(AllocFn& alloc, FreeFn& release) {
 }
 
 [[gnu::cold, gnu::noinline]] inline void bindHostOnce(serial_env& env) {
-  const Guard guard(env.hostLock);
-  if (env.hostBound.load(std::memory_order_relaxed) != 0) {
-    return;
+  pthread_mutex_lock(&env.hostLock);
+  if (env.hostBound.load(std::memory_order_relaxed) == 0) {
+    if (env.logWrite == nullptr) {
+      env.logWrite = lookUp<LogWriteFn>("DDM_OsalLogWrite");
+    }
+    env.memAlloc = lookUp<AllocFn>("DDM_OsalMemAlloc");
+    env.memFree = lookUp<FreeFn>("DDM_OsalMemFree");
+    completePair(env.memAlloc, env.memFree);
+    env.hostBound.store(1, std::memory_order_release);
   }
-  if (env.logWrite == nullptr) {
-    env.logWrite = lookUp<LogWriteFn>("DDM_OsalLogWrite");
-  }
-  env.memAlloc = lookUp<AllocFn>("DDM_OsalMemAlloc");
-  env.memFree = lookUp<FreeFn>("DDM_OsalMemFree");
-  completePair(env.memAlloc, env.memFree);
-  env.hostBound.store(1, std::memory_order_release);
+  pthread_mutex_unlock(&env.hostLock);
 }
 
 [[gnu::cold, gnu::noinline]] inline void bindUnpackAllocator(Module& module) {
   serial_env& env = module.env;
-  const Guard guard(env.unpackLock);
-  if (env.unpackBound.load(std::memory_order_relaxed) != 0) {
-    return;
+  pthread_mutex_lock(&env.unpackLock);
+  if (env.unpackBound.load(std::memory_order_relaxed) == 0) {
+    module.swapBytes.store(0, std::memory_order_relaxed);
+    const auto useFlagGet = lookUp<MemUseFlagGetFn>("DDM_OsalMemUseFlagGet");
+    if (useFlagGet != nullptr && useFlagGet(unpackOwner) == 1) {
+      env.unpackAlloc = lookUp<AllocFn>("DDM_OsalMemCacheAlloc");
+      env.unpackFree = lookUp<FreeFn>("DDM_OsalMemFree");
+    }
+    completePair(env.unpackAlloc, env.unpackFree);
+    env.unpackBound.store(1, std::memory_order_release);
   }
-  module.swapBytes.store(0, std::memory_order_relaxed);
-  const auto useFlagGet = lookUp<MemUseFlagGetFn>("DDM_OsalMemUseFlagGet");
-  if (useFlagGet != nullptr && useFlagGet(unpackOwner) == 1) {
-    env.unpackAlloc = lookUp<AllocFn>("DDM_OsalMemCacheAlloc");
-    env.unpackFree = lookUp<FreeFn>("DDM_OsalMemFree");
-  }
-  completePair(env.unpackAlloc, env.unpackFree);
-  env.unpackBound.store(1, std::memory_order_release);
+  pthread_mutex_unlock(&env.unpackLock);
 }
 
 // Ensures that logWrite, memAlloc and memFree are bound. logWrite may stay null.

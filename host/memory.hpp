@@ -53,33 +53,23 @@ void store(uint8_t* to, Value value) {
   std::memcpy(to, &value, sizeof value);
 }
 
-// The bounded memory functions are the process's own where it has them; where it has none, these
-// fallbacks of the same meaning serve (Annex K of C11, without a handler). Zero on success. On a
-// violation (null pointer, count above room, overlap) the destination's room is cleared (copy) or
-// filled (fill) where it is a valid one, and the result is not zero.
-int fallbackCopy(void* to, size_t room, const void* from, size_t count);
-int fallbackFill(void* to, size_t room, int value, size_t count);
-
-// Copies and fills of a size that is known at run time. The caller has checked the size. A host's
-// function may refuse it all the same, for example above a limit of its own: then the C library's
-// function does the work, so that no byte stays unwritten.
+// Copies and fills of a size that is known at run time, and that the caller has checked, through
+// the process's bounded memory functions. Where it has none, or where one refuses, for example a
+// size above a limit of its own, the C library's function does the work: no byte stays unwritten.
 inline void copyBytes(void* to, const void* from, size_t count) {
-  const auto copy = &::memcpy_sOptAsm != nullptr ? &::memcpy_sOptAsm : &fallbackCopy;
-  if (copy(to, count, from, count) != 0) [[unlikely]] {
+  if (&::memcpy_sOptAsm == nullptr || ::memcpy_sOptAsm(to, count, from, count) != 0) {
     std::memmove(to, from, count);
   }
 }
 
 inline void copyChecked(void* to, const void* from, size_t count) {
-  const auto copy = &::memcpy_s != nullptr ? &::memcpy_s : &fallbackCopy;
-  if (copy(to, count, from, count) != 0) [[unlikely]] {
+  if (&::memcpy_s == nullptr || ::memcpy_s(to, count, from, count) != 0) {
     std::memmove(to, from, count);
   }
 }
 
 inline void clearBytes(void* to, size_t count) {
-  const auto fill = &::memset_s != nullptr ? &::memset_s : &fallbackFill;
-  if (fill(to, count, 0, count) != 0) [[unlikely]] {
+  if (&::memset_s == nullptr || ::memset_s(to, count, 0, count) != 0) {
     std::memset(to, 0, count);
   }
 }
@@ -123,16 +113,6 @@ void copyConstant(uint8_t* to, const uint8_t* from) {
     if constexpr (count % chunk != 0) {
       std::memcpy(to + count - chunk, from + count - chunk, chunk);
     }
-  }
-}
-
-template <size_t count>
-void clearConstant(uint8_t* to) {
-  if constexpr (count > largestInPlace) {
-    clearBytes(to, count);
-  } else {
-    constexpr uint8_t zeros[count]{};
-    copyConstant<count>(to, zeros);
   }
 }
 

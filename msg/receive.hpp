@@ -93,12 +93,11 @@ Outcome decode(const Message& message, const uint8_t* data, uint32_t length, uin
       }
     }
     if constexpr (wire::hasQuickReader(schema)) {
-      const auto table = buffer.read<uint32_t>(0);
-      if (wire::readSoundTable<schema>(buffer, table, into)) [[likely]] {
+      if (wire::readSoundTable<schema>(buffer, buffer.read<uint32_t>(0), into)) [[likely]] {
         if constexpr (wire::ownsMemory(schema)) {
           constexpr auto decoder =
               owner.policy.rootDecoding == RootDecoding::ByMessage ? Decoder::Root : Decoder::Table;
-          return wire::takeParts<schema, decoder>(module.env, buffer, table, into) == Decoded::Yes
+          return wire::takeParts<schema, decoder>(module.env, into) == Decoded::Yes
                      ? Outcome::Finished
                      : Outcome::ReleaseParts;
         }

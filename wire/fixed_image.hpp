@@ -150,10 +150,9 @@ inline constexpr auto imageStretches = [] {
 }();
 
 template <const Schema& schema>
-inline constexpr StorePlan imagePlan = StorePlanner(imageStretches<schema>.all(),
-                                                    {.source = schema.size,
-                                                     .constants = fixedLength(schema)})
-                                           .plan();
+inline constexpr StorePlan imagePlan = planStores(imageStretches<schema>.all(),
+                                                  {.source = schema.size,
+                                                   .constants = fixedLength(schema)});
 
 // A piece of the template, as an object of its own: small ones become immediate values in the code.
 template <const Schema& schema, uint32_t from, uint32_t size>
@@ -273,7 +272,7 @@ inline constexpr StorePlan recordPlan =
 template <const Schema& schema>
 void readFixedImage(uint8_t* into, const uint8_t* image) {
   if constexpr (schema.size > host::largestInPlace) {
-    host::clearConstant<schema.size>(into);
+    host::clearBytes(into, schema.size);
   }
   forEach<recordPlan<schema>.count>([&](auto index) {
     constexpr Store store = recordPlan<schema>.stores[index];

@@ -82,15 +82,19 @@ bool entriesInside(const uint8_t* entries, uint32_t left) {
   }
 }
 
+template <uint32_t from, uint32_t to>
+void clearBetween(uint8_t* into) {
+  if constexpr (from < to) {
+    std::memset(into + from, 0, to - from);
+  }
+}
+
 // The padding between a slot's value and what follows it in the record.
 template <const Schema& schema, size_t index>
 void clearPadding(uint8_t* into) {
-  constexpr uint32_t end = recordEnd(schema.slots[index]);
   constexpr uint32_t next =
       index + 1 < schema.slots.size() ? recordBegin(schema.slots[index + 1]) : schema.size;
-  if constexpr (end < next) {
-    host::clearConstant<next - end>(into + end);
-  }
+  clearBetween<recordEnd(schema.slots[index]), next>(into);
 }
 
 // An absent one reads the vtable offset, and keeps nothing of it.
@@ -100,8 +104,8 @@ void readScalar(const uint8_t* at, uint16_t entry, uint8_t* field) {
   host::store(field, static_cast<Value>(host::load<Value>(at) & isThere));
 }
 
-// Verifies the table at `table` and fills the record, but for the parts of byte strings, which stay
-// null and of length 0. Returns false where the slot reader is to decide.
+// Verifies the table at `table` and fills the record; the pointers of byte strings lead into the
+// buffer. Returns false where the slot reader is to decide.
 template <const Schema& schema>
 bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
   constexpr uint32_t wholeVtable = vtableLength(schema);
@@ -137,41 +141,43 @@ bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
       return true;
     } else {
       Contents contents{};
-      host::clearConstant<recordEnd(slot) - slot.countOffset>(into + slot.countOffset);
-      return entry == 0 || buffer.locateBytes(at, contents);
+      if (entry != 0 && !buffer.locateBytes(at, contents)) [[unlikely]] {
+        return false;
+      }
+      // Leads into the buffer until the block is taken.
+      clearBetween<slot.countOffset + 4, slot.recordOffset>(into);
+      host::store(into + slot.countOffset, contents.length);
+      host::store(field, contents.length != 0 ? contents.bytes : nullptr);
+      return true;
     }
   });
 }
 
-// Takes the blocks of a sound table's byte strings, in slot order. Where the host refuses one, what
-// lies behind it in the record is cleared: the slot reader would not have come so far.
+// Takes the blocks of the byte strings that the pointers of a record lead to, in slot order. Where
+// the host refuses one, what lies behind it in the record is cleared: the slot reader would not
+// have come so far.
 template <const Schema& schema, Decoder decoder>
-Decoded takeParts(host::serial_env& env, HostBuffer buffer, uint32_t table, uint8_t* into) {
-  const Position entries = Position{table - buffer.read<uint32_t>(table)} + 4;
-  const bool taken = allSlots<schema>([&](auto index) {
+Decoded takeParts(host::serial_env& env, uint8_t* into) {
+  const bool areTaken = allSlots<schema>([&](auto index) {
     constexpr const Slot& slot = schema.slots[index];
-    auto decoded = Decoded::Yes;
-    if constexpr (slot.kind == Kind::Bytes ||
-                  (slot.kind == Kind::Table && ownsMemory(*slot.nested))) {
-      const auto entry = buffer.read<uint16_t>(entries + 2 * index);
-      const Position at = Position{table} + entry;
-      if constexpr (slot.kind == Kind::Bytes) {
-        Contents contents{};
-        if (entry != 0 && buffer.locateBytes(at, contents) && contents.length != 0) {
-          decoded = takeBytes(env, schema, decoder, slot, contents, into);
-        }
-      } else {
-        const auto nested = static_cast<uint32_t>(at) + buffer.read<uint32_t>(at);
-        decoded =
-            takeParts<*slot.nested, Decoder::Table>(env, buffer, nested, into + slot.recordOffset);
+    uint8_t* const field = into + slot.recordOffset;
+    auto taken = Decoded::Yes;
+    if constexpr (slot.kind == Kind::Bytes) {
+      const auto* const bytes = host::load<const uint8_t*>(field);
+      if (bytes != nullptr) {
+        host::store<uint8_t*>(field, nullptr);
+        const auto length = host::load<uint32_t>(into + slot.countOffset);
+        taken = takeBytes(env, schema, decoder, slot, {bytes, length}, into);
       }
+    } else if constexpr (slot.kind == Kind::Table && ownsMemory(*slot.nested)) {
+      taken = takeParts<*slot.nested, Decoder::Table>(env, field);
     }
-    if (decoded == Decoded::No) [[unlikely]] {
+    if (taken == Decoded::No) [[unlikely]] {
       std::memset(into + recordEnd(slot), 0, schema.size - recordEnd(slot));
     }
-    return decoded == Decoded::Yes;
+    return taken == Decoded::Yes;
   });
-  return taken ? Decoded::Yes : Decoded::No;
+  return areTaken ? Decoded::Yes : Decoded::No;
 }
 
 }  // namespace mesh::wire

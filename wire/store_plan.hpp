@@ -6,6 +6,7 @@
 // straight code.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -82,17 +83,28 @@ struct PlanLimits {
   uint32_t constants;
 };
 
-// Looks for the store that reaches furthest, again and again.
+// Finds a plan with the fewest stores, and among those one with few pairs, which take an
+// instruction more. From front to back, it takes the store that reaches furthest, to learn how many
+// there must be; then, from back to front, a plain store wherever one reaches far enough.
 class StorePlanner {
  public:
   // `stretches` cover the destination's bytes from front to back without a gap.
   constexpr StorePlanner(std::span<const Stretch> stretches, const PlanLimits& limits)
       : stretches_(stretches), limits_(limits), end_(stretches.back().end()) {}
 
-  constexpr StorePlan plan() {
+  constexpr StorePlan plan() const {
     StorePlan plan;
-    for (uint32_t laid = stretches_.front().to; laid < end_; laid = reach_) {
-      plan.stores[plan.count++] = furthest(laid);
+    // What lies there after so many stores, at most.
+    std::array<uint32_t, std::tuple_size_v<decltype(plan.stores)> + 1> laid{};
+    laid[0] = stretches_.front().to;
+    while (laid[plan.count] < end_) {
+      laid[plan.count + 1] = furthest(laid[plan.count]);
+      ++plan.count;
+    }
+    uint32_t wanted = end_;
+    for (size_t index = plan.count; index-- > 0;) {
+      plan.stores[index] = storeBetween(laid[index], wanted);
+      wanted = plan.stores[index].to;
     }
     return plan;
   }
@@ -100,6 +112,12 @@ class StorePlanner {
  private:
   static constexpr uint32_t chunk = host::chunk;
   static constexpr uint32_t pairHalf = chunk / 2;
+
+  // A store, and up to where it lays down what belongs there; 0 where there is none.
+  struct Candidate {
+    Store store;
+    uint32_t reach;
+  };
 
   constexpr const Stretch& stretchAt(uint32_t to) const {
     size_t index = 0;
@@ -113,66 +131,63 @@ class StorePlanner {
     return origin.from + size <= (origin.isConstant ? limits_.constants : limits_.source);
   }
 
-  // The store after which most lies there, when everything before `laid` does. Of equals, the one
-  // that is no pair, and the one that begins last.
-  constexpr Store furthest(uint32_t laid) {
-    const Stretch& next = stretchAt(laid);
-    if (next.isWhole()) {
-      reach_ = next.end();
-      return {laid, next.size, next.origin, {}, false};
+  // The widest store that there is room for: a narrower one costs as much and lays down no more.
+  constexpr Candidate plainAt(uint32_t to) const {
+    const Stretch& stretch = stretchAt(to);
+    const Origin origin = stretch.originOf(to);
+    if (stretch.isWhole()) {
+      return {{to, stretch.size, origin, {}, false}, to == stretch.to ? stretch.end() : 0};
     }
-    reach_ = laid;
-    for (uint32_t to = laid + 1; to-- > first(laid);) {
-      tryPlain(to);
+    uint32_t size = chunk;
+    while (to + size > end_ || !mayRead(origin, size)) {
+      size /= 2;
     }
-    for (uint32_t to = laid + 1; to-- > first(laid);) {
-      tryPair(to);
-    }
-    return best_;
+    return {{to, size, origin, {}, false}, std::min(stretch.end(), to + size)};
   }
 
-  // Where a store that adds to what is laid may begin.
-  constexpr uint32_t first(uint32_t laid) const {
+  constexpr Candidate pairAt(uint32_t to) const {
+    const uint32_t middle = to + pairHalf;
+    if (to + chunk > end_ || stretchAt(to).end() < middle || stretchAt(middle).isWhole()) {
+      return {};
+    }
+    const Origin low = stretchAt(to).originOf(to);
+    const Origin high = stretchAt(middle).originOf(middle);
+    const bool mayReadBoth = mayRead(low, pairHalf) && mayRead(high, pairHalf);
+    return {{to, chunk, low, high, true},
+            mayReadBoth ? std::min(stretchAt(middle).end(), to + chunk) : 0};
+  }
+
+  // Where a store that adds to `laid` may begin.
+  constexpr uint32_t firstFor(uint32_t laid) const {
     const uint32_t begin = stretches_.front().to;
     return laid < begin + chunk ? begin : laid + 1 - chunk;
   }
 
-  constexpr void consider(const Store& store, uint32_t reach) {
-    const uint32_t end = store.to + store.size;
-    if ((reach < end ? reach : end) > reach_) {
-      reach_ = reach < end ? reach : end;
-      best_ = store;
+  constexpr uint32_t furthest(uint32_t laid) const {
+    uint32_t reach = laid;
+    for (uint32_t to = firstFor(laid); to <= laid; ++to) {
+      reach = std::max({reach, plainAt(to).reach, pairAt(to).reach});
     }
+    return reach;
   }
 
-  // The widest store there is room for: a narrower one costs as much and lays down no more.
-  constexpr void tryPlain(uint32_t to) {
-    const Stretch& stretch = stretchAt(to);
-    uint32_t size = chunk;
-    while (to + size > end_ || !mayRead(stretch.originOf(to), size)) {
-      size /= 2;
+  // A store that begins within what is laid and lays down everything from there to `wanted`.
+  constexpr Store storeBetween(uint32_t laid, uint32_t wanted) const {
+    for (uint32_t to = firstFor(laid); to <= laid; ++to) {
+      if (plainAt(to).reach >= wanted) {
+        return plainAt(to).store;
+      }
     }
-    consider({to, size, stretch.originOf(to), {}, false}, stretch.end());
-  }
-
-  constexpr void tryPair(uint32_t to) {
-    const uint32_t middle = to + pairHalf;
-    if (to + chunk > end_ || stretchAt(to).end() < middle) {
-      return;
+    uint32_t to = firstFor(laid);
+    while (pairAt(to).reach < wanted) {
+      ++to;
     }
-    const Stretch& second = stretchAt(middle);
-    const Origin low = stretchAt(to).originOf(to);
-    const Origin high = second.originOf(middle);
-    if (!second.isWhole() && mayRead(low, pairHalf) && mayRead(high, pairHalf)) {
-      consider({to, chunk, low, high, true}, second.end());
-    }
+    return pairAt(to).store;
   }
 
   const std::span<const Stretch> stretches_;
   const PlanLimits limits_;
   const uint32_t end_;
-  uint32_t reach_ = 0;
-  Store best_{};
 };
 
 constexpr StorePlan planStores(std::span<const Stretch> stretches, const PlanLimits& limits) {
