@@ -1,5 +1,5 @@
-// A process that has two of the three bounded memory functions: they serve it, and the library's
-// own serves for the third one alone.
+// A process that has two of the three bounded memory functions: they serve it, and the C library
+// does the work of the third one alone.
 
 #include <gtest/gtest.h>
 

@@ -230,8 +230,8 @@ class TextReader {
     }
     // Only groups can be swapped words.
     const bool isStrict = format_ == Format::Colon;
-    // Leading blanks among the characters were skipped with the separator. Each of them is tried, so
-    // that no more are than a line of any dump has bytes.
+    // Leading blanks among the characters were skipped with the separator. Each number of them is
+    // tried, up to the longest line.
     size_t leading = 0;
     while (leading < std::min(bytes.size(), longestLine) && bytes[leading] == ' ') {
       ++leading;
