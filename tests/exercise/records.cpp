@@ -59,8 +59,7 @@ bool ownsParts(const Schema& schema, const uint8_t* record) {
     if (slot.kind == Kind::Table) {
       return ownsParts(*slot.nested, field);
     }
-    return mesh::wire::isOutOfLine(slot.kind) &&
-           mesh::host::load<const uint8_t*>(field) != nullptr;
+    return mesh::wire::isOutOfLine(slot.kind) && mesh::host::load<const uint8_t*>(field) != nullptr;
   });
 }
 

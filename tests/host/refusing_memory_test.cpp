@@ -173,6 +173,9 @@ void freeManyItems(void*, uint32_t, const char*) {
 
 // The limit that Annex K recommends, and a buffer of 518 KB with just enough items to pass it.
 TEST(RefusingMemoryOfItems, HandsOutNoOldBytesAboveTheUsualLimit) {
+  if (!harness::canRepeatMemory) {
+    GTEST_SKIP() << "the thread sanitizer";
+  }
   constexpr size_t usualLimit = 0x7FFFFFFF;
   constexpr uint32_t count = usualLimit / sizeof(l2vpn_cfg_query_dfx_item) + 1;
   const Operations& operations = harness::operationsOf("l2vpn_cfg_query_dfx_rec");

@@ -29,6 +29,9 @@ void expectMessage(const uint8_t* message) {
 }
 
 TEST(LargestMessage, IsPacked) {
+  if (!harness::canRepeatMemory) {
+    GTEST_SKIP() << "the thread sanitizer";
+  }
   const RepeatedMemory text(largest - head, 'x');
   const RepeatedMemory buffer(largest, 0);
   const dbginfo_key_l2vpn key{0, 0, 0, largest - head, text.data()};

@@ -1,5 +1,5 @@
-#include "host/memory.hpp"
 #include "host/binding.hpp"
+#include "host/memory.hpp"
 #include "msg/middleware.hpp"
 #include "shared_object/interface_types.hpp"
 

@@ -11,6 +11,15 @@
 
 namespace harness {
 
+// The thread sanitizer keeps some bytes for each that is touched: it would need the gigabytes.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool canRepeatMemory = false;
+#elif defined(__has_feature)
+inline constexpr bool canRepeatMemory = !__has_feature(thread_sanitizer);
+#else
+inline constexpr bool canRepeatMemory = true;
+#endif
+
 // `size` bytes, of which every stretch of 2 MiB is the same real memory, but for the first page and
 // the last one, which are memory of their own. A page that cannot be touched follows.
 class RepeatedMemory {
