@@ -14,8 +14,7 @@ using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 const char* kindName(Kind kind) {
-  static constexpr const char* names[] = {"scalar", "scalar", "scalar", "scalar",
-                                          "array",  "bytes",  "table",  "vector"};
+  static constexpr const char* names[] = {"scalar", "array", "bytes", "table", "vector"};
   return names[static_cast<int>(kind)];
 }
 
