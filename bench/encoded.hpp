@@ -1,5 +1,5 @@
-// Records as messages, made by the operations themselves and decoded once to see that they are
-// right, before anything is timed.
+// Records as messages, made by the operations themselves, and decoded once to check them before
+// anything is timed.
 #pragma once
 
 #include <cstdio>
@@ -50,12 +50,12 @@ void requireRoundTrip(const Records<Record>& records, const Encoded& encoded) {
     Exported<Record>::unpack(data, length, &decoded);
     if (!equal(schema<Record>, reinterpret_cast<const uint8_t*>(expected++),
                reinterpret_cast<const uint8_t*>(&decoded))) {
-      failRoundTrip(Exported<Record>::name, "a record is not what it was encoded from");
+      failRoundTrip(schema<Record>.name, "a record is not what it was encoded from");
     }
     Exported<Record>::release(&decoded);
   });
   if (expected != records.end()) {
-    failRoundTrip(Exported<Record>::name, "messages are missing");
+    failRoundTrip(schema<Record>.name, "messages are missing");
   }
 }
 
@@ -75,7 +75,7 @@ Encoded encodeCompact(const Records<Record>& records) {
     messages.bytes.resize(start + size);
     uint32_t length = size;
     if (Exported<Record>::pack(&record, messages.bytes.data() + start, &length) != 0) {
-      failRoundTrip(Exported<Record>::name, "__pack fails");
+      failRoundTrip(schema<Record>.name, "__pack fails");
     }
     messages.ends.push_back(static_cast<uint32_t>(start + length));
   }
@@ -90,7 +90,7 @@ Encoded encodeAsSent(const Records<Record>& records) {
   takeCaptured();
   for (const Record& record : records) {
     if (Exported<Record>::sendSingle(capturingDestination, &record) != 0) {
-      failRoundTrip(Exported<Record>::name, "__sendsingle fails");
+      failRoundTrip(schema<Record>.name, "__sendsingle fails");
     }
   }
   Encoded encoded(takeCaptured());

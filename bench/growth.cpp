@@ -13,8 +13,7 @@ std::string numbered(std::string name, Number number) {
   return name.append(1, '/').append(std::to_string(number));
 }
 
-// What batches ask of the allocator and nothing else: room for the tables and for a descriptor of
-// each, once a batch.
+// A batch's one allocation alone: room for its tables and their descriptors.
 template <typename Record>
 void batchAllocatorCase(benchmark::State& state, Shape shape, uint32_t batch) {
   static_assert(isSentFixed<Record>);
@@ -35,7 +34,7 @@ void batchAllocatorCase(benchmark::State& state, Shape shape, uint32_t batch) {
 
 template <typename Record>
 void addBatches() {
-  const std::string prefix = std::string("batch/") + Exported<Record>::name + "/";
+  const std::string prefix = std::string("batch/") + schema<Record>.name + "/";
   add(prefix + "copy", copyCase<Record>, Shape{});
   for (uint32_t batch = 16; batch <= recordCount; batch *= 2) {
     add(numbered(prefix + "batch", batch), batchCase<Record>, Shape{}, batch);
@@ -55,7 +54,7 @@ void addLengths() {
   }
 }
 
-// The clock on the wall counts: time that a thread waits for the other is time lost.
+// Wall-clock time: waiting for another thread counts.
 template <typename Case, typename... Arguments>
 void addThreads(const char* operation, Case run, Arguments... arguments) {
   const std::string name = std::string("thread/l2vpn_sync_vll_pw/") + operation;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// As the kernel names it.
+// The processor's name from the kernel.
 std::string processor() {
   std::ifstream information("/proc/cpuinfo");
   for (std::string line; std::getline(information, line);) {

@@ -46,7 +46,7 @@ template <typename Record>
 void packCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
   const Encoded encoded = encodeCompact(records);
-  // As a process that packs whatever record comes: room for the largest, whether it comes or not.
+  // Room for the largest record, as a process has that packs any.
   uint32_t room = 1024;
   encoded.each([&](const uint8_t*, uint32_t length) { room = std::max(room, length); });
   Placed<uint8_t> buffer(room);
@@ -143,7 +143,7 @@ void singleCase(benchmark::State& state, Shape shape) {
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
-// The tables of a compact batch have 65,536 bytes together; a little less, as they differ.
+// The tables of a compact batch may take 65,536 bytes together; less, as their sizes differ.
 inline constexpr uint32_t largestCompactBatch = 60000;
 
 // The largest power of two up to `wanted` that the library takes.
@@ -165,7 +165,7 @@ void batchCase(benchmark::State& state, Shape shape, uint32_t wanted) {
   const uint32_t batches = records.size() / batch;
   if (Exported<Record>::sendBatch(capturingDestination, records.begin(), batch) != 0 ||
       takeCaptured().ends.size() != batch) {
-    failRoundTrip(Exported<Record>::name, "__sendbatch fails");
+    failRoundTrip(schema<Record>.name, "__sendbatch fails");
   }
   timePasses(state, [first = records.begin(), batch, batches] {
     const Record* next = first;

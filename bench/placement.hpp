@@ -1,5 +1,5 @@
-// Where things lie in memory, the same in every process: a record across two cache lines, or a
-// stack frame across two pages, costs several times what the copy of a record does.
+// Places records and stack frames alike in every process: a record across two cache lines, or a
+// stack frame across two pages, costs several times a record's copy.
 #pragma once
 
 #include <benchmark/benchmark.h>

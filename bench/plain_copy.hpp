@@ -1,5 +1,5 @@
-// The yardstick: a copy of the record and of what it points to, through a function that the
-// compiler does not know, so that it can neither drop nor merge nor expand copies.
+// The yardstick: a copy of the record and of what it points to, through a function that is opaque
+// to the compiler, so that it cannot drop, merge or expand copies.
 #pragma once
 
 #include <cstring>

@@ -19,7 +19,7 @@ struct Shape {
   Fill fill = Fill::Full;
   uint32_t stringLength = 32;  // of every byte string
   uint32_t items = 1;          // of every run of records
-  // Where the records and their parts take more than this together, there are fewer of them.
+  // Fewer records where they and their parts would take more than this together.
   uint64_t room = uint64_t{80} << 20;
   uint64_t seed = 1;
 };

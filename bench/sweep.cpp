@@ -7,7 +7,7 @@ namespace {
 
 template <typename Record>
 void addMessage() {
-  const std::string prefix = std::string("sweep/") + Exported<Record>::name + "/";
+  const std::string prefix = std::string("sweep/") + schema<Record>.name + "/";
   // The records of the largest messages stay in the caches, too.
   const Shape shape{.room = uint64_t{512} << 10};
   add(prefix + "copy", copyCase<Record>, shape);
@@ -24,9 +24,7 @@ void addMessage() {
 #define BENCH_ADD(X, identifier) addMessage<X>();
 
 void addSweep() {
-  L2VPN_CFG_MESSAGES(BENCH_ADD)
-  L2VPN_STAT_MESSAGES(BENCH_ADD)
-  L2VPN_SYNC_MESSAGES(BENCH_ADD)
+  L2VPN_MESSAGES(BENCH_ADD)
 }
 
 }  // namespace bench

@@ -10,7 +10,7 @@ constexpr uint32_t usualBatch = 256;
 // `label` tells the cases of one message apart.
 template <typename Record>
 void addMessage(const Shape& shape = {}, const std::string& label = "") {
-  const std::string prefix = std::string("target/") + Exported<Record>::name + label + "/";
+  const std::string prefix = std::string("target/") + schema<Record>.name + label + "/";
   Shape sparse = shape;
   sparse.fill = Fill::Sparse;
   add(prefix + "copy", copyCase<Record>, shape);

@@ -2,12 +2,14 @@
 # that what the shared object hides is tested all the same.
 
 set(mesh_l2vpn_includes
+  ${CMAKE_CURRENT_SOURCE_DIR}/include
   ${CMAKE_CURRENT_SOURCE_DIR}/msg/include
   ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_cfg/include
   ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_stat/include
   ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include)
 
 set(mesh_l2vpn_public_headers
+  ${CMAKE_CURRENT_SOURCE_DIR}/include/mesh_l2vpn/messages.h
   ${CMAKE_CURRENT_SOURCE_DIR}/msg/include/mesh_l2vpn/operations.h)
 foreach(service l2vpn_cfg l2vpn_stat l2vpn_sync)
   list(APPEND mesh_l2vpn_public_headers
@@ -46,14 +48,13 @@ target_compile_options(mesh_l2vpn_objects PRIVATE
   $<$<BOOL:${MESH_L2VPN_DEVELOPER}>:-g>)
 mesh_l2vpn_warnings(mesh_l2vpn_objects)
 
-# The version script names what the public headers' lists of messages name, and nothing else.
+# The version script names what the list of messages names, and nothing else.
 set(mesh_l2vpn_exports ${CMAKE_CURRENT_BINARY_DIR}/mesh_l2vpn.map)
 list(TRANSFORM mesh_l2vpn_includes PREPEND -I OUTPUT_VARIABLE mesh_l2vpn_include_flags)
-list(TRANSFORM mesh_l2vpn_public_headers PREPEND "-imacros;" OUTPUT_VARIABLE mesh_l2vpn_macros)
 add_custom_command(
   OUTPUT ${mesh_l2vpn_exports}
-  COMMAND ${CMAKE_C_COMPILER} -E -P -x c ${mesh_l2vpn_include_flags} ${mesh_l2vpn_macros}
-          ${CMAKE_CURRENT_SOURCE_DIR}/cmake/mesh_l2vpn.map.in -o ${mesh_l2vpn_exports}
+  COMMAND ${CMAKE_C_COMPILER} -E -P -x c ${mesh_l2vpn_include_flags}
+          -imacros mesh_l2vpn/messages.h ${CMAKE_CURRENT_SOURCE_DIR}/cmake/mesh_l2vpn.map.in -o ${mesh_l2vpn_exports}
   DEPENDS cmake/mesh_l2vpn.map.in ${mesh_l2vpn_public_headers}
   VERBATIM)
 add_custom_target(mesh_l2vpn_exports DEPENDS ${mesh_l2vpn_exports})

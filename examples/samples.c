@@ -3,8 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "mesh_l2vpn/l2vpn_cfg.h"
-#include "mesh_l2vpn/l2vpn_stat.h"
+#include "mesh_l2vpn/messages.h"
 
 static uint8_t text[] = "pseudowire 4711 towards 192.0.2.7";
 static l2vpn_cfg_query_dfx_item items[2];
@@ -16,7 +15,7 @@ static void fill_bytes(void* record, size_t size, uint32_t seed) {
   }
 }
 
-/* The records with pointers, whose bytes alone make no record. */
+/* Records with pointers need more than their bytes. */
 static void complete_dbginfo_key_l2vpn(dbginfo_key_l2vpn* record) {
   record->f3_len = sizeof text;
   record->f3 = text;
@@ -79,14 +78,11 @@ static void complete(uint32_t id, void* record) {
     return X##__sendtomsg(destination, record, 1, extra);                              \
   }
 
-L2VPN_CFG_MESSAGES(DEFINE_SAMPLE)
-L2VPN_STAT_MESSAGES(DEFINE_SAMPLE)
-L2VPN_SYNC_MESSAGES(DEFINE_SAMPLE)
+L2VPN_MESSAGES(DEFINE_SAMPLE)
 
 #define SAMPLE(X, identifier) {#X, identifier, sizeof(X), fill_##X, pack_##X, send_##X},
 
-const sample_message sample_messages[] = {L2VPN_CFG_MESSAGES(SAMPLE) L2VPN_STAT_MESSAGES(SAMPLE)
-                                              L2VPN_SYNC_MESSAGES(SAMPLE)};
+const sample_message sample_messages[] = {L2VPN_MESSAGES(SAMPLE)};
 
 const size_t sample_message_count = sizeof sample_messages / sizeof sample_messages[0];
 

@@ -1,5 +1,5 @@
-/* Records that both processes of the demonstration can make for themselves, so that the receiver
- * can prove that what arrived is what was sent. */
+/* Records that both processes of the demonstration can make, so that the receiver can prove that
+ * what arrived is what was sent. */
 #ifndef EXAMPLES_SAMPLES_H
 #define EXAMPLES_SAMPLES_H
 

@@ -19,7 +19,7 @@
 #include "samples.h"
 #include "zarnimesh/node.h"
 
-/* Without a record for this long, the sender is taken for gone. */
+/* Without a record for this long, the sender counts as gone. */
 enum { patience_s = 20 };
 
 /* How many records the tour has: an update, a batch of four, statistics, a key, a delete. */
@@ -183,7 +183,7 @@ static bool report(const struct watcher* watcher, const mesh_node_statistics* st
          statistics->duplicate_calls == 0;
 }
 
-/* Until all has arrived, or nothing more does. */
+/* Until everything has arrived, or nothing more arrives. */
 static void receive_all(mesh_node* node, struct watcher* watcher) {
   time_t last_delivery = time(NULL);
   while (watcher->streamed < watcher->expected) {

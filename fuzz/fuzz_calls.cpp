@@ -1,6 +1,6 @@
-// Sequences of calls with an allocator that fails where the input says. Whatever the order: what is
-// out is what the records hold, a send reaches the middleware as a whole or not at all, and a block
-// goes back to where it came from.
+// Sequences of calls with an allocator that fails where the input says. In any order, the blocks in
+// use are those that the records hold, a send reaches the middleware as a whole or not at all, and
+// a block returns to where it came from.
 
 #include <algorithm>
 #include <array>
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "input.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/comparison.hpp"
 #include "support/recorder.hpp"
 #include "values.hpp"
@@ -20,16 +20,17 @@ namespace {
 
 using harness::Operations;
 using harness::recorder;
-using model::Kind;
-using model::Message;
+using oracle::Description;
+using oracle::Kind;
 
 constexpr uint32_t failure = 0xFFFFFFFF;
 constexpr size_t mostCalls = 24;
 constexpr size_t heldRecords = 3;
 
 // The blocks that a record's pointers lead to.
-void collectBlocks(const Message& message, const uint8_t* record, std::set<const void*>& blocks) {
-  for (const model::Field& field : message.fields) {
+void collectBlocks(const Description& message, const uint8_t* record,
+                   std::set<const void*>& blocks) {
+  for (const oracle::Field& field : message.fields) {
     const uint8_t* const place = record + field.offset;
     if (field.kind == Kind::Table) {
       collectBlocks(*field.nested, place, blocks);
@@ -84,7 +85,9 @@ class Calls {
     const Operations* operations = nullptr;
     std::vector<uint8_t> record;
 
-    [[nodiscard]] const Message& message() const { return model::message(operations->name); }
+    [[nodiscard]] const Description& message() const {
+      return oracle::descriptionOf(operations->name);
+    }
     [[nodiscard]] std::set<const void*> blocks() const {
       std::set<const void*> blocks;
       if (operations != nullptr) {
@@ -94,12 +97,12 @@ class Calls {
     }
   };
 
-  // A message of the compact arrangement, now and then with an injury.
-  std::vector<uint8_t> takeMessage(const Message& message, bool reversed, bool& whole) {
-    const model::Value value = fuzz::takeRecord(input_, message, fuzz::Lengths::True).value;
+  // A compact message, sometimes damaged.
+  std::vector<uint8_t> takeMessage(const Description& message, bool reversed, bool& whole) {
+    const oracle::Value value = fuzz::takeRecord(input_, message, fuzz::Lengths::True).value;
     std::vector<uint8_t> bytes;
-    if (model::sendableSize(message, value)) {
-      for (const auto& byte : model::compactBytes(message, value, reversed)) {
+    if (oracle::sendableSize(message, value)) {
+      for (const auto& byte : oracle::compactBytes(message, value, reversed)) {
         bytes.push_back(byte.value_or(0));
       }
     }
@@ -114,7 +117,7 @@ class Calls {
 
   void receive(Held& held) {
     held.operations = &fuzz::Head{input_.ConsumeIntegral<uint8_t>(), 0}.operations();
-    held.record.assign(held.operations->schema->size, 0);
+    held.record.assign(held.operations->schema().size, 0);
     const bool reversed = input_.ConsumeBool();
     bool whole = false;
     const std::vector<uint8_t> bytes = takeMessage(held.message(), reversed, whole);
@@ -136,7 +139,7 @@ class Calls {
       return false;
     }
     again.resize(length);
-    // A byte string that is there and empty ends the first message with room for itself.
+    // A byte string of length 0 that is not null ends the first message with eight unwritten bytes.
     return std::equal(again.begin(), again.end(), bytes.begin());
   }
 
@@ -184,7 +187,7 @@ class Calls {
     uint32_t result = 0;
     switch (operation) {
       case 0:
-        result = held.operations->sendSingle(1, records.data(), extra);
+        result = held.operations->sendSingle(1, records.data(), harness::unused, extra);
         break;
       case 1:
         result = held.operations->sendBatch(1, records.data(), count, extra);
@@ -208,17 +211,17 @@ class Calls {
     expect(result == recorder().middlewareResult, "the middleware's result was lost");
     expect(recorder().sent.size() == count, "a part of the records was sent");
     for (const harness::SentTable& sent : recorder().sent) {
-      expect(sent.id == held.operations->id, "sent as another message");
+      expect(sent.id == held.operations->id(), "sent as another message");
       expect(sent.bytes == recorder().sent[0].bytes, "the same record in other bytes");
     }
   }
 
   void begin(const char* call, const Held& held) {
-    call_ = std::string(call) + held.operations->name;
+    call_.assign(call).append(held.operations->name);
     static_cast<void>(harness::takeTrace());
   }
 
-  // What every call owes.
+  // What holds after every call.
   void end() {
     trace_ = harness::takeTrace();
     for (const std::string& line : trace_) {

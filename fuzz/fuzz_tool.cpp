@@ -22,7 +22,7 @@
 
 namespace {
 
-// Enough for what inputs hold; a few bytes can ask for much more, and zeros teach nothing.
+// Enough for what inputs hold. A few bytes can ask for much more, but only for zeros.
 constexpr uint64_t largestMemory = uint64_t{1} << 19;
 
 using tool::Bytes;
@@ -137,7 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < fuzz::headSize) {
     return -1;
   }
-  // Ends with its allocation.
+  // The allocation ends with the bytes.
   const std::vector<uint8_t> body(data + fuzz::headSize, data + size);
   read({data[0], data[1]}, body);
   return 0;

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "input.hpp"
-#include "model/record_image.hpp"
-#include "model/sender.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/comparison.hpp"
 #include "support/recorder.hpp"
 
@@ -15,44 +15,44 @@ namespace {
 
 using harness::Operations;
 
-// A few bytes can ask for an item of 16 KiB each. More than this is refused: to look at gigabytes
-// of zeros finds nothing.
+// A few bytes can ask for an item of 16 KiB each. More than this is refused: gigabytes of zeros
+// find nothing.
 constexpr uint32_t largestBlock = uint32_t{1} << 19;
 
-model::Value received(const Operations& operations, std::span<const uint8_t> bytes) {
-  const model::Message& message = model::message(operations.name);
+oracle::Value received(const Operations& operations, std::span<const uint8_t> bytes) {
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
   harness::resetRecorder();
   harness::recorder().largestBlock = largestBlock;
-  model::RecordImage record(message, uint8_t{0});
+  oracle::RecordImage record(message, uint8_t{0});
   operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
-  const model::Value value = model::load(message, record.data());
+  const oracle::Value value = oracle::load(message, record.data());
   operations.freeUnpacked(record.data());
   return value;
 }
 
-void expectSame(const Operations& operations, const char* arrangement, const model::Value& value,
-                const model::Value& expected) {
+void expectSame(const Operations& operations, const char* arrangement, const oracle::Value& value,
+                const oracle::Value& expected) {
   if (!(value == expected)) {
     fuzz::expectNone(std::string(operations.name) + ": its " + arrangement +
-                     " arrangement, received, differs at " + model::difference(value, expected));
+                     " arrangement, received, differs at " + oracle::difference(value, expected));
   }
 }
 
-void expectFixedPoint(const Operations& operations, const model::Value& value, bool reversed) {
-  const model::Message& message = model::message(operations.name);
-  const std::optional<uint32_t> size = model::sendableSize(message, value);
+void expectFixedPoint(const Operations& operations, const oracle::Value& value, bool reversed) {
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
+  const std::optional<uint32_t> size = oracle::sendableSize(message, value);
   fuzz::expectNone(harness::comparePack(operations, value, size.value_or(64), reversed));
   if (size) {
     const std::vector<uint8_t> first = harness::packed(operations, value, reversed);
-    const model::Value again = received(operations, first);
-    expectSame(operations, "compact", again, model::asReceived(value));
+    const oracle::Value again = received(operations, first);
+    expectSame(operations, "compact", again, oracle::asReceived(value));
     if (harness::packed(operations, again, reversed) != first) {
       fuzz::expectNone(std::string(operations.name) + ": the second encoding is not the first");
     }
   }
   if (message.sentFixed) {
     fuzz::expectNone(
-        harness::compareSend(operations, model::Operation::Single, {value}, 0, reversed));
+        harness::compareSend(operations, oracle::Operation::Single, {value}, 0, reversed));
     const std::vector<uint8_t> image = harness::recorder().sent.at(0).bytes;
     expectSame(operations, "fixed", received(operations, image), value);
   }

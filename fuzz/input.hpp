@@ -1,4 +1,4 @@
-// How the bytes that the fuzzer tries are taken: a head that says what to call, and a body.
+// An input of a fuzzer: a head that says what to call, and a body.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "model/message.hpp"
+#include "oracle/messages/description.hpp"
 #include "support/operations.hpp"
 
 namespace fuzz {
@@ -29,7 +29,7 @@ struct Head {
   [[nodiscard]] size_t alignment() const { return (choices >> 3) & 7; }
 };
 
-// Ends the process with a text of what differs: libFuzzer keeps the input.
+// Prints what differs and ends the process: libFuzzer keeps the input.
 inline void expectNone(const std::string& difference) {
   if (!difference.empty()) {
     std::fprintf(stderr, "%s\n", difference.c_str());

@@ -1,12 +1,11 @@
-// Mutations that know what a message is. Blind ones rarely keep a frame whole, and would take long
-// to find one at all.
+// Mutations that know what a message is. Blind ones rarely leave a readable message.
 
 #include <algorithm>
 #include <random>
 
 #include "input.hpp"
-#include "model/generate.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t largest);
 
@@ -14,14 +13,14 @@ namespace {
 
 // A message of random contents, in one of its arrangements.
 std::vector<uint8_t> validMessage(const fuzz::Head& head, std::mt19937_64& random) {
-  const model::Message& message = model::message(head.operations().name);
-  const auto density = static_cast<model::Density>(random() % 3);
-  const model::Value value = model::randomValue(message, random, density);
+  const oracle::Description& message = oracle::descriptionOf(head.operations().name);
+  const auto density = static_cast<oracle::Density>(random() % 3);
+  const oracle::Value value = oracle::randomValue(message, random, density);
   if (!message.hasOutOfLineParts && random() % 2 == 0) {
-    return model::fixedImage(message, value, head.reversed());
+    return oracle::fixedImage(message, value, head.reversed());
   }
   std::vector<uint8_t> bytes;
-  for (const std::optional<uint8_t>& byte : model::compactBytes(message, value, head.reversed())) {
+  for (const std::optional<uint8_t>& byte : oracle::compactBytes(message, value, head.reversed())) {
     bytes.push_back(byte.value_or(0));
   }
   return bytes;
@@ -39,7 +38,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t lar
   uint8_t* const body = data + fuzz::headSize;
   const fuzz::Head head{data[0], data[1]};
   const std::vector<uint8_t> bytes =
-      choice == 0 ? validMessage(head, random) : model::mutate({body, data + size}, random);
+      choice == 0 ? validMessage(head, random) : oracle::mutate({body, data + size}, random);
   const size_t kept = std::min(bytes.size(), largest - fuzz::headSize);
   std::copy_n(bytes.begin(), kept, body);
   return fuzz::headSize + kept;

@@ -2,119 +2,86 @@
 
 #include <algorithm>
 
+#include "oracle/values/fill.hpp"
+
 namespace fuzz {
 namespace {
 
-using model::Field;
-using model::FieldValue;
-using model::Kind;
+using oracle::FieldValue;
 
-uint64_t takeScalar(FuzzedDataProvider& input, uint32_t width) {
-  switch (width) {
-    case 1:
-      return input.ConsumeIntegral<uint8_t>();
-    case 2:
-      return input.ConsumeIntegral<uint16_t>();
-    case 4:
-      return input.ConsumeIntegral<uint32_t>();
-    default:
-      return input.ConsumeIntegral<uint64_t>();
-  }
-}
+// The order in which this consumes its input gives the committed corpus its meaning.
+class InputSource : public oracle::Source {
+ public:
+  InputSource(FuzzedDataProvider& input, Lengths lengths) : input_(input), lengths_(lengths) {}
 
-// As many bytes as the input wants to spend, and then zeros.
-std::vector<uint8_t> takeArray(FuzzedDataProvider& input, uint32_t size) {
-  std::vector<uint8_t> bytes =
-      input.ConsumeBytes<uint8_t>(std::min<uint32_t>(size, input.ConsumeIntegral<uint8_t>()));
-  bytes.resize(size, 0);
-  return bytes;
-}
+  [[nodiscard]] bool lies() const { return lies_; }
 
-// Returns whether the length is true.
-bool takeBytes(FuzzedDataProvider& input, Lengths lengths, FieldValue& field) {
-  switch (input.ConsumeIntegralInRange(0, lengths == Lengths::MayLie ? 5 : 4)) {
-    case 0:
-      return true;
-    case 1:  // a length without a pointer
-      field.length = input.ConsumeIntegral<uint32_t>();
-      return true;
-    case 2:
-      model::setBytes(field, {});
-      return true;
-    case 3:
-      model::setBytes(field, input.ConsumeBytes<uint8_t>(input.ConsumeIntegral<uint8_t>()));
-      return true;
-    case 4:  // up to about three times what a table's length can state
-      model::setBytes(field, std::vector<uint8_t>(size_t{3} * input.ConsumeIntegral<uint16_t>(),
-                                                  input.ConsumeIntegral<uint8_t>()));
-      return true;
-    default:
-      model::setBytes(field, {1});
-      field.length = input.ConsumeIntegral<uint32_t>();
-      return field.length <= 1;
-  }
-}
+  uint32_t presentSlots() override { return input_.ConsumeIntegral<uint32_t>(); }
 
-model::Value take(FuzzedDataProvider& input, const model::Message& message, Lengths lengths,
-                  bool& lies);
-
-void takeItems(FuzzedDataProvider& input, const Field& shape, Lengths lengths, FieldValue& field,
-               bool& lies) {
-  const auto form = input.ConsumeIntegralInRange(0, 5);
-  if (form == 0) {
-    return;
-  }
-  if (form == 1) {  // a count without a pointer
-    field.length = input.ConsumeIntegral<uint32_t>();
-    return;
-  }
-  std::vector<model::Value> items;
-  for (int count = 2; count < form; ++count) {
-    items.push_back(take(input, *shape.nested, lengths, lies));
-  }
-  model::setItems(field, items);
-}
-
-model::Value take(FuzzedDataProvider& input, const model::Message& message, Lengths lengths,
-                  bool& lies) {
-  model::Value value = model::zeroValue(message);
-  const auto present = input.ConsumeIntegral<uint32_t>();
-  for (size_t slot = 0; slot < message.fields.size(); ++slot) {
-    const Field& shape = message.fields[slot];
-    FieldValue& field = value[slot];
-    if (((present >> slot) & 1) == 0 && shape.kind != Kind::Table) {
-      continue;
-    }
-    switch (shape.kind) {
-      case Kind::U8:
-      case Kind::U16:
-      case Kind::U32:
-      case Kind::U64:
-        field.scalar = takeScalar(input, shape.size);
-        break;
-      case Kind::Array:
-        field.bytes = takeArray(input, shape.size);
-        break;
-      case Kind::Bytes:
-        lies = !takeBytes(input, lengths, field) || lies;
-        break;
-      case Kind::Table:
-        model::nested(field) = take(input, *shape.nested, lengths, lies);
-        break;
-      case Kind::Vector:
-        takeItems(input, shape, lengths, field, lies);
-        break;
+  uint64_t scalar(uint32_t width) override {
+    switch (width) {
+      case 1:
+        return input_.ConsumeIntegral<uint8_t>();
+      case 2:
+        return input_.ConsumeIntegral<uint16_t>();
+      case 4:
+        return input_.ConsumeIntegral<uint32_t>();
+      default:
+        return input_.ConsumeIntegral<uint64_t>();
     }
   }
-  return value;
-}
+
+  // As many bytes as the input says, then zeros.
+  std::vector<uint8_t> array(uint32_t size) override {
+    std::vector<uint8_t> bytes =
+        input_.ConsumeBytes<uint8_t>(std::min<uint32_t>(size, input_.ConsumeIntegral<uint8_t>()));
+    bytes.resize(size, 0);
+    return bytes;
+  }
+
+  void fillString(FieldValue& field) override {
+    switch (input_.ConsumeIntegralInRange(0, lengths_ == Lengths::MayLie ? 5 : 4)) {
+      case 0:
+        return;
+      case 1:  // a length without a pointer
+        field.length = input_.ConsumeIntegral<uint32_t>();
+        return;
+      case 2:
+        return oracle::setBytes(field, {});
+      case 3:
+        return oracle::setBytes(field,
+                                input_.ConsumeBytes<uint8_t>(input_.ConsumeIntegral<uint8_t>()));
+      case 4:  // up to about three times what a table's length can state
+        return oracle::setBytes(field,
+                                std::vector<uint8_t>(size_t{3} * input_.ConsumeIntegral<uint16_t>(),
+                                                     input_.ConsumeIntegral<uint8_t>()));
+      default:
+        oracle::setBytes(field, {1});
+        field.length = input_.ConsumeIntegral<uint32_t>();
+        lies_ = lies_ || field.length > 1;
+    }
+  }
+
+  std::optional<uint32_t> itemCount(FieldValue& field) override {
+    const uint32_t form = input_.ConsumeIntegralInRange(0U, 5U);
+    if (form == 1) {  // a count without a pointer
+      field.length = input_.ConsumeIntegral<uint32_t>();
+    }
+    return form < 2 ? std::nullopt : std::optional(form - 2);
+  }
+
+ private:
+  FuzzedDataProvider& input_;
+  Lengths lengths_;
+  bool lies_ = false;
+};
 
 }  // namespace
 
-Taken takeRecord(FuzzedDataProvider& input, const model::Message& message, Lengths lengths) {
-  Taken taken;
-  taken.value = take(input, message, lengths, taken.lies);
-  return taken;
+Taken takeRecord(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths) {
+  InputSource source(input, lengths);
+  oracle::Value value = oracle::fill(message, source);
+  return {std::move(value), source.lies()};
 }
 
 }  // namespace fuzz

@@ -1,21 +1,21 @@
-// Records out of the bytes that the fuzzer tries.
+// Records made of a fuzzer's input.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "model/value.hpp"
+#include "oracle/values/value.hpp"
 
 namespace fuzz {
 
-// Whether byte strings may be declared longer than they are. Such a record can be measured, but not
+// Whether byte strings may be declared longer than they are. Such a record can be measured, not
 // written.
 enum class Lengths { True, MayLie };
 
 struct Taken {
-  model::Value value;
+  oracle::Value value;
   bool lies = false;
 };
 
-Taken takeRecord(FuzzedDataProvider& input, const model::Message& message, Lengths lengths);
+Taken takeRecord(FuzzedDataProvider& input, const oracle::Description& message, Lengths lengths);
 
 }  // namespace fuzz

@@ -19,7 +19,7 @@ using AllocFn = void* (*)(uint32_t size, uint32_t owner, const char* caller);
 using FreeFn = void (*)(void* block, uint32_t owner, const char* caller);
 using MemUseFlagGetFn = uint32_t (*)(uint32_t owner);
 
-// The owner id of everything that decoding allocates, and the one the host is asked about.
+// The owner id of everything that decoding allocates. DDM_OsalMemUseFlagGet is asked about it.
 inline constexpr uint32_t unpackOwner = 12;
 
 // The standard allocator behind the host allocator's signature.
@@ -72,7 +72,8 @@ Function lookUp(const char* symbol) {
   return reinterpret_cast<Function>(dlsym(nullptr, symbol));
 }
 
-// A block must go back to the allocator it came from, so a pair is the host's or ours as a whole.
+// A block must go back to the allocator that it came from, so both functions are the host's or both
+// are ours.
 inline void completePair(AllocFn& alloc, FreeFn& release) {
   if (alloc == nullptr || release == nullptr) {
     alloc = &mallocWrapper;
@@ -121,9 +122,8 @@ inline bool isCodecReady(const Module& module) {
   return module.env.unpackBound.load(std::memory_order_acquire) != 0;
 }
 
-// Comes before every reading, writing and release of a message. The unpack side's binding clears
-// swapBytes, so whoever writes binds it too, to know the byte order; readers and releases need its
-// allocator as well.
+// Call this before you read, write or release a message. Readers and releases need the unpack
+// allocator. Writers need the byte order, which the same binding clears.
 inline void readyCodec(Module& module) {
   if (!isCodecReady(module)) [[unlikely]] {
     bindUnpackAllocator(module);

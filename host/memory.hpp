@@ -53,9 +53,9 @@ void store(uint8_t* to, Value value) {
   std::memcpy(to, &value, sizeof value);
 }
 
-// Copies and fills of a size that is known at run time, and that the caller has checked, through
-// the process's bounded memory functions. Where it has none, or where one refuses, for example a
-// size above a limit of its own, the C library's function does the work: no byte stays unwritten.
+// Copies and fills of a size known at run time. The caller has checked the size. They use the
+// process's bounded memory functions. The C library's function does the work where the process has
+// none, or where it refuses (a size above its own limit, for example): no byte stays unwritten.
 inline void copyBytes(void* to, const void* from, size_t count) {
   if (&::memcpy_sOptAsm == nullptr || ::memcpy_sOptAsm(to, count, from, count) != 0) {
     std::memmove(to, from, count);
@@ -97,9 +97,9 @@ inline void clearRecord(uint8_t* to, size_t count) {
 // The most that one store holds.
 inline constexpr size_t chunk = 16;
 
-// For sizes that the compiler knows. Moves sixteen bytes at a time, the last ones overlapping those
-// before: compilers turn some sizes into string instructions, which cost more than the rest of a
-// message together.
+// For sizes that the compiler knows. Moves sixteen bytes at a time; the last move overlaps the one
+// before. Left to themselves, compilers use string instructions for some sizes, which cost more
+// than the rest of a message.
 template <size_t count>
 void copyConstant(uint8_t* to, const uint8_t* from) {
   if constexpr (count > largestInPlace) {

@@ -60,8 +60,8 @@ struct MessageOf;
 template <typename RecordType>
 inline constexpr const Message& messageOf = MessageOf<RecordType>::message;
 
-// Whether the code of one message does for another. Names and identifiers come to it as arguments,
-// but for the names that the release of out-of-line parts passes to the host.
+// Whether one message's code can serve another. Names and identifiers are arguments of that code,
+// except the names that a release of out-of-line parts passes to the host.
 constexpr bool haveSameLayout(const Message& one, const Message& other) {
   return &one == &other ||
          (one.policy == other.policy && wire::haveSameLayout(*one.schema, *other.schema) &&
@@ -129,8 +129,8 @@ consteval Message makeMessage(const Service& service, const wire::Schema& schema
   inline constexpr const msg::Message* messages[] = {list(MESH_ADDRESS_OF_MESSAGE)}; \
   }
 
-// Opens a module's source file, where `module` and `messages` are its module and its service's
-// messages from here on. The constructor is all that runs when the library is loaded.
+// Defines a module at the top of its source file. From here on, `module` is the module and
+// `messages` its service's messages. Only the constructor runs when the library is loaded.
 #define MESH_DEFINE_MODULE(service, module_name)                            \
   constinit mesh::host::Module mesh::service::module_name;                  \
   static constexpr mesh::host::Module& module = mesh::service::module_name; \

@@ -26,7 +26,7 @@ size_t encode(uint8_t* buffer, const uint8_t* from) {
   return written;
 }
 
-// The same, once for all operations of a message that is sent in the compact arrangement.
+// The same, as one function that all operations of a compact message share.
 template <host::Module& module, const Message& owner>
 [[gnu::noinline, gnu::flatten]] void encodeCompact(uint8_t* buffer, const uint8_t* from) {
   encode<module, owner>(buffer, from);
@@ -39,7 +39,7 @@ template <const Message& owner>
   return size <= room ? size : 0;
 }
 
-// Room enough, and no buffer: logged, and taken for a question of the size.
+// The room is enough, but there is no buffer: logs, and states the size.
 [[gnu::cold, gnu::noinline]] inline uint32_t packNowhere(host::serial_env& env,
                                                          const char* function, const void* record,
                                                          uint32_t* length, uint32_t size) {
@@ -64,8 +64,8 @@ uint32_t packMeasured(const uint8_t* from, uint8_t* buffer, uint32_t* length,
   return success;
 }
 
-// A record without out-of-line parts: a buffer that holds the message whatever its values is
-// written at once, and the writing tells the size.
+// A record without out-of-line parts. A buffer that holds the largest message is written at once;
+// the writer returns the size.
 template <host::Module& module, const Message& owner>
 uint32_t packBounded(const uint8_t* from, uint8_t* buffer, uint32_t* length, const char* function) {
   constexpr uint64_t largest = wire::largestCompactSize(*owner.schema);
@@ -83,8 +83,9 @@ uint32_t packBounded(const uint8_t* from, uint8_t* buffer, uint32_t* length, con
   return success;
 }
 
-// `length` holds the buffer's room, and on success the message's exact size. A null buffer with
-// room enough is logged, under `function`, and counts as success: so callers ask for the size.
+// `length` is the buffer's room on entry, and the message's exact size on success. A null buffer
+// with enough room is logged under `function` and counts as success: callers ask for the size this
+// way.
 template <host::Module& module, const Message& owner>
 [[gnu::noinline, gnu::flatten]] uint32_t pack(const void* record, uint8_t* buffer, uint32_t* length,
                                               const char* function) {

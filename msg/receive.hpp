@@ -11,8 +11,8 @@ namespace mesh::msg {
 using wire::Decoded;
 using wire::Decoder;
 
-// Every out-of-line part of a record, in slot order: the host's free is called, for null pointers
-// too, and the pointer becomes null; lengths and counts stay. `function` is the message's own
+// Releases every out-of-line part of a record, in slot order, and sets its pointer to null. Calls
+// the host's free for null pointers too. Lengths and counts stay. `function` is the message's own
 // release text, also for the parts of nested records.
 template <host::Module& module, const wire::Schema& schema>
 void releaseParts(uint8_t* into, const char* function) {
@@ -42,8 +42,8 @@ template <host::Module& module, const Message& message>
   }
 }
 
-// What a decoding leaves to its caller. A rejected root head needs no release: nothing was
-// allocated, and a message that decodes its root itself has not touched the record.
+// What decoding asks of its caller. A root head that the message itself rejects needs no release:
+// the record is untouched.
 enum class [[nodiscard]] Outcome : bool{
     Finished,
     ReleaseParts,
@@ -77,9 +77,8 @@ Outcome decodeSlotBySlot(host::Module& module, const Message& message, const uin
              : decodeSlotBySlot<host::ByteOrder::Reversed>(module, message, data, length, into);
 }
 
-// A buffer in order takes a quick way. A module that is not bound yet takes the slot reader once,
-// so that no message saves registers for a call that binds. `owner` gives the layout, `message` the
-// names.
+// Chooses the reader. A module that is not bound yet takes the slot reader, so that no quick reader
+// spills registers for a call that binds. `owner` gives the layout, `message` the names.
 template <host::Module& module, const Message& owner>
 Outcome decode(const Message& message, const uint8_t* data, uint32_t length, uint8_t* into) {
   constexpr const wire::Schema& schema = *owner.schema;
@@ -152,7 +151,7 @@ inline uint32_t registerHooks(std::span<const Hook> hooks) {
   }                                                           \
   list(MESH_DEFINE_RECEIVE)
 
-// The middleware calls every message's functions by one type, which names no record.
+// The middleware calls the functions of all messages through one type, which names no record.
 #define MESH_HOOK(message, identifier)                                                \
   mesh::msg::Hook{identifier, reinterpret_cast<mesh_unpack_hook>(&message##__unpack), \
                   reinterpret_cast<mesh_free_hook>(&message##_free__unpacked)},

@@ -1,8 +1,8 @@
 // A service's send module: __pack, __sendsingle, __sendbatch, __sendmsg, __sendtomsg and
 // _send_init.
 //
-// To send is to encode records and to give all of them to the middleware in one call. Every buffer
-// lives for the call alone.
+// A sender encodes its records and passes all of them to the middleware in one call. Buffers live
+// only for this call.
 #pragma once
 
 #include <bit>
@@ -14,7 +14,7 @@
 
 namespace mesh::msg {
 
-// What tells a batch from those of other messages with the same layout.
+// What distinguishes messages of the same layout in a batch.
 struct Identity {
   uint32_t id;            // the message's
   const char* operation;  // the exported operation's name
@@ -66,8 +66,8 @@ inline void describe(void* at, const uint8_t* table, uint32_t id, uint32_t lengt
   new (at) mesh_msg_desc(std::bit_cast<mesh_msg_desc>(halves));
 }
 
-// One image of a module that is not bound yet, or whose wire is byte-reversed. Called last, so that
-// no other send saves registers for it.
+// One image of a module that is not bound yet, or whose wire is byte-reversed. A tail call: other
+// sends spill no registers for it.
 [[gnu::cold, gnu::noinline]] inline uint32_t sendSlowly(host::Module& module,
                                                         const Message& message,
                                                         uint32_t destination, const uint8_t* record,
@@ -90,7 +90,7 @@ uint32_t sendOnStack(uint32_t destination, const uint8_t* record, uint64_t extra
     return sendSlowly(module, message, destination, record, extra);
   }
   constexpr uint32_t length = wire::fixedLength(*message.schema);
-  // Never across two pages: a store that is costs as much as all others together.
+  // Never across two pages: one store across pages costs as much as all the others.
   alignas(std::bit_ceil(length)) uint8_t image[length];
   wire::writeFixedImage<*message.schema>(image, record);
   mesh_msg_desc descriptor;
@@ -245,7 +245,7 @@ template <host::Module& module, const Message& owner>
   extern "C" void service##__send_resource_clean() {}                        \
   list(MESH_DEFINE_SEND)
 
-// None fails, one goes out by __sendsingle, more as a batch.
+// No record fails, one is sent by __sendsingle, more as a batch.
 #define MESH_SEND(message, identifier, destination, records, count, extra) \
   count == 0   ? mesh::msg::failure                                        \
   : count == 1 ? message##__sendsingle(destination, records, 0, extra)     \

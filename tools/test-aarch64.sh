@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds for 64-bit ARM and runs under qemu the tests that tell most about a processor: agreement of
-# engine and model, golden bytes, sending, examples. Not the behaviour tests, which take minutes to
-# compile. qemu is slow, so the comparison with the model runs a fiftieth of its rounds.
+# engine and oracle, golden bytes, sending, examples. Not the behaviour tests, which take minutes to
+# compile. qemu is slow, so the comparison with the oracle runs a fiftieth of its rounds.
 #
 #   tools/test-aarch64.sh
 set -euo pipefail
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 tools/setup.sh g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest
 build=build/aarch64
-tests=(agreement_test services/golden_test msg/msg_test msg/descriptors_test)
+tests=(agreement/agreement_test delivered/golden/golden_test msg/msg_test msg/descriptors_test)
 cmake --preset aarch64 >/dev/null
 cmake --build --preset aarch64 --target mesh_l2vpn own_host decode_file "${tests[@]##*/}"
 

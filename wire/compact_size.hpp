@@ -1,5 +1,5 @@
-// The exact size of a compact message. Sizes count a table with its vtable and all that hangs from
-// it; the message's root word comes on top.
+// The exact size of a compact message. The size of a table includes its vtable and the targets of
+// its offset words, but not the message's root word.
 #pragma once
 
 #include "host/memory.hpp"
@@ -10,7 +10,7 @@ namespace mesh::wire {
 // More than any message may have, and small enough that sums with it do not wrap.
 inline constexpr uint64_t unsizable = uint64_t{1} << 62;
 
-// What a slot takes whatever its value, the table that it holds left out.
+// The part of a slot's size that does not depend on its value. A nested table counts apart.
 constexpr uint64_t constantSize(const Slot& slot) {
   return slot.kind == Kind::Array ? 8 + slot.size : slot.kind == Kind::Table ? 4 : 0;
 }
@@ -52,8 +52,8 @@ uint64_t valueSizes(const uint8_t* from) {
     } else if constexpr (slot.kind == Kind::Table) {
       return valueSizes<*slot.nested>(field);
     } else if constexpr (slot.kind == Kind::Bytes) {
-      // A pointer with a length of 0 counts here, though the writer leaves it out: receivers depend
-      // on neither, senders have always stated this size.
+      // A pointer with a length of 0 counts, though the writer leaves it out. Senders have always
+      // stated this size; receivers ignore the last 8 bytes.
       return host::load<const uint8_t*>(field) != nullptr
                  ? uint64_t{8} + host::load<uint32_t>(from + slot.countOffset)
                  : 0;
@@ -64,7 +64,7 @@ uint64_t valueSizes(const uint8_t* from) {
       if (count == 0) {
         return 0;
       }
-      // A count too large to be encoded is not followed into memory.
+      // Do not read items where the count alone is too large to be encoded: it may be wrong.
       if (items == nullptr || count * (4 + smallestItem) > UINT32_MAX) {
         return unsizable;
       }

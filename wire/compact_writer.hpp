@@ -2,8 +2,8 @@
 //
 //   root | vtable | table: vtable offset, inline part | tail: the offset words' targets
 //
-// Nothing here fails: the caller has seen that there is room. Whether a scalar is there is
-// arithmetic, not a branch: values that no predictor can guess cost no more than others.
+// Nothing here fails: the caller provides enough room. Presence of a scalar is arithmetic, not a
+// branch, so values that no branch predictor can guess cost no more than others.
 #pragma once
 
 #include <array>
@@ -22,8 +22,7 @@ struct TableExtent {
   size_t leftOut;
 };
 
-// Writes a table's fields and its vtable's slot entries; the vtable offset is written last, and is
-// the caller's.
+// Writes a table's fields and its vtable's slot entries. The caller writes the vtable offset, last.
 template <const Schema& schema>
 TableExtent writeTableFields(uint8_t* table, uint8_t* entries, const uint8_t* from);
 
@@ -42,7 +41,7 @@ uint8_t* writeTable(uint8_t* vtable, const uint8_t* from) {
   return table + end;
 }
 
-// All ones where the value is there.
+// All ones if the value is present, else 0.
 constexpr uint64_t presence(bool isThere) {
   return uint64_t{0} - static_cast<uint64_t>(isThere);
 }
@@ -59,9 +58,9 @@ constexpr uint32_t smallestTail(const Schema& schema) {
   return size;
 }
 
-// Stores a scalar at `at`, whether it is there or not. One that is not lands on bytes that are
-// written later: where the next field comes or, at a message's end, on the table's vtable offset.
-// Returns where the next field begins.
+// Stores a scalar at `at`, whether it is present or not. An absent one lands on bytes that are
+// written later: those of the next field or, at a message's end, the table's vtable offset. Returns
+// where the next field begins.
 template <const Schema& schema, size_t index>
 size_t writeScalar(uint8_t* table, uint8_t* entries, const uint8_t* from, size_t at) {
   constexpr const Slot& slot = schema.slots[index];
@@ -79,7 +78,7 @@ size_t writeScalar(uint8_t* table, uint8_t* entries, const uint8_t* from, size_t
   return at + (slot.size & isThere);
 }
 
-// Whether a slot that is written as an offset word is there.
+// Whether a slot that is written as an offset word is present.
 template <const Schema& schema, size_t index>
 bool hasWord(const uint8_t* from) {
   constexpr const Slot& slot = schema.slots[index];
@@ -110,7 +109,7 @@ uint8_t* writeVector(uint8_t* to, uint32_t count, const uint8_t* items) {
   return end;
 }
 
-// One slot's target, behind all that is written before it. `word` is its offset word.
+// Writes the target of one slot's offset word, behind everything written so far.
 template <const Schema& schema, size_t index>
 void writeTarget(uint8_t* table, uint8_t* word, const uint8_t* from, TableExtent& extent) {
   constexpr const Slot& slot = schema.slots[index];
@@ -122,7 +121,7 @@ void writeTarget(uint8_t* table, uint8_t* word, const uint8_t* from, TableExtent
     if constexpr (slot.size <= host::largestInPlace) {
       host::copyConstant<slot.size>(to + 4, field);
     } else {
-      // As the contents of a byte string, which it is in this arrangement.
+      // Copied as a byte string's contents, which it is in this arrangement.
       host::copyBytes(to + 4, field, slot.size);
     }
     extent.end += 4 + slot.size;
@@ -150,7 +149,7 @@ void writeTarget(uint8_t* table, uint8_t* word, const uint8_t* from, TableExtent
 template <const Schema& schema>
 TableExtent writeTableFields(uint8_t* table, uint8_t* entries, const uint8_t* from) {
   size_t at = firstField;
-  // Where each slot's offset word stands: its value is not known before the inline part is written.
+  // The place of each slot's offset word. Its value is known after the inline part is written.
   std::array<size_t, schema.slots.size()> words;
   const auto writeInline = [&](auto index) {
     if constexpr (schema.slots[index].kind == Kind::Scalar) {

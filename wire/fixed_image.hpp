@@ -2,10 +2,10 @@
 //
 //   root | table: vtable offset, every field | padding | vtable | padding
 //
-// Everything about it is worked out while the library is compiled. The template of an image is what
-// is the same in every message of the type; its padding is zero. Writing lays down template and
-// fields by a plan of stores. Reading compares the heads in a buffer with the template's; where
-// they are equal, every field is at its known place, and a plan of stores fills the record.
+// The layout is known when the library is compiled. The template of an image is what all messages
+// of a type have in common; its padding is zero. The writer stores template and fields together, by
+// a plan of stores. The reader compares a buffer with the template. If they are equal, every field
+// is at its known place, and a plan of stores fills the record.
 #pragma once
 
 #include <algorithm>
@@ -221,12 +221,12 @@ Wide differences(const uint8_t* image) {
   return found;
 }
 
-// Whether the buffer holds an image of the record with exactly this library's template. Its
-// padding, and what stands behind it, may be anything.
+// Whether the buffer holds an image with exactly this template. Its padding, and what follows it,
+// may be anything.
 template <const Schema& schema>
 bool hasFixedTemplate(Buffer<host::ByteOrder::Host> buffer) {
   constexpr uint32_t end = fixedVtable(schema) + vtableLength(schema);
-  // The root word tells most other buffers apart, and of those it is all that is looked at here.
+  // The root word alone rejects most other buffers.
   if (buffer.length < end || buffer.read<uint32_t>(0) != fixedTable) {
     return false;
   }

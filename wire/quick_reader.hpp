@@ -1,11 +1,11 @@
 // The quick reader: reads sound tables, in either arrangement, in the host's byte order.
 //
-// One pass verifies each value and stores it; a second one takes the blocks of byte strings, so
-// that nothing is allocated before everything has been verified. Anything unusual (out of bounds,
-// short vtable, missing array or nested table) goes to the slot reader, which starts over: it
-// clears the record first, so what this reader has stored by then does not show. A record is not
-// touched before the head of the root table has been verified, as the slot reader leaves it alone
-// too.
+// The first pass verifies each value and stores it. The second pass allocates the blocks of byte
+// strings, so nothing is allocated before everything is verified. Anything unusual (out of bounds,
+// short vtable, missing array or nested table) goes to the slot reader. The slot reader clears the
+// record and starts over, so nothing stored here remains. This reader does not touch the record
+// before it has verified the root's head, because the slot reader may leave the record alone where
+// the head is bad.
 #pragma once
 
 #include <bit>
@@ -16,8 +16,8 @@ namespace mesh::wire {
 
 using HostBuffer = Buffer<host::ByteOrder::Host>;
 
-// Not for vectors, whose items the slot reader decodes one by one, nor for records that the host's
-// own functions clear and copy: they would see the calls of a reading that is given up.
+// Vectors go to the slot reader. So do records that the host's functions clear and copy: the host
+// would see calls of a reading that is given up.
 constexpr bool hasQuickReader(const Schema& schema) {
   for (const Slot& slot : schema.slots) {
     if (slot.kind == Kind::Vector || (slot.kind == Kind::Table && !hasQuickReader(*slot.nested))) {
@@ -72,7 +72,7 @@ bool entriesInside(const uint8_t* entries, uint32_t left) {
                     left;
            }) == 0;
   } else {
-    // A position that sixteen bits cannot hold is left to the slot reader.
+    // Positions beyond sixteen bits go to the slot reader.
     const Lanes limit = Lanes{} + static_cast<uint16_t>(left < UINT16_MAX ? left : UINT16_MAX);
     Lanes inside = entriesBefore<schema, count - laneCount>(entries, limit);
     forEach<count / laneCount>(
@@ -97,15 +97,15 @@ void clearPadding(uint8_t* into) {
   clearBetween<recordEnd(schema.slots[index]), next>(into);
 }
 
-// An absent one reads the vtable offset, and keeps nothing of it.
+// An absent scalar reads the vtable offset, and keeps nothing of it.
 template <typename Value>
 void readScalar(const uint8_t* at, uint16_t entry, uint8_t* field) {
   const auto isThere = static_cast<Value>(0 - static_cast<Value>(entry != 0));
   host::store(field, static_cast<Value>(host::load<Value>(at) & isThere));
 }
 
-// Verifies the table at `table` and fills the record; the pointers of byte strings lead into the
-// buffer. Returns false where the slot reader is to decide.
+// Verifies the table at `table` and fills the record. The pointers of byte strings point into the
+// buffer. Returns false where the slot reader must decide.
 template <const Schema& schema>
 bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
   constexpr uint32_t wholeVtable = vtableLength(schema);
@@ -144,7 +144,7 @@ bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
       if (entry != 0 && !buffer.locateBytes(at, contents)) [[unlikely]] {
         return false;
       }
-      // Leads into the buffer until the block is taken.
+      // Points into the buffer until takeParts() allocates the block.
       clearBetween<slot.countOffset + 4, slot.recordOffset>(into);
       host::store(into + slot.countOffset, contents.length);
       host::store(field, contents.length != 0 ? contents.bytes : nullptr);
@@ -153,9 +153,8 @@ bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
   });
 }
 
-// Takes the blocks of the byte strings that the pointers of a record lead to, in slot order. Where
-// the host refuses one, what lies behind it in the record is cleared: the slot reader would not
-// have come so far.
+// Replaces the pointers into the buffer by allocated blocks, in slot order. Where the host refuses
+// one, clears what lies behind it in the record: the slot reader would stop there.
 template <const Schema& schema, Decoder decoder>
 Decoded takeParts(host::serial_env& env, uint8_t* into) {
   const bool areTaken = allSlots<schema>([&](auto index) {

@@ -27,7 +27,7 @@ enum class Kind : uint8_t {
 struct Schema;
 
 struct Slot {
-  // Held in place: a thousand pointers to names would be as many relocations at load.
+  // Held in place: a pointer would be one more relocation at load for each slot.
   std::array<char, 8> name;
   Kind kind;
   // Scalar: its width. Array: its declared size. Table, Vector: the nested record's size.
@@ -46,7 +46,7 @@ enum class InlineOrder : uint8_t {
   ScalarsFirst,  // every scalar, then every offset word
 };
 
-// What a nested table that cannot be decoded does to the table that holds it.
+// The effect of a nested table that cannot be decoded on the table that holds it.
 enum class NestedFailure : uint8_t {
   FailsTheTable,
   IsIgnored,
@@ -84,7 +84,7 @@ inline constexpr const Schema& schemaOf = SchemaOf<RecordType>::schema;
 template <const Schema& schema, size_t index>
 using ScalarOf = host::Unsigned<schema.slots[index].size>;
 
-// Calls `each` with 0, 1, ... as types, so that the call knows its index at compile time:
+// Calls `each` with 0, 1, ... as types, so that each call knows its index at compile time:
 // `[](auto index) { constexpr const Slot& slot = schema.slots[index]; ... }`.
 template <size_t count, typename Each>
 constexpr void forEach(Each each) {
@@ -94,8 +94,7 @@ constexpr void forEach(Each each) {
   (std::make_index_sequence<count>());
 }
 
-// The same over a schema's slots: each of them; whether `holds` for all, up to the first that it
-// does not hold for; the sum of their sizes.
+// The same over a schema's slots. allSlots stops at the first slot for which `holds` is false.
 template <const Schema& schema, typename Each>
 constexpr void forEachSlot(Each each) {
   forEach<schema.slots.size()>(each);

@@ -1,9 +1,9 @@
 // The slot reader: a table in a received buffer becomes a record, slot by slot.
 //
-// It walks the schema at run time, and it decides: what is accepted, what is logged, what is
-// allocated in which order, and what a buffer that is rejected leaves in the record. The quick
-// readers only come to the same results faster. The buffer is hostile; the record and the schema
-// are ours. Nothing is read before its place has been compared with the buffer's end.
+// It walks the schema at run time. It decides what is accepted, what is logged, what is allocated
+// in which order, and what a rejected buffer leaves in the record. The quick readers only come to
+// the same results faster. The buffer is hostile; the record and the schema are ours. Every place
+// is compared with the buffer's end before it is read.
 #pragma once
 
 #include "host/binding.hpp"
@@ -29,7 +29,7 @@ struct Head {
   uint32_t vtableLength;
 };
 
-// What of a head does not lie inside the buffer; what comes after it is not read.
+// The first part of a head that does not lie inside the buffer. Later parts are not read.
 enum class HeadFault : uint8_t {
   None,
   Table,
@@ -69,15 +69,15 @@ struct Buffer {
     return holds(head.vtable, head.vtableLength) ? HeadFault::None : HeadFault::VtableLength;
   }
 
-  // The target of the offset word at `word`, which lies inside. Fails where the target is not
-  // within 32 bits; whether it is inside is the caller's to see.
+  // The target of the offset word at `word`. The caller has checked that the word lies inside, and
+  // checks the target. Fails where the target is not within 32 bits.
   bool follow(Position word, Position& target) const {
     target = word + read<uint32_t>(word);
     return target <= UINT32_MAX;
   }
 
-  // The byte string whose offset word, at `word`, lies inside. Fails where its length word or its
-  // contents do not.
+  // The byte string of the offset word at `word`. The caller has checked that the word lies inside.
+  // Fails where the length word or the contents do not.
   bool locateBytes(Position word, Contents& contents) const {
     const Position target = word + read<uint32_t>(word);
     if (!holds(target, 4)) [[unlikely]] {
@@ -100,7 +100,7 @@ enum class Decoder : bool {
   Table,
 };
 
-// One block from the unpack allocator, or null with the decoder's log.
+// One block from the unpack allocator. Logs and returns null where the host refuses it.
 [[gnu::noinline]] inline uint8_t* allocatePart(host::serial_env& env, const Schema& schema,
                                                Decoder decoder, uint32_t size) {
   const bool isRoot = decoder == Decoder::Root;
@@ -112,8 +112,8 @@ enum class Decoder : bool {
   return static_cast<uint8_t*>(block);
 }
 
-// Gives a byte string that is not empty to its slot of the record: its length, and a copy in a
-// block of its own. Fails where the host refuses the block; the length stays.
+// Stores a byte string that is not empty in the record: its length, and a copy in a block of its
+// own. Fails where the host refuses the block; the length stays.
 [[gnu::noinline]] inline Decoded takeBytes(host::serial_env& env, const Schema& schema,
                                            Decoder decoder, const Slot& slot, Contents contents,
                                            uint8_t* into) {
@@ -150,9 +150,9 @@ class SlotReader {
     return Decoded::No;
   }
 
-  // Decodes a located table's slots in slot order. What the table does not carry keeps the zero
-  // that the caller has stored. The first value that does not fit ends the decoding, unlogged; what
-  // was decoded stays, blocks included: releasing them is the caller's.
+  // Decodes a located table's slots in slot order. Absent values keep the zeros that the caller has
+  // stored. The first value that does not fit ends the decoding, unlogged. What was decoded stays,
+  // blocks included; the caller releases them.
   Decoded decodeSlots(const Schema& schema, Decoder decoder, const Head& head,
                       uint8_t* into) const {
     Position entryAt = Position{head.vtable} + 4;

@@ -2,8 +2,8 @@
 //
 //   MESH_SCHEMA(l2vpn_sync_stp, style, SLOT_U32(f0), SLOT_U32(f1), SLOT_U32(f2), SLOT_U32(f3))
 //
-// The kinds are named, and held against the C struct: a field of another type, a field left out,
-// one out of order or one more than the struct has does not compile.
+// Kinds are compared with the C struct: a field of another type, a missing field, one out of order
+// or one too many does not compile.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace mesh::wire {
 // Declared only: a call of it is not a constant expression, and so an error with this name in it.
 void aSlotsNameHasSevenCharactersAtMost();
 
-// The release's name, where there is one: no other is kept.
+// The release's name. Null for a record that owns no memory.
 consteval const char* releaserOf(std::span<const Slot> slots, const char* name) {
   const Schema schema{"", "", "", nullptr, 0, {}, slots};
   return ownsMemory(schema) ? name : nullptr;

@@ -1,5 +1,5 @@
-// Writing that few messages need, and that walks the schema at run time: images of modules that are
-// not bound yet, and the byte-reversed wire.
+// Writers that few messages need. They walk the schema at run time: images of modules that are not
+// bound yet, and the byte-reversed wire.
 #pragma once
 
 #include "wire/schema.hpp"

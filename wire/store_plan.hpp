@@ -1,9 +1,8 @@
 // Copies scattered bytes with few stores.
 //
-// Stores are what a message costs most. Three things save them: a store may run over into what is
-// written next; it may write again what already lies there; and a pair puts sixteen bytes together
-// from two sources of eight. Plans are made while the library is compiled, and carried out as
-// straight code.
+// Stores are most of a message's cost. Three things save stores: a store may run over into what is
+// written next; it may write again what is already there; and a pair combines two sources of eight
+// bytes in one store. Plans are made while the library is compiled, and become straight code.
 #pragma once
 
 #include <algorithm>
@@ -30,7 +29,7 @@ struct Stretch {
   Origin origin;
 
   [[nodiscard]] constexpr uint32_t end() const { return to + size; }
-  // More than that is one array, and copied as a whole.
+  // A large array is copied as a whole.
   [[nodiscard]] constexpr bool isWhole() const { return size > host::largestInPlace; }
   [[nodiscard]] constexpr Origin originOf(uint32_t at) const {
     return {origin.from + at - to, origin.isConstant};
@@ -42,7 +41,7 @@ struct Stretches {
   std::array<Stretch, capacity> list{};
   size_t count = 0;
 
-  // Adds a stretch, as a part of the last one where it only goes on with it.
+  // Adds a stretch, or extends the last one where `next` continues it.
   constexpr void append(const Stretch& next) {
     if (next.size == 0) {
       return;
@@ -83,9 +82,9 @@ struct PlanLimits {
   uint32_t constants;
 };
 
-// Finds a plan with the fewest stores, and among those one with few pairs, which take an
-// instruction more. From front to back, it takes the store that reaches furthest, to learn how many
-// there must be; then, from back to front, a plain store wherever one reaches far enough.
+// Finds a plan with the fewest stores, and with few pairs, which cost one instruction more. A pass
+// from front to back takes the store that reaches furthest: so many stores there must be. A pass
+// from back to front then chooses the stores, plain ones wherever they reach far enough.
 class StorePlanner {
  public:
   // `stretches` cover the destination's bytes from front to back without a gap.
@@ -94,7 +93,7 @@ class StorePlanner {
 
   constexpr StorePlan plan() const {
     StorePlan plan;
-    // What lies there after so many stores, at most.
+    // How far so many stores reach at most.
     std::array<uint32_t, std::tuple_size_v<decltype(plan.stores)> + 1> laid{};
     laid[0] = stretches_.front().to;
     while (laid[plan.count] < end_) {
@@ -113,7 +112,7 @@ class StorePlanner {
   static constexpr uint32_t chunk = host::chunk;
   static constexpr uint32_t pairHalf = chunk / 2;
 
-  // A store, and up to where it lays down what belongs there; 0 where there is none.
+  // A store, and the end of the correct bytes that it writes; 0 where there is no such store.
   struct Candidate {
     Store store;
     uint32_t reach;
@@ -131,7 +130,7 @@ class StorePlanner {
     return origin.from + size <= (origin.isConstant ? limits_.constants : limits_.source);
   }
 
-  // The widest store that there is room for: a narrower one costs as much and lays down no more.
+  // The widest store for which there is room: a narrower one costs as much and writes no more.
   constexpr Candidate plainAt(uint32_t to) const {
     const Stretch& stretch = stretchAt(to);
     const Origin origin = stretch.originOf(to);
@@ -157,7 +156,7 @@ class StorePlanner {
             mayReadBoth ? std::min(stretchAt(middle).end(), to + chunk) : 0};
   }
 
-  // Where a store that adds to `laid` may begin.
+  // The first place of a store that can extend what is written up to `laid`.
   constexpr uint32_t firstFor(uint32_t laid) const {
     const uint32_t begin = stretches_.front().to;
     return laid < begin + chunk ? begin : laid + 1 - chunk;
@@ -171,7 +170,7 @@ class StorePlanner {
     return reach;
   }
 
-  // A store that begins within what is laid and lays down everything from there to `wanted`.
+  // A store that begins at or before `laid` and is correct from there to `wanted`.
   constexpr Store storeBetween(uint32_t laid, uint32_t wanted) const {
     for (uint32_t to = firstFor(laid); to <= laid; ++to) {
       if (plainAt(to).reach >= wanted) {
@@ -194,8 +193,8 @@ constexpr StorePlan planStores(std::span<const Stretch> stretches, const PlanLim
   return StorePlanner(stretches, limits).plan();
 }
 
-// Eight bytes for each half. As doubles, which are moved and never calculated with: compilers load
-// those straight into the halves of a register.
+// Eight bytes for each half. The type is double because compilers load doubles straight into the
+// halves of a register.
 inline void storePair(uint8_t* to, const uint8_t* low, const uint8_t* high) {
   using Halves [[gnu::vector_size(16)]] = double;
   static_assert(sizeof(double) == 8);

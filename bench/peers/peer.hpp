@@ -117,7 +117,7 @@ bool addCodec(const char* name) {
   for (const Fill fill : {Fill::Full, Fill::Sparse}) {
     const char* const suffix = fill == Fill::Full ? "full" : "sparse";
     std::string prefix("peer/");
-    prefix.append(Exported<typename Codec::Record>::name).append("/").append(name);
+    prefix.append(schema<typename Codec::Record>.name).append("/").append(name);
     add(prefix + "_encode_" + suffix, encodeCase<Codec>, name, Shape{.fill = fill});
     add(prefix + "_decode_" + suffix, decodeCase<Codec>, name, Shape{.fill = fill});
   }

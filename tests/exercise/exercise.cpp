@@ -6,10 +6,10 @@
 //   exercise read-only ROUNDS
 //     two threads, with the library's own memory made read-only
 //   exercise threads SECONDS PROCESSES
-//     in so many new processes, one after the other, sixteen threads make the first calls at once
-//     and go on for so long
+//     PROCESSES new processes, one after the other: sixteen threads make the first calls at once
+//     and go on for SECONDS
 //
-// The exit code is 0 when everything was as it should be, and what was not is told.
+// Exits with 0, or prints the first fault and exits with 1.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,7 +57,7 @@ int exerciseRecords(int rounds) {
   Tally tally;
   Random random(1);
   for (int round = 0; round < rounds; ++round) {
-    for (const Operations& message : messages()) {
+    for (const Operations& message : inspect::allOperations()) {
       runRound(message, random, round % 2 != 0, tally);
       runDamaged(message, random, tally);
     }
@@ -77,11 +77,11 @@ Tally onThreads(size_t threads, bool (*more)(int round), bool refusals) {
       while (waiting.load() > 0) {
         std::this_thread::yield();
       }
-      const size_t count = messages().size();
+      const size_t count = inspect::allOperations().size();
       for (int round = 0; more(round); ++round) {
         for (size_t step = 0; step < count && more(round); ++step) {
           const size_t index = (thread * count / threads + step) % count;
-          runRound(messages()[index], random, refusals, tallies[thread]);
+          runRound(inspect::allOperations()[index], random, refusals, tallies[thread]);
         }
       }
     });
@@ -101,7 +101,7 @@ int rounds = 0;
 int exerciseReadOnly() {
   Tally tally;
   Random random(1);
-  for (const Operations& message : messages()) {
+  for (const Operations& message : inspect::allOperations()) {
     runRound(message, random, false, tally);
   }
   const size_t bytes = makeLibraryReadOnly();

@@ -22,9 +22,8 @@ thread_local uint64_t refused = 0;
 thread_local uint32_t answer = 0;
 thread_local std::vector<uint8_t> first;
 
-// A byte that decides which address is read next: memory checkers speak up at those, whatever the
-// bytes beside it are. They do not where a sum is compared with a number that its other bytes
-// already rule out.
+// Uses each byte as an index: memory checkers report an undefined index for certain. They miss an
+// undefined byte in a comparison that the other bytes already decide.
 constexpr auto weights = [] {
   std::array<uint32_t, 256> list{};
   for (uint32_t value = 0; value < list.size(); ++value) {
@@ -33,7 +32,7 @@ constexpr auto weights = [] {
   return list;
 }();
 
-// Where the sum goes, so that no compiler leaves the reading out.
+// Keeps the compiler from dropping the reads.
 thread_local volatile uint64_t sink = 0;
 
 void* take(uint32_t size) {
@@ -115,7 +114,7 @@ void DDM_OsalMemFree(void* block, uint32_t, const char*) {
 
 uint32_t DDM_OsalMemUseFlagGet(uint32_t) {
   exercise::counts.flagQuestions.fetch_add(1, std::memory_order_relaxed);
-  // A binding that takes its time: on one core too, other threads come while it goes on.
+  // Slow binding down, so that other threads arrive meanwhile even on one core.
   std::this_thread::sleep_for(std::chrono::milliseconds(1));
   return 1;
 }

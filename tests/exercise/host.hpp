@@ -20,7 +20,7 @@ struct Counts {
 
 extern Counts counts;
 
-// Of the calling thread's requests for memory, every so many-th is refused; 0: none is.
+// Every n-th request of the calling thread for memory is refused; 0: none.
 void refuseEvery(uint32_t requests);
 
 // Requests that the calling thread had refused.
@@ -32,7 +32,7 @@ void answerWith(uint32_t result);
 // The first table of the calling thread's last send.
 const std::vector<uint8_t>& firstTable();
 
-// Reads every byte, so that a memory checker sees those that nobody wrote.
+// Reads every byte, so that a memory checker reports uninitialised ones.
 void readAll(const uint8_t* bytes, uint64_t length);
 
 }  // namespace exercise

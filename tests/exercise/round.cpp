@@ -10,11 +10,12 @@ namespace exercise {
 namespace {
 
 constexpr uint32_t failure = 0xFFFFFFFF;
+constexpr uint64_t unused = 0xDEAD;  // as __sendsingle's argument is
 constexpr uint32_t middlewareResults[] = {0, 77};
 
 void demand(bool good, const Operations& message, const char* what) {
   if (!good) {
-    std::fprintf(stderr, "%s: %s\n", message.name, what);
+    std::fprintf(stderr, "%s: %s\n", message.name.data(), what);
     std::_Exit(1);
   }
 }
@@ -47,15 +48,15 @@ class RawRecord {
 void unpackAndPackAgain(const Operations& message, const std::vector<uint8_t>& received,
                         const std::vector<uint8_t>& bytes, Tally& tally) {
   const uint64_t refusedBefore = refusedHere();
-  RawRecord record(message.schema->size);
+  RawRecord record(message.schema().size);
   const uint32_t size =
       message.unpack(received.data(), static_cast<uint32_t>(received.size()), record.data());
-  demand(size == message.schema->size, message, "__unpack returns another size");
+  demand(size == message.schema().size, message, "__unpack returns another size");
   readAll(record.data(), size);
   if (refusedHere() == refusedBefore) {
     demand(packed(message, record.data()) == bytes, message, "another message comes back");
   } else {
-    demand(!ownsParts(*message.schema, record.data()), message, "a rejected record keeps blocks");
+    demand(!ownsParts(message.schema(), record.data()), message, "a rejected record keeps blocks");
   }
   message.freeUnpacked(record.data());
   message.freeUnpacked(record.data());
@@ -79,7 +80,7 @@ void check(const Operations& message, uint32_t result, uint32_t wanted, uint64_t
 std::vector<uint8_t> sent(const Operations& message, const Records& records, Tally& tally) {
   answerWith(0);
   const uint64_t refused = refusedHere();
-  check(message, message.sendSingle(3, records.data(), 0), 0, refused, 1, tally);
+  check(message, message.sendSingle(3, records.data(), unused, 0), 0, refused, 1, tally);
   return refusedHere() == refused ? firstTable() : std::vector<uint8_t>();
 }
 
@@ -88,11 +89,11 @@ void send(const Operations& message, const Records& records, Tally& tally) {
     answerWith(result);
     for (const uint64_t extra : {0U, 5U}) {
       uint64_t refused = refusedHere();
-      check(message, message.sendSingle(3, records.data(), extra), result, refused, 1, tally);
+      check(message, message.sendSingle(3, records.data(), unused, extra), result, refused, 1,
+            tally);
       refused = refusedHere();
       check(message, message.sendToMsg(3, records.data(), 1, extra), result, refused, 1, tally);
-      if (message.schema->size < 4096 &&
-          std::strcmp(message.name, "l2vpn_cfg_query_dfx_rec") != 0) {
+      if (message.schema().size < 4096 && message.name != "l2vpn_cfg_query_dfx_rec") {
         refused = refusedHere();
         check(message, message.sendBatch(3, records.data(), 3, extra), result, refused, 3, tally);
         refused = refusedHere();
@@ -109,7 +110,7 @@ void send(const Operations& message, const Records& records, Tally& tally) {
 }  // namespace
 
 void runRound(const Operations& message, Random& random, bool refusals, Tally& tally) {
-  const Records records(*message.schema, 3, random);
+  const Records records(message.schema(), 3, random);
   refuseEvery(0);
   const std::vector<uint8_t> bytes = packed(message, records.data());
   refuseEvery(refusals ? 3 + random.below(5) : 0);
@@ -122,19 +123,19 @@ void runRound(const Operations& message, Random& random, bool refusals, Tally& t
 }
 
 void runDamaged(const Operations& message, Random& random, Tally& tally) {
-  const Records records(*message.schema, 1, random);
+  const Records records(message.schema(), 1, random);
   const std::vector<uint8_t> compact = packed(message, records.data());
   const std::vector<uint8_t> table = sent(message, records, tally);
   for (int round = 0; round < 20; ++round) {
     std::vector<uint8_t> bytes = round % 2 == 0 ? compact : table;
     damage(bytes, random);
     bytes.shrink_to_fit();
-    RawRecord record(message.schema->size);
-    std::memset(record.data(), 0, message.schema->size);
+    RawRecord record(message.schema().size);
+    std::memset(record.data(), 0, message.schema().size);
     refuseEvery(round % 4 == 3 ? 2 : 0);
     message.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
     refuseEvery(0);
-    readAll(record.data(), message.schema->size);
+    readAll(record.data(), message.schema().size);
     message.freeUnpacked(record.data());
     tally.operations += 2;
   }

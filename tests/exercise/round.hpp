@@ -1,10 +1,12 @@
 // One round over one message: every operation, every result compared.
 #pragma once
 
-#include "exercise/messages.hpp"
 #include "exercise/records.hpp"
+#include "inspect/messages/operations.hpp"
 
 namespace exercise {
+
+using inspect::Operations;
 
 // Counts by the calling thread.
 struct Tally {

@@ -54,7 +54,7 @@ class Binding : public testing::TestWithParam<Host> {
   }
 };
 
-TEST_P(Binding, OfTheReceivingSide) {
+TEST_P(Binding, BindsTheReceivingSide) {
   Lines expected;
   if (has(harness::MemUseFlagGet)) {
     expected.emplace_back("useFlagGet 12");
@@ -67,7 +67,7 @@ TEST_P(Binding, OfTheReceivingSide) {
   EXPECT_EQ(noted(&harness::receiveText), expected);
 }
 
-TEST_P(Binding, OfTheSendingSide) {
+TEST_P(Binding, BindsTheSendingSide) {
   Lines expected;
   // 20 bytes, and the widths of three fields.
   if (servesSending()) {
@@ -84,7 +84,7 @@ TEST_P(Binding, OfTheSendingSide) {
   EXPECT_EQ(noted(&harness::sendKey), expected);
 }
 
-TEST_P(Binding, OfTheLog) {
+TEST_P(Binding, BindsTheLog) {
   Lines unpack;
   Lines pack;
   if (has(harness::LogWrite)) {
@@ -99,8 +99,8 @@ TEST_P(Binding, OfTheLog) {
   EXPECT_EQ(noted(&harness::packToNowhere), pack);
 }
 
-// What a module found at its first use serves it for good, in whatever part the host was there.
-TEST_P(Binding, IsNotChangedByFunctionsThatComeLater) {
+// A module keeps what it found at its first use, complete or not.
+TEST_P(Binding, IgnoresLaterFunctions) {
   Lines expected;
   if (servesReceiving()) {
     expected.emplace_back("cacheAlloc 3 12 dbginfo_key_l2vpn_unpack");
@@ -130,8 +130,8 @@ TEST_P(Binding, IsNotChangedByFunctionsThatComeLater) {
             expected);
 }
 
-// Never one function of the host and one of the C library.
-TEST_P(Binding, IsOfPairs) {
+// Both functions of a pair come from the host, or both from the C library.
+TEST_P(Binding, TakesAllocatorsInPairs) {
   const auto owner = [](const void* function, const void* ours) {
     return function == nullptr ? "nobody" : function == ours ? "malloc" : "host";
   };

@@ -1,4 +1,4 @@
-// When the host is looked for, how often, and what is made of one that comes too late.
+// When the library looks for the host, how often, and that a later host is ignored.
 
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ void pack(uint32_t (*packRecord)(const Record*, uint8_t*, uint32_t*)) {
   packRecord(&record, buffer.data(), &length);
 }
 
-TEST(Binding, IsNotMadeWhenTheLibraryIsLoaded) {
+TEST(Binding, DoesNotHappenAtLoad) {
   EXPECT_EQ(inANewProcess([] {
               bring(harness::wholeHost);
               note(unpackBound() + " " + hostBound());
@@ -66,7 +66,7 @@ TEST(Binding, IsNotMadeWhenTheLibraryIsLoaded) {
             Lines({"000000 000000"}));
 }
 
-TEST(Binding, IsMadeOnceAModule) {
+TEST(Binding, HappensOncePerModule) {
   EXPECT_EQ(inANewProcess([] {
               bring(harness::wholeHost);
               for (int round = 0; round < 3; ++round) {
@@ -98,8 +98,8 @@ TEST(Binding, IsMadeOnceAModule) {
                    "111111",        "111111"}));
 }
 
-// Nothing of the host's log or send allocator is looked for by decoding, nor the other way round.
-TEST(Binding, IsMadeOnceALock) {
+// Decoding does not bind the log or the send allocator; sending does not bind the unpack allocator.
+TEST(Binding, HappensOncePerLock) {
   EXPECT_EQ(inANewProcess([] {
               bring(harness::MemUseFlagGet);
               harness::receiveNothing();
@@ -115,7 +115,7 @@ TEST(Binding, IsMadeOnceALock) {
                    "useFlagGet 12", "110000 110000"}));
 }
 
-TEST(Binding, OfTheUnpackSideIsMadeByEachOperationThatNeedsIt) {
+TEST(Binding, OfTheUnpackAllocatorHappensInEachOperationThatNeedsIt) {
   const auto bound = [](void (*call)()) {
     const Lines lines = inANewProcess([&] {
       call();
@@ -144,7 +144,7 @@ TEST(Binding, OfTheUnpackSideIsMadeByEachOperationThatNeedsIt) {
 }
 
 // The table reader's style clears the record before it looks at the root.
-TEST(Binding, ComesBeforeTheTableReaderAndAfterTheMessagesOwnChecks) {
+TEST(Binding, FollowsTheMessagesChecksAndPrecedesTheTableReader) {
   EXPECT_EQ(inANewProcess([] {
               const std::array<uint8_t, 4> rootAlone{4, 0, 0, 0};
               dbginfo_key_l2vpn key;
@@ -163,7 +163,7 @@ TEST(Binding, ComesBeforeTheTableReaderAndAfterTheMessagesOwnChecks) {
             Lines({"000000", "000000", "001000", "001010"}));
 }
 
-TEST(Binding, DoesNotNoticeAHostThatComesLater) {
+TEST(Binding, IgnoresALaterHost) {
   EXPECT_EQ(inANewProcess([] {
               harness::receiveText();
               harness::receiveNothing();
@@ -180,7 +180,7 @@ TEST(Binding, DoesNotNoticeAHostThatComesLater) {
 }
 
 // A module that was not used before the host came finds it.
-TEST(Binding, OfOneModuleSaysNothingOfAnother) {
+TEST(Binding, IsSeparateInEachModule) {
   EXPECT_EQ(inANewProcess([] {
               harness::receiveText();
               harness::receiveNothing();
@@ -193,8 +193,8 @@ TEST(Binding, OfOneModuleSaysNothingOfAnother) {
                    "free 25088 dbginfo_key_l2vpn__sendsingle"}));
 }
 
-// As by a thread that saw the flag too early and waited for the lock.
-TEST(Binding, IsNotMadeAgainForWhoeverWaitedForIt) {
+// Like a thread that saw the flag unset and then waited for the lock.
+TEST(Binding, IsNotRepeatedByWaitingThreads) {
   EXPECT_EQ(inANewProcess([] {
               Module& module = mesh::l2vpn_sync::receiveModule;
               mesh::host::bindHost(module.env);
@@ -213,7 +213,7 @@ void ownLogWriter(const void*, uint32_t, uint32_t, const char*, uint32_t, const 
   note("own log writer");
 }
 
-TEST(Binding, KeepsALogWriterThatIsThereAlready) {
+TEST(Binding, KeepsTheFirstLogWriter) {
   EXPECT_EQ(inANewProcess([] {
               bring(harness::wholeHost);
               mesh::l2vpn_sync::receiveModule.env.logWrite = &ownLogWriter;
@@ -222,7 +222,7 @@ TEST(Binding, KeepsALogWriterThatIsThereAlready) {
             Lines({"own log writer"}));
 }
 
-TEST(Binding, IsSilentWithoutALogWriterOnEveryErrorPath) {
+TEST(Binding, LogsNothingWithoutALogWriter) {
   EXPECT_EQ(inANewProcess([] {
               bring(harness::wholeHost & ~harness::LogWrite, 0);
               dbginfo_key_l2vpn key;
@@ -273,7 +273,7 @@ TEST(ByteOrder, IsTheHostsAfterLoading) {
             Lines({"000000"}));
 }
 
-TEST(ByteOrder, IsMadeTheHostsByTheBindingAndByNothingAfterIt) {
+TEST(ByteOrder, IsSetByBindingAlone) {
   EXPECT_EQ(inANewProcess([] {
               Module& module = mesh::l2vpn_cfg::receiveModule;
               module.swapBytes.store(1);
@@ -286,7 +286,7 @@ TEST(ByteOrder, IsMadeTheHostsByTheBindingAndByNothingAfterIt) {
             Lines({"0", "1"}));
 }
 
-// The binding, then the writing: a first message is in the host's order whatever was set before.
+// Binding comes before writing: a first message has the host's order, whatever was set before.
 TEST(ByteOrder, IsTheHostsForTheFirstMessageWritten) {
   EXPECT_EQ(inANewProcess([] {
               for (Module* const module : modules) {

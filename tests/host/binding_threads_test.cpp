@@ -44,7 +44,7 @@ Lines fromManyThreads(bool (*call)()) {
   return lines;
 }
 
-// The binding is rare and short: many processes give it many chances to go wrong.
+// Binding is short and happens once a process: many processes make a race likely.
 constexpr int processes = 20;
 constexpr size_t calls = 64;
 
@@ -52,7 +52,7 @@ void append(Lines& lines, size_t count, const char* line) {
   lines.insert(lines.end(), count, line);
 }
 
-TEST(BindingFromManyThreads, OfTheReceivingSideIsMadeOnce) {
+TEST(BindingFromManyThreads, BindsTheReceivingSideOnce) {
   Lines expected;
   append(expected, calls, "cacheAlloc 3 12 dbginfo_key_l2vpn_unpack");
   append(expected, calls, "free 12 dbginfo_key_l2vpn_free_unpacked");
@@ -62,7 +62,7 @@ TEST(BindingFromManyThreads, OfTheReceivingSideIsMadeOnce) {
   }
 }
 
-TEST(BindingFromManyThreads, OfTheSendingSideIsMadeOnce) {
+TEST(BindingFromManyThreads, BindsTheSendingSideOnce) {
   Lines expected;
   append(expected, calls, "alloc 28 25088 dbginfo_key_l2vpn__sendsingle");
   append(expected, calls, "free 25088 dbginfo_key_l2vpn__sendsingle");
@@ -82,7 +82,7 @@ TEST(BindingFromManyThreads, LosesNoReport) {
 }
 
 // Both sides of both modules, each with its own lock.
-TEST(BindingFromManyThreads, OfBothSidesIsMadeOnceEach) {
+TEST(BindingFromManyThreads, BindsBothSidesOnce) {
   Lines expected;
   append(expected, calls, "alloc 28 25088 dbginfo_key_l2vpn__sendsingle");
   append(expected, calls, "cacheAlloc 3 12 dbginfo_key_l2vpn_unpack");

@@ -91,13 +91,14 @@ TEST(FallbackAllocator, PassesASizeOfZeroOn) {
 
 // All that the sender makes of the first record, and what the receiver makes of it.
 std::vector<Buffer> encodings(Scene& scene, uint32_t swapBytes) {
-  for (Module* const module : {scene.operations.send, scene.operations.receive}) {
-    mesh::host::bindUnpackAllocator(*module);
+  const harness::Modules modules = harness::modulesOf(scene.operations);
+  for (Module* const module : {modules.send, modules.receive}) {
+    mesh::host::readyCodec(*module);
     module->swapBytes.store(swapBytes);
   }
   harness::resetRecorder();
   const void* const record = scene.records.data();
-  scene.operations.sendSingle(5, record, 0);
+  scene.operations.sendSingle(5, record, 0xDEAD, 0);
   scene.operations.sendBatch(5, record, 1, 0);
   scene.pack(record, scene.target.data());
   std::vector<Buffer> all{harness::firstBytes(scene.target, scene.packed.size())};
@@ -105,8 +106,8 @@ std::vector<Buffer> encodings(Scene& scene, uint32_t swapBytes) {
     all.push_back(table.bytes);
   }
   scene.unpack(all[0]);
-  const bool same = model::load(scene.message, scene.received.data()) ==
-                    model::load(scene.message, scene.records.data());
+  const bool same = oracle::load(scene.message, scene.received.data()) ==
+                    oracle::load(scene.message, scene.records.data());
   scene.operations.freeUnpacked(scene.received.data());
   all.push_back({same});
   return all;

@@ -72,7 +72,7 @@ TEST(BoundedMemory, CopiesAByteStringIntoItsMessage) {
   EXPECT_EQ(harness::hex(buffer), harness::hex(key));
 }
 
-TEST(BoundedMemory, IsNotCalledForAByteStringThatIsNotThere) {
+TEST(BoundedMemory, IsNotCalledForAnAbsentByteString) {
   calls.clear();
   const Unpacked<dbginfo_key_l2vpn> failed(harness::withU32(key, 24, 4));
   const Unpacked<dbginfo_key_l2vpn> refused(key, 1);

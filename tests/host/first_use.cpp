@@ -8,15 +8,15 @@ namespace harness {
 namespace {
 
 // Byte strings that are too long, vectors that have a count and no items.
-model::Value withoutEncoding(model::Value value) {
+oracle::Value withoutEncoding(oracle::Value value) {
   for (size_t slot = 0; slot < value.fields.size(); ++slot) {
-    model::FieldValue& field = value[slot];
-    if (field.kind == model::Kind::Table) {
-      model::nested(field) = withoutEncoding(model::nested(field));
-    } else if (field.kind == model::Kind::Bytes || field.kind == model::Kind::Vector) {
-      field = model::zeroField(value.message->fields[slot]);
-      if (field.kind == model::Kind::Bytes) {
-        model::setBytes(field, {'x'});
+    oracle::FieldValue& field = value[slot];
+    if (field.kind == oracle::Kind::Table) {
+      oracle::nested(field) = withoutEncoding(oracle::nested(field));
+    } else if (field.kind == oracle::Kind::Bytes || field.kind == oracle::Kind::Vector) {
+      field = oracle::zeroField(value.message->fields[slot]);
+      if (field.kind == oracle::Kind::Bytes) {
+        oracle::setBytes(field, {'x'});
       }
       field.length = 0xFFFFFFFF;
     }
@@ -24,9 +24,9 @@ model::Value withoutEncoding(model::Value value) {
   return value;
 }
 
-Buffer packedBytes(const model::Message& message, const model::Value& value) {
+Buffer packedBytes(const oracle::Description& message, const oracle::Value& value) {
   Buffer bytes;
-  for (const std::optional<uint8_t>& byte : model::compactBytes(message, value, false)) {
+  for (const std::optional<uint8_t>& byte : oracle::compactBytes(message, value, false)) {
     bytes.push_back(byte.value_or(0));
   }
   return bytes;
@@ -51,8 +51,8 @@ std::string textOf(const Scene& scene, const Host& host) {
 
 Scene::Scene(const Operations& of)
     : operations(of),
-      message(model::message(of.name)),
-      fixed(listed(of.name).fixedLength),
+      message(oracle::descriptionOf(of.name)),
+      fixed(oracle::fixedLength(message)),
       values{golden::fullValue(message), golden::sparseValue(message)},
       records(message, values),
       unencodable(message, {values[0], withoutEncoding(values[1])}),
@@ -60,9 +60,9 @@ Scene::Scene(const Operations& of)
       packed(packedBytes(message, values[0])),
       target(packed.size() + 1024) {}
 
-const model::Field* Scene::nestedTable() const {
-  for (const model::Field& field : message.fields) {
-    if (field.kind == model::Kind::Table) {
+const oracle::Field* Scene::nestedTable() const {
+  for (const oracle::Field& field : message.fields) {
+    if (field.kind == oracle::Kind::Table) {
       return &field;
     }
   }
@@ -127,7 +127,7 @@ Trace observedLines(const Call& call, std::list<Scene>& scenes, const std::vecto
       for (const Host& host : hosts) {
         meet(host);
         // The binding clears it, and nothing is written before the binding.
-        scene.operations.send->swapBytes.store(0x100);
+        modulesOf(scene.operations).send->swapBytes.store(0x100);
         for (const char* title : titles) {
           note(title + textOf(scene, host));
           resetRecorder();

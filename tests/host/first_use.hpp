@@ -8,12 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "golden/values.hpp"
+#include "delivered/golden/values.hpp"
 #include "host/observed_host.hpp"
-#include "model/message.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
-#include "msg/message_table.hpp"
+#include "oracle/messages/description.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 
 namespace harness {
@@ -25,7 +24,7 @@ struct Scene {
   bool isFixed() const { return fixed != 0; }
   bool isOnStack() const { return fixed != 0 && fixed <= 1024; }
   bool ownsMemory() const { return message.hasOutOfLineParts; }
-  const model::Field* nestedTable() const;  // the first, or null
+  const oracle::Field* nestedTable() const;  // the first, or null
 
   void unpack(const Buffer& bytes) {
     operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), received.data());
@@ -37,12 +36,12 @@ struct Scene {
   }
 
   const Operations& operations;
-  const model::Message& message;
+  const oracle::Description& message;
   const uint32_t fixed;  // the image's length; 0 for a message that is sent compact
-  const std::vector<model::Value> values;
-  model::RecordImage records;      // two
-  model::RecordImage unencodable;  // two, of which the second has no encoding
-  model::RecordImage received;
+  const std::vector<oracle::Value> values;
+  oracle::RecordImage records;      // two
+  oracle::RecordImage unencodable;  // two, of which the second has no encoding
+  oracle::RecordImage received;
   Buffer packed;  // the first record
   Buffer target;  // more room than that takes
 };

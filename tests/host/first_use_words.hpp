@@ -2,8 +2,8 @@
 #pragma once
 
 #include "host/first_use.hpp"
-#include "model/reader.hpp"
-#include "model/trace.hpp"
+#include "oracle/operations/reader.hpp"
+#include "oracle/operations/trace.hpp"
 
 namespace harness::first_use {
 
@@ -56,19 +56,19 @@ inline uint32_t batchSize(const Scene& scene, uint32_t count) {
 inline Step take(uint32_t (*size)(const Scene&), const char* operation, uint32_t block) {
   return [=](Expected& expected) {
     const Scene& scene = expected.scene();
-    expected.ofSending(model::memAllocLine(size(scene), scene.message.name + operation, block));
+    expected.ofSending(oracle::memAllocLine(size(scene), scene.message.name + operation, block));
   };
 }
 inline Step takeForBatch(uint32_t count, uint32_t block = 1) {
   return [=](Expected& expected) {
     const Scene& scene = expected.scene();
     expected.ofSending(
-        model::memAllocLine(batchSize(scene, count), scene.message.name + "__sendbatch", block));
+        oracle::memAllocLine(batchSize(scene, count), scene.message.name + "__sendbatch", block));
   };
 }
 inline Step give(const char* operation) {
   return [=](Expected& expected) {
-    expected.ofSending(model::memFreeLine(1, expected.scene().message.name + operation));
+    expected.ofSending(oracle::memFreeLine(1, expected.scene().message.name + operation));
   };
 }
 inline const Step takeForSingle = take(&singleSize, "__sendsingle", 1);
@@ -81,10 +81,10 @@ inline const Step giveBatch = give("__sendbatch");
 
 // The middleware's calls.
 inline Step handOver(uint32_t count) {
-  return [=](Expected& expected) { expected.always(model::sendMsgLine(5, count)); };
+  return [=](Expected& expected) { expected.always(oracle::sendMsgLine(5, count)); };
 }
 inline Step handOverWithExtra(uint32_t count) {
-  return [=](Expected& expected) { expected.always(model::sendToMsgLine(5, count, 7)); };
+  return [=](Expected& expected) { expected.always(oracle::sendToMsgLine(5, count, 7)); };
 }
 
 // Reports of the receiver, under the name of the decoder of the root.
@@ -93,18 +93,18 @@ inline std::string rootName(const Scene& scene) {
 }
 inline Step logParameters(bool dataIsNull, uint32_t length, bool recordIsNull) {
   return [=](Expected& expected) {
-    expected.log(model::unpackParametersLine(expected.scene().message.name + "_unpack", dataIsNull,
-                                             length, recordIsNull));
+    expected.log(oracle::unpackParametersLine(expected.scene().message.name + "_unpack", dataIsNull,
+                                              length, recordIsNull));
   };
 }
 inline const Step logTableOffset = [](Expected& expected) {
-  expected.log(model::tableOffsetLine(rootName(expected.scene()), 0, 12));
+  expected.log(oracle::tableOffsetLine(rootName(expected.scene()), 0, 12));
 };
 inline const Step logVtableOffset = [](Expected& expected) {
-  expected.log(model::vtableOffsetLine(rootName(expected.scene()), 8, 12));
+  expected.log(oracle::vtableOffsetLine(rootName(expected.scene()), 8, 12));
 };
 inline const Step logVtableLength = [](Expected& expected) {
-  expected.log(model::vtableLengthLine(rootName(expected.scene()), 9, 8));
+  expected.log(oracle::vtableLengthLine(rootName(expected.scene()), 9, 8));
 };
 
 // A table without fields, and what those reports are about.
@@ -127,33 +127,34 @@ inline Buffer badNestedTable(const Scene& scene) {
 inline const Step logNestedTable = [](Expected& expected) {
   const Scene& scene = expected.scene();
   const auto length = static_cast<uint32_t>(badNestedTable(scene).size());
-  expected.log(model::tableOffsetLine(scene.nestedTable()->nested->name + "_unpack_non_root",
-                                      length - 4 + 1000, length));
+  expected.log(oracle::tableOffsetLine(scene.nestedTable()->nested->name + "_unpack_non_root",
+                                       length - 4 + 1000, length));
 };
 
 // The sender's only report.
 inline const Step logPackToNowhere = [](Expected& expected) {
   const Scene& scene = expected.scene();
-  expected.log(model::packParametersLine(scene.message.name + "_pack", true,
-                                         static_cast<uint32_t>(scene.packed.size()), false));
+  expected.log(oracle::packParametersLine(scene.message.name + "_pack", true,
+                                          static_cast<uint32_t>(scene.packed.size()), false));
 };
 
 // The receiver's blocks. The first one can be refused.
-inline model::UnpackResult unpacked(const Scene& scene, int failingAllocation) {
-  return model::unpack(scene.message, scene.packed.data(),
-                       static_cast<uint32_t>(scene.packed.size()), false, false, failingAllocation);
+inline oracle::UnpackResult unpacked(const Scene& scene, int failingAllocation) {
+  return oracle::unpack(scene.message, scene.packed.data(),
+                        static_cast<uint32_t>(scene.packed.size()), false, false,
+                        failingAllocation);
 }
 inline const Step takeParts = [](Expected& expected) {
   expected.ofReceiving(unpacked(expected.scene(), 0).trace);
 };
 inline const Step giveParts = [](Expected& expected) {
   const Scene& scene = expected.scene();
-  expected.ofReceiving(model::freeUnpacked(scene.message, unpacked(scene, 0).record));
+  expected.ofReceiving(oracle::freeUnpacked(scene.message, unpacked(scene, 0).record));
 };
 // A release calls the host for null pointers too.
 inline const Step giveNothing = [](Expected& expected) {
-  const model::Message& message = expected.scene().message;
-  expected.ofReceiving(model::freeUnpacked(message, model::zeroValue(message)));
+  const oracle::Description& message = expected.scene().message;
+  expected.ofReceiving(oracle::freeUnpacked(message, oracle::zeroValue(message)));
 };
 inline const Step refusePart = [](Expected& expected) {
   expected.ofReceiving({unpacked(expected.scene(), 1).trace.at(0)});
@@ -214,7 +215,7 @@ inline const Call packNoLength = [](Scene& scene) {
   scene.operations.pack(good(scene), scene.target.data(), nullptr);
 };
 inline Call single(Records records, uint64_t extra = 0) {
-  return [=](Scene& scene) { scene.operations.sendSingle(5, records(scene), extra); };
+  return [=](Scene& scene) { scene.operations.sendSingle(5, records(scene), 0xDEAD, extra); };
 }
 inline Call batch(Records records, uint32_t count, uint64_t extra = 0) {
   return [=](Scene& scene) { scene.operations.sendBatch(5, records(scene), count, extra); };

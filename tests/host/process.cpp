@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <mutex>
 
-// There where coverage is measured: a process that ends by _exit keeps its counts only if told to.
+// For coverage builds: _exit drops a process's counts unless they are written first.
 extern "C" [[gnu::weak]] int __llvm_profile_write_file();
 
 namespace harness {

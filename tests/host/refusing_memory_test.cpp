@@ -1,5 +1,5 @@
 // A process whose bounded memory functions refuse calls. Results, records, messages, allocations
-// and logs are those of a process whose functions accept: the reference model's.
+// and logs are those of a process whose functions accept: the oracle's.
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 
 #include "bounded/memory.h"
 #include "mesh_l2vpn/l2vpn_cfg.h"
-#include "model/generate.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 #include "support/repeated_memory.hpp"
@@ -17,7 +17,7 @@ namespace {
 
 using harness::Buffer;
 using harness::Operations;
-using model::Value;
+using oracle::Value;
 
 // What a function that refuses leaves in the destination.
 enum class Leaves { AllAsItWas, DestinationCleared };
@@ -58,7 +58,7 @@ constexpr int refused = 34;
 
 class RefusingMemory : public testing::TestWithParam<Operations> {
  protected:
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 
   // Out-of-line parts, and arrays above 256 bytes.
   bool callsFunctions() const {
@@ -68,7 +68,7 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
   // Every operation on one value. `compare` is called with each comparison in turn.
   template <typename Compare>
   void forEachOperation(const Value& value, bool reversed, Compare compare) {
-    const auto size = static_cast<uint32_t>(model::compactSize(message(), value));
+    const auto size = static_cast<uint32_t>(oracle::compactSize(message(), value));
     const Buffer compact = harness::packed(GetParam(), value, reversed);
     compare([&] { return harness::comparePack(GetParam(), value, size, reversed); });
     compare([&] { return harness::compareUnpack(GetParam(), compact, reversed); });
@@ -77,14 +77,15 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
       return harness::compareUnpack(GetParam(), {compact.data(), compact.size() - 1}, reversed);
     });
     if (!message().hasOutOfLineParts) {
-      const Buffer fixed = model::fixedImage(message(), value, reversed);
+      const Buffer fixed = oracle::fixedImage(message(), value, reversed);
       compare([&] { return harness::compareUnpack(GetParam(), fixed, reversed); });
     }
-    for (const auto operation : {model::Operation::Single, model::Operation::Batch}) {
+    for (const auto operation : {oracle::Operation::Single, oracle::Operation::Batch}) {
       compare([&] { return harness::compareSend(GetParam(), operation, {value}, 0, reversed); });
     }
     compare([&] {
-      return harness::compareSend(GetParam(), model::Operation::ToMsg, {value, value}, 7, reversed);
+      return harness::compareSend(GetParam(), oracle::Operation::ToMsg, {value, value}, 7,
+                                  reversed);
     });
   }
 
@@ -92,9 +93,9 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
   void forEachOperation(Compare compare) {
     std::mt19937_64 random(11);
     for (int round = 0; round < 3; ++round) {
-      for (const auto density : {model::Density::Full, model::Density::Sparse}) {
+      for (const auto density : {oracle::Density::Full, oracle::Density::Sparse}) {
         for (const bool reversed : {false, true}) {
-          const Value value = model::randomValue(message(), random, density);
+          const Value value = oracle::randomValue(message(), random, density);
           forEachOperation(value, reversed, compare);
         }
       }
@@ -180,7 +181,7 @@ TEST(RefusingMemoryOfItems, HandsOutNoOldBytesAboveTheUsualLimit) {
   constexpr uint32_t count = usualLimit / sizeof(l2vpn_cfg_query_dfx_item) + 1;
   const Operations& operations = harness::operationsOf("l2vpn_cfg_query_dfx_rec");
   harness::useByteOrder(operations, false);
-  mesh::host::serial_env& env = operations.receive->env;
+  mesh::host::serial_env& env = harness::modulesOf(operations).receive->env;
   const auto [alloc, release] = std::pair(env.unpackAlloc, env.unpackFree);
   env.unpackAlloc = &allocateManyItems;
   env.unpackFree = &freeManyItems;

@@ -7,8 +7,8 @@
 #include <set>
 
 #include "host/memory.hpp"
-#include "model/generate.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 
@@ -40,7 +40,7 @@ TEST(SUITE, TheOthersAreThere) {
 // This message is the one whose operations call all three.
 TEST(SUITE, NoOtherIsCalledForIt) {
   const auto& operations = harness::operationsOf("l2vpn_cfg_query_dfx_item");
-  std::vector<uint8_t> record(operations.schema->size, 0x44);
+  std::vector<uint8_t> record(operations.schema().size, 0x44);
   harness::Buffer buffer(17000);
   auto length = static_cast<uint32_t>(buffer.size());
   called.clear();
@@ -54,18 +54,18 @@ TEST(SUITE, NoOtherIsCalledForIt) {
 TEST(SUITE, EveryMessageIsWrittenAndReadAsEver) {
   std::mt19937_64 random(12);
   for (const harness::Operations& operations : harness::allOperations()) {
-    const model::Message& message = model::message(operations.name);
+    const oracle::Description& message = oracle::descriptionOf(operations.name);
     for (const bool reversed : {false, true}) {
-      const model::Value value = model::randomValue(message, random, model::Density::Full);
-      const auto size = static_cast<uint32_t>(model::compactSize(message, value));
+      const oracle::Value value = oracle::randomValue(message, random, oracle::Density::Full);
+      const auto size = static_cast<uint32_t>(oracle::compactSize(message, value));
       EXPECT_EQ(harness::comparePack(operations, value, size, reversed), "");
-      EXPECT_EQ(harness::compareSend(operations, model::Operation::Single, {value}, 0, reversed),
+      EXPECT_EQ(harness::compareSend(operations, oracle::Operation::Single, {value}, 0, reversed),
                 "");
       EXPECT_EQ(harness::compareUnpack(operations, harness::packed(operations, value, reversed),
                                        reversed),
                 "");
       if (!message.hasOutOfLineParts) {
-        EXPECT_EQ(harness::compareUnpack(operations, model::fixedImage(message, value, reversed),
+        EXPECT_EQ(harness::compareUnpack(operations, oracle::fixedImage(message, value, reversed),
                                          reversed),
                   "");
       }

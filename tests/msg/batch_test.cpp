@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "mesh_l2vpn/l2vpn_cfg.h"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 
@@ -67,28 +67,28 @@ void expectNothingSent(const std::vector<dbginfo_key_l2vpn>& keys) {
   }
 }
 
-TEST(Batch, MayFillItsRegionToTheLastByte) {
+TEST(Batch, FillsItsRegionToTheLastByte) {
   expectSent({30000, region - 30000});
   expectSent({region});
   expectSent({region - 29 - 31, 29, 31});
 }
 
-TEST(Batch, OfOneByteMoreThanItsRegionIsNotSent) {
+TEST(Batch, RefusesOneByteMoreThanItsRegion) {
   expectNothingSent({keyOf(30000), keyOf(region - 30000 + 1)});
   expectNothingSent({keyOf(region + 1)});
   expectNothingSent({keyOf(region - 29 - 31), keyOf(29), keyOf(32)});
 }
 
-TEST(Batch, IsNotSentWhenARecordFollowsAFullRegion) {
+TEST(Batch, RefusesARecordBehindAFullRegion) {
   expectNothingSent({keyOf(region), dbginfo_key_l2vpn{}});
   expectNothingSent({keyOf(40000), keyOf(region - 40000), dbginfo_key_l2vpn{}, keyOf(29)});
 }
 
-TEST(Batch, PutsNothingBetweenItsTables) {
+TEST(Batch, PlacesTablesBackToBack) {
   expectSent({29, 31, 33, 35, 29});
 }
 
-TEST(Batch, OfANullArrayIsNotSent) {
+TEST(Batch, RefusesANullArray) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     harness::resetRecorder();
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, nullptr, count, 0), failure);
@@ -100,7 +100,7 @@ TEST(Batch, OfANullArrayIsNotSent) {
   EXPECT_TRUE(recorder().sent.empty());
 }
 
-TEST(Batch, IsNotSentWhenARecordHasNoEncoding) {
+TEST(Batch, RefusesARecordWithoutEncoding) {
   // It takes 2^32 bytes, 2^32 + 20 and 2^32 + 27: small sizes to a sum of 32 bits.
   for (const uint32_t length : {0xFFFFFFFF - 27, 0xFFFFFFFF - 7, 0xFFFFFFFF}) {
     dbginfo_key_l2vpn bad = keyOf(29);
@@ -110,7 +110,7 @@ TEST(Batch, IsNotSentWhenARecordHasNoEncoding) {
   }
 }
 
-TEST(Batch, OfResultsIsBoundByItsRegionToo) {
+TEST(Batch, LimitsResultsToItsRegion) {
   static l2vpn_cfg_query_dfx_item items[4];
   std::vector<l2vpn_cfg_query_dfx_rec> results(2);
   results[0].f1 = items;
@@ -133,13 +133,13 @@ TEST(Batch, OfResultsIsBoundByItsRegionToo) {
 }
 
 // Makes the first byte string of a record, or of one nested in it, `length` bytes long.
-bool setText(model::Value& value, uint32_t length) {
-  for (model::FieldValue& field : value.fields) {
-    if (field.kind == model::Kind::Bytes) {
-      model::setBytes(field, Buffer(length, 'x'));
+bool setText(oracle::Value& value, uint32_t length) {
+  for (oracle::FieldValue& field : value.fields) {
+    if (field.kind == oracle::Kind::Bytes) {
+      oracle::setBytes(field, Buffer(length, 'x'));
       return true;
     }
-    if (field.kind == model::Kind::Table && setText(model::nested(field), length)) {
+    if (field.kind == oracle::Kind::Table && setText(oracle::nested(field), length)) {
       return true;
     }
   }
@@ -149,29 +149,29 @@ bool setText(model::Value& value, uint32_t length) {
 class EveryBatch : public testing::TestWithParam<harness::Operations> {
  protected:
   // A record whose message takes `size` bytes.
-  model::Value valueOf(uint32_t size) const {
-    model::Value value = model::zeroValue(message());
+  oracle::Value valueOf(uint32_t size) const {
+    oracle::Value value = oracle::zeroValue(message());
     EXPECT_TRUE(setText(value, 1));
-    const auto smallest = static_cast<uint32_t>(model::compactSize(message(), value));
+    const auto smallest = static_cast<uint32_t>(oracle::compactSize(message(), value));
     EXPECT_TRUE(setText(value, size - smallest + 1));
-    EXPECT_EQ(model::compactSize(message(), value), size);
+    EXPECT_EQ(oracle::compactSize(message(), value), size);
     return value;
   }
 
   // How many tables of a batch arrive, by the sizes of its records' messages.
   size_t arriving(const std::vector<uint32_t>& sizes) const {
-    std::vector<model::Value> values;
+    std::vector<oracle::Value> values;
     for (const uint32_t size : sizes) {
       values.push_back(valueOf(size));
     }
     const std::string difference =
-        harness::compareSend(GetParam(), model::Operation::Batch, values, 0, false);
+        harness::compareSend(GetParam(), oracle::Operation::Batch, values, 0, false);
     EXPECT_EQ(difference, "");
     return recorder().sent.size();
   }
 
  private:
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 };
 
 TEST_P(EveryBatch, EndsWithItsRegion) {
@@ -187,7 +187,7 @@ TEST_P(EveryBatch, EndsWithItsRegion) {
 std::vector<harness::Operations> compactMessages() {
   std::vector<harness::Operations> compact;
   for (const harness::Operations& operations : harness::allOperations()) {
-    if (!model::message(operations.name).sentFixed) {
+    if (!oracle::descriptionOf(operations.name).sentFixed) {
       compact.push_back(operations);
     }
   }

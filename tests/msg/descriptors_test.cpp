@@ -39,7 +39,7 @@ uint64_t distance() {
   return last.descriptors - last.content.at(0).data;
 }
 
-TEST(Descriptors, OfACompactBatchFollowItsRegion) {
+TEST(Descriptors, StandBehindTheRegionOfACompactBatch) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     const std::vector<dbginfo_key_l2vpn> keys(count);
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(0xFFFFFFFF, keys.data(), count, 0), 0U);
@@ -48,13 +48,13 @@ TEST(Descriptors, OfACompactBatchFollowItsRegion) {
     EXPECT_EQ(distance(), 0x10000U);
     for (uint32_t index = 0; index < count; ++index) {
       EXPECT_EQ(last.content[index].data, last.content[0].data + 20 * index);
-      EXPECT_EQ(last.content[index].msg_id, 0xFEB5D38D);
+      EXPECT_EQ(last.content[index].msg_id, dbginfo_key_l2vpn__msg_id);
       EXPECT_EQ(last.content[index].length, 20U);
     }
   }
 }
 
-TEST(Descriptors, OfAFixedBatchFollowItsImages) {
+TEST(Descriptors, StandBehindTheImagesOfAFixedBatch) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     const std::vector<l2vpn_stat_pw_stat> records(count);
     EXPECT_EQ(l2vpn_stat_pw_stat__sendbatch(0, records.data(), count, 0), 0U);
@@ -62,7 +62,7 @@ TEST(Descriptors, OfAFixedBatchFollowItsImages) {
     EXPECT_EQ(distance(), 128 * count);
     for (uint32_t index = 0; index < count; ++index) {
       EXPECT_EQ(last.content[index].data, last.content[0].data + 128 * index);
-      EXPECT_EQ(last.content[index].msg_id, 0x98DB4DAE);
+      EXPECT_EQ(last.content[index].msg_id, l2vpn_stat_pw_stat__msg_id);
       EXPECT_EQ(last.content[index].length, 128U);
     }
   }

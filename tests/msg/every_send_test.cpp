@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
-#include "msg/message_table.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 
 namespace {
@@ -27,25 +26,25 @@ class EverySend : public testing::TestWithParam<Operations> {
   EverySend() {
     std::mt19937_64 random(5);
     for (int index = 0; index < 3; ++index) {
-      values_.push_back(model::randomValue(message(), random, model::Density::Sparse));
+      values_.push_back(oracle::randomValue(message(), random, oracle::Density::Sparse));
       // Small enough for any batch.
       if (message().name == "l2vpn_cfg_query_dfx_rec") {
-        values_.back()[1] = model::zeroField(message().fields[1]);
+        values_.back()[1] = oracle::zeroField(message().fields[1]);
       }
     }
-    records_ = std::make_unique<model::RecordImage>(message(), values_);
+    records_ = std::make_unique<oracle::RecordImage>(message(), values_);
     harness::resetRecorder();
   }
 
-  const std::string name_ = GetParam().name;
-  const uint32_t fixed_ = harness::listed(name_).fixedLength;
+  const std::string name_{GetParam().name};
+  const uint32_t fixed_ = oracle::fixedLength(message());
 
-  const model::Message& message() const { return model::message(name_); }
+  const oracle::Description& message() const { return oracle::descriptionOf(name_); }
   bool isFixed() const { return fixed_ != 0; }
   const void* records() const { return records_->data(); }
   uint32_t sizeOf(size_t index) const {
     return isFixed() ? fixed_
-                     : static_cast<uint32_t>(model::compactSize(message(), values_[index]));
+                     : static_cast<uint32_t>(oracle::compactSize(message(), values_[index]));
   }
 
   std::string taken(uint64_t size, const std::string& operation, const char* block) const {
@@ -82,7 +81,7 @@ class EverySend : public testing::TestWithParam<Operations> {
     uint64_t offset = 0;
     for (size_t index = 0; index < count; ++index) {
       const SentTable& table = recorder().sent[index];
-      EXPECT_EQ(table.id, harness::listed(name_).id);
+      EXPECT_EQ(table.id, message().id);
       EXPECT_EQ(table.address - recorder().sent[0].address, offset);
       EXPECT_EQ(hex(table.bytes), hex(encoded(index)));
       offset += sizeOf(index);
@@ -95,42 +94,42 @@ class EverySend : public testing::TestWithParam<Operations> {
   }
 
  private:
-  // What the encoder leaves as it was holds what the recording host fills its blocks with.
+  // Bytes that the encoder does not write keep the recording host's fill.
   Buffer encoded(size_t index) const {
     if (isFixed()) {
-      return model::fixedImage(message(), values_[index], false);
+      return oracle::fixedImage(message(), values_[index], false);
     }
     Buffer bytes;
-    for (const auto& byte : model::compactBytes(message(), values_[index], false)) {
+    for (const auto& byte : oracle::compactBytes(message(), values_[index], false)) {
       bytes.push_back(byte.value_or(0xC7));
     }
     return bytes;
   }
 
-  std::vector<model::Value> values_;
-  std::unique_ptr<model::RecordImage> records_;
+  std::vector<oracle::Value> values_;
+  std::unique_ptr<oracle::RecordImage> records_;
 };
 
 // The low halves of some of these are 0.
 constexpr std::initializer_list<uint64_t> extras{1, 0xFFFFFFFF, 0x100000000, 0x8000000000000000,
                                                  0xFFFFFFFFFFFFFFFF};
 
-TEST_P(EverySend, OfOneRecord) {
-  EXPECT_EQ(GetParam().sendSingle(destination, records(), 0), 0U);
+TEST_P(EverySend, SendsOneRecord) {
+  EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 0), 0U);
   expectCalls(single());
   expectSent(1);
 }
 
-TEST_P(EverySend, OfOneRecordWithExtra) {
+TEST_P(EverySend, SendsOneRecordWithExtra) {
   for (const uint64_t extra : extras) {
     harness::resetRecorder();
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), extra), 0U);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, extra), 0U);
     expectCalls(single(extra));
     expectSent(1);
   }
 }
 
-TEST_P(EverySend, OfABatch) {
+TEST_P(EverySend, SendsABatch) {
   for (const uint32_t count : {1U, 2U, 3U}) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendBatch(destination, records(), count, 0), 0U);
@@ -139,7 +138,7 @@ TEST_P(EverySend, OfABatch) {
   }
 }
 
-TEST_P(EverySend, OfABatchWithExtra) {
+TEST_P(EverySend, SendsABatchWithExtra) {
   for (const uint64_t extra : extras) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, extra), 0U);
@@ -148,7 +147,7 @@ TEST_P(EverySend, OfABatchWithExtra) {
   }
 }
 
-TEST_P(EverySend, OfABatchOfNone) {
+TEST_P(EverySend, SendsABatchOfNone) {
   for (const void* const none : {records(), static_cast<const void*>(nullptr)}) {
     harness::resetRecorder();
     recorder().middlewareResult = 9;
@@ -160,7 +159,7 @@ TEST_P(EverySend, OfABatchOfNone) {
   }
 }
 
-TEST_P(EverySend, IsChosenByTheCount) {
+TEST_P(EverySend, ChoosesSingleOrBatchByCount) {
   for (const uint64_t extra : {uint64_t{0}, uint64_t{0x100000000}}) {
     harness::resetRecorder();
     EXPECT_EQ(GetParam().sendToMsg(destination, records(), 0, extra), failure);
@@ -193,8 +192,8 @@ TEST_P(EverySend, ReturnsWhatTheMiddlewareReturns) {
   for (const uint32_t result : {1U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
     harness::resetRecorder();
     recorder().middlewareResult = result;
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), 0), result);
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), 1), result);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 0), result);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, 1), result);
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, 0), result);
     EXPECT_EQ(GetParam().sendBatch(destination, records(), 2, 1), result);
     EXPECT_EQ(GetParam().sendMsg(destination, records(), 1), result);
@@ -206,12 +205,13 @@ TEST_P(EverySend, ReturnsWhatTheMiddlewareReturns) {
   }
 }
 
-TEST_P(EverySend, FailsUnreportedWithoutMemory) {
+TEST_P(EverySend, FailsSilentlyWithoutMemory) {
   recorder().everyAllocationFails = true;
   const bool onTheStack = isFixed() && fixed_ <= 1024;
   const Trace refused{taken(sizeOf(0), "__sendsingle", "null")};
   for (const uint64_t extra : {0U, 1U}) {
-    EXPECT_EQ(GetParam().sendSingle(destination, records(), extra), onTheStack ? 0 : failure);
+    EXPECT_EQ(GetParam().sendSingle(destination, records(), harness::unused, extra),
+              onTheStack ? 0 : failure);
     expectCalls(onTheStack ? single(extra) : refused);
     EXPECT_EQ(GetParam().sendToMsg(destination, records(), 1, extra), onTheStack ? 0 : failure);
     expectCalls(onTheStack ? single(extra) : refused);

@@ -1,14 +1,13 @@
-// A host that runs out of memory somewhere in a row of operations: the n-th allocation of them all
-// fails, for every n, once or for good. What each operation then does is what the model says it
-// does in that place, and at the end nothing is out.
+// A host that runs out of memory: in a row of operations the n-th allocation fails, for every n,
+// once or for good. Each operation then does what the oracle says, and nothing leaks.
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
-#include "model/reader.hpp"
-#include "model/record_image.hpp"
-#include "model/sender.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/reader.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 
@@ -18,8 +17,8 @@ using harness::Buffer;
 using harness::Operations;
 using harness::recorder;
 using harness::Trace;
-using model::Operation;
-using model::Value;
+using oracle::Operation;
+using oracle::Value;
 
 enum class Failing { Once, ForGood };
 
@@ -28,7 +27,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   void SetUp() override { harness::useByteOrder(operations(), false); }
 
   const Operations& operations() const { return GetParam(); }
-  const model::Message& message() const { return model::message(operations().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(operations().name); }
 
   // Runs the row with the n-th of its allocations failing. How many were asked for.
   int run(const std::vector<Value>& values, int failing, Failing manner) {
@@ -36,7 +35,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
     manner_ = manner;
     asked_ = 0;
     const Buffer bytes = harness::packed(operations(), values[0]);
-    model::RecordImage received(message(), uint8_t{0});
+    oracle::RecordImage received(message(), uint8_t{0});
     const Value decoded = unpack(bytes, received);
     for (const uint32_t middlewareResult : {0U, 77U}) {
       send(Operation::Single, {values[0]}, 0, middlewareResult);
@@ -75,14 +74,14 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
     asked_ += recorder().allocations;
   }
 
-  Value unpack(const Buffer& bytes, model::RecordImage& record) {
+  Value unpack(const Buffer& bytes, oracle::RecordImage& record) {
     const int next = prepare();
     const auto length = static_cast<uint32_t>(bytes.size());
-    const auto expected = model::unpack(message(), bytes.data(), length, false, false, next);
+    const auto expected = oracle::unpack(message(), bytes.data(), length, false, false, next);
     EXPECT_EQ(operations().unpack(bytes.data(), length, record.data()), expected.returned);
     expectCalls(expected.trace, "unpack");
-    const Value decoded = model::load(message(), record.data());
-    EXPECT_EQ(model::difference(decoded, expected.record), "");
+    const Value decoded = oracle::load(message(), record.data());
+    EXPECT_EQ(oracle::difference(decoded, expected.record), "");
     return expected.record;
   }
 
@@ -91,10 +90,10 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
     const auto count = static_cast<uint32_t>(values.size());
     // No operation that sends asks more than once.
     const bool fails = prepare(middlewareResult) == 1;
-    const model::RecordImage records(message(), values);
+    const oracle::RecordImage records(message(), values);
     const uint32_t result = call(operation, records.data(), count, extra);
-    const model::Sent expected =
-        model::send(message(), operation, 5, values, count, extra, false, fails, middlewareResult);
+    const oracle::Sent expected =
+        oracle::send(message(), operation, 5, values, count, extra, false, fails, middlewareResult);
     EXPECT_EQ(result, expected.result);
     EXPECT_EQ(recorder().sent.size(), expected.descriptors.size()) << "all or none";
     expectCalls(expected.trace, "send");
@@ -103,7 +102,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   uint32_t call(Operation operation, const void* records, uint32_t count, uint64_t extra) const {
     switch (operation) {
       case Operation::Single:
-        return operations().sendSingle(5, records, extra);
+        return operations().sendSingle(5, records, harness::unused, extra);
       case Operation::Batch:
         return operations().sendBatch(5, records, count, extra);
       case Operation::Msg:
@@ -116,17 +115,17 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
 
   void pack(const Value& value) {
     static_cast<void>(prepare());
-    const model::RecordImage record(message(), value);
-    Buffer buffer(model::compactSize(message(), value));
+    const oracle::RecordImage record(message(), value);
+    Buffer buffer(oracle::compactSize(message(), value));
     auto length = static_cast<uint32_t>(buffer.size());
     EXPECT_EQ(operations().pack(record.data(), buffer.data(), &length), 0U);
     expectCalls({}, "pack");
   }
 
-  void release(Value decoded, model::RecordImage& record) {
+  void release(Value decoded, oracle::RecordImage& record) {
     for (const char* what : {"free", "second free"}) {
       static_cast<void>(prepare());
-      const Trace expected = model::release(message(), decoded);
+      const Trace expected = oracle::release(message(), decoded);
       operations().freeUnpacked(record.data());
       expectCalls(expected, what);
     }
@@ -137,15 +136,15 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   Failing manner_ = Failing::Once;
 };
 
-TEST_P(FailingAllocations, AreSurvivedEachInItsTurn) {
+TEST_P(FailingAllocations, AreSurvivedInTurn) {
   std::mt19937_64 random(11);
-  const model::Density densities[] = {model::Density::Full, model::Density::Sparse,
-                                      model::Density::Edge};
+  const oracle::Density densities[] = {oracle::Density::Full, oracle::Density::Sparse,
+                                       oracle::Density::Edge};
   const bool large = message().recordSize > 4096 || message().name == "l2vpn_cfg_query_dfx_rec";
   for (int round = 0; round < harness::rounds(large ? 2 : 6); ++round) {
     std::vector<Value> values;
     for (int index = 0; index < 2; ++index) {
-      values.push_back(model::randomValue(message(), random, densities[round % 3]));
+      values.push_back(oracle::randomValue(message(), random, densities[round % 3]));
     }
     const int all = run(values, 0, Failing::Once);
     // The six batches at least.

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
+#include "oracle/values/generate.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
 
@@ -15,14 +15,14 @@ class OddBlocks : public testing::TestWithParam<harness::Operations> {
  protected:
   ~OddBlocks() override { recorder().blockShift = 0; }
 
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 
   // Without items.
-  model::Value randomRecord() {
-    model::Value value = model::randomValue(message(), random_, model::Density::Full);
+  oracle::Value randomRecord() {
+    oracle::Value value = oracle::randomValue(message(), random_, oracle::Density::Full);
     for (size_t slot = 0; slot < value.fields.size(); ++slot) {
-      if (value[slot].kind == model::Kind::Vector) {
-        value[slot] = model::zeroField(message().fields[slot]);
+      if (value[slot].kind == oracle::Kind::Vector) {
+        value[slot] = oracle::zeroField(message().fields[slot]);
       }
     }
     return value;
@@ -36,7 +36,7 @@ TEST_P(OddBlocks, ServeForSendingOneRecord) {
   for (size_t shift = 1; shift < 16; ++shift) {
     recorder().blockShift = shift;
     for (const bool reversed : {false, true}) {
-      EXPECT_EQ(harness::compareSend(GetParam(), model::Operation::Single, {randomRecord()}, shift,
+      EXPECT_EQ(harness::compareSend(GetParam(), oracle::Operation::Single, {randomRecord()}, shift,
                                      reversed),
                 "");
     }

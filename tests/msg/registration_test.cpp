@@ -2,17 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
-#include "mesh_l2vpn/l2vpn_cfg.h"
-#include "mesh_l2vpn/l2vpn_stat.h"
-#include "mesh_l2vpn/l2vpn_sync.h"
-#include "msg/message_table.hpp"
+#include "mesh_l2vpn/messages.h"
+#include "oracle/messages/description.hpp"
 #include "support/bytes.hpp"
 
 namespace {
 
-using harness::ListedMessage;
 using harness::recorder;
 using harness::Recorder;
 using harness::Trace;
@@ -22,38 +20,55 @@ struct Service {
   uint32_t (*receiveInit)();
   uint32_t (*sendInit)();
   void (*clean)();
-  const std::vector<ListedMessage>* messages;
 };
 
 const std::vector<Service> services{
-    {"l2vpn_cfg", &l2vpn_cfg_recv_init, &l2vpn_cfg_send_init, &l2vpn_cfg__send_resource_clean,
-     &harness::listedConfiguration},
-    {"l2vpn_stat", &l2vpn_stat_recv_init, &l2vpn_stat_send_init, &l2vpn_stat__send_resource_clean,
-     &harness::listedStatistics},
-    {"l2vpn_sync", &l2vpn_sync_recv_init, &l2vpn_sync_send_init, &l2vpn_sync__send_resource_clean,
-     &harness::listedSynchronisation}};
+    {"l2vpn_cfg", &l2vpn_cfg_recv_init, &l2vpn_cfg_send_init, &l2vpn_cfg__send_resource_clean},
+    {"l2vpn_stat", &l2vpn_stat_recv_init, &l2vpn_stat_send_init, &l2vpn_stat__send_resource_clean},
+    {"l2vpn_sync", &l2vpn_sync_recv_init, &l2vpn_sync_send_init, &l2vpn_sync__send_resource_clean}};
+
+struct Functions {
+  const void* unpack;
+  const void* release;
+};
+
+#define FUNCTIONS(X, identifier)                 \
+  {#X,                                           \
+   {reinterpret_cast<const void*>(&X##__unpack), \
+    reinterpret_cast<const void*>(&X##_free__unpacked)}},
+
+const std::map<std::string, Functions> functionsOf{L2VPN_MESSAGES(FUNCTIONS)};
 
 class Registration : public testing::TestWithParam<Service> {
  protected:
-  Registration() { harness::resetRecorder(); }
-  const std::vector<ListedMessage>& messages() const { return *GetParam().messages; }
+  Registration() {
+    harness::resetRecorder();
+    for (const oracle::Description& message : oracle::descriptions()) {
+      if (message.service == GetParam().name) {
+        messages_.push_back(&message);
+      }
+    }
+  }
+  const std::vector<const oracle::Description*>& messages() const { return messages_; }
 
   // The first `count` messages, registered one after the other from the recorder's `first` on.
   void expectRegistered(size_t first, size_t count) const {
     const std::vector<Recorder::Registration>& registered = recorder().registered;
     ASSERT_EQ(registered.size(), first + count);
     for (size_t index = 0; index < count; ++index) {
-      const ListedMessage& message = messages()[index];
+      const oracle::Description& message = *messages()[index];
       const Recorder::Registration& registration = registered[first + index];
-      const auto& operations = harness::operationsOf(message.name.c_str());
       EXPECT_EQ(registration.id, message.id) << message.name;
-      EXPECT_EQ(registration.unpack, operations.unpackAddress) << message.name;
-      EXPECT_EQ(registration.release, operations.freeAddress) << message.name;
+      EXPECT_EQ(registration.unpack, functionsOf.at(message.name).unpack) << message.name;
+      EXPECT_EQ(registration.release, functionsOf.at(message.name).release) << message.name;
     }
   }
+
+ private:
+  std::vector<const oracle::Description*> messages_;  // in registration order
 };
 
-TEST_P(Registration, GoesThroughTheMessagesInOrder) {
+TEST_P(Registration, FollowsTheMessagesOrder) {
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   expectRegistered(0, messages().size());
   EXPECT_EQ(harness::takeTrace(), Trace());
@@ -73,7 +88,7 @@ TEST_P(Registration, StopsAtTheFirstRefusal) {
   }
 }
 
-TEST_P(Registration, MayBeMadeAgain) {
+TEST_P(Registration, CanBeRepeated) {
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   EXPECT_EQ(GetParam().receiveInit(), 0U);
   expectRegistered(messages().size(), messages().size());
@@ -87,7 +102,7 @@ TEST_P(Registration, MayBeMadeAgain) {
   expectRegistered(0, messages().size());
 }
 
-TEST_P(Registration, OfASenderHandsOverItsCleanFunction) {
+TEST_P(Registration, OfASenderRegistersItsCleanup) {
   for (const uint32_t result : {0U, 1U, 0x80000000U, 0xFFFFFFFFU}) {
     harness::resetRecorder();
     recorder().middlewareResult = result;
@@ -98,7 +113,7 @@ TEST_P(Registration, OfASenderHandsOverItsCleanFunction) {
   }
 }
 
-TEST_P(Registration, CleansNothing) {
+TEST_P(Registration, CleanupDoesNothing) {
   GetParam().clean();
   GetParam().clean();
   EXPECT_EQ(harness::takeTrace(), Trace());
@@ -108,7 +123,7 @@ TEST_P(Registration, CleansNothing) {
 INSTANTIATE_TEST_SUITE_P(Of, Registration, testing::ValuesIn(services),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(Registrations, OfAllServicesAreOfEightyFiveMessages) {
+TEST(Registrations, CoverEveryMessageOnce) {
   harness::resetRecorder();
   std::set<uint32_t> ids;
   std::set<const void*> functions;
@@ -120,12 +135,13 @@ TEST(Registrations, OfAllServicesAreOfEightyFiveMessages) {
     functions.insert(registration.unpack);
     functions.insert(registration.release);
   }
-  EXPECT_EQ(recorder().registered.size(), 85U);
-  EXPECT_EQ(ids.size(), 85U) << "every identifier is used once";
-  EXPECT_EQ(functions.size(), 170U) << "every function is registered once";
+  const size_t messages = oracle::descriptions().size();
+  EXPECT_EQ(recorder().registered.size(), messages);
+  EXPECT_EQ(ids.size(), messages) << "every identifier is used once";
+  EXPECT_EQ(functions.size(), 2 * messages) << "every function is registered once";
 }
 
-TEST(Registrations, OfSendersAreThreeFunctions) {
+TEST(Registrations, OfSendersAreThreeCleanups) {
   harness::resetRecorder();
   for (const Service& service : services) {
     EXPECT_EQ(service.sendInit(), 0U);
@@ -134,7 +150,7 @@ TEST(Registrations, OfSendersAreThreeFunctions) {
   EXPECT_EQ(std::set(hooks.begin(), hooks.end()).size(), 3U);
 }
 
-// The middleware's view: it has the bytes, an identifier and two functions of one type.
+// As the middleware calls them: by one function type for all messages.
 TEST(Registrations, LeadToFunctionsThatDecode) {
   harness::resetRecorder();
   ASSERT_EQ(l2vpn_stat_recv_init(), 0U);

@@ -24,19 +24,19 @@ std::vector<std::string> compactMessages() {
           "l2vpn_cfg_query_dfx_key",  "l2vpn_cfg_query_dfx_rec"};
 }
 
-TEST(SendSingle, OfANullRecordFailsBeforeAnAllocation) {
+TEST(SendSingle, FailsOnANullRecordBeforeAllocating) {
   for (const std::string& name : compactMessages()) {
-    const auto& operations = harness::operationsOf(name.c_str());
+    const auto& operations = harness::operationsOf(name);
     harness::resetRecorder();
-    EXPECT_EQ(operations.sendSingle(1, nullptr, 0), failure) << name;
-    EXPECT_EQ(operations.sendSingle(1, nullptr, 7), failure) << name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 0), failure) << name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 7), failure) << name;
     EXPECT_EQ(operations.sendMsg(1, nullptr, 1), failure) << name;
     EXPECT_EQ(operations.sendToMsg(1, nullptr, 1, 7), failure) << name;
     EXPECT_EQ(harness::takeTrace(), Trace()) << name;
   }
 }
 
-TEST(SendSingle, OfARecordThatCannotBeEncodedFailsBeforeAnAllocation) {
+TEST(SendSingle, FailsOnAnUnencodableRecordBeforeAllocating) {
   harness::resetRecorder();
   dbginfo_key_l2vpn key{0, 0, 0, 0xFFFFFFFF - 27, text};
   EXPECT_EQ(dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0), failure) << "2^32 bytes";
@@ -62,7 +62,7 @@ TEST(SendSingle, AsksForAnySizeThatCanBeEncoded) {
   const auto expectAskedFor = [](const char* name, const void* record, const char* size) {
     harness::resetRecorder();
     recorder().everyAllocationFails = true;
-    EXPECT_EQ(harness::operationsOf(name).sendSingle(1, record, 0), failure);
+    EXPECT_EQ(harness::operationsOf(name).sendSingle(1, record, harness::unused, 0), failure);
     EXPECT_EQ(harness::takeTrace(),
               Trace({std::string("memAlloc size=") + size + " owner=25088 caller=\"" + name +
                      "__sendsingle\" -> null"}));
@@ -81,7 +81,7 @@ TEST(SendSingle, AsksForAnySizeThatCanBeEncoded) {
   expectAskedFor("l2vpn_cfg_query_dfx_key", &query, "4294967294");
 }
 
-TEST(SendSingle, IsNotBoundByTheBatchesRegion) {
+TEST(SendSingle, MayExceedTheBatchRegion) {
   for (const uint32_t size : {0x10000U, 0x10001U, 0x30000U}) {
     Buffer contents(size - 28, 'x');
     const dbginfo_key_l2vpn key{0, 0, 0, size - 28, contents.data()};
@@ -94,7 +94,7 @@ TEST(SendSingle, IsNotBoundByTheBatchesRegion) {
 }
 
 // The bytes that are counted and not written are sent as the host's block held them.
-TEST(SendSingle, SendsTheBytesThatAByteStringOfLengthZeroCounts) {
+TEST(SendSingle, SendsTheBytesOfAnEmptyByteString) {
   const dbginfo_key_l2vpn key{0x1111, 0, 0, 0, text};
   harness::resetRecorder();
   EXPECT_EQ(dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0), 0U);
@@ -102,7 +102,7 @@ TEST(SendSingle, SendsTheBytesThatAByteStringOfLengthZeroCounts) {
             hex(Layout().u32(16).u16(12, 6, 4, 0, 0, 0).u32(12).u16(0x1111).fill(8, 0xC7)));
 }
 
-TEST(SendSingle, OfAnItemTakesItsImageFromTheHost) {
+TEST(SendSingle, AllocatesTheImageOfAnItem) {
   static const l2vpn_cfg_query_dfx_item item{};
   const std::string operation = " owner=25088 caller=\"l2vpn_cfg_query_dfx_item__sendsingle\"";
   const Trace sent{"memAlloc size=16632" + operation + " -> #1",

@@ -1,9 +1,9 @@
-// Counts whose batch would take more than 32 bits: the block that the wrapped size gives is of no
-// use, and the records, which lie where nothing can be read, are never looked at.
+// Counts whose batch size wraps 32 bits: the block of the wrapped size is given back, and the
+// records, which lie on inaccessible memory, are not read.
 
 #include <gtest/gtest.h>
 
-#include "msg/message_table.hpp"
+#include "oracle/operations/writer.hpp"
 #include "support/bytes.hpp"
 #include "support/guarded_buffer.hpp"
 
@@ -15,8 +15,8 @@ using harness::Trace;
 
 class WrappedCount : public testing::TestWithParam<Operations> {
  protected:
-  const std::string name_ = GetParam().name;
-  const uint32_t fixed_ = harness::listed(name_).fixedLength;
+  const std::string name_{GetParam().name};
+  const uint32_t fixed_ = oracle::fixedLength(oracle::descriptionOf(name_));
   // Past the end of an empty buffer.
   const harness::GuardedBuffer nothing_{{}};
 
@@ -70,7 +70,7 @@ TEST_P(WrappedCount, FailsAfterTheWrappedAllocation) {
   expectGivenBack(first, first * each);
 }
 
-TEST_P(WrappedCount, IsNoneBelowThirtyTwoBits) {
+TEST_P(WrappedCount, DoesNotOccurBelow32Bits) {
   if (fixed_ == 0) {
     expectRefused(0x0FFFEFFF, 0xFFFFFFF0);
     expectRefused(0xFFFFFFFF, 0xFFF0);

@@ -7,11 +7,12 @@
 #include <cstddef>
 #include <cstring>
 
-#include "golden/values.hpp"
+#include "delivered/golden/values.hpp"
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
-#include "model/record_image.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 #include "support/operations.hpp"
 #include "support/recorder.hpp"
@@ -19,19 +20,6 @@
 namespace harness {
 
 inline constexpr uint32_t failure = 0xFFFFFFFF;
-
-// Sixteen bytes a line behind their position, so that what differs is found by eye.
-inline std::string shown(const Buffer& bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (size_t at = 0; at < bytes.size(); ++at) {
-    if (at % 16 == 0) {
-      text.append("\n").append(std::to_string(at)).append(":");
-    }
-    text.append({' ', digits[bytes[at] >> 4], digits[bytes[at] & 15]});
-  }
-  return text;
-}
 
 template <typename Record>
 const Operations& of() {
@@ -43,17 +31,17 @@ std::string nameOf() {
   return mesh::wire::schemaOf<Record>.name;
 }
 
-// A record of this library's own tests: no field zero, no two alike. Not for records with pointers.
+// No field is zero, no two are alike. Not for records with pointers.
 template <typename Record>
 Record full() {
-  const model::Message& message = model::message(nameOf<Record>());
-  const model::RecordImage image(message, golden::fullValue(message));
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  const oracle::RecordImage image(message, golden::fullValue(message));
   Record record;
   std::memcpy(&record, image.data(), sizeof record);
   return record;
 }
 
-// The record with everything from the offset on zero: as far as a reader came.
+// The record with everything from the offset on zero: what a reader leaves that stops there.
 template <typename Record>
 Record upTo(size_t offset, Record record) {
   auto* const bytes = reinterpret_cast<uint8_t*>(&record);
@@ -104,16 +92,17 @@ Asked askForSize(const Record& record, uint32_t room) {
 template <typename Record>
 Buffer sent(const Record& record) {
   resetRecorder();
-  EXPECT_EQ(of<Record>().sendSingle(7, &record, 0), 0U);
+  EXPECT_EQ(of<Record>().sendSingle(7, &record, unused, 0), 0U);
   EXPECT_EQ(recorder().sent.size(), 1U);
   return recorder().sent.at(0).bytes;
 }
 
-// Field by field, strings included; what lies between the fields does not count.
+// Field by field, strings included. Padding does not count.
 template <typename Record>
 void expectSame(const Record& record, const Record& expected) {
-  const model::Message& message = model::message(nameOf<Record>());
-  EXPECT_EQ(model::difference(model::load(message, &record), model::load(message, &expected)), "");
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  EXPECT_EQ(oracle::difference(oracle::load(message, &record), oracle::load(message, &expected)),
+            "");
 }
 
 template <typename Record>
@@ -131,10 +120,13 @@ void expectRoundTrip(const Record& record) {
   expectRead(sent(record), record);
 }
 
-// __pack of a record that takes `size` bytes: no record, too little room, no buffer, room enough.
+// __pack: no record, too little room, no buffer, room enough.
 template <typename Record>
-void expectPackLimits(const Record& record, uint32_t size) {
+void expectPackLimits(const Record& record) {
   SCOPED_TRACE(nameOf<Record>());
+  const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
+  const auto size =
+      static_cast<uint32_t>(oracle::compactSize(message, oracle::load(message, &record)));
   uint32_t length = 1000;
   Buffer buffer = marks(1000);
   resetRecorder();
@@ -170,13 +162,13 @@ void expectPackLimits(const Record& record, uint32_t size) {
 
 // __unpack without a buffer, with too short a one, with a negative length, without a record.
 template <typename Record>
-void expectUnpackParameters(uint32_t recordSize) {
+void expectUnpackParameters() {
   SCOPED_TRACE(nameOf<Record>());
   const std::string function = nameOf<Record>() + "_unpack";
   const Buffer bytes(64, 0);
   const auto expectRefused = [&](const uint8_t* data, uint32_t length, const std::string& text) {
     const Unpacked<Record> refused(data, length);
-    EXPECT_EQ(bytesOf(refused.record), marks(recordSize));
+    EXPECT_EQ(bytesOf(refused.record), marks(sizeof(Record)));
     EXPECT_EQ(refused.trace, Trace{reported(function, text)});
   };
   expectRefused(nullptr, 64, "Param invalid(null, 64, nonNull)");
@@ -184,13 +176,13 @@ void expectUnpackParameters(uint32_t recordSize) {
   expectRefused(bytes.data(), 0x80000000, "Param invalid(nonNull, -2147483648, nonNull)");
   expectRefused(bytes.data(), 0xFFFFFFFF, "Param invalid(nonNull, -1, nonNull)");
   resetRecorder();
-  EXPECT_EQ(of<Record>().unpack(bytes.data(), 64, nullptr), recordSize);
+  EXPECT_EQ(of<Record>().unpack(bytes.data(), 64, nullptr), sizeof(Record));
   EXPECT_EQ(takeTrace(), Trace{reported(function, "Param invalid(nonNull, 64, null)")});
 }
 
-// The frame's three tests, on a compact message: each is logged, and the record is as `left` says.
+// The three checks of the head, on a compact message: each logs, and leaves the record as `left`.
 template <typename Record>
-void expectFrameChecks(const Buffer& good, const std::string& function, const Buffer& left) {
+void expectHeadChecks(const Buffer& good, const std::string& function, const Buffer& left) {
   SCOPED_TRACE(nameOf<Record>());
   const auto length = static_cast<uint32_t>(good.size());
   const uint32_t root = good.at(0);
@@ -212,17 +204,17 @@ void expectFrameChecks(const Buffer& good, const std::string& function, const Bu
                                                   std::to_string(length - 4) + ")");
 }
 
-// The table reader decodes the root: a bad frame leaves a cleared record.
+// The table reader decodes the root: a bad head clears the record.
 template <typename Record>
-void expectFrameChecksByTableReader(const Record& record) {
-  expectFrameChecks<Record>(compact(record), nameOf<Record>() + "_unpack_non_root",
-                            Buffer(sizeof(Record), 0));
+void expectHeadChecksByTableReader(const Record& record) {
+  expectHeadChecks<Record>(compact(record), nameOf<Record>() + "_unpack_non_root",
+                           Buffer(sizeof(Record), 0));
 }
 
-// The message decodes its root itself: a bad frame leaves the record as it was.
+// The message decodes its root itself: a bad head leaves the record as it was.
 template <typename Record>
-void expectFrameChecksByMessage(const Record& record) {
-  expectFrameChecks<Record>(compact(record), nameOf<Record>() + "_unpack", marks(sizeof(Record)));
+void expectHeadChecksByMessage(const Record& record) {
+  expectHeadChecks<Record>(compact(record), nameOf<Record>() + "_unpack", marks(sizeof(Record)));
 }
 
 // An array whose length word, at `position` of the full compact message, is not its size ends the
@@ -249,8 +241,10 @@ void expectVtableOf(uint32_t length, size_t offset) {
 // A message that owns no memory is sent in one length, whatever its values: a single one without
 // an allocation, a batch in one.
 template <typename Record>
-void expectSentAs(uint32_t id, uint32_t length) {
+void expectSentFixed() {
   SCOPED_TRACE(nameOf<Record>());
+  const uint32_t id = of<Record>().id();
+  const uint32_t length = oracle::fixedLength(oracle::descriptionOf(nameOf<Record>()));
   const Record records[] = {Record{}, full<Record>()};
   for (const Record& record : records) {
     EXPECT_EQ(sent(record).size(), length);
@@ -269,7 +263,7 @@ void expectSentAs(uint32_t id, uint32_t length) {
   EXPECT_EQ(recorder().sent[1].id, id);
 }
 
-// Nothing is released, nothing is called.
+// The release changes nothing and calls nobody.
 template <typename Record>
 void expectNothingToRelease() {
   SCOPED_TRACE(nameOf<Record>());

@@ -1,4 +1,4 @@
-// Memory for one record or one buffer, placed where a byte too many shows.
+// Memory for one record or one buffer, placed so that an overrun shows.
 #pragma once
 
 #include <algorithm>
@@ -12,8 +12,8 @@
 
 namespace harness {
 
-// Bytes of one value: in an allocation that ends with them, where a sanitizer sees the first one
-// beyond, at a given distance from an aligned place; or against a page that cannot be touched.
+// Bytes of one value: in an allocation of their exact size, at a given distance from an aligned
+// address; or against an inaccessible page.
 class Block {
  public:
   Block(size_t size, uint8_t fill, size_t shift, const std::optional<GuardedBuffer::Edge>& guard)

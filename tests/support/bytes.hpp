@@ -106,6 +106,9 @@ inline std::string hex(const Layout& layout) {
   return hex(std::span<const uint8_t>(bytes));
 }
 
+// The largest count of a vector; the offset words of one item more pass 32 bits.
+inline constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
+
 // What every byte of a record, or of a buffer to write into, holds before the call under test.
 inline constexpr uint8_t mark = 0xA5;
 

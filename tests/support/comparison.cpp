@@ -9,9 +9,9 @@
 #include <sstream>
 
 #include "host/binding.hpp"
-#include "model/reader.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/reader.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/block.hpp"
 #include "support/recorder.hpp"
 
@@ -48,7 +48,7 @@ std::string compareNumbers(const char* what, Number engine, Number expected) {
 }
 
 std::string compareBytes(const char* what, const std::vector<uint8_t>& engine,
-                         const model::WrittenBytes& expected, uint8_t left) {
+                         const oracle::WrittenBytes& expected, uint8_t left) {
   std::vector<uint8_t> filled;
   for (const std::optional<uint8_t>& byte : expected) {
     filled.push_back(byte.value_or(left));
@@ -56,8 +56,8 @@ std::string compareBytes(const char* what, const std::vector<uint8_t>& engine,
   if (engine == filled) {
     return "";
   }
-  return std::string(what) + " is\n" + model::print(engine) + "\n  and should be\n" +
-         model::print(filled) + "\n";
+  return std::string(what) + " is\n" + oracle::print(engine) + "\n  and should be\n" +
+         oracle::print(filled) + "\n";
 }
 
 std::string withContext(const std::string& difference, const Operations& operations,
@@ -67,16 +67,16 @@ std::string withContext(const std::string& difference, const Operations& operati
   }
   const std::span<const uint8_t> first = bytes.first(std::min(bytes.size(), size_t{1} << 16));
   return std::string(operations.name) + "__" + call + (reversed ? ", byte-reversed" : "") + ": " +
-         difference + "  given\n" + model::print({first.begin(), first.end()}) + "\n";
+         difference + "  given\n" + oracle::print({first.begin(), first.end()}) + "\n";
 }
 
 // A record's bytes, its padding included, without the pointers in it.
-std::vector<uint8_t> withoutPointers(const model::Message& message, std::vector<uint8_t> record,
-                                     size_t offset = 0) {
-  for (const model::Field& field : message.fields) {
-    if (field.kind == model::Kind::Table) {
+std::vector<uint8_t> withoutPointers(const oracle::Description& message,
+                                     std::vector<uint8_t> record, size_t offset = 0) {
+  for (const oracle::Field& field : message.fields) {
+    if (field.kind == oracle::Kind::Table) {
       record = withoutPointers(*field.nested, std::move(record), offset + field.offset);
-    } else if (field.kind == model::Kind::Bytes || field.kind == model::Kind::Vector) {
+    } else if (field.kind == oracle::Kind::Bytes || field.kind == oracle::Kind::Vector) {
       std::fill_n(record.begin() + static_cast<std::ptrdiff_t>(offset + field.offset),
                   sizeof(void*), uint8_t{0});
     }
@@ -84,27 +84,27 @@ std::vector<uint8_t> withoutPointers(const model::Message& message, std::vector<
   return record;
 }
 
-std::string compareRelease(const Operations& operations, const model::Message& message,
-                           const model::Value& decoded, void* record) {
+std::string compareRelease(const Operations& operations, const oracle::Description& message,
+                           const oracle::Value& decoded, void* record) {
   std::string difference;
-  model::Value left = decoded;
+  oracle::Value left = decoded;
   for (const char* call : {"_free__unpacked", "the second _free__unpacked"}) {
-    const std::vector<std::string> expected = model::release(message, left);
+    const std::vector<std::string> expected = oracle::release(message, left);
     operations.freeUnpacked(record);
     difference += compareTraces(call, takeTrace(), expected);
   }
   return difference;
 }
 
-const char* nameOf(model::Operation operation) {
+const char* nameOf(oracle::Operation operation) {
   switch (operation) {
-    case model::Operation::Single:
+    case oracle::Operation::Single:
       return "sendsingle";
-    case model::Operation::Batch:
+    case oracle::Operation::Batch:
       return "sendbatch";
-    case model::Operation::Msg:
+    case oracle::Operation::Msg:
       return "sendmsg";
-    case model::Operation::ToMsg:
+    case oracle::Operation::ToMsg:
       return "sendtomsg";
   }
   std::abort();
@@ -113,20 +113,20 @@ const char* nameOf(model::Operation operation) {
 uint32_t callSend(const Operations& operations, uint32_t destination, const void* records,
                   const Sending& how) {
   switch (how.operation) {
-    case model::Operation::Single:
-      return operations.sendSingle(destination, records, how.extra);
-    case model::Operation::Batch:
+    case oracle::Operation::Single:
+      return operations.sendSingle(destination, records, unused, how.extra);
+    case oracle::Operation::Batch:
       return operations.sendBatch(destination, records, how.count, how.extra);
-    case model::Operation::Msg:
+    case oracle::Operation::Msg:
       return operations.sendMsg(destination, records, how.count);
-    case model::Operation::ToMsg:
+    case oracle::Operation::ToMsg:
       return operations.sendToMsg(destination, records, how.count, how.extra);
   }
   std::abort();
 }
 
 std::string compareSendOf(const Operations& operations, const void* records,
-                          const std::optional<std::vector<model::Value>>& values,
+                          const std::optional<std::vector<oracle::Value>>& values,
                           const Sending& how) {
   constexpr uint32_t destination = 0x01020304;
   useByteOrder(operations, how.reversed);
@@ -135,9 +135,9 @@ std::string compareSendOf(const Operations& operations, const void* records,
   recorder().middlewareResult = how.middlewareResult;
   const uint32_t result = callSend(operations, destination, records, how);
 
-  const model::Sent expected =
-      model::send(model::message(operations.name), how.operation, destination, values, how.count,
-                  how.extra, how.reversed, how.allocationFails, how.middlewareResult);
+  const oracle::Sent expected =
+      oracle::send(oracle::descriptionOf(operations.name), how.operation, destination, values,
+                   how.count, how.extra, how.reversed, how.allocationFails, how.middlewareResult);
   std::string difference =
       compareNumbers("the result", result, expected.result) +
       compareTraces("it", takeTrace(), expected.trace) +
@@ -145,7 +145,7 @@ std::string compareSendOf(const Operations& operations, const void* records,
       compareNumbers("the number of blocks kept", recorder().blocks.size(), size_t{0});
   for (size_t index = 0; difference.empty() && index < expected.descriptors.size(); ++index) {
     const SentTable& sent = recorder().sent[index];
-    const model::Descriptor& wanted = expected.descriptors[index];
+    const oracle::Descriptor& wanted = expected.descriptors[index];
     difference += compareNumbers("an identifier", sent.id, wanted.id) +
                   compareNumbers("a table's offset", sent.address - recorder().sent[0].address,
                                  wanted.offset - expected.descriptors[0].offset) +
@@ -157,7 +157,8 @@ std::string compareSendOf(const Operations& operations, const void* records,
 }  // namespace
 
 void useByteOrder(const Operations& operations, bool reversed) {
-  for (mesh::host::Module* const module : {operations.receive, operations.send}) {
+  const Modules modules = modulesOf(operations);
+  for (mesh::host::Module* const module : {modules.receive, modules.send}) {
     mesh::host::readyCodec(*module);
     module->swapBytes.store(reversed ? 1 : 0);
   }
@@ -174,7 +175,7 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
 
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           const Unpacking& how) {
-  const model::Message& message = model::message(operations.name);
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
   const auto length = static_cast<uint32_t>(bytes.size());
   useByteOrder(operations, how.reversed);
   resetRecorder();
@@ -192,8 +193,8 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
   const uint8_t* const data = how.inPlace ? bytes.data() : block.data();
   const uint32_t returned = operations.unpack(data, length, record.data());
 
-  const model::UnpackResult expected =
-      model::unpack(message, data, length, false, how.reversed, recorder().lastFailure);
+  const oracle::UnpackResult expected =
+      oracle::unpack(message, data, length, false, how.reversed, recorder().lastFailure);
   std::string difference = compareNumbers("the result", returned, expected.returned) +
                            compareTraces("it", takeTrace(), expected.trace);
   if (!expected.recordTouched) {
@@ -202,11 +203,11 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
     }
   } else if (difference.empty()) {
     // Only a record whose calls were as expected has pointers that may be followed.
-    const model::Value decoded = model::load(message, record.data());
+    const oracle::Value decoded = oracle::load(message, record.data());
     if (!(decoded == expected.record)) {
-      difference += "the record differs at " + model::difference(decoded, expected.record) + "\n";
+      difference += "the record differs at " + oracle::difference(decoded, expected.record) + "\n";
     } else if (withoutPointers(message, record.bytes()) !=
-               withoutPointers(message, model::RecordImage(message, expected.record).bytes())) {
+               withoutPointers(message, oracle::RecordImage(message, expected.record).bytes())) {
       difference += "the record's padding is not zero\n";
     }
     difference += compareRelease(operations, message, expected.record, record.data());
@@ -215,17 +216,17 @@ std::string compareUnpack(const Operations& operations, std::span<const uint8_t>
   return withContext(difference, operations, "unpack", how.reversed, bytes);
 }
 
-std::string comparePack(const Operations& operations, const model::Value& value, uint32_t room,
+std::string comparePack(const Operations& operations, const oracle::Value& value, uint32_t room,
                         bool reversed) {
   return comparePack(operations, value, {.room = room, .reversed = reversed});
 }
 
-std::string comparePack(const Operations& operations, const model::Value& value,
+std::string comparePack(const Operations& operations, const oracle::Value& value,
                         const Packing& how) {
-  const model::Message& message = model::message(operations.name);
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
   useByteOrder(operations, how.reversed);
   resetRecorder();
-  const model::RecordImage image(message, value);
+  const oracle::RecordImage image(message, value);
   const std::vector<uint8_t> recordBefore = image.bytes();
   Block record(recordBefore.size(), untouched, how.recordShift, how.guard);
   record.hold(recordBefore);
@@ -237,10 +238,10 @@ std::string comparePack(const Operations& operations, const model::Value& value,
                                           how.bufferIsNull ? nullptr : block.data(),
                                           how.lengthIsNull ? nullptr : &length);
 
-  const model::PackResult expected =
-      model::pack(message, how.recordIsNull ? nullptr : &value, how.bufferIsNull, how.room,
-                  how.lengthIsNull, how.reversed);
-  model::WrittenBytes written = expected.bytes;
+  const oracle::PackResult expected =
+      oracle::pack(message, how.recordIsNull ? nullptr : &value, how.bufferIsNull, how.room,
+                   how.lengthIsNull, how.reversed);
+  oracle::WrittenBytes written = expected.bytes;
   written.resize(size, std::nullopt);
   std::string difference =
       compareNumbers("the result", result, expected.result) +
@@ -253,10 +254,10 @@ std::string comparePack(const Operations& operations, const model::Value& value,
   return withContext(difference, operations, "pack", how.reversed, recordBefore);
 }
 
-std::string compareSend(const Operations& operations, model::Operation operation,
-                        const std::vector<model::Value>& values, uint64_t extra, bool reversed,
+std::string compareSend(const Operations& operations, oracle::Operation operation,
+                        const std::vector<oracle::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails, uint32_t middlewareResult) {
-  const model::RecordImage records(model::message(operations.name), values);
+  const oracle::RecordImage records(oracle::descriptionOf(operations.name), values);
   const Sending how{.operation = operation,
                     .count = static_cast<uint32_t>(values.size()),
                     .extra = extra,
@@ -272,12 +273,12 @@ std::string compareNullSend(const Operations& operations, const Sending& how) {
                      nameOf(how.operation), how.reversed, {});
 }
 
-std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,
+std::vector<uint8_t> packed(const Operations& operations, const oracle::Value& value,
                             bool reversed) {
-  const model::Message& message = model::message(operations.name);
+  const oracle::Description& message = oracle::descriptionOf(operations.name);
   useByteOrder(operations, reversed);
-  const model::RecordImage record(message, value);
-  auto length = static_cast<uint32_t>(model::compactSize(message, value));
+  const oracle::RecordImage record(message, value);
+  auto length = static_cast<uint32_t>(oracle::compactSize(message, value));
   std::vector<uint8_t> buffer(length);
   if (operations.pack(record.data(), buffer.data(), &length) != 0) {
     std::abort();

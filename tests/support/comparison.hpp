@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "model/message.hpp"
-#include "model/sender.hpp"
-#include "model/value.hpp"
+#include "oracle/messages/description.hpp"
+#include "oracle/operations/sender.hpp"
+#include "oracle/values/value.hpp"
 #include "support/guarded_buffer.hpp"
 #include "support/operations.hpp"
 
@@ -26,27 +26,26 @@ void useByteOrder(const Operations& operations, bool reversed);
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           bool reversed, int failingAllocation = 0, bool guarded = false);
 
-// The same, in other surroundings.
+// The same, with more choices.
 struct Unpacking {
   bool reversed = false;
   int failingAllocation = 0;
-  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
-  // them.
+  // Buffer and record lie against inaccessible pages; otherwise in blocks of their exact size.
   std::optional<GuardedBuffer::Edge> guard = std::nullopt;
   size_t recordShift = 0;  // from an aligned place, without a guard
   // The buffer is read where it lies: it is too large for a copy.
   bool inPlace = false;
-  // Allocations of more fail.
+  // Larger allocations fail.
   uint32_t largestBlock = UINT32_MAX;
 };
 std::string compareUnpack(const Operations& operations, std::span<const uint8_t> bytes,
                           const Unpacking& how);
 
 // __pack into a buffer of exactly `room` bytes.
-std::string comparePack(const Operations& operations, const model::Value& value, uint32_t room,
+std::string comparePack(const Operations& operations, const oracle::Value& value, uint32_t room,
                         bool reversed);
 
-// The same, with other arguments and surroundings.
+// The same, with more choices.
 struct Packing {
   uint32_t room = 0;
   bool reversed = false;
@@ -55,23 +54,22 @@ struct Packing {
   bool lengthIsNull = false;
   // How many bytes the buffer really has, where that is less than `room`.
   std::optional<uint32_t> block = std::nullopt;
-  // Buffer and record lie against pages that cannot be touched; otherwise in blocks that end with
-  // them.
+  // Buffer and record lie against inaccessible pages; otherwise in blocks of their exact size.
   std::optional<GuardedBuffer::Edge> guard = std::nullopt;
   size_t bufferShift = 0;  // from an aligned place, without a guard
   size_t recordShift = 0;
 };
-std::string comparePack(const Operations& operations, const model::Value& value,
+std::string comparePack(const Operations& operations, const oracle::Value& value,
                         const Packing& how);
 
 // One of the four send operations on the records.
-std::string compareSend(const Operations& operations, model::Operation operation,
-                        const std::vector<model::Value>& values, uint64_t extra, bool reversed,
+std::string compareSend(const Operations& operations, oracle::Operation operation,
+                        const std::vector<oracle::Value>& values, uint64_t extra, bool reversed,
                         bool allocationFails = false, uint32_t middlewareResult = 0);
 
-// The same on a null pointer, which is said to lead to `count` records.
+// The same on a null pointer and `count` records.
 struct Sending {
-  model::Operation operation = model::Operation::Single;
+  oracle::Operation operation = oracle::Operation::Single;
   uint32_t count = 0;
   uint64_t extra = 0;
   bool reversed = false;
@@ -81,7 +79,7 @@ struct Sending {
 std::string compareNullSend(const Operations& operations, const Sending& how);
 
 // The compact message of a value, by the engine.
-std::vector<uint8_t> packed(const Operations& operations, const model::Value& value,
+std::vector<uint8_t> packed(const Operations& operations, const oracle::Value& value,
                             bool reversed = false);
 
 // The number of rounds a random test makes: as given, times the factor in the environment's

@@ -1,4 +1,4 @@
-// A copy of some bytes that ends (or begins) at a page nobody may touch.
+// A copy of some bytes that ends (or begins) at an inaccessible page.
 #pragma once
 
 #include <sys/mman.h>

@@ -2,59 +2,30 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string>
 
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
 
 namespace harness {
-namespace {
 
-#define OPERATIONS(X, identifier)                         \
-  Operations{EXPORTED_OPERATIONS(X),                      \
-             mesh::msg::messageOf<X>.id,                  \
-             &receiveModule,                              \
-             &sendModule,                                 \
-             reinterpret_cast<const void*>(&X##__unpack), \
-             reinterpret_cast<const void*>(&X##_free__unpacked)},
-
-void addConfiguration(std::vector<Operations>& all) {
-  using namespace mesh::l2vpn_cfg;
-  all.insert(all.end(), {L2VPN_CFG_MESSAGES(OPERATIONS)});
-}
-
-void addStatistics(std::vector<Operations>& all) {
-  using namespace mesh::l2vpn_stat;
-  all.insert(all.end(), {L2VPN_STAT_MESSAGES(OPERATIONS)});
-}
-
-void addSynchronisation(std::vector<Operations>& all) {
-  using namespace mesh::l2vpn_sync;
-  all.insert(all.end(), {L2VPN_SYNC_MESSAGES(OPERATIONS)});
-}
-
-}  // namespace
-
-const std::vector<Operations>& allOperations() {
-  static const std::vector<Operations> all = [] {
-    std::vector<Operations> list;
-    addConfiguration(list);
-    addStatistics(list);
-    addSynchronisation(list);
-    return list;
-  }();
-  return all;
-}
-
-const Operations& operationsOf(const char* name) {
-  for (const Operations& operations : allOperations()) {
-    if (std::strcmp(operations.name, name) == 0) {
-      return operations;
-    }
+const Operations& operationsOf(std::string_view name) {
+  if (const Operations* const found = inspect::operationsOf(name)) {
+    return *found;
   }
-  std::fprintf(stderr, "no message %s\n", name);
+  std::fprintf(stderr, "no message %s\n", std::string(name).c_str());
   std::abort();
+}
+
+Modules modulesOf(const Operations& operations) {
+  if (operations.service == "l2vpn_cfg") {
+    return {&mesh::l2vpn_cfg::receiveModule, &mesh::l2vpn_cfg::sendModule};
+  }
+  if (operations.service == "l2vpn_stat") {
+    return {&mesh::l2vpn_stat::receiveModule, &mesh::l2vpn_stat::sendModule};
+  }
+  return {&mesh::l2vpn_sync::receiveModule, &mesh::l2vpn_sync::sendModule};
 }
 
 }  // namespace harness

@@ -1,31 +1,35 @@
-// Every message's operations behind one type, so that a test can be run over all of them.
+// Every message's operations, so that a test can be run over all of them.
 #pragma once
 
-#include <cstdint>
 #include <ostream>
-#include <vector>
+#include <string_view>
 
 #include "host/binding.hpp"
-#include "support/exported_operations.hpp"
-
-namespace harness {
-
-struct Operations : ExportedOperations {
-  uint32_t id;
-  mesh::host::Module* receive;
-  mesh::host::Module* send;
-  const void* unpackAddress;
-  const void* freeAddress;
-};
+#include "inspect/messages/operations.hpp"
 
 // For test output.
+namespace inspect {
 inline void PrintTo(const Operations& operations, std::ostream* out) {
   *out << operations.name;
 }
+}  // namespace inspect
 
-// All messages, service by service, in registration order.
-const std::vector<Operations>& allOperations();
+namespace harness {
 
-const Operations& operationsOf(const char* name);
+using inspect::allOperations;
+using inspect::Operations;
+
+// Ends the process with a clear text if there is no such message.
+const Operations& operationsOf(std::string_view name);
+
+struct Modules {
+  mesh::host::Module* receive;
+  mesh::host::Module* send;
+};
+
+Modules modulesOf(const Operations& operations);
+
+// Given to __sendsingle as its unused argument, to show that it is one.
+inline constexpr uint64_t unused = 0xDEAD;
 
 }  // namespace harness

@@ -52,7 +52,7 @@ void* allocate(const char* function, uint32_t size, uint32_t owner, const char* 
     return nullptr;
   }
   uint8_t* const block = static_cast<uint8_t*>(std::malloc(r.blockShift + size)) + r.blockShift;
-  // What a host hands out is not zero.
+  // A host's blocks are not zero.
   std::memset(block, 0xC7, size);
   r.blocks[block] = ++r.blocksGiven;
   note("%s size=%u owner=%u caller=\"%s\" -> #%d", function, size, owner, caller, r.blocksGiven);

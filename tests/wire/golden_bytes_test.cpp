@@ -31,7 +31,7 @@ template <typename Record>
 Buffer sent(const Record& record) {
   const auto& operations = operationsOf(mesh::wire::schemaOf<Record>.name);
   harness::resetRecorder();
-  EXPECT_EQ(operations.sendSingle(1, &record, 0), 0U);
+  EXPECT_EQ(operations.sendSingle(1, &record, harness::unused, 0), 0U);
   return recorder().sent.at(0).bytes;
 }
 

@@ -202,7 +202,7 @@ TEST(Reader, GivesEveryByteStringABlockOfItsOwn) {
   EXPECT_EQ(both.release(), Trace({"unpackFree #1" + release, "unpackFree #2" + release}));
 }
 
-TEST(Reader, GivesBackWhatItTookBeforeAFailure) {
+TEST(Reader, ReleasesItsBlocksOnFailure) {
   const std::string caller = " owner=12 caller=\"dbginfo_endata_l2vpn_unpack\"";
   const std::string release = " owner=12 caller=\"dbginfo_endata_l2vpn_free_unpacked\"";
   const Unpacked<dbginfo_endata_l2vpn> outside(endata(0xFFFF));

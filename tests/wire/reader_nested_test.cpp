@@ -173,7 +173,7 @@ Buffer query(uint32_t arrayLength) {
       .fill(128, 0x77);
 }
 
-TEST_F(NestedTables, GiveBackTheBlocksOfTheOnesBeforeThem) {
+TEST_F(NestedTables, ReleaseTheBlocksOfEarlierTables) {
   const std::string taken = " owner=12 caller=\"l2vpn_cfg_query_comm_param_unpack_non_root\"";
   const std::string released = " owner=12 caller=\"l2vpn_cfg_query_dfx_key_free_unpacked\"";
   Unpacked<l2vpn_cfg_query_dfx_key> read(query(128));

@@ -53,7 +53,7 @@ std::vector<uint32_t> linesOfEveryReport() {
           lineOf([&] { unpack<dbginfo_para_l2vpn>(para, 1); })};
 }
 
-TEST(Report, HasTheSameLineEveryTime) {
+TEST(Report, KeepsItsLine) {
   const std::vector<uint32_t> lines = linesOfEveryReport();
   for (const uint32_t line : lines) {
     EXPECT_NE(line, 0U);
@@ -62,7 +62,7 @@ TEST(Report, HasTheSameLineEveryTime) {
 }
 
 // A line in a host's log leads to one statement.
-TEST(Report, HasALineOfItsOwn) {
+TEST(Report, NamesOneStatementByItsLine) {
   const std::vector<uint32_t> lines = linesOfEveryReport();
   EXPECT_EQ(std::set(lines.begin(), lines.end()).size(), lines.size());
 }

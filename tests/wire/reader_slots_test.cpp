@@ -88,7 +88,7 @@ TEST(Reader, ReadsFieldsInAnyOrderAndTwoFromOnePlace) {
   EXPECT_EQ(key.record.f2, 0x55555555U);
 }
 
-TEST(Reader, TakesAnEntryOfZeroAsAnAbsentField) {
+TEST(Reader, ReadsAZeroEntryAsAbsent) {
   const Unpacked<dbginfo_key_l2vpn> key(harness::withU16(keyOfScalars(), 10, 0));
   EXPECT_EQ(key.record.f0, 0x1111);
   EXPECT_EQ(key.record.f1, 0);
@@ -98,7 +98,7 @@ TEST(Reader, TakesAnEntryOfZeroAsAnAbsentField) {
   EXPECT_EQ(key.trace, Trace());
 }
 
-TEST(Reader, TakesSlotsBeyondAShorterVtableAsAbsent) {
+TEST(Reader, ReadsSlotsBeyondAShortVtableAsAbsent) {
   // Of each length, how many slots it reaches.
   for (const auto& [length, slots] : std::initializer_list<std::pair<uint32_t, int>>{
            {4, 0}, {5, 0}, {6, 1}, {7, 1}, {8, 2}, {9, 2}, {10, 3}, {11, 3}}) {
@@ -110,7 +110,7 @@ TEST(Reader, TakesSlotsBeyondAShorterVtableAsAbsent) {
   }
 }
 
-TEST(Reader, LeavesAFieldZeroThatAnOlderWriterDoesNotKnow) {
+TEST(Reader, LeavesFieldsOfNewerSchemasZero) {
   const Buffer bytes =
       Layout().u32(16).u16(12, 16, 4, 8, 12, 0).u32(12).u32(0x11111111, 0x22222222, 0x33333333);
   const Unpacked<l2vpn_cfg_query_comm_rec> record(bytes);
@@ -121,7 +121,7 @@ TEST(Reader, LeavesAFieldZeroThatAnOlderWriterDoesNotKnow) {
   EXPECT_EQ(record.trace, Trace());
 }
 
-TEST(Reader, LeavesCountersZeroThatAShorterVtableDoesNotReach) {
+TEST(Reader, LeavesCountersBeyondAShortVtableZero) {
   const Buffer bytes = Layout()
                            .u32(18)
                            .u16(14, 28, 4, 8, 12, 13, 24)

@@ -95,19 +95,20 @@ TEST_F(Items, FailWhenTheirVectorIsOutside) {
 }
 
 TEST_F(Items, FailWhenTheirWordsPassTheEnd) {
-  // Two words follow. 0x40000000 words would end where they begin, modulo 32 bits.
-  for (const uint32_t count : {3U, 0xFFFFU, 0x10000U, 0x3FFFFFFFU, 0x40000000U, 0x40000001U,
-                               0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+  // Two words follow. One more than the largest count would end where they begin, modulo 32 bits.
+  for (const uint32_t count :
+       {3U, 0xFFFFU, 0x10000U, harness::largestVectorCount, harness::largestVectorCount + 1,
+        harness::largestVectorCount + 2, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
     expectFailed(resultWith(Layout().u32(count).u32(8, 8)), released);
   }
 }
 
-TEST_F(Items, FailUnreportedWhenTheirBlockWouldPassThirtyTwoBits) {
+TEST_F(Items, FailSilentlyWhenTheirBlockPasses32Bits) {
   constexpr uint32_t count = 259171;  // of 16572 bytes: 2^32 and a little
   expectFailed(resultWith(Layout().u32(count).zeros(size_t{4} * count)), released);
 }
 
-TEST_F(Items, AreAskedForAsOneBlockOfUpToThirtyTwoBits) {
+TEST_F(Items, TakeOneBlockOfUpTo32Bits) {
   constexpr uint32_t count = 259170;  // of 16572 bytes: 4294965240
   expectFailed(resultWith(Layout().u32(count).zeros(size_t{4} * count)),
                {"unpackAlloc size=4294965240" + taken + " -> null",
@@ -118,7 +119,7 @@ TEST_F(Items, AreAskedForAsOneBlockOfUpToThirtyTwoBits) {
                0, 1);
 }
 
-TEST_F(Items, AreAllGivenBackWhenOneFails) {
+TEST_F(Items, AreReleasedWhenOneFails) {
   // The second word leads outside, before itself, to a table whose f1 passes the end.
   const Buffer good = resultWith(Layout().u32(2).u32(16, 12).append(item(0x11111111)));
   const uint32_t size = static_cast<uint32_t>(good.size());
@@ -135,7 +136,7 @@ TEST_F(Items, AreAllGivenBackWhenOneFails) {
                {block, "unpackFree null" + given, "unpackFree #1" + given}, 2);
 }
 
-TEST_F(Items, AreGivenBackAfterTheCommonParts) {
+TEST_F(Items, AreReleasedAfterTheCommonParts) {
   // A common part with a byte string (table at 38), and a vector whose only word leads outside.
   const Buffer bytes = Layout()
                            .u32(12)

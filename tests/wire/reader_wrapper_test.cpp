@@ -1,4 +1,4 @@
-// Wrapped records: the value beside a damaged record is delivered all the same.
+// Wrapped records: the wrapper's own value survives damage to the record.
 
 #include <gtest/gtest.h>
 
@@ -107,7 +107,7 @@ TEST(Wrapper, DeliversWhatWasReadOfADamagedRecord) {
 }
 
 // The same bad root: the wrapper is left alone, the record on its own is cleared.
-TEST(Wrapper, IsLeftAloneWhereARecordIsCleared) {
+TEST(Wrapper, BadHeadKeepsTheWrapper) {
   const Buffer bytes = harness::withU32(update(), 0, 2);
   const Unpacked<l2vpn_sync_vpls_ac_update> wrapper(bytes);
   EXPECT_EQ(hex(harness::bytesOf(wrapper.record)), hex(harness::marks(sizeof wrapper.record)));

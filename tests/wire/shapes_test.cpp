@@ -1,4 +1,4 @@
-// Shapes of records that no message has yet, and the next one may: the engine takes them all.
+// Record shapes that no message has yet: the engine takes them all.
 
 #include <gtest/gtest.h>
 

@@ -86,7 +86,7 @@ std::vector<Stretch> randomStretches(std::mt19937& random, uint32_t longest) {
   return stretches;
 }
 
-TEST(StorePlan, LaysDownEveryByteFromItsOriginAndReachesPastNoEnd) {
+TEST(StorePlan, WritesEveryByteWithinBounds) {
   std::mt19937 random(7);
   const PlanLimits limits{.source = size, .constants = size};
   for (int round = 0; round < 2000; ++round) {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
 
 namespace {
@@ -16,20 +16,20 @@ using harness::Trace;
 
 constexpr uint32_t failure = 0xFFFFFFFF;
 
-// A record of zeros, and one whose scalars are not.
+// A record of zeros, and one without a zero scalar.
 class EveryWriter : public testing::TestWithParam<Operations> {
  protected:
-  const model::Message& message() const { return model::message(GetParam().name); }
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
 
   template <typename Check>
   void forEachRecord(const Check& check) const {
     std::mt19937_64 random(1);
-    for (const model::Value& value :
-         {model::zeroValue(message()),
-          model::randomValue(message(), random, model::Density::Full)}) {
-      const model::RecordImage record(message(), value);
+    for (const oracle::Value& value :
+         {oracle::zeroValue(message()),
+          oracle::randomValue(message(), random, oracle::Density::Full)}) {
+      const oracle::RecordImage record(message(), value);
       harness::resetRecorder();
-      check(record.data(), static_cast<uint32_t>(model::compactSize(message(), value)));
+      check(record.data(), static_cast<uint32_t>(oracle::compactSize(message(), value)));
     }
   }
 
@@ -130,8 +130,8 @@ TEST_P(EveryWriter, ReportsAsItsOwnModule) {
     uint32_t length = size;
     EXPECT_EQ(pack(record, nullptr, &length), 0U);
     ASSERT_EQ(harness::recorder().logOrigins.size(), 1U);
-    EXPECT_EQ(harness::recorder().logOrigins[0].first, &GetParam().send->env);
-    EXPECT_STREQ(GetParam().send->env.frameworkName, "VELTA");
+    EXPECT_EQ(harness::recorder().logOrigins[0].first, &harness::modulesOf(GetParam()).send->env);
+    EXPECT_STREQ(harness::modulesOf(GetParam()).send->env.frameworkName, "VELTA");
   });
 }
 

@@ -98,7 +98,7 @@ TEST(LargestSize, OfTwoByteStringsIsThirtyTwoBitsTogether) {
   EXPECT_EQ(statedSize(data), std::nullopt);
 }
 
-TEST(LargestSize, OfACommandEndsEightShort) {
+TEST(LargestSize, OfACommandKeyIs0xFFFFFFF7) {
   dbginfo_cmd_key_l2vpn command{};
   command.f4.f3 = &somewhere;
   command.f4.f3_len = 0xFFFFFFF7 - 78;
@@ -120,7 +120,7 @@ TEST(LargestSize, OfACommandEndsEightShort) {
   EXPECT_EQ(statedSize(command), std::nullopt);
 }
 
-TEST(LargestSize, OfAQueryEndsOneShort) {
+TEST(LargestSize, OfAQueryKeyIs0xFFFFFFFE) {
   l2vpn_cfg_query_dfx_key query{};
   query.f0.f2 = &somewhere;
   query.f0.f2_len = 0xFFFFFFFE - 196;
@@ -150,7 +150,7 @@ TEST(LargestSize, OfAResultIsThirtyTwoBits) {
   EXPECT_EQ(statedSize(result), std::nullopt);
 }
 
-TEST(LargestSize, IsPassedByACountAloneWithoutALookAtItsItems) {
+TEST(LargestSize, IsExceededByACountAlone) {
   static l2vpn_cfg_query_dfx_item only{};
   l2vpn_cfg_query_dfx_rec result{};
   result.f1 = &only;
@@ -162,9 +162,10 @@ TEST(LargestSize, IsPassedByACountAloneWithoutALookAtItsItems) {
   }
 }
 
-TEST(LargestSize, DoesNotExistForItemsBehindANullPointer) {
+TEST(LargestSize, IsUndefinedForItemsBehindANullPointer) {
   l2vpn_cfg_query_dfx_rec result{};
-  for (const uint32_t count : {1U, 2U, 0x3FFFFFFFU, 0x40000000U, 0xFFFFFFFFU}) {
+  for (const uint32_t count :
+       {1U, 2U, harness::largestVectorCount, harness::largestVectorCount + 1, 0xFFFFFFFFU}) {
     result.f1_count = count;
     EXPECT_EQ(statedSize(result), std::nullopt) << count << " items";
   }

@@ -82,7 +82,7 @@ struct Node::Functions {
 Node::Node(const std::string& library, uint32_t address)
     : functions_(std::make_unique<Functions>(load(library))), address_(address) {
   for (const KnownMessage& message : messages()) {
-    functions_->registerHook(message.data->id, &unpackNothing, &freeNothing);
+    functions_->registerHook(message.id(), &unpackNothing, &freeNothing);
   }
   mesh_node_options options;
   functions_->defaults(&options);

@@ -104,7 +104,7 @@ def main():
                 if not has_fault and not fields_are_same(table["record"], tree_of(lines)):
                     sys.exit(f"table {number} differs: {table}\n{packet}")
                 names.add(table["message"])
-            if len(names) != 85:
+            if len(names) != len(run(tool, "list").stdout.splitlines()) - 1:
                 sys.exit(f"{len(names)} messages were compared")
             faults = sum("faults" in table for table in tables)
             print(f"{count} tables of {len(names)} messages, {faults} of them with faults: no difference")

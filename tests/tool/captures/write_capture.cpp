@@ -1,15 +1,18 @@
 // Writes a capture of random records of every message, in both arrangements in turn.
 //
-//   write_capture FILE COUNT [damaged]    damaged: mutates half of the tables
+//   write_capture FILE COUNT [damaged [MESSAGE...]]    damaged: mutates half of the tables
+//                                                      MESSAGE...: writes these messages alone
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <set>
 
 #include "captures/capture_file.hpp"
 #include "messages/codec.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 
 namespace tool {
 namespace {
@@ -19,21 +22,24 @@ constexpr uint64_t interval = 1'000'000;  // nanoseconds
 constexpr size_t samplesOfEach = 12;
 
 Bytes sample(const KnownMessage& message, size_t number, bool isDamaged, std::mt19937_64& random) {
-  const model::Message& type = model::message(std::string(message.name));
-  const model::RecordImage image(
-      type, model::randomValue(type, random, static_cast<model::Density>(number % 3)));
+  const oracle::Description& type = oracle::descriptionOf(std::string(message.name));
+  const oracle::RecordImage image(
+      type, oracle::randomValue(type, random, static_cast<oracle::Density>(number % 3)));
   OwnedRecord record(message);
   std::memcpy(record.data(), image.data(), message.schema().size);
   const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
-  return isDamaged && number % 4 >= 2 ? model::mutate(bytes, random) : bytes;
+  return isDamaged && number % 4 >= 2 ? oracle::mutate(bytes, random) : bytes;
 }
 
-void write(const char* file, uint64_t count, bool isDamaged) {
+void write(const char* file, uint64_t count, bool isDamaged, const std::set<std::string_view>& of) {
   std::mt19937_64 random(count);
   std::vector<std::pair<uint32_t, Bytes>> samples;
   for (size_t number = 0; number < samplesOfEach; ++number) {
     for (const KnownMessage& message : messages()) {
-      samples.emplace_back(message.data->id, sample(message, number, isDamaged, random));
+      if (!of.empty() && !of.contains(message.name)) {
+        continue;
+      }
+      samples.emplace_back(message.id(), sample(message, number, isDamaged, random));
     }
   }
   CaptureWriter writer(file);
@@ -48,9 +54,10 @@ void write(const char* file, uint64_t count, bool isDamaged) {
 }  // namespace tool
 
 int main(int count, char** words) {
-  if (count != 3 && count != 4) {
+  if (count < 3) {
     return 2;
   }
-  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count == 4);
+  const std::set<std::string_view> of(words + std::min(count, 4), words + count);
+  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count >= 4, of);
   return 0;
 }

@@ -19,7 +19,7 @@ sed s/1042/1043/ update.json | mesh-l2vpn encode -m l2vpn_sync_vpls_ac_update > 
 echo '{"f0": 42, "f8": "010000000000000000000000"}' |
   mesh-l2vpn encode -m l2vpn_sync_vpls_ac --compact | head -c 74 > damaged.bin
 printf '\\015' | dd of=damaged.bin bs=1 seek=44 conv=notrunc status=none
-write_capture night.pcapng 1000 damaged
+write_capture night.pcapng 1000 damaged dbginfo_cmd_key_l2vpn l2vpn_stat_pw_stat l2vpn_sync_vpls_ac
 """
 
 

@@ -5,9 +5,9 @@
 
 #include "json/record_json.hpp"
 #include "messages/codec.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
-#include "model/writer.hpp"
+#include "oracle/operations/writer.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "reader/table_reader.hpp"
 
 namespace tool {
@@ -21,7 +21,7 @@ std::string jsonOf(const KnownMessage& message, const uint8_t* record) {
   return toJson(message.schema(), record).dump();
 }
 
-Bytes written(const model::WrittenBytes& bytes) {
+Bytes written(const oracle::WrittenBytes& bytes) {
   Bytes all;
   for (const auto& byte : bytes) {
     all.push_back(byte.value_or(0));
@@ -31,23 +31,23 @@ Bytes written(const model::WrittenBytes& bytes) {
 
 TEST_P(RoundTrip, ThroughJson) {
   const KnownMessage& message = messageNamed(GetParam());
-  const model::Message& type = model::message(GetParam());
-  std::mt19937_64 random(message.data->id);
+  const oracle::Description& type = oracle::descriptionOf(GetParam());
+  std::mt19937_64 random(message.id());
   for (int round = 0; round < recordsOfEach; ++round) {
-    const auto density = static_cast<model::Density>(round % 3);
-    // Empty byte strings come back from JSON without a pointer.
-    const model::Value value = model::asReceived(model::randomValue(type, random, density));
-    const model::RecordImage image(type, value);
+    const auto density = static_cast<oracle::Density>(round % 3);
+    // Byte strings of length 0 have no pointer in JSON.
+    const oracle::Value value = oracle::asReceived(oracle::randomValue(type, random, density));
+    const oracle::RecordImage image(type, value);
     const std::string text = jsonOf(message, static_cast<const uint8_t*>(image.data()));
 
     const OwnedRecord record = fromJson(message, parseJson(text));
     const Bytes compact = encodeCompact(record);
-    ASSERT_EQ(compact, written(model::compactBytes(type, value, false))) << text;
+    ASSERT_EQ(compact, written(oracle::compactBytes(type, value, false))) << text;
     ASSERT_EQ(jsonOf(message, decode(message, compact).data()), text);
     ASSERT_TRUE(readTable(message, compact).faults.empty()) << text;
     if (message.isSentFixed()) {
       const Bytes fixed = encodeFixed(record);
-      ASSERT_EQ(fixed, model::fixedImage(type, value, false)) << text;
+      ASSERT_EQ(fixed, oracle::fixedImage(type, value, false)) << text;
       ASSERT_EQ(jsonOf(message, decode(message, fixed).data()), text);
       ASSERT_TRUE(readTable(message, fixed).faults.empty()) << text;
     } else {

@@ -43,7 +43,7 @@ TEST(OwnEncoding, AcceptsEncodedRecord) {
 TEST(OwnEncoding, RejectsDamage) {
   size_t rejected = 0;
   for (const Bytes& bytes : hostileLists()) {
-    const Table table{0, 1, 2, list().data->id, 0, bytes};
+    const Table table{0, 1, 2, list().id(), 0, bytes};
     const Json json = tableJson(table);
     EXPECT_EQ(json.contains("record"), isAccepted(table));
     if (!isAccepted(table)) {

@@ -6,8 +6,8 @@
 
 #include "bytes/hex.hpp"
 #include "messages/codec.hpp"
-#include "model/generate.hpp"
-#include "model/record_image.hpp"
+#include "oracle/values/generate.hpp"
+#include "oracle/values/record_image.hpp"
 #include "tool/reader/hostile.hpp"
 #include "tool/reader/library_reader.hpp"
 
@@ -28,20 +28,20 @@ class ReaderAgreement : public testing::TestWithParam<const char*> {};
 
 TEST_P(ReaderAgreement, DamagedAndTruncated) {
   const KnownMessage& message = messageNamed(GetParam());
-  const model::Message& type = model::message(GetParam());
-  std::mt19937_64 random(message.data->id);
+  const oracle::Description& type = oracle::descriptionOf(GetParam());
+  std::mt19937_64 random(message.id());
   const int rounds = message.schema().size > 4096 ? mutationsOfEach / 10 : mutationsOfEach;
   int accepted = 0;
   for (int round = 0; round < rounds; ++round) {
-    const auto density = static_cast<model::Density>(round % 3);
-    const model::RecordImage image(type, model::randomValue(type, random, density));
+    const auto density = static_cast<oracle::Density>(round % 3);
+    const oracle::RecordImage image(type, oracle::randomValue(type, random, density));
     OwnedRecord record(message);
     std::memcpy(record.data(), image.data(), message.schema().size);
     Bytes bytes = round % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
     if (round % 5 == 4) {
       bytes.resize(random() % (bytes.size() + 1));
     } else {
-      bytes = model::mutate(bytes, random);
+      bytes = oracle::mutate(bytes, random);
     }
     const Reading reading = readTable(message, bytes);
     const Verdict verdict = judge(message, bytes);
@@ -114,7 +114,7 @@ struct Schema {
 
   [[nodiscard]] KnownMessage message() const {
     KnownMessage message{};
-    message.data = &data;
+    message.message = &data;
     message.freeUnpacked = [](void*) {};
     return message;
   }

@@ -57,7 +57,7 @@ std::string dissector() {
   std::string identifiers;
   for (const KnownMessage& message : messages()) {
     appendRecord(message.schema(), known, records);
-    identifiers.append("  [").append(catalogue::hex(message.data->id)).append("] = \"");
+    identifiers.append("  [").append(catalogue::hex(message.id())).append("] = \"");
     identifiers.append(message.name).append("\",\n");
   }
   return std::string(dissectorHead)

@@ -60,7 +60,7 @@ void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options
   {
     Progress progress(session, "tables");
     while (const auto table = reader.next()) {
-      if (wanted != nullptr && table->id != wanted->data->id) {
+      if (wanted != nullptr && table->id != wanted->id()) {
         continue;
       }
       Json json = tableJson(*table, options.byteText);

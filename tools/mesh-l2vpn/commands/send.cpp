@@ -14,7 +14,7 @@ void runSend(const SendOptions& options, Session& session) {
       encodeAsSent(fromJson(message, parseJson(readAll(options.file)), options.byteText));
   const uint32_t to = options.to.value();
   Node node(options.middleware, sendingAddress(options.from));
-  node.send(to, message.data->id, bytes, options.extra);
+  node.send(to, message.id(), bytes, options.extra);
   node.close();
   session.say("sent " + std::to_string(bytes.size()) + " bytes of " + std::string(message.name) +
               " to node " + std::to_string(to));

@@ -17,7 +17,7 @@ Json describe(const KnownMessage& message) {
   const catalogue::Range compact = catalogue::compactRange(schema);
   const bool hasFixed = mesh::wire::hasFixedArrangement(schema);
   return {{"name", message.name},
-          {"identifier", catalogue::hex(message.data->id)},
+          {"identifier", catalogue::hex(message.id())},
           {"service", message.service},
           {"sent", arrangementName(message)},
           {"recordSize", schema.size},
@@ -25,7 +25,7 @@ Json describe(const KnownMessage& message) {
           {"compactSmallest", compact.from},
           {"compactLargest", compact.isOpen ? Json() : Json(compact.to)},
           {"fixedSize", hasFixed ? Json(mesh::wire::fixedLength(schema)) : Json()},
-          {"fingerprint", catalogue::hex(catalogue::fingerprint(*message.data))}};
+          {"fingerprint", catalogue::hex(catalogue::fingerprint(*message.message))}};
 }
 
 Json describeWithSlots(const KnownMessage& message) {

@@ -29,7 +29,7 @@ std::optional<Bytes> compactBytes(const OwnedRecord& record) {
 
 std::optional<Bytes> sentBytes(const OwnedRecord& record) {
   uint32_t result = 0;
-  Bytes bytes = takeSent([&] { result = record.message().sendSingle(0, record.data(), 0); });
+  Bytes bytes = takeSent([&] { result = record.message().sendSingle(0, record.data(), 0, 0); });
   return result == 0 ? std::optional(std::move(bytes)) : std::nullopt;
 }
 

@@ -6,40 +6,9 @@
 #include <numeric>
 
 #include "bytes/failure.hpp"
-#include "l2vpn_cfg/schema.hpp"
-#include "l2vpn_stat/schema.hpp"
-#include "l2vpn_sync/schema.hpp"
 
 namespace tool {
 namespace {
-
-#define MESSAGE(X, identifier)                                                                 \
-  KnownMessage{#X,                                                                             \
-               service,                                                                        \
-               &mesh::msg::messageOf<X>,                                                       \
-               [](const uint8_t* data, uint32_t length, void* record) {                        \
-                 return X##__unpack(data, length, static_cast<X*>(record));                    \
-               },                                                                              \
-               [](void* record) { X##_free__unpacked(static_cast<X*>(record)); },              \
-               [](const void* record, uint8_t* buffer, uint32_t* length) {                     \
-                 return X##__pack(static_cast<const X*>(record), buffer, length);              \
-               },                                                                              \
-               [](uint32_t destination, const void* record, uint64_t extra) {                  \
-                 return X##__sendsingle(destination, static_cast<const X*>(record), 0, extra); \
-               }},
-
-std::vector<KnownMessage> listMessages() {
-  std::vector<KnownMessage> list;
-  std::string_view service = "l2vpn_cfg";
-  list.insert(list.end(), {L2VPN_CFG_MESSAGES(MESSAGE)});
-  service = "l2vpn_stat";
-  list.insert(list.end(), {L2VPN_STAT_MESSAGES(MESSAGE)});
-  service = "l2vpn_sync";
-  list.insert(list.end(), {L2VPN_SYNC_MESSAGES(MESSAGE)});
-  return list;
-}
-
-#undef MESSAGE
 
 constexpr size_t longestName = 63;
 
@@ -77,17 +46,6 @@ bool isHexId(std::string_view text) {
 
 }  // namespace
 
-const std::vector<KnownMessage>& messages() {
-  static const std::vector<KnownMessage> list = listMessages();
-  return list;
-}
-
-const KnownMessage* findById(uint32_t id) {
-  const auto found =
-      std::ranges::find(messages(), id, [](const KnownMessage& m) { return m.data->id; });
-  return found == messages().end() ? nullptr : &*found;
-}
-
 std::vector<std::string_view> nearestNames(std::string_view name) {
   struct Candidate {
     size_t distance;
@@ -115,9 +73,8 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
 }
 
 const KnownMessage& messageNamed(std::string_view nameOrId) {
-  const auto found = std::ranges::find(messages(), nameOrId, &KnownMessage::name);
-  if (found != messages().end()) {
-    return *found;
+  if (const KnownMessage* const message = inspect::operationsOf(nameOrId)) {
+    return *message;
   }
   uint32_t id = 0;
   if (parseId(nameOrId, id)) {

@@ -3,35 +3,24 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
-#include "msg/message.hpp"
+#include "inspect/messages/operations.hpp"
 
 namespace tool {
 
-// A message and its exported operations, for records of any type.
-struct KnownMessage {
-  std::string_view name;
-  std::string_view service;
-  const mesh::msg::Message* data;
-  uint32_t (*unpack)(const uint8_t* data, uint32_t length, void* record);
-  void (*freeUnpacked)(void* record);
-  uint32_t (*pack)(const void* record, uint8_t* buffer, uint32_t* length);
-  uint32_t (*sendSingle)(uint32_t destination, const void* record, uint64_t extra);
-
-  [[nodiscard]] const mesh::wire::Schema& schema() const { return *data->schema; }
-  [[nodiscard]] bool isSentFixed() const {
-    return data->policy.arrangement == mesh::msg::Arrangement::Fixed;
-  }
-};
+using KnownMessage = inspect::Operations;
 
 // All messages, service by service, in registration order.
-const std::vector<KnownMessage>& messages();
+inline std::span<const KnownMessage> messages() {
+  return inspect::allOperations();
+}
 
 // Null if no message has the identifier.
-const KnownMessage* findById(uint32_t id);
+inline const KnownMessage* findById(uint32_t id) {
+  return inspect::operationsOf(id);
+}
 
 // A message by its name, or by its identifier in decimal or (with 0x) hexadecimal. Fails with
 // similar names.

@@ -1,0 +1,82 @@
+// The schemas' numbers are the oracle's. The services' proofs state them by hand for the compiler.
+
+#include <gtest/gtest.h>
+
+#include "oracle/operations/writer.hpp"
+#include "oracle/tests/test_buffer.hpp"
+#include "support/operations.hpp"
+#include "wire/compact_size.hpp"
+#include "wire/fixed_image.hpp"
+
+namespace {
+
+using harness::Operations;
+using mesh::wire::Schema;
+using mesh::wire::Slot;
+
+TEST(Schemas, ListTheMessagesInOrder) {
+  std::vector<std::string> names;
+  for (const Operations& operations : harness::allOperations()) {
+    names.push_back(std::string(operations.service) + " " + std::string(operations.name));
+  }
+  std::vector<std::string> expected;
+  for (const oracle::Description& message : oracle::descriptions()) {
+    expected.push_back(message.service + " " + message.name);
+  }
+  EXPECT_EQ(names, expected);
+}
+
+class SchemaAgreement : public testing::TestWithParam<Operations> {
+ protected:
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
+  const Schema& schema() const { return GetParam().schema(); }
+};
+
+TEST_P(SchemaAgreement, OnIdentity) {
+  EXPECT_EQ(GetParam().id(), message().id);
+  EXPECT_EQ(GetParam().isSentFixed(), message().sentFixed);
+}
+
+TEST_P(SchemaAgreement, OnTheRecord) {
+  EXPECT_EQ(schema().size, message().recordSize);
+  ASSERT_EQ(schema().slots.size(), message().fields.size());
+  for (size_t index = 0; index < schema().slots.size(); ++index) {
+    const Slot& slot = schema().slots[index];
+    const oracle::Field& field = message().fields[index];
+    EXPECT_EQ(slot.recordOffset, field.offset) << "slot " << index;
+    if (mesh::wire::isOutOfLine(slot.kind)) {
+      EXPECT_EQ(slot.countOffset, field.lengthOffset) << "slot " << index;
+    } else {
+      EXPECT_EQ(slot.size, field.size) << "slot " << index;
+    }
+  }
+}
+
+TEST_P(SchemaAgreement, OnCompactSizes) {
+  EXPECT_EQ(mesh::wire::vtableLength(schema()), message().vtableLength);
+  const uint64_t smallest = 4 + mesh::wire::smallestTableSize(schema());
+  EXPECT_EQ(smallest, oracle::compactSize(message(), oracle::zeroValue(message())));
+  EXPECT_EQ(smallest + mesh::wire::scalarWidths(schema()),
+            oracle::compactSize(message(), oracle::withScalars(message(), UINT64_MAX)));
+}
+
+TEST_P(SchemaAgreement, OnTheFixedImage) {
+  if (message().hasOutOfLineParts) {
+    EXPECT_FALSE(GetParam().isSentFixed());
+    return;
+  }
+  const oracle::FixedLayout layout = oracle::fixedLayout(message());
+  EXPECT_EQ(mesh::wire::fixedTableLength(schema()), layout.tableLength);
+  EXPECT_EQ(mesh::wire::fixedVtable(schema()), layout.vtablePosition);
+  EXPECT_EQ(mesh::wire::fixedLength(schema()), layout.length);
+  ASSERT_EQ(layout.slotEntries.size(), schema().slots.size());
+  for (size_t index = 0; index < schema().slots.size(); ++index) {
+    EXPECT_EQ(mesh::wire::fixedEntry(schema(), index), layout.slotEntries[index])
+        << "slot " << index;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SchemaAgreement, testing::ValuesIn(harness::allOperations()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
