@@ -86,6 +86,7 @@ TEST(SharedObject, ImportsOnlyMiddlewareBoundedMemoryAndLibc) {
                                      "malloc",
                                      "free",
                                      "memcpy",
+                                     "memmove",
                                      "memset",
                                      "pthread_mutex_lock",
                                      "pthread_mutex_unlock"};

@@ -14,8 +14,19 @@ using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 const char* kindName(Kind kind) {
-  static constexpr const char* names[] = {"scalar", "array", "bytes", "table", "vector"};
-  return names[static_cast<int>(kind)];
+  switch (kind) {
+    case Kind::Scalar:
+      return "scalar";
+    case Kind::Array:
+      return "array";
+    case Kind::Bytes:
+      return "bytes";
+    case Kind::Table:
+      return "table";
+    case Kind::Vector:
+      return "vector";
+  }
+  return "";
 }
 
 std::string slotText(const Slot& slot) {

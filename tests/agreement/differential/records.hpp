@@ -1,0 +1,24 @@
+// Random records, and what becomes of them on their way.
+#pragma once
+
+#include "random.hpp"
+#include "subjects.hpp"
+
+namespace differential {
+
+class Records {
+ public:
+  explicit Records(uint64_t seed);
+
+  // Fills a record of the message, its padding too.
+  void fill(Random& random, const Subject& subject, uint8_t* record) const;
+
+ private:
+  // What byte strings point to, and items for vectors.
+  std::vector<uint8_t> contents_;
+};
+
+// Whether a record that was received has the values of the one that was sent.
+bool isAsSent(const Subject& subject, const uint8_t* sent, const uint8_t* received);
+
+}  // namespace differential
