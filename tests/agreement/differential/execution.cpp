@@ -46,7 +46,7 @@ Executor::Executor(uint64_t seed)
 
 bool Executor::restrictTo(const char* name) {
   for (size_t index = 0; index < subjects_.size(); ++index) {
-    if (std::strcmp(subjects_[index].name, name) == 0) {
+    if (subjects_[index].name == name) {
       choices_ = {static_cast<uint8_t>(index)};
       return true;
     }
@@ -55,12 +55,12 @@ bool Executor::restrictTo(const char* name) {
 }
 
 void Executor::fail(const char* what) const {
-  std::printf("%s: %s\n", subject_->name, what);
+  std::printf("%s: %s\n", subject_->name.data(), what);
   std::printf("seed %" PRIu64 ", execution %" PRIu64 "; repeat it alone with\n", seed_, number_);
   std::printf("  differential --seed %" PRIu64 " --from %" PRIu64 " --executions 1", seed_,
               number_);
   if (choices_.size() == 1) {
-    std::printf(" --only %s", subject_->name);
+    std::printf(" --only %s", subject_->name.data());
   }
   std::printf("\n");
   print("last record written", source_.end - subject_->size(), subject_->size());

@@ -101,7 +101,7 @@ void printTable(const std::vector<Subject>& subjects, const std::vector<Counts>&
               "slot", "rejected", "written");
   Counts total{};
   for (size_t index = 0; index < subjects.size(); ++index) {
-    printRow(subjects[index].name, counts[index]);
+    printRow(subjects[index].name.data(), counts[index]);
     for (size_t result = 0; result < resultCount; ++result) {
       total[result] += counts[index][result];
     }

@@ -19,7 +19,7 @@ void Executor::write(Random& random, const Subject& subject, Draft& draft) {
   if (subject.isSentFixed() && random.oneIn(2)) {
     receiveInto(draft.bytes.data());
     recordInto(slow_.trace, 0);
-    subject.sendSingle(0, record, 0);
+    subject.sendSingle(0, record, 0, 0);
     draft.held = lastSent().length;
   } else {
     // Bytes that are counted and not written must not depend on earlier executions.
@@ -48,7 +48,7 @@ void Executor::damage(Random& random, Draft& draft) {
   const uint32_t upTo = random.below(4);
   const uint32_t changes = upTo < 3 ? upTo : random.below(mostChanges + 1);
   for (uint32_t index = 0; index < changes; ++index) {
-    change(random, *subject_->schema, draft);
+    change(random, subject_->schema(), draft);
   }
 }
 
@@ -128,7 +128,7 @@ Result Executor::compareReadings(Random& random) {
   const msg::Outcome outcome = msg::decodeAny(*subject_->receive, *subject_->message,
                                               host::ByteOrder::Host, data_, length_, slow_.record);
   const bool isRootRejected = slow_.trace.count != 0 &&
-                              loggedFunction(slow_.trace.calls[0]) == subject_->schema->rootReader;
+                              loggedFunction(slow_.trace.calls[0]) == subject_->schema().rootReader;
   if (outcome == msg::Outcome::ReleaseParts) {
     subject_->freeUnpacked(slow_.record);
   }

@@ -66,8 +66,7 @@ void addParts(const wire::Schema& schema, uint32_t base, std::vector<Part>& part
 
 // Within a service's namespace. Messages of one layout share the code that asks for the way.
 #define SUBJECT(X, identifier)                                             \
-  Subject{EXPORTED_OPERATIONS(X),                                          \
-          &msg::messageOf<X>,                                              \
+  Subject{*inspect::operationsOf(std::string_view(#X)),                    \
           &receiveModule,                                                  \
           &sendModule,                                                     \
           &wayOf<*msg::layoutOwnerOf<messages, msg::messageOf<X>>.schema>, \
@@ -107,9 +106,9 @@ std::vector<Subject> bindSubjects() {
   addStatistics(all);
   addSynchronisation(all);
   for (Subject& subject : all) {
-    subject.fields = fieldsOf(*subject.schema);
-    subject.values = valuesOf(*subject.schema);
-    addParts(*subject.schema, 0, subject.parts);
+    subject.fields = fieldsOf(subject.schema());
+    subject.values = valuesOf(subject.schema());
+    addParts(subject.schema(), 0, subject.parts);
     for (host::Module* const module : {subject.receive, subject.send}) {
       host::readyCodec(*module);
       host::bindHost(module->env);

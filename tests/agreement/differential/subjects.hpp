@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "msg/message.hpp"
-#include "support/exported_operations.hpp"
+#include "inspect/messages/operations.hpp"
 
 namespace differential {
 
@@ -32,8 +31,7 @@ struct Part {
   std::vector<uint8_t> itemValues;
 };
 
-struct Subject : harness::ExportedOperations {
-  const msg::Message* message;
+struct Subject : inspect::Operations {
   host::Module* receive;
   host::Module* send;
   // Which of the message's readers accepts the buffer first.
@@ -44,10 +42,7 @@ struct Subject : harness::ExportedOperations {
   std::vector<uint8_t> values;
   std::vector<Part> parts;
 
-  [[nodiscard]] uint32_t size() const { return schema->size; }
-  [[nodiscard]] bool isSentFixed() const {
-    return message->policy.arrangement == msg::Arrangement::Fixed;
-  }
+  [[nodiscard]] uint32_t size() const { return schema().size; }
   // Whether its records or their blocks are of 16 KiB.
   [[nodiscard]] bool isLarge() const;
 };

@@ -9,8 +9,8 @@ namespace differential {
 // Writes what is to be sent of a record: its image, as the slow writer makes it, or its encoding.
 uint32_t Executor::writeExpected(const uint8_t* record, uint8_t* to) const {
   if (subject_->isSentFixed()) {
-    wire::writeImageAtRunTime(*subject_->schema, to, record);
-    return wire::fixedLength(*subject_->schema);
+    wire::writeImageAtRunTime(subject_->schema(), to, record);
+    return wire::fixedLength(subject_->schema());
   }
   uint32_t size = Draft::capacity;
   if (subject_->pack(record, nullptr, &size) != msg::success) {
@@ -32,8 +32,8 @@ void Executor::compareSent(const uint8_t* records, uint32_t count) {
     length_ += writeExpected(records + size_t{subject_->size()} * index, &other_.bytes[length_]);
   }
   receiveInto(draft_.bytes.data());
-  const uint32_t result =
-      count == 1 ? subject_->sendSingle(0, records, 0) : subject_->sendBatch(0, records, count, 0);
+  const uint32_t result = count == 1 ? subject_->sendSingle(0, records, 0, 0)
+                                     : subject_->sendBatch(0, records, count, 0);
   if (result != msg::success || lastSent().length != length_ ||
       lastSent().id != subject_->message->id ||
       std::memcmp(lastSent().bytes, data_, length_) != 0) {
