@@ -46,10 +46,12 @@ mesh_l2vpn_install_package(mesh_l2vpn development)
 install(FILES cmake/Middleware.cmake DESTINATION ${mesh_l2vpn_cmakedir}
   COMPONENT development RENAME mesh_l2vpnMiddleware.cmake)
 # Documents lie to one another as they do here, so that their links hold.
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
-  PATTERN "Doxyfile" EXCLUDE)
+  PATTERN "Doxyfile" EXCLUDE PATTERN "pull_request_template.md" EXCLUDE)
+# A component of its own: Debian's packages carry packaging/copyright instead.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT license)
 foreach(room platform fuzz)
   install(FILES ${room}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/${room} COMPONENT development)
 endforeach()

@@ -22,7 +22,7 @@ using harness::Lines;
 using harness::note;
 using mesh::host::Module;
 
-const std::array<Module*, 6> modules{
+constexpr std::array<Module*, 6> modules{
     &mesh::l2vpn_cfg::receiveModule,  &mesh::l2vpn_cfg::sendModule,
     &mesh::l2vpn_stat::receiveModule, &mesh::l2vpn_stat::sendModule,
     &mesh::l2vpn_sync::receiveModule, &mesh::l2vpn_sync::sendModule};
@@ -252,6 +252,14 @@ TEST(Identity, IsThatOfTheFramework) {
     EXPECT_EQ(module->env.memModuleId, 0x6200);
   }
   EXPECT_EQ(std::set(modules.begin(), modules.end()).size(), 6U) << "nothing is shared";
+}
+
+// Runs before the library's constructors, which come without a priority: the zeros that the test
+// sees are their stores.
+[[gnu::constructor(101)]] void reverseEveryModule() {
+  for (Module* const module : modules) {
+    module->swapBytes.store(1);
+  }
 }
 
 TEST(ByteOrder, IsTheHostsAfterLoading) {

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "mesh_l2vpn/l2vpn_cfg.h"
+#include "oracle/operations/writer.hpp"
 #include "support/bytes.hpp"
+#include "support/comparison.hpp"
 
 namespace {
 
@@ -129,5 +131,74 @@ TEST(Batch, LimitsResultsToItsRegion) {
   EXPECT_EQ(l2vpn_cfg_query_dfx_rec__sendsingle(1, results.data(), 0, 0), 0U);
   EXPECT_EQ(recorder().sent.at(0).bytes.size(), 66534U);
 }
+
+// Makes the first byte string of a record, or of one nested in it, `length` bytes long.
+bool setText(oracle::Value& value, uint32_t length) {
+  for (oracle::FieldValue& field : value.fields) {
+    if (field.kind == oracle::Kind::Bytes) {
+      oracle::setBytes(field, Buffer(length, 'x'));
+      return true;
+    }
+    if (field.kind == oracle::Kind::Table && setText(oracle::nested(field), length)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+class EveryBatch : public testing::TestWithParam<harness::Operations> {
+ protected:
+  // A record whose message takes `size` bytes.
+  oracle::Value valueOf(uint32_t size) const {
+    oracle::Value value = oracle::zeroValue(message());
+    EXPECT_TRUE(setText(value, 1));
+    const auto smallest = static_cast<uint32_t>(oracle::compactSize(message(), value));
+    EXPECT_TRUE(setText(value, size - smallest + 1));
+    EXPECT_EQ(oracle::compactSize(message(), value), size);
+    return value;
+  }
+
+  // How many tables of a batch arrive, by the sizes of its records' messages.
+  size_t arriving(const std::vector<uint32_t>& sizes) const {
+    std::vector<oracle::Value> values;
+    for (const uint32_t size : sizes) {
+      values.push_back(valueOf(size));
+    }
+    const std::string difference =
+        harness::compareSend(GetParam(), oracle::Operation::Batch, values, 0, false);
+    EXPECT_EQ(difference, "");
+    return recorder().sent.size();
+  }
+
+ private:
+  const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }
+};
+
+TEST_P(EveryBatch, EndsWithItsRegion) {
+  EXPECT_EQ(arriving({region - 1}), 1U);
+  EXPECT_EQ(arriving({region}), 1U);
+  EXPECT_EQ(arriving({region + 1}), 0U);
+  EXPECT_EQ(arriving({30000, 20001, region - 50001 - 1}), 3U);
+  EXPECT_EQ(arriving({30000, 20001, region - 50001}), 3U);
+  EXPECT_EQ(arriving({30000, 20001, region - 50001 + 1}), 0U);
+  EXPECT_EQ(arriving({region, 200}), 0U);
+}
+
+std::vector<harness::Operations> compactMessages() {
+  std::vector<harness::Operations> compact;
+  for (const harness::Operations& operations : harness::allOperations()) {
+    if (!oracle::descriptionOf(operations.name).sentFixed) {
+      compact.push_back(operations);
+    }
+  }
+  return compact;
+}
+
+TEST(CompactMessages, AreEight) {
+  EXPECT_EQ(compactMessages().size(), 8U);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryBatch, testing::ValuesIn(compactMessages()),
+                         [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace

@@ -91,6 +91,15 @@ TEST(Log, CountsLinesAboveTheLimit) {
   EXPECT_TRUE(endsWith(lines[4], "and on"));
 }
 
+TEST(Log, RefillsALimitWithoutABurst) {
+  const auto lines = logged([] {
+    ddm_osal_log_limit(20, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "a line");
+  });
+  EXPECT_EQ(lines.size(), 1u);
+}
+
 TEST(Log, RefillsTheLimitOverTime) {
   const auto lines = logged([] {
     ddm_osal_log_limit(20, 1);

@@ -18,6 +18,7 @@ Recorder& recorder() {
 void resetRecorder() {
   Recorder fresh;
   fresh.blocks = recorder().blocks;
+  fresh.blockShift = recorder().blockShift;
   recorder() = fresh;
 }
 
@@ -50,7 +51,7 @@ void* allocate(const char* function, uint32_t size, uint32_t owner, const char* 
     note("%s size=%u owner=%u caller=\"%s\" -> null", function, size, owner, caller);
     return nullptr;
   }
-  void* const block = std::malloc(size);
+  uint8_t* const block = static_cast<uint8_t*>(std::malloc(r.blockShift + size)) + r.blockShift;
   // A host's blocks are not zero.
   std::memset(block, 0xC7, size);
   r.blocks[block] = ++r.blocksGiven;
@@ -102,7 +103,7 @@ void DDM_OsalMemFree(void* block, uint32_t owner, const char* caller) {
   }
   note("%s #%d owner=%u caller=\"%s\"", function, found->second, owner, caller);
   blocks.erase(found);
-  std::free(block);
+  std::free(static_cast<uint8_t*>(block) - recorder().blockShift);
 }
 
 uint32_t DDM_OsalMemUseFlagGet(uint32_t owner) {

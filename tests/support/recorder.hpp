@@ -39,6 +39,8 @@ struct Recorder {
   // From this registration on (from 1), the middleware refuses with middlewareResult; 0: never.
   int refusedRegistration = 0;
 
+  // How far blocks begin from an aligned place.
+  size_t blockShift = 0;
   // Blocks that are out, by address, with their numbers.
   std::map<const void*, int> blocks;
   int allocations = 0;
@@ -56,7 +58,8 @@ struct Recorder {
 
 Recorder& recorder();
 
-// Forgets everything but blocks that are out; those stay until they are freed.
+// Forgets everything but where blocks begin, and those that are out, which stay until they are
+// freed.
 void resetRecorder();
 
 // Numbers blocks from 1 again and forgets the trace, for the next of several compared calls.

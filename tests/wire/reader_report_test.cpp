@@ -78,7 +78,8 @@ Decoded readTable(const uint8_t* data, uint32_t length, Record* record, uint32_t
 
 template <typename Record>
 void expectParameterChecks() {
-  const std::string function = std::string(mesh::wire::schemaOf<Record>.name) + "_unpack_non_root";
+  std::string function = mesh::wire::schemaOf<Record>.name;
+  function += "_unpack_non_root";
   const Buffer bytes = Layout().u32(8).u16(4, 4).u32(4);
   Record record;
   std::memset(&record, harness::mark, sizeof record);

@@ -1,6 +1,6 @@
 #include "delivered/shared_object/interface_types.hpp"
-#include "host/memory.hpp"
 #include "host/binding.hpp"
+#include "host/memory.hpp"
 #include "msg/middleware.hpp"
 
 std::vector<std::string> interfaces::asTheLibraryHasThem() {

@@ -5,6 +5,7 @@
 #include "oracle/operations/reader.hpp"
 #include "oracle/operations/writer.hpp"
 #include "oracle/tests/test_buffer.hpp"
+#include "oracle/values/text.hpp"
 #include "oracle/values/value.hpp"
 
 namespace oracle {
@@ -19,8 +20,8 @@ UnpackResult unpackFrom(const std::string& name, const Bytes& buffer, int failin
 }
 
 std::string logLine(const std::string& function, const std::string& text, int code = 22) {
-  return "log level=2 code=" + std::to_string(code) + " file=\"\" function=\"" + function +
-         "\" text=\"[VELTA]:" + text + "\"";
+  return joined({"log level=2 code=", std::to_string(code), " file=\"\" function=\"", function,
+                 "\" text=\"[VELTA]:", text, "\""});
 }
 
 Bytes keyBuffer() {

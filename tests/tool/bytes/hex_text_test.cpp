@@ -114,6 +114,28 @@ TEST(HexText, RejectsSwappedWords) {
   EXPECT_REJECTED("00000000: 4241 4443  ABCD\n", "do not match the bytes");
 }
 
+// Blanks may be missing before the characters, and each number of them is tried: of a megabyte of
+// blanks too, that took minutes.
+TEST(HexText, ReadsLongLinesInLinearTime) {
+  constexpr size_t size = size_t{1} << 20;
+  std::string line = "00000000: ";
+  for (size_t at = 0; at < size; at += 2) {
+    line += "2020 ";
+  }
+  line += ' ' + std::string(size / 2, '.');
+  EXPECT_REJECTED(line + 'x', "do not match the bytes");
+  EXPECT_EQ(fromHexText(line + std::string(size / 2, '.')).size(), size);
+}
+
+TEST(HexText, ReadsLinesOfXxdAtItsLongest) {
+  std::string line = "00000000: ";
+  for (size_t at = 0; at < 254; at += 2) {
+    line += "2020 ";
+  }
+  EXPECT_EQ(fromHexText(line + "2061  a").size(), 256u);
+  EXPECT_EQ(fromHexText(line + "6120  a").size(), 256u);
+}
+
 TEST(HexText, RejectsInvalidStars) {
   const std::string line = "00000000  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00\n";
   EXPECT_REJECTED("*\n", "not hexadecimal");

@@ -16,6 +16,7 @@ namespace {
 constexpr std::string_view blanks = " \t\r\f\v";
 // A star repeats lines up to the next position, which may be any number.
 constexpr size_t largestSize = size_t{64} << 20;
+constexpr size_t longestLine = 256;  // of a dump with characters, in bytes: xxd -c 256
 
 // The format of all lines of a text.
 enum class Format : uint8_t {
@@ -229,9 +230,10 @@ class TextReader {
     }
     // Only groups can be swapped words.
     const bool isStrict = format_ == Format::Colon;
-    // Leading blanks among the characters were skipped with the separator.
+    // Leading blanks among the characters were skipped with the separator. Each number of them is
+    // tried, up to the longest line.
     size_t leading = 0;
-    while (leading < bytes.size() && bytes[leading] == ' ') {
+    while (leading < std::min(bytes.size(), longestLine) && bytes[leading] == ' ') {
       ++leading;
     }
     for (size_t skipped = 0; skipped <= leading; ++skipped) {
