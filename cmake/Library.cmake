@@ -39,7 +39,7 @@ set_target_properties(mesh_l2vpn_objects PROPERTIES
   VISIBILITY_INLINES_HIDDEN ON
   POSITION_INDEPENDENT_CODE ON)
 # Identical operations keep addresses of their own (hosts compare the registered functions), and the
-# library can be unloaded.
+# library can be unloaded. Without copies for constant arguments, cold functions exist once.
 target_compile_options(mesh_l2vpn_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics $<$<CONFIG:Release>:-O2>
   $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf -fno-gnu-unique -fno-ipa-cp -fno-ipa-sra>
@@ -71,9 +71,11 @@ set_target_properties(mesh_l2vpn PROPERTIES
   LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
   LINK_DEPENDS ${mesh_l2vpn_exports})
 # Bound lazily: a process that never sends needs no middleware. The library's own calls of what it
-# exports are direct, and nobody overrides them.
+# exports are direct, and nobody overrides them. The functions that it registers keep the addresses by
+# which the process knows them: hosts compare these.
 target_link_options(mesh_l2vpn PRIVATE
   LINKER:--version-script=${mesh_l2vpn_exports} LINKER:-Bsymbolic-functions
+  LINKER:--dynamic-list=${CMAKE_CURRENT_SOURCE_DIR}/cmake/registered.list
   LINKER:-z,lazy LINKER:-z,relro LINKER:--as-needed)
 if(MESH_L2VPN_MIDDLEWARE)
   target_link_libraries(mesh_l2vpn PRIVATE ${MESH_L2VPN_MIDDLEWARE})

@@ -56,7 +56,7 @@ struct serial_env {
 struct Module {
   serial_env env;
 
-  // Nonzero: every multi-byte value on the wire is byte-reversed. Read once a message; the
+  // Nonzero: every multi-byte value on the wire is byte-reversed. Read before each message. The
   // load-time constructor and the unpack-side binding store 0.
   std::atomic<uint32_t> swapBytes = 0;
 };
@@ -118,14 +118,14 @@ inline void bindHost(serial_env& env) {
   }
 }
 
-inline bool isCodecReady(const Module& module) {
+inline bool isCodecBound(const Module& module) {
   return module.env.unpackBound.load(std::memory_order_acquire) != 0;
 }
 
 // Call this before you read, write or release a message. Readers and releases need the unpack
 // allocator. Writers need the byte order, which the same binding clears.
-inline void readyCodec(Module& module) {
-  if (!isCodecReady(module)) [[unlikely]] {
+inline void bindCodec(Module& module) {
+  if (!isCodecBound(module)) [[unlikely]] {
     bindUnpackAllocator(module);
   }
 }

@@ -56,6 +56,7 @@ void store(uint8_t* to, Value value) {
 // Copies and fills of a size known at run time. The caller has checked the size. They use the
 // process's bounded memory functions. The C library's function does the work where the process has
 // none, or where it refuses (a size above its own limit, for example): no byte stays unwritten.
+// Source and destination do not overlap.
 inline void copyBytes(void* to, const void* from, size_t count) {
   if (&::memcpy_sOptAsm == nullptr || ::memcpy_sOptAsm(to, count, from, count) != 0) {
     std::memmove(to, from, count);

@@ -20,7 +20,7 @@ inline constexpr msg::Policy compactByTableReader{Arrangement::Compact,
                                                   RootDecoding::ByTableReader};
 inline constexpr msg::Policy fixed{Arrangement::Fixed, RootDecoding::ByMessage};
 
-// The compact sizes of these two end short of 32 bits: peers have always refused them there.
+// Sizes above these limits have never been encoded.
 inline constexpr msg::Policy commandKey{Arrangement::Compact, RootDecoding::ByMessage, 0xFFFFFFF7};
 inline constexpr msg::Policy queryKey{Arrangement::Compact, RootDecoding::ByMessage, 0xFFFFFFFE};
 

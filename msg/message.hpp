@@ -19,9 +19,8 @@ enum class Arrangement : uint8_t {
   Fixed,
 };
 
-// Who verifies and decodes the root table: the message itself, which touches the record only once
-// the table's head has been found good, or the record's table reader, which is given a cleared
-// record.
+// Who decodes the root table. ByMessage: the message verifies the head, then clears the record.
+// ByTableReader: the message clears the record, then the record's table reader verifies the head.
 enum class RootDecoding : uint8_t {
   ByMessage,
   ByTableReader,
@@ -60,8 +59,8 @@ struct MessageOf;
 template <typename RecordType>
 inline constexpr const Message& messageOf = MessageOf<RecordType>::message;
 
-// Whether one message's code can serve another. Names and identifiers are arguments of that code,
-// except the names that a release of out-of-line parts passes to the host.
+// Whether one message's code can serve another. Names and identifiers are arguments of that code.
+// Records that own memory share no code: the name of their release is compiled in.
 constexpr bool haveSameLayout(const Message& one, const Message& other) {
   return &one == &other ||
          (one.policy == other.policy && wire::haveSameLayout(*one.schema, *other.schema) &&

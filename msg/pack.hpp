@@ -18,7 +18,7 @@ uint32_t encodedSize(const uint8_t* from) {
 // Writes a compact message into a buffer that has room for it. Returns what was written.
 template <host::Module& module, const Message& owner>
 size_t encode(uint8_t* buffer, const uint8_t* from) {
-  host::readyCodec(module);
+  host::bindCodec(module);
   const size_t written = wire::writeCompact<*owner.schema>(buffer, from);
   if (host::byteOrder(module) == host::ByteOrder::Reversed) [[unlikely]] {
     wire::reverseMessage(*owner.schema, buffer);
@@ -40,9 +40,10 @@ template <const Message& owner>
 }
 
 // The room is enough, but there is no buffer: logs, and states the size.
-[[gnu::cold, gnu::noinline]] inline uint32_t packNowhere(host::serial_env& env,
-                                                         const char* function, const void* record,
-                                                         uint32_t* length, uint32_t size) {
+[[gnu::cold, gnu::noinline]] inline uint32_t reportSizeOnly(host::serial_env& env,
+                                                            const char* function,
+                                                            const void* record, uint32_t* length,
+                                                            uint32_t size) {
   host::reportPackParameters(env, function, nullptr, *length, record);
   *length = size;
   return success;
@@ -57,7 +58,7 @@ uint32_t packMeasured(const uint8_t* from, uint8_t* buffer, uint32_t* length,
     return failure;
   }
   if (buffer == nullptr) [[unlikely]] {
-    return packNowhere(module.env, function, from, length, size);
+    return reportSizeOnly(module.env, function, from, length, size);
   }
   encodeCompact<module, owner>(buffer, from);
   *length = size;
@@ -76,7 +77,7 @@ uint32_t packBounded(const uint8_t* from, uint8_t* buffer, uint32_t* length, con
       return failure;
     }
     if (buffer == nullptr) {
-      return packNowhere(module.env, function, from, length, size);
+      return reportSizeOnly(module.env, function, from, length, size);
     }
   }
   *length = static_cast<uint32_t>(encode<module, owner>(buffer, from));

@@ -34,7 +34,7 @@ void releaseParts(uint8_t* into, const char* function) {
 template <host::Module& module, const Message& message>
 [[gnu::flatten]] void freeUnpacked(void* record) {
   if constexpr (wire::ownsMemory(*message.schema)) {
-    host::readyCodec(module);
+    host::bindCodec(module);
     if (record != nullptr) {
       releaseParts<module, *message.schema>(static_cast<uint8_t*>(record),
                                             message.schema->releaser);
@@ -61,7 +61,7 @@ Outcome decodeSlotBySlot(host::Module& module, const Message& message, const uin
   if (isByMessage && reader.locateTable(schema.rootReader, table, head) == Decoded::No) {
     return Outcome::Finished;
   }
-  host::readyCodec(module);
+  host::bindCodec(module);
   host::clearRecord(into, schema.size);
   const Decoded decoded = isByMessage ? reader.decodeSlots(schema, Decoder::Root, head, into)
                                       : reader.decodeTable(schema, table, into);
@@ -83,7 +83,7 @@ template <host::Module& module, const Message& owner>
 Outcome decode(const Message& message, const uint8_t* data, uint32_t length, uint8_t* into) {
   constexpr const wire::Schema& schema = *owner.schema;
   const host::ByteOrder order = host::byteOrder(module);
-  if (order == host::ByteOrder::Host && host::isCodecReady(module)) [[likely]] {
+  if (order == host::ByteOrder::Host && host::isCodecBound(module)) [[likely]] {
     const wire::HostBuffer buffer{data, length};
     if constexpr (wire::hasFixedArrangement(schema)) {
       if (wire::hasFixedTemplate<schema>(buffer)) {

@@ -72,7 +72,7 @@ inline void describe(void* at, const uint8_t* table, uint32_t id, uint32_t lengt
                                                         const Message& message,
                                                         uint32_t destination, const uint8_t* record,
                                                         uint64_t extra) {
-  host::readyCodec(module);
+  host::bindCodec(module);
   uint8_t image[largestOnStack];
   wire::writeImageAtRunTime(*message.schema, image, record);
   if (host::byteOrder(module) == host::ByteOrder::Reversed) {
@@ -85,7 +85,7 @@ inline void describe(void* at, const uint8_t* table, uint32_t id, uint32_t lengt
 
 template <host::Module& module, const Message& message>
 uint32_t sendOnStack(uint32_t destination, const uint8_t* record, uint64_t extra) {
-  if (!host::isCodecReady(module) || host::byteOrder(module) == host::ByteOrder::Reversed)
+  if (!host::isCodecBound(module) || host::byteOrder(module) == host::ByteOrder::Reversed)
       [[unlikely]] {
     return sendSlowly(module, message, destination, record, extra);
   }
@@ -107,7 +107,7 @@ void writeImages(uint8_t* images, mesh_msg_desc* descriptors, const uint8_t* rec
   if (count == 0) {
     return;
   }
-  host::readyCodec(module);
+  host::bindCodec(module);
   uint8_t* image = images;
   mesh_msg_desc* const end = descriptors + count;
   for (; descriptors != end; ++descriptors, image += length, records += schema.size) {

@@ -17,7 +17,7 @@ tests=(agreement_test bounded_memory_test descriptors_test exhaustive_test msg_t
 export MESH_TEST_ROUNDS=0.02
 
 cmake --preset coverage -B "$build" >/dev/null
-cmake --build "$build" --target "${tests[@]}" host_test
+cmake --build "$build" --target "${tests[@]}" tests/host/all
 
 rm -rf "$build/profiles" "$build/report"
 mkdir -p "$build/profiles" "$build/report"

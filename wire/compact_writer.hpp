@@ -58,9 +58,9 @@ constexpr uint32_t smallestTail(const Schema& schema) {
   return size;
 }
 
-// Stores a scalar at `at`, whether it is present or not. An absent one lands on bytes that are
-// written later: those of the next field or, at a message's end, the table's vtable offset. Returns
-// where the next field begins.
+// Stores a scalar at `at`. An absent one is stored too, where later bytes overwrite it: at the next
+// field's place if a tail always follows, else on the table's vtable offset. Returns where the next
+// field begins.
 template <const Schema& schema, size_t index>
 size_t writeScalar(uint8_t* table, uint8_t* entries, const uint8_t* from, size_t at) {
   constexpr const Slot& slot = schema.slots[index];

@@ -3,16 +3,16 @@
 //   root | table: vtable offset, every field | padding | vtable | padding
 //
 // The layout is known when the library is compiled. The template of an image is what all messages
-// of a type have in common; its padding is zero. The writer stores template and fields together, by
-// a plan of stores. The reader compares a buffer with the template. If they are equal, every field
-// is at its known place, and a plan of stores fills the record.
+// of a type have in common; its padding is zero.
+// The writer stores template and fields together, by a plan of stores. The reader of images stands
+// with the quick reader.
 #pragma once
 
 #include <algorithm>
 #include <array>
 #include <bit>
 
-#include "wire/slot_reader.hpp"
+#include "wire/schema.hpp"
 #include "wire/store_plan.hpp"
 
 namespace mesh::wire {
@@ -180,109 +180,6 @@ void writeFixedImage(uint8_t* image, const uint8_t* from) {
     } else {
       host::copyConstant<store.size>(image + store.to,
                                      source.template operator()<store.low, store.size>());
-    }
-  });
-}
-
-// Neighbouring bytes of the template that are compared together.
-struct TemplatePart {
-  uint32_t at;
-  uint32_t size;
-};
-
-template <const Schema& schema>
-inline constexpr auto templateParts = [] {
-  struct {
-    std::array<TemplatePart, 2 * leafCount<schema> + 2> list{};
-    size_t count = 0;
-  } parts;
-  const auto add = [&](uint32_t at, auto value) {
-    if (parts.count > 0 &&
-        parts.list[parts.count - 1].at + parts.list[parts.count - 1].size == at) {
-      parts.list[parts.count - 1].size += sizeof value;
-    } else {
-      parts.list[parts.count++] = {at, sizeof value};
-    }
-  };
-  visitTemplate(schema, 0, add);
-  return parts;
-}();
-
-// Nonzero where a part of the image differs from the template, compared by `Wide`; the last
-// comparison overlaps the one before.
-template <const Schema& schema, typename Wide, TemplatePart part>
-Wide differences(const uint8_t* image) {
-  const auto differenceAt = [&](uint32_t at) {
-    return host::load<Wide>(image + at) ^ host::load<Wide>(imageTemplate<schema>.data() + at);
-  };
-  Wide found = differenceAt(part.at + part.size - sizeof(Wide));
-  forEach<(part.size - 1) / sizeof(Wide)>(
-      [&](auto index) { found |= differenceAt(part.at + sizeof(Wide) * index); });
-  return found;
-}
-
-// Whether the buffer holds an image with exactly this template. Its padding, and what follows it,
-// may be anything.
-template <const Schema& schema>
-bool hasFixedTemplate(Buffer<host::ByteOrder::Host> buffer) {
-  constexpr uint32_t end = fixedVtable(schema) + vtableLength(schema);
-  // The root word alone rejects most other buffers.
-  if (buffer.length < end || buffer.read<uint32_t>(0) != fixedTable) {
-    return false;
-  }
-  uint64_t found = 0;
-  forEach<templateParts<schema>.count>([&](auto index) {
-    constexpr TemplatePart part = templateParts<schema>.list[index];
-    if constexpr (part.size < 8) {
-      found |= differences<schema, uint32_t, part>(buffer.data);
-    } else if constexpr (part.size < 16) {
-      found |= differences<schema, uint64_t, part>(buffer.data);
-    } else {
-      using Sixteen [[gnu::vector_size(16)]] = uint64_t;
-      const Sixteen both = differences<schema, Sixteen, part>(buffer.data);
-      found |= both[0] | both[1];
-    }
-  });
-  return found == 0;
-}
-
-// A record as stretches of its image and of zeros, which stand where the record has padding.
-template <const Schema& schema>
-inline constexpr auto recordStretches = [] {
-  Stretches<2 * leafCount<schema> + 1> stretches;
-  uint32_t end = 0;
-  const auto add = [&](const Leaf& leaf) {
-    stretches.append({end, leaf.record - end, {0, true}});
-    stretches.append({leaf.record, leaf.size, {leaf.image, false}});
-    end = leaf.record + leaf.size;
-  };
-  visitLeaves(schema, 0, 0, add);
-  stretches.append({end, schema.size - end, {0, true}});
-  return stretches;
-}();
-
-inline constexpr std::array<uint8_t, host::chunk> zeros{};
-
-template <const Schema& schema>
-inline constexpr StorePlan recordPlan =
-    planStores(recordStretches<schema>.all(),
-               {.source = fixedVtable(schema) + vtableLength(schema), .constants = zeros.size()});
-
-// Fills the record, its padding with zeros, from an image that has the fixed template.
-template <const Schema& schema>
-void readFixedImage(uint8_t* into, const uint8_t* image) {
-  if constexpr (schema.size > host::largestInPlace) {
-    host::clearBytes(into, schema.size);
-  }
-  forEach<recordPlan<schema>.count>([&](auto index) {
-    constexpr Store store = recordPlan<schema>.stores[index];
-    const auto source = [&](Origin origin) {
-      return (origin.isConstant ? zeros.data() : image) + origin.from;
-    };
-    if constexpr (store.isPair) {
-      storePair(into + store.to, source(store.low), source(store.high));
-    } else {
-      host::copyConstant<store.size>(into + store.to, source(store.low));
     }
   });
 }

@@ -1,23 +1,128 @@
-// The quick reader: reads sound tables, in either arrangement, in the host's byte order.
+// The quick readers, for the host's byte order: of fixed images, and of sound tables in either
+// arrangement. Anything unusual goes to the slot reader.
 //
-// The first pass verifies each value and stores it. The second pass allocates the blocks of byte
-// strings, so nothing is allocated before everything is verified. Anything unusual (out of bounds,
-// short vtable, missing array or nested table) goes to the slot reader. The slot reader clears the
-// record and starts over, so nothing stored here remains. This reader does not touch the record
-// before it has verified the root's head, because the slot reader may leave the record alone where
-// the head is bad.
+// Fixed images: if the buffer equals the template of the image, every field is at its known place,
+// and a plan of stores fills the record.
+//
+// Sound tables: the first pass verifies each value and stores it. The second pass allocates the
+// blocks of byte strings, so nothing is allocated before everything is verified. What is out of
+// bounds, has a short vtable, or lacks an array or nested table goes to the slot reader, which
+// clears the record and starts over: nothing stored here remains. The record is not touched before
+// the root's head is verified, because the slot reader may leave it alone where the head is bad.
 #pragma once
 
 #include <bit>
 
+#include "wire/fixed_image.hpp"
 #include "wire/slot_reader.hpp"
 
 namespace mesh::wire {
 
-using HostBuffer = Buffer<host::ByteOrder::Host>;
+// Neighbouring bytes of the template that are compared together.
+struct TemplatePart {
+  uint32_t at;
+  uint32_t size;
+};
 
-// Vectors go to the slot reader. So do records that the host's functions clear and copy: the host
-// would see calls of a reading that is given up.
+template <const Schema& schema>
+inline constexpr auto templateParts = [] {
+  struct {
+    std::array<TemplatePart, 2 * leafCount<schema> + 2> list{};
+    size_t count = 0;
+  } parts;
+  const auto add = [&](uint32_t at, auto value) {
+    if (parts.count > 0 &&
+        parts.list[parts.count - 1].at + parts.list[parts.count - 1].size == at) {
+      parts.list[parts.count - 1].size += sizeof value;
+    } else {
+      parts.list[parts.count++] = {at, sizeof value};
+    }
+  };
+  visitTemplate(schema, 0, add);
+  return parts;
+}();
+
+// Nonzero where a part of the image differs from the template, compared by `Wide`; the last
+// comparison overlaps the one before.
+template <const Schema& schema, typename Wide, TemplatePart part>
+Wide differences(const uint8_t* image) {
+  const auto differenceAt = [&](uint32_t at) {
+    return host::load<Wide>(image + at) ^ host::load<Wide>(imageTemplate<schema>.data() + at);
+  };
+  Wide found = differenceAt(part.at + part.size - sizeof(Wide));
+  forEach<(part.size - 1) / sizeof(Wide)>(
+      [&](auto index) { found |= differenceAt(part.at + sizeof(Wide) * index); });
+  return found;
+}
+
+// Whether the buffer holds an image with exactly this template. Its padding, and what follows it,
+// may be anything.
+template <const Schema& schema>
+bool hasFixedTemplate(HostBuffer buffer) {
+  constexpr uint32_t end = fixedVtable(schema) + vtableLength(schema);
+  // The root word alone rejects most other buffers.
+  if (buffer.length < end || buffer.read<uint32_t>(0) != fixedTable) {
+    return false;
+  }
+  uint64_t found = 0;
+  forEach<templateParts<schema>.count>([&](auto index) {
+    constexpr TemplatePart part = templateParts<schema>.list[index];
+    if constexpr (part.size < 8) {
+      found |= differences<schema, uint32_t, part>(buffer.data);
+    } else if constexpr (part.size < 16) {
+      found |= differences<schema, uint64_t, part>(buffer.data);
+    } else {
+      using Sixteen [[gnu::vector_size(16)]] = uint64_t;
+      const Sixteen both = differences<schema, Sixteen, part>(buffer.data);
+      found |= both[0] | both[1];
+    }
+  });
+  return found == 0;
+}
+
+// A record as stretches of its image and of zeros, which stand where the record has padding.
+template <const Schema& schema>
+inline constexpr auto recordStretches = [] {
+  Stretches<2 * leafCount<schema> + 1> stretches;
+  uint32_t end = 0;
+  const auto add = [&](const Leaf& leaf) {
+    stretches.append({end, leaf.record - end, {0, true}});
+    stretches.append({leaf.record, leaf.size, {leaf.image, false}});
+    end = leaf.record + leaf.size;
+  };
+  visitLeaves(schema, 0, 0, add);
+  stretches.append({end, schema.size - end, {0, true}});
+  return stretches;
+}();
+
+inline constexpr std::array<uint8_t, host::chunk> zeros{};
+
+template <const Schema& schema>
+inline constexpr StorePlan recordPlan =
+    planStores(recordStretches<schema>.all(),
+               {.source = fixedVtable(schema) + vtableLength(schema), .constants = zeros.size()});
+
+// Fills the record, its padding with zeros, from an image that has the fixed template.
+template <const Schema& schema>
+void readFixedImage(uint8_t* into, const uint8_t* image) {
+  if constexpr (schema.size > host::largestInPlace) {
+    host::clearBytes(into, schema.size);
+  }
+  forEach<recordPlan<schema>.count>([&](auto index) {
+    constexpr Store store = recordPlan<schema>.stores[index];
+    const auto source = [&](Origin origin) {
+      return (origin.isConstant ? zeros.data() : image) + origin.from;
+    };
+    if constexpr (store.isPair) {
+      storePair(into + store.to, source(store.low), source(store.high));
+    } else {
+      host::copyConstant<store.size>(into + store.to, source(store.low));
+    }
+  });
+}
+
+// Vectors go to the slot reader. So do records above 256 bytes: the host's functions clear and copy
+// them, and would be called twice where a quick reading is given up.
 constexpr bool hasQuickReader(const Schema& schema) {
   for (const Slot& slot : schema.slots) {
     if (slot.kind == Kind::Vector || (slot.kind == Kind::Table && !hasQuickReader(*slot.nested))) {
@@ -57,8 +162,8 @@ constexpr uint32_t widestFootprint(const Schema& schema) {
   return widest;
 }
 
-// Whether every slot's position and footprint lie within `left` bytes from the table on. Zero, the
-// entry of an absent slot, is always inside: that of the vtable offset.
+// Whether every slot's position and footprint lie within `left` bytes from the table on. Entry 0 of
+// an absent slot always passes: `left` holds the widest footprint.
 template <const Schema& schema>
 bool entriesInside(const uint8_t* entries, uint32_t left) {
   constexpr size_t count = schema.slots.size();
@@ -99,7 +204,7 @@ void clearPadding(uint8_t* into) {
   clearBetween<recordEnd(schema.slots[index]), next>(into);
 }
 
-// An absent scalar reads the vtable offset, and keeps nothing of it.
+// An absent scalar loads the table's first bytes, and masks them to 0.
 template <typename Value>
 void readScalar(const uint8_t* at, uint16_t entry, uint8_t* field) {
   const auto isThere = static_cast<Value>(0 - static_cast<Value>(entry != 0));
@@ -156,7 +261,8 @@ bool readSoundTable(HostBuffer buffer, uint32_t table, uint8_t* into) {
 }
 
 // Replaces the pointers into the buffer by allocated blocks, in slot order. Where the host refuses
-// one, clears what lies behind it in the record: the slot reader would stop there.
+// one, clears what lies behind it in the record: the slot reader would stop there. While the host
+// allocates, later pointers still point into the buffer.
 template <const Schema& schema, Decoder decoder>
 Decoded takeParts(host::serial_env& env, uint8_t* into) {
   const bool areTaken = allSlots<schema>([&](auto index) {

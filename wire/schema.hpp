@@ -84,6 +84,9 @@ inline constexpr const Schema& schemaOf = SchemaOf<RecordType>::schema;
 template <const Schema& schema, size_t index>
 using ScalarOf = host::Unsigned<schema.slots[index].size>;
 
+// Operations are marked gnu::flatten, so that g++ inlines walks over slots into them as straight
+// code.
+//
 // Calls `each` with 0, 1, ... as types, so that each call knows its index at compile time:
 // `[](auto index) { constexpr const Slot& slot = schema.slots[index]; ... }`.
 template <size_t count, typename Each>

@@ -88,6 +88,8 @@ struct Buffer {
   }
 };
 
+using HostBuffer = Buffer<host::ByteOrder::Host>;
+
 enum class [[nodiscard]] Decoded : bool{
     No,
     Yes,

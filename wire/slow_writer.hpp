@@ -1,5 +1,5 @@
-// Writers that few messages need. They walk the schema at run time: images of modules that are not
-// bound yet, and the byte-reversed wire.
+// Writers for rare cases, which walk the schema at run time: a module's first send, and the
+// byte-reversed wire.
 #pragma once
 
 #include "wire/schema.hpp"

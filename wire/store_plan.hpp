@@ -82,9 +82,9 @@ struct PlanLimits {
   uint32_t constants;
 };
 
-// Finds a plan with the fewest stores, and with few pairs, which cost one instruction more. A pass
-// from front to back takes the store that reaches furthest: so many stores there must be. A pass
-// from back to front then chooses the stores, plain ones wherever they reach far enough.
+// Finds a plan with the fewest stores, and with few pairs, which cost one instruction more. The
+// forward pass takes the store that reaches furthest, which gives the number of stores. The
+// backward pass chooses them, plain ones where they suffice.
 class StorePlanner {
  public:
   // `stretches` cover the destination's bytes from front to back without a gap.
@@ -93,16 +93,16 @@ class StorePlanner {
 
   constexpr StorePlan plan() const {
     StorePlan plan;
-    // How far so many stores reach at most.
-    std::array<uint32_t, std::tuple_size_v<decltype(plan.stores)> + 1> laid{};
-    laid[0] = stretches_.front().to;
-    while (laid[plan.count] < end_) {
-      laid[plan.count + 1] = furthest(laid[plan.count]);
+    // The furthest end that so many stores can reach.
+    std::array<uint32_t, std::tuple_size_v<decltype(plan.stores)> + 1> reach{};
+    reach[0] = stretches_.front().to;
+    while (reach[plan.count] < end_) {
+      reach[plan.count + 1] = furthest(reach[plan.count]);
       ++plan.count;
     }
     uint32_t wanted = end_;
     for (size_t index = plan.count; index-- > 0;) {
-      plan.stores[index] = storeBetween(laid[index], wanted);
+      plan.stores[index] = storeBetween(reach[index], wanted);
       wanted = plan.stores[index].to;
     }
     return plan;

@@ -198,7 +198,7 @@ TEST(Binding, IsNotRepeatedByWaitingThreads) {
   EXPECT_EQ(inANewProcess([] {
               Module& module = mesh::l2vpn_sync::receiveModule;
               mesh::host::bindHost(module.env);
-              mesh::host::readyCodec(module);
+              mesh::host::bindCodec(module);
               bring(harness::wholeHost);
               mesh::host::bindHostOnce(module.env);
               mesh::host::bindUnpackAllocator(module);

@@ -93,7 +93,7 @@ TEST(FallbackAllocator, PassesASizeOfZeroOn) {
 std::vector<Buffer> encodings(Scene& scene, uint32_t swapBytes) {
   const harness::Modules modules = harness::modulesOf(scene.operations);
   for (Module* const module : {modules.send, modules.receive}) {
-    mesh::host::readyCodec(*module);
+    mesh::host::bindCodec(*module);
     module->swapBytes.store(swapBytes);
   }
   harness::resetRecorder();

@@ -159,7 +159,7 @@ std::string compareSendOf(const Operations& operations, const void* records,
 void useByteOrder(const Operations& operations, bool reversed) {
   const Modules modules = modulesOf(operations);
   for (mesh::host::Module* const module : {modules.receive, modules.send}) {
-    mesh::host::readyCodec(*module);
+    mesh::host::bindCodec(*module);
     module->swapBytes.store(reversed ? 1 : 0);
   }
 }

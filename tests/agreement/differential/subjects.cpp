@@ -110,7 +110,7 @@ std::vector<Subject> bindSubjects() {
     subject.values = valuesOf(subject.schema());
     addParts(subject.schema(), 0, subject.parts);
     for (host::Module* const module : {subject.receive, subject.send}) {
-      host::readyCodec(*module);
+      host::bindCodec(*module);
       host::bindHost(module->env);
     }
   }
