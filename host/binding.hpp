@@ -72,8 +72,7 @@ Function lookUp(const char* symbol) {
   return reinterpret_cast<Function>(dlsym(nullptr, symbol));
 }
 
-// A block must go back to the allocator that it came from, so both functions are the host's or both
-// are ours.
+// Both functions are the host's or both ours: a block goes back to where it came from.
 inline void completePair(AllocFn& alloc, FreeFn& release) {
   if (alloc == nullptr || release == nullptr) {
     alloc = &mallocWrapper;

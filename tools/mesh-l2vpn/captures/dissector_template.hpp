@@ -45,7 +45,6 @@ for record, slots in pairs(records) do
 end
 proto.fields = fields
 
-local most_words = 0x3FFFFFFF
 local past_32_bits = 0x100000000
 -- Each line takes memory in Wireshark, and a hostile message may ask for any number.
 local most_lines = 20000
@@ -113,7 +112,7 @@ local function dissect(tvb, root_record, tree)
     if not is_good then return false end
     if not holds(target, 4) then return fail(item, slot.name .. " points to " .. target .. ", past the end") end
     local count = u32(target)
-    if count > most_words or not holds(target + 4, 4 * count) then
+    if not holds(target + 4, 4 * count) then
       return fail(item, slot.name .. ": " .. count .. " items, whose offset words pass the end")
     end
     if slot.size * count >= past_32_bits then return fail(item, slot.name .. ": too many items") end

@@ -17,9 +17,6 @@ using mesh::wire::Kind;
 using mesh::wire::Schema;
 using mesh::wire::Slot;
 
-// No buffer holds the offset words of more items.
-constexpr uint32_t largestVectorCount = 0x3FFFFFFF;
-
 std::string number(uint64_t value) {
   return std::to_string(value);
 }
@@ -252,7 +249,7 @@ class TableReader {
     }
     const auto count = load<uint32_t>(vector);
     found_.add(countRange, static_cast<uint32_t>(vector), entry.path, count);
-    if (count > largestVectorCount || !holds(vector + 4, uint64_t{4} * count)) {
+    if (!holds(vector + 4, uint64_t{4} * count)) {
       return fail(vector, 4, entry.path,
                   number(count) + " items, whose offset words pass the end" + ofBuffer());
     }
