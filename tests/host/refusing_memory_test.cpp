@@ -106,7 +106,7 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
 TEST_P(RefusingMemory, ChangesNothingWhereFunctionsRefuseAboveALimit) {
   for (const auto leaves : {Leaves::AllAsItWas, Leaves::DestinationCleared}) {
     // Nothing is accepted at first. 16,572 bytes are an item, 16,384 its array.
-    for (const size_t largest : {0, 1, 16, 16383, 16384, 16572}) {
+    for (const size_t largest : {0UL, 1UL, 16UL, 16383UL, 16384UL, 16572UL}) {
       uint64_t seen = 0;
       forEachOperation([&](const auto& comparison) {
         refuse({.largest = largest, .leaves = leaves});
