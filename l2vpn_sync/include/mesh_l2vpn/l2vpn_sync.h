@@ -7,9 +7,10 @@
  * 1. Ownership. The caller owns buffers and records. No record owns memory: the release of an
  *    unpacked record does nothing.
  * 2. Results. X__unpack returns sizeof(X) for every buffer. A rejected R leaves zeros, or the
- * fields before the fault. A rejected R_update or R_delete leaves the record as it was or, if the
- * record inside is at fault, f0 and what could be read of f1. X__pack returns 0 or 0xFFFFFFFF.
- * Sending returns the middleware's result, or 0xFFFFFFFF if it never reached the middleware.
+ *    fields before the fault. A rejected R_update or R_delete leaves the record as it was or, if
+ *    the record inside is at fault, f0 and what could be read of f1. X__pack returns 0 or
+ *    0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF if it never reached the
+ *    middleware.
  * 3. Threads. Any thread may call any function, on records that no other thread writes. No setup is
  *    needed.
  * 4. Byte order. Records and messages have the host's byte order. The devices are little-endian.

@@ -48,8 +48,8 @@
  * @verbatim
  *
  * X__msg_id, a constant uint32_t object
- *   The middleware identifies X by it: the 32-bit FNV-1a hash of X's name. C does not accept it as
- * a case label; the service's list of messages has the number itself.
+ *   Identifies X to the middleware: the 32-bit FNV-1a hash of X's name. C does not accept it as a
+ *   case label; the service's list of messages has the number itself.
  *
  * uint32_t X__unpack(const uint8_t* data, uint32_t length, X* record)
  *   Verifies `length` bytes at `data` as a message X, in either arrangement, and fills *record.
@@ -61,8 +61,8 @@
  *   - The root or the vtable is bad: logged; *record is cleared. In most records of l2vpn_cfg, and
  *     in every _update and _delete, it stays as it was instead.
  *   - A field does not fit, or memory was refused (only the latter is logged): fields before it
- * keep their values, later fields are 0. Every out-of-line part is released and its pointer is
- * null, but its length or count may not be 0. Test the pointer, not the count.
+ *     keep their values, later fields are 0. Every out-of-line part is released and its pointer is
+ *     null, but its length or count may not be 0. Test the pointer, not the count.
  *
  * void X_free__unpacked(X* record)
  *   Releases what X__unpack allocated inside *record, and sets those pointers to null. Lengths and
