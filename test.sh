@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds with g++, and passes every test of library, platform and tool. Its
+# Installs missing packages, builds with g++, and runs every test of library, platform and tool. Its
 # last lines say what it left out.
 #
 #   ./test.sh              minutes

@@ -1,4 +1,4 @@
-// Records as messages, made by the operations themselves, and decoded once to check them before
+// Messages that the operations themselves made from records. Each is decoded once as a check before
 // anything is timed.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace bench {
 
-// Messages back to back, as a batch arrives.
+// Messages without gaps, as in a batch.
 class Encoded {
  public:
   explicit Encoded(Captured captured)
@@ -41,7 +41,7 @@ class Encoded {
   std::exit(1);
 }
 
-// Every message decodes to the record that it was made of.
+// Checks that every message decodes to its record.
 template <typename Record>
 void requireRoundTrip(const Records<Record>& records, const Encoded& encoded) {
   const Record* expected = records.begin();

@@ -1,5 +1,5 @@
-// Every message's exported operations by its record's type, called by name as any user calls them.
-// Calls through the table of inspect/messages would add their own cost to what is measured.
+// Every message's exported operations by its record's type, called by name as users call them.
+// Calls through the table of inspect/messages would add their own cost to the measurement.
 #pragma once
 
 #include "l2vpn_cfg/schema.hpp"

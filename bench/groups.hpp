@@ -1,5 +1,5 @@
 // The groups of cases. A case's name is group/message/operation, or group/message/operation/number
-// where one number is varied.
+// if one number varies.
 #pragma once
 
 #include <benchmark/benchmark.h>

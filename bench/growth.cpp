@@ -1,4 +1,4 @@
-// What grows with the batch, with a byte string's length, with the threads.
+// Costs against the batch size, the length of a byte string, and the number of threads.
 #include <cstdlib>
 
 #include "bench/groups.hpp"
@@ -13,7 +13,7 @@ std::string numbered(std::string name, Number number) {
   return name.append(1, '/').append(std::to_string(number));
 }
 
-// A batch's one allocation alone: room for its tables and their descriptors.
+// Only the one allocation of a batch: room for its tables and their descriptors.
 template <typename Record>
 void batchAllocatorCase(benchmark::State& state, Shape shape, uint32_t batch) {
   static_assert(isSentFixed<Record>);
@@ -42,7 +42,7 @@ void addBatches() {
   }
 }
 
-// As many records as leave a long string's bytes in the caches.
+// Limits the records, so that the bytes of long strings stay in the caches.
 void addLengths() {
   const std::string prefix = "length/dbginfo_key_l2vpn/";
   for (uint32_t length = 16; length <= 16384; length *= 2) {

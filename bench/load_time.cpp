@@ -1,4 +1,4 @@
-// What loading the library costs a process: nanoseconds of one dlopen, constructors included.
+// Measures the loading of the library: nanoseconds of one dlopen, with its constructors.
 //
 //   l2vpn_load_time LIBRARY
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
-// One case an operation: a pass over all records is one iteration, and a case of the plain copy
-// makes the same pass.
+// One case per operation: a pass over all records is one iteration. A case of the plain copy makes
+// the same pass.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -13,7 +13,7 @@
 
 namespace bench {
 
-// Nanoseconds of a pass become nanoseconds a record, of all threads together.
+// Converts nanoseconds per pass to nanoseconds per record, for all threads together.
 inline void report(benchmark::State& state, uint32_t records, double bytesPerRecord) {
   using benchmark::Counter;
   state.counters["ns_per_record"] = Counter(
@@ -46,7 +46,7 @@ template <typename Record>
 void packCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
   const Encoded encoded = encodeCompact(records);
-  // Room for the largest record, as a process has that packs any.
+  // Room for the largest record, as in a process that packs any record.
   uint32_t room = 1024;
   encoded.each([&](const uint8_t*, uint32_t length) { room = std::max(room, length); });
   Placed<uint8_t> buffer(room);
@@ -59,7 +59,7 @@ void packCase(benchmark::State& state, Shape shape) {
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
-// Into a buffer that is exactly as long as the record's message.
+// Packs into a buffer of exactly the message's length.
 template <typename Record>
 void packExactCase(benchmark::State& state, Shape shape) {
   const Records<Record> records(ofThread(shape, state));
@@ -81,7 +81,7 @@ void packExactCase(benchmark::State& state, Shape shape) {
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
-// Where the record owns memory, each one is given back at once.
+// If the record owns memory, releases each record at once.
 template <typename Record>
 void unpackAll(benchmark::State& state, const Encoded& encoded, uint32_t records) {
   Placed<Record> into(1);
@@ -109,7 +109,7 @@ void unpackFixedCase(benchmark::State& state, Shape shape) {
   unpackAll<Record>(state, encodeAsSent(records), records.size());
 }
 
-// Every record is alive before the first one is given back.
+// All records hold their memory before the first release.
 template <typename Record>
 void freeCase(benchmark::State& state, Shape shape) {
   static_assert(owns<Record>);
@@ -143,10 +143,10 @@ void singleCase(benchmark::State& state, Shape shape) {
   report(state, records.size(), encoded.bytesPerRecord());
 }
 
-// The tables of a compact batch may take 65,536 bytes together; less, as their sizes differ.
+// The tables of a compact batch may take 65,536 bytes together. Stays below, as their sizes differ.
 inline constexpr uint32_t largestCompactBatch = 60000;
 
-// The largest power of two up to `wanted` that the library takes.
+// The largest batch size, a power of two up to `wanted`, that the library accepts.
 template <typename Record>
 uint32_t batchOf(uint32_t wanted, uint32_t records, const Encoded& encoded) {
   uint32_t batch = std::bit_floor(std::min(wanted, records));

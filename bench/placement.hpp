@@ -1,5 +1,5 @@
-// Places records and stack frames alike in every process: a record across two cache lines, or a
-// stack frame across two pages, costs several times a record's copy.
+// Places records and stack frames alike in every process. A record across two cache lines, or a
+// stack frame across two pages, costs several times as much as the copy of a record.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -30,11 +30,11 @@ struct LineAllocator {
   bool operator==(const LineAllocator& /*other*/) const = default;
 };
 
-// Begins at a cache line.
+// Starts at a cache line.
 template <typename Item>
 using Placed = std::vector<Item, LineAllocator<Item>>;
 
-// Times `pass`. What it calls has its frames right below a page's boundary.
+// Times `pass`. The stack frames of its calls start right below a page boundary.
 template <typename Pass>
 [[gnu::noinline]] void timePasses(benchmark::State& state, Pass pass) {
   alignas(page) std::byte anchor;

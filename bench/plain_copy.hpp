@@ -1,5 +1,5 @@
-// The yardstick: a copy of the record and of what it points to, through a function that is opaque
-// to the compiler, so that it cannot drop, merge or expand copies.
+// The yardstick: a copy of the record and of its byte strings and items. The copy function is
+// opaque to the compiler, which so cannot omit, merge or expand copies.
 #pragma once
 
 #include <cstring>
@@ -39,7 +39,7 @@ template <const mesh::wire::Schema& record, size_t slot = 0>
   }
 }
 
-// `room` takes the parts of one record.
+// `room` receives the parts of one record.
 template <typename Record>
 [[gnu::always_inline]] inline void copyRecord(CopyFunction copy, Record* into, const Record* from,
                                               uint8_t* room) {

@@ -1,4 +1,4 @@
-// The records that are measured: 4,096 different ones, filled by their schema.
+// The measured records: 4,096 different ones, filled by their schema.
 #pragma once
 
 #include <algorithm>
@@ -19,21 +19,21 @@ struct Shape {
   Fill fill = Fill::Full;
   uint32_t stringLength = 32;  // of every byte string
   uint32_t items = 1;          // of every run of records
-  // Fewer records where they and their parts would take more than this together.
+  // Limits the size of all records with their parts: above it, there are fewer records.
   uint64_t room = uint64_t{80} << 20;
   uint64_t seed = 1;
 };
 
 inline constexpr uint32_t recordCount = 4096;
 
-// The room that a record's byte strings and runs take, each a multiple of 8 bytes.
+// The room for a record's byte strings and runs, each a multiple of 8 bytes.
 uint64_t partsSize(const mesh::wire::Schema& schema, const Shape& shape);
 
-// Fills a record of zeros, whose byte strings and runs are placed at `parts`. Returns their end.
+// Fills a record of zeros. Places its byte strings and runs at `parts`, and returns their end.
 uint8_t* fill(const mesh::wire::Schema& schema, const Shape& shape, Random& random, uint8_t* record,
               uint8_t* parts);
 
-// Whether two records hold the same values, padding aside.
+// Whether two records hold the same values. Ignores padding.
 bool equal(const mesh::wire::Schema& schema, const uint8_t* one, const uint8_t* other);
 
 template <typename Record>

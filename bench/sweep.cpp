@@ -1,4 +1,4 @@
-// Every message: what it costs against what it weighs.
+// Every message: its cost against its size.
 #include "bench/groups.hpp"
 #include "bench/operations.hpp"
 

@@ -1,4 +1,4 @@
-// The messages with targets, and those of other shapes: every operation, full and sparse.
+// Every operation, full and sparse, of the messages with targets and of some other shapes.
 #include "bench/groups.hpp"
 #include "bench/operations.hpp"
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr uint32_t usualBatch = 256;
 
-// `label` tells the cases of one message apart.
+// `label` distinguishes the cases of one message.
 template <typename Record>
 void addMessage(const Shape& shape = {}, const std::string& label = "") {
   const std::string prefix = std::string("target/") + schema<Record>.name + label + "/";

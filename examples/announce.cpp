@@ -1,9 +1,9 @@
-// Sends messages of every kind to the process that watch.c is the source of.
+// Sends messages of every kind to the program of watch.c.
 //
 //   announce [RECORDS]    RECORDS: how many records to stream, 1000000 by default
 //
-// To send messages of your own: open a node, call the services' _send_init once, fill records, and
-// hand them to X__sendmsg or X__sendtomsg.
+// To send your own messages: open a node, call the services' _send_init once, fill records, and
+// pass them to X__sendmsg or X__sendtomsg.
 
 #include <algorithm>
 #include <chrono>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr uint32_t recordsPerBatch = 512;
 
-// Every send returns 0 or says why not.
+// Whether a send succeeded. Prints why not.
 bool sent(const char* what, uint32_t result) {
   if (result != MESH_OK) {
     std::fprintf(stderr, "announce: %s: %s (%s)\n", what, mesh_result_text(result),

@@ -1,6 +1,6 @@
-/* Announces that an attachment circuit changed, and receives the announcement: the shortest way
- * from one node to another. Both live in this process here; node.h tells how they find each other
- * when they do not.
+/* Announces that an attachment circuit changed, and receives the announcement: the shortest program
+ * with two nodes. Both nodes are in this process; node.h says how nodes of different processes find
+ * each other.
  *
  *   announce_and_receive
  */
@@ -11,7 +11,7 @@
 
 enum { announcer_address = 1, receiver_address = 2 };
 
-/* Called for every record, which is gone when it returns. */
+/* Called for every record. The record is valid only during the call. */
 static void handle(const mesh_received* received, void* user) {
   unsigned* const count = user;
   if (received->msg_id == l2vpn_sync_vpls_ac_update__msg_id) {
@@ -21,7 +21,7 @@ static void handle(const mesh_received* received, void* user) {
   }
 }
 
-/* As `announcer`, sends one message to the other node. */
+/* Sends one message from `announcer` to the other node. */
 static uint32_t announce(mesh_node* announcer) {
   l2vpn_sync_vpls_ac_update update = {.f0 = 7};
   update.f1.f0 = 42;

@@ -1,5 +1,5 @@
-/* Decodes a file that holds one message dbginfo_key_l2vpn, such as key.bin beside this source: the
- * bytes that docs/wire-format.md goes through. Needs no middleware.
+/* Decodes a file that holds one message dbginfo_key_l2vpn, for example key.bin beside this source:
+ * docs/wire-format.md explains its bytes. Needs no middleware.
  *
  *   decode_file FILE
  */
@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
   uint8_t buffer[65536];
-  dbginfo_key_l2vpn key = {0}; /* zeros, so that what a rejection leaves is known */
+  dbginfo_key_l2vpn key = {0}; /* zeros: a rejection may leave the record as it was */
   uint32_t length;
   FILE* const file = argc == 2 ? fopen(argv[1], "rb") : NULL;
   if (file == NULL) {
@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
   dbginfo_key_l2vpn__unpack(buffer, length, &key);
   printf("%" PRIu32 " bytes: f0 0x%04x, f1 0x%04x, f2 0x%08" PRIx32 ", f3", length, key.f0, key.f1,
          key.f2);
-  /* The pointer says whether there is a byte string; the length alone does not. */
+  /* Test the pointer: a rejection may leave a length without a byte string. */
   if (key.f3 != NULL) {
     printf(" \"%.*s\"\n", (int)key.f3_len, (const char*)key.f3);
   } else {

@@ -1,9 +1,9 @@
-/* A host that brings its own allocator and log writer. The library finds them by name at its first
+/* A host with its own allocator and log writer. The library finds them by name at its first
  * use, so a program must export them: ENABLE_EXPORTS in CMake, -rdynamic otherwise.
  *
  *   own_host
  *
- * Shows what the library asks of its host while it decodes a good message and a damaged one.
+ * Prints the library's calls of its host while it decodes a good and a damaged message.
  */
 #include <stdarg.h>
 #include <stdint.h>
@@ -15,7 +15,7 @@
 static unsigned blocks_out;
 static unsigned lines_logged;
 
-/* `env` points at a record whose first word points at the reporting framework's name. */
+/* `env` points to a record whose first word points to the reporting framework's name. */
 void DDM_OsalLogWrite(const void* env, uint32_t level, uint32_t code, const char* file,
                       uint32_t line, const char* function, const char* format, ...);
 void* DDM_OsalMemAlloc(uint32_t size, uint32_t owner, const char* caller);
@@ -55,7 +55,7 @@ void DDM_OsalMemFree(void* block, uint32_t owner, const char* caller) {
   free(block);
 }
 
-/* 1: what decoding allocates comes from the cache, and goes back there. */
+/* 1: decoding allocates from the cache, and releases to it. */
 uint32_t DDM_OsalMemUseFlagGet(uint32_t owner) {
   (void)owner;
   return 1;

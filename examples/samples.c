@@ -15,7 +15,7 @@ static void fill_bytes(void* record, size_t size, uint32_t seed) {
   }
 }
 
-/* Records with pointers need more than their bytes. */
+/* Filled bytes are no valid pointers: these functions set them. */
 static void complete_dbginfo_key_l2vpn(dbginfo_key_l2vpn* record) {
   record->f3_len = sizeof text;
   record->f3 = text;
@@ -129,6 +129,6 @@ void stream_fill(l2vpn_sync_vpls_ac* record, uint64_t index) {
 bool stream_is_equal(const l2vpn_sync_vpls_ac* record, uint64_t index) {
   l2vpn_sync_vpls_ac expected;
   stream_fill(&expected, index);
-  /* Both are clear between and behind their fields: stream_fill and the library see to it. */
+  /* The padding of both is zero: stream_fill and the library clear it. */
   return memcmp(record, &expected, sizeof expected) == 0;
 }

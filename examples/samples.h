@@ -1,5 +1,5 @@
 /* Records that both processes of the demonstration can make, so that the receiver can prove that
- * what arrived is what was sent. */
+ * it received what was sent. */
 #ifndef EXAMPLES_SAMPLES_H
 #define EXAMPLES_SAMPLES_H
 
@@ -16,16 +16,16 @@ extern "C" {
 /* The addresses of the two processes. */
 enum { announcer_address = 1, watcher_address = 2 };
 
-/* What a message is sent for; it travels as `extra`. */
+/* The purpose of a message; it travels as `extra`. */
 enum purpose { purpose_show = 1, purpose_sample = 2, purpose_stream = 3 };
 
-/* One message type, with its functions behind types that do not name its record. */
+/* One message type. The types of its functions do not name its record. */
 typedef struct sample_message {
   const char* name;
   uint32_t id;
   uint32_t record_size;
-  /* Fills a record with values that follow from the message and nothing else. What its pointers
-   * lead to is shared and must not be freed. */
+  /* Fills a record with values that depend only on the message. Its pointers lead to shared
+   * data, which must not be freed. */
   void (*fill)(void* record);
   uint32_t (*pack)(const void* record, uint8_t* buffer, uint32_t* length);
   uint32_t (*send)(uint32_t destination, const void* record, uint64_t extra);
@@ -38,11 +38,10 @@ extern const size_t sample_message_count;
 /* The type with this identifier, or null. */
 const sample_message* sample_find(uint32_t id);
 
-/* Whether `record` holds what fill gives: both are packed, and the bytes compared. Single thread.
- */
+/* Whether `record` holds the values of fill: packs both and compares the bytes. Not thread-safe. */
 bool sample_is_equal(const sample_message* message, const void* record);
 
-/* The record that has place `index` in a long stream of them, and whether one is that record. */
+/* Makes record number `index` of a long stream; checks whether a record is that one. */
 void stream_fill(l2vpn_sync_vpls_ac* record, uint64_t index);
 bool stream_is_equal(const l2vpn_sync_vpls_ac* record, uint64_t index);
 

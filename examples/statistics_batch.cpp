@@ -1,6 +1,6 @@
 // Sends the statistics of many pseudowires in one call, and adds up what arrives.
 //
-//   statistics_batch [COUNT]    COUNT: of pseudowires, 1000 by default
+//   statistics_batch [COUNT]    COUNT: number of pseudowires, 1000 by default
 
 #include <cstdio>
 #include <cstdlib>
@@ -57,7 +57,7 @@ int main(int argc, char** argv) {
   const std::unique_ptr<mesh_node, CloseNode> node(opened);
 
   const std::vector<l2vpn_stat_pw_stat> all = statisticsOf(count);
-  // One allocation, one call of the middleware; all arrive, or none.
+  // One allocation, one call of the middleware; all arrive or none.
   const uint32_t result = l2vpn_stat_pw_stat__sendbatch(address, all.data(), count, 0);
   if (result != 0) {
     std::fprintf(stderr, "statistics_batch: %s\n", mesh_result_text(result));

@@ -3,15 +3,15 @@
  *   two_machines receive BOOK COUNT
  *   two_machines send BOOK COUNT
  *
- * BOOK is an address book's file; the receiver has address 2, the sender address 1.
+ * BOOK is the file of an address book. The receiver has address 2, the sender address 1.
  *
- * With keys the machines talk to one another directly, authenticated and enciphered. On each,
- * ZARNIMESH_KEYS names its key file (zarnimesh-keys makes it) with the other's public key in it,
- * and both books say
+ * With keys the machines connect directly, authenticated and encrypted. On each machine
+ * ZARNIMESH_KEYS names its key file, which zarnimesh-keys makes and which holds the other machine's
+ * public key. Both books say
  *
  *   2  tcp://ADDRESS-OF-THE-RECEIVER:4002
  *
- * Without keys a node receives at loopback addresses alone, and a tunnel joins the machines. Both
+ * Without keys a node receives only at loopback addresses, and a tunnel connects the machines. Both
  * books say
  *
  *   2  tcp://127.0.0.1:4002
@@ -93,6 +93,6 @@ int main(int argc, char** argv) {
     return 1;
   }
   result = receives ? receive(node, strtoul(argv[3], NULL, 10)) : send(strtoul(argv[3], NULL, 10));
-  mesh_node_close(node); /* hands over what was sent */
+  mesh_node_close(node); /* delivers what was sent */
   return result;
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Plays both machines of two_machines.c on this one.
+# Runs both machines of two_machines.c on this machine.
 #
 #   two_machines.sh DIRECTORY-OF-THE-EXAMPLES
 set -euo pipefail

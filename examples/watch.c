@@ -2,7 +2,7 @@
  *
  *   watch [RECORDS]    RECORDS: how many streamed records to wait for, 1000000 by default
  *
- * To receive messages of your own: open a node, call the services' _recv_init once, then
+ * To receive your own messages: open a node, call the services' _recv_init once, then
  * mesh_node_receive in a loop with a handler that looks at msg_id.
  */
 #include <inttypes.h>
@@ -19,10 +19,10 @@
 #include "samples.h"
 #include "zarnimesh/node.h"
 
-/* Without a record for this long, the sender counts as gone. */
+/* If no record arrives for this long, the sender is considered gone. */
 enum { patience_s = 20 };
 
-/* How many records the tour has: an update, a batch of four, statistics, a key, a delete. */
+/* The number of records in the tour: an update, a batch of four, statistics, a key, a delete. */
 enum { messages_shown = 8 };
 
 struct watcher {
@@ -183,7 +183,7 @@ static bool report(const struct watcher* watcher, const mesh_node_statistics* st
          statistics->duplicate_calls == 0;
 }
 
-/* Until everything has arrived, or nothing more arrives. */
+/* Returns when everything has arrived, or when nothing more arrives. */
 static void receive_all(mesh_node* node, struct watcher* watcher) {
   time_t last_delivery = time(NULL);
   while (watcher->streamed < watcher->expected) {

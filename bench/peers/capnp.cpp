@@ -49,7 +49,7 @@ class Codec {
   using Record = RecordType;
 
   Bytes encode(const Record& record) {
-    // The old builder leaves the segment zeroed, as the new one wants it.
+    // The old builder clears the segment, as the new one requires.
     builder_.reset();
     builder_.emplace(kj::arrayPtr(segment_.data(), segment_.size()));
     Fields<Record>::set(builder_->template initRoot<typename Fields<Record>::Message>(), record);

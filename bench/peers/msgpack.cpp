@@ -50,7 +50,7 @@ inline bool isBytes(const msgpack_object& object) {
     }                                                                       \
   };
 
-// The packer's function of a field's width.
+// The packer's function for a field's width.
 inline void packScalar(msgpack_packer& packer, uint8_t value) {
   msgpack_pack_uint8(&packer, value);
 }

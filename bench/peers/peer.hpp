@@ -1,5 +1,5 @@
-// What every peer does: encode a record's fields into bytes, and decode the bytes into a record, on
-// the records that our own operations get.
+// Every peer encodes a record's fields into bytes and decodes the bytes into a record, with the
+// same records as our own operations.
 #pragma once
 
 #include <cstdlib>
@@ -9,7 +9,7 @@
 #include "bench/groups.hpp"
 #include "bench/operations.hpp"
 
-// The fields of the records that peers are measured with: S, a scalar; A, an array with its size;
+// The fields of the records that the peers encode: S, a scalar; A, an array with its size;
 // B, a byte string.
 // clang-format off
 #define BENCH_FIELDS_Stp(S, A, B) S(0) S(1) S(2) S(3)
@@ -21,7 +21,7 @@
   S(0) S(1) S(2) A(3, 3) S(4) S(5) S(6) S(7) S(8) S(9) S(10) S(11) S(12)
 #define BENCH_FIELDS_DebugKey(S, A, B) S(0) S(1) S(2) B(3)
 
-// Every shape that a peer has a schema of, given to X with its record.
+// Calls X for every shape that the peers have a schema of, with its record.
 #define BENCH_SHAPES(X)         \
   X(Stp, l2vpn_sync_stp)        \
   X(VplsAc, l2vpn_sync_vpls_ac) \

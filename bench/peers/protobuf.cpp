@@ -1,5 +1,5 @@
-// Protocol Buffers: one message object for all records, reused, which its documentation prefers to
-// arenas where the objects can be kept; the size is computed once.
+// Protocol Buffers: one message object, reused for all records. Its documentation prefers this to
+// arenas if the objects can be kept. The size is computed once.
 #include <array>
 
 #include "bench/peers/peer.hpp"

@@ -1,4 +1,4 @@
-// Every set of functions that a host may offer: what is logged, and which allocator serves which
+// Every set of functions that a host may have: what is logged, and which allocator serves each
 // side.
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ std::vector<Host> everyHost() {
     for (const uint32_t useFlag : {0U, 1U, 2U, 0xFFFFFFFFU}) {
       hosts.push_back({functions, useFlag});
       if ((functions & harness::MemUseFlagGet) == 0) {
-        break;  // nobody asks
+        break;  // never asked
       }
     }
   }
@@ -99,7 +99,7 @@ TEST_P(Binding, BindsTheLog) {
   EXPECT_EQ(noted(&harness::packToNowhere), pack);
 }
 
-// A module keeps what it found at its first use, complete or not.
+// A module keeps the functions found at its first use, even if some are missing.
 TEST_P(Binding, IgnoresLaterFunctions) {
   Lines expected;
   if (servesReceiving()) {

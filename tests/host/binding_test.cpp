@@ -1,4 +1,4 @@
-// When the library looks for the host, how often, and that a later host is ignored.
+// When and how often the library looks up the host's functions. It ignores a later host.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ constexpr std::array<Module*, 6> modules{
     &mesh::l2vpn_stat::receiveModule, &mesh::l2vpn_stat::sendModule,
     &mesh::l2vpn_sync::receiveModule, &mesh::l2vpn_sync::sendModule};
 
-// "110000": one digit a module.
+// "110000": one digit per module.
 std::string flags(std::atomic<uint32_t> mesh::host::serial_env::*flag) {
   std::string digits;
   for (const Module* const module : modules) {
@@ -138,12 +138,12 @@ TEST(Binding, OfTheUnpackAllocatorHappensInEachOperationThatNeedsIt) {
               l2vpn_stat_pw_stat__sendbatch(1, records, 2, 0);
             }),
             "000100");
-  // Rejected before the record is touched, or with nothing to write.
+  // These calls fail before they touch the record, or write nothing.
   EXPECT_EQ(bound([] { harness::receiveNothing(); }), "000000");
   EXPECT_EQ(bound([] { harness::packToNowhere(); }), "000000");
 }
 
-// The table reader's style clears the record before it looks at the root.
+// A message that uses the table reader clears the record before it reads the root.
 TEST(Binding, FollowsTheMessagesChecksAndPrecedesTheTableReader) {
   EXPECT_EQ(inANewProcess([] {
               const std::array<uint8_t, 4> rootAlone{4, 0, 0, 0};
@@ -179,7 +179,7 @@ TEST(Binding, IgnoresALaterHost) {
             Lines({"the host is here", "received", "refused", "sent", "told"}));
 }
 
-// A module that was not used before the host came finds it.
+// A module that was unused when the host appeared finds it.
 TEST(Binding, IsSeparateInEachModule) {
   EXPECT_EQ(inANewProcess([] {
               harness::receiveText();
@@ -193,7 +193,7 @@ TEST(Binding, IsSeparateInEachModule) {
                    "free 25088 dbginfo_key_l2vpn__sendsingle"}));
 }
 
-// Like a thread that saw the flag unset and then waited for the lock.
+// Simulates a thread that saw the flag unset and then waited for the lock.
 TEST(Binding, IsNotRepeatedByWaitingThreads) {
   EXPECT_EQ(inANewProcess([] {
               Module& module = mesh::l2vpn_sync::receiveModule;
@@ -254,8 +254,8 @@ TEST(Identity, IsThatOfTheFramework) {
   EXPECT_EQ(std::set(modules.begin(), modules.end()).size(), 6U) << "nothing is shared";
 }
 
-// Runs before the library's constructors, which come without a priority: the zeros that the test
-// sees are their stores.
+// Runs before the library's constructors, which have no priority. So the zeros that the test sees
+// are their stores.
 [[gnu::constructor(101)]] void reverseEveryModule() {
   for (Module* const module : modules) {
     module->swapBytes.store(1);
@@ -286,7 +286,7 @@ TEST(ByteOrder, IsSetByBindingAlone) {
             Lines({"0", "1"}));
 }
 
-// Binding comes before writing: a first message has the host's order, whatever was set before.
+// Binding precedes writing: the first message has the host's byte order, whatever was set before.
 TEST(ByteOrder, IsTheHostsForTheFirstMessageWritten) {
   EXPECT_EQ(inANewProcess([] {
               for (Module* const module : modules) {

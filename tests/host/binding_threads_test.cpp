@@ -1,4 +1,4 @@
-// First calls from many threads at once.
+// First calls from many threads at the same time.
 
 #include <gtest/gtest.h>
 
@@ -13,8 +13,8 @@ namespace {
 
 using harness::Lines;
 
-// In a new process, as many threads as this make the same calls, the first as nearly at once as can
-// be had. Returns what the host noted, sorted.
+// In a new process, this many threads make the same calls, the first ones as simultaneously as
+// possible. Returns the host's notes, sorted.
 Lines fromManyThreads(bool (*call)()) {
   constexpr int threads = 16;
   Lines lines = harness::inANewProcess([&] {
@@ -44,7 +44,7 @@ Lines fromManyThreads(bool (*call)()) {
   return lines;
 }
 
-// Binding is short and happens once a process: many processes make a race likely.
+// Binding is short and happens once per process: many processes make a race likely.
 constexpr int processes = 20;
 constexpr size_t calls = 64;
 

@@ -1,5 +1,4 @@
-// What changes no binding, and what a bound module does with its byte order and with the fallback
-// allocator.
+// A binding never changes. How a bound module uses its byte order and the fallback allocator.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +36,7 @@ const std::array<Service, 3> services{
     Service{&mesh::l2vpn_sync::receiveModule, &mesh::l2vpn_sync::sendModule, &l2vpn_sync_recv_init,
             &l2vpn_sync_send_init, &l2vpn_sync__send_resource_clean}};
 
-// What a scenario notes once it is at its end is all it notes: the trace is empty.
+// The scenario notes the lines of its trace, then "end". No other line means an empty trace.
 TEST(Binding, IsNotMadeByInitialisersNorByCleaning) {
   for (const Service& service : services) {
     EXPECT_EQ(harness::inANewProcess([&] {
@@ -77,7 +76,7 @@ TEST(Binding, IsNotUndoneByCleaning) {
   }
 }
 
-// The sizes that the fallback allocator asks the C library for.
+// The sizes that the fallback allocator requests from the C library.
 TEST(FallbackAllocator, PassesASizeOfZeroOn) {
   EXPECT_EQ(harness::inANewProcess([] {
               harness::meet({0});
@@ -89,7 +88,7 @@ TEST(FallbackAllocator, PassesASizeOfZeroOn) {
             Trace({"65536", "0"}));
 }
 
-// All that the sender makes of the first record, and what the receiver makes of it.
+// All messages that the sender makes of the first record, and the records that the receiver reads.
 std::vector<Buffer> encodings(Scene& scene, uint32_t swapBytes) {
   const harness::Modules modules = harness::modulesOf(scene.operations);
   for (Module* const module : {modules.send, modules.receive}) {

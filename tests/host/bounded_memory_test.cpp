@@ -1,4 +1,4 @@
-// A process that has bounded memory functions of its own is served by them.
+// If a process has bounded memory functions, the library uses them.
 
 #include <gtest/gtest.h>
 

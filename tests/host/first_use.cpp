@@ -7,7 +7,7 @@
 namespace harness {
 namespace {
 
-// Byte strings that are too long, vectors that have a count and no items.
+// Byte strings that are too long, vectors with a count and no items.
 oracle::Value withoutEncoding(oracle::Value value) {
   for (size_t slot = 0; slot < value.fields.size(); ++slot) {
     oracle::FieldValue& field = value[slot];
@@ -32,8 +32,8 @@ Buffer packedBytes(const oracle::Description& message, const oracle::Value& valu
   return bytes;
 }
 
-// Whatever is written after a binding is in the host's byte order, where a table's position has
-// zeros in its upper bytes.
+// Everything written after a binding has the host's byte order: the upper bytes of a table's
+// position are zeros.
 void noteIfReversed(const Buffer& table) {
   if (table.at(0) == 0 && table.at(3) != 0) {
     note("reversed");
@@ -126,7 +126,7 @@ Trace observedLines(const Call& call, std::list<Scene>& scenes, const std::vecto
     for (Scene& scene : scenes) {
       for (const Host& host : hosts) {
         meet(host);
-        // The binding clears it, and nothing is written before the binding.
+        // The binding must clear it before anything is written.
         modulesOf(scene.operations).send->swapBytes.store(0x100);
         for (const char* title : titles) {
           note(title + textOf(scene, host));

@@ -1,5 +1,5 @@
-// One call of one message's operation, made twice in modules that nobody has used yet, and the
-// calls of the host, of the middleware and of the mutexes that it is to make.
+// One call of one message's operation, made twice in unused modules, and the expected calls of the
+// host, the middleware and the mutexes.
 #pragma once
 
 #include <functional>
@@ -17,7 +17,7 @@
 
 namespace harness {
 
-// A message with everything that the calls need.
+// A message with all data for the calls.
 struct Scene {
   explicit Scene(const Operations& of);
 
@@ -29,7 +29,7 @@ struct Scene {
   void unpack(const Buffer& bytes) {
     operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), received.data());
   }
-  // __pack with as much room as the first record needs, and `more`.
+  // __pack with the room that the first record needs plus `more`.
   void pack(const void* record, uint8_t* buffer, int more = 0) {
     auto length = static_cast<uint32_t>(static_cast<int>(packed.size()) + more);
     operations.pack(record, buffer, &length);
@@ -40,18 +40,18 @@ struct Scene {
   const uint32_t fixed;  // the image's length; 0 for a message that is sent compact
   const std::vector<oracle::Value> values;
   oracle::RecordImage records;      // two
-  oracle::RecordImage unencodable;  // two, of which the second has no encoding
+  oracle::RecordImage unencodable;  // two; the second has no encoding
   oracle::RecordImage received;
   Buffer packed;  // the first record
-  Buffer target;  // more room than that takes
+  Buffer target;  // more room than `packed` needs
 };
 
-// What one scene's call does in one host, step by step.
+// The steps of one scene's call in one host.
 class Expected {
  public:
   Expected(const Scene& scene, const Host& host) : scene_(scene), host_(host) {}
 
-  // The bindings are made by the first of the two calls.
+  // The first of the two calls makes the bindings.
   void bindHost(const char* direction);
   void bindUnpack(const char* direction);
 
@@ -85,14 +85,14 @@ using Steps = std::vector<Step>;
 
 using Call = std::function<void(Scene&)>;
 
-// The lines of two calls in each host, for one scene after the other, each call with a title.
+// The expected lines: for each scene and each host two calls, each with a title.
 Trace expectedLines(const Steps& steps, const std::list<Scene>& scenes,
                     const std::vector<Host>& hosts);
 
-// The same of the engine, in a new process.
+// The engine's lines, from a new process.
 Trace observedLines(const Call& call, std::list<Scene>& scenes, const std::vector<Host>& hosts);
 
-// "", or the first call whose lines differ.
+// The first call with different lines, or "".
 std::string difference(const Trace& observed, const Trace& expected);
 
 }  // namespace harness

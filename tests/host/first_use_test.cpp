@@ -1,8 +1,7 @@
 // The order in which each operation binds its module, allocates, calls the middleware, releases and
-// logs, as its host sees it: for every message, in hosts that have all functions, all but one, and
-// none.
+// logs, as its host sees it: for every message, in hosts with all functions, all but one, and none.
 //
-// A row is one call, and the steps that the first such call takes. The second takes the same steps
+// A row is one call, and the steps of the first such call. The second call takes the same steps
 // without the bindings.
 
 #include <gtest/gtest.h>
@@ -22,7 +21,7 @@ struct Row {
   bool (*applies)(const Scene&);
   Call call;
   Steps steps;
-  // The functions without which the call cannot fail as it should.
+  // The call fails as intended only in a host with these functions.
   unsigned needs = 0;
 };
 
@@ -33,7 +32,7 @@ void PrintTo(const Row& row, std::ostream* out) {
 constexpr unsigned cache = harness::MemUseFlagGet | harness::MemCacheAlloc | harness::MemFree;
 constexpr unsigned memory = harness::MemAlloc | harness::MemFree;
 
-// Counts whose block size wraps: to one record, and to the batch region alone.
+// Counts whose block size wraps: to that of one record, and to that of the batch region.
 constexpr uint32_t wrappedFixed = 0x20000001;
 constexpr uint32_t wrappedCompact = 0x10000000;
 

@@ -1,4 +1,4 @@
-// The words of the table of first uses: which messages, which call, which steps.
+// The vocabulary of the table of first uses: messages, calls, steps.
 #pragma once
 
 #include "host/first_use.hpp"
@@ -7,7 +7,7 @@
 
 namespace harness::first_use {
 
-// Which messages. A message that decodes its own root checks the frame, then binds. One whose root
+// Messages. A message that decodes its own root checks the head, then binds. A message whose root
 // the table reader decodes binds, then checks.
 inline bool any(const Scene&) {
   return true;
@@ -87,7 +87,7 @@ inline Step handOverWithExtra(uint32_t count) {
   return [=](Expected& expected) { expected.always(oracle::sendToMsgLine(5, count, 7)); };
 }
 
-// Reports of the receiver, under the name of the decoder of the root.
+// The receiver's reports. They name the decoder of the root.
 inline std::string rootName(const Scene& scene) {
   return scene.message.name + (scene.message.ownRoot ? "_unpack" : "_unpack_non_root");
 }
@@ -107,7 +107,7 @@ inline const Step logVtableLength = [](Expected& expected) {
   expected.log(oracle::vtableLengthLine(rootName(expected.scene()), 9, 8));
 };
 
-// A table without fields, and what those reports are about.
+// A table without fields, and the faults that the reports name.
 inline const Buffer emptyTable = Layout().u32(8).u16(4, 4).u32(4);
 inline const Buffer badTable = Layout().u32(0).u16(4, 4).u32(4);
 inline const Buffer badVtable = Layout().u32(8).u16(4, 4).u32(8);
@@ -138,7 +138,7 @@ inline const Step logPackToNowhere = [](Expected& expected) {
                                           static_cast<uint32_t>(scene.packed.size()), false));
 };
 
-// The receiver's blocks. The first one can be refused.
+// The receiver's blocks. The host can refuse the first.
 inline oracle::UnpackResult unpacked(const Scene& scene, int failingAllocation) {
   return oracle::unpack(scene.message, scene.packed.data(),
                         static_cast<uint32_t>(scene.packed.size()), false, false,
@@ -151,7 +151,7 @@ inline const Step giveParts = [](Expected& expected) {
   const Scene& scene = expected.scene();
   expected.ofReceiving(oracle::freeUnpacked(scene.message, unpacked(scene, 0).record));
 };
-// A release calls the host for null pointers too.
+// A release calls the host also for null pointers.
 inline const Step giveNothing = [](Expected& expected) {
   const oracle::Description& message = expected.scene().message;
   expected.ofReceiving(oracle::freeUnpacked(message, oracle::zeroValue(message)));
@@ -189,7 +189,7 @@ inline const Call unpackAndFree = [](Scene& scene) {
   freeRecord(scene);
 };
 
-// Records for the sender: two good ones; a good and a bad one; a bad one. Bad: it has no encoding.
+// The sender's records: two good ones; a good and a bad one; a bad one. Bad ones have no encoding.
 inline const void* good(const Scene& scene) {
   return scene.records.data();
 }
@@ -204,7 +204,7 @@ inline const void* null(const Scene&) {
 }
 using Records = const void* (*)(const Scene&);
 
-// Calls of the sender. `more` room than the message needs.
+// The sender's calls. `more`: the room beyond the message's size.
 inline Call pack(Records records, int more) {
   return [=](Scene& scene) { scene.pack(records(scene), scene.target.data(), more); };
 }

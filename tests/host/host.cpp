@@ -1,4 +1,4 @@
-// The host whose functions are brought as libraries, and the middleware beside it.
+// The host whose functions come from libraries, and a middleware.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -50,7 +50,7 @@ uint32_t hostUseFlag() {
   return harness::flag;
 }
 
-// A middleware that takes everything.
+// A middleware that accepts everything.
 uint32_t MESH_SendMsg(uint32_t, const mesh_msg_desc*, uint32_t) {
   return 0;
 }

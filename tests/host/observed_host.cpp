@@ -14,7 +14,7 @@
 #include "l2vpn_sync/schema.hpp"
 #include "support/recorder.hpp"
 
-// The linker (--wrap) leads every call of these in this executable to the __wrap_ functions below.
+// The linker (--wrap) redirects every call of these in this executable to the __wrap_ functions.
 extern "C" {
 void* __real_dlsym(void* handle, const char* symbol);
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
@@ -31,7 +31,7 @@ using mesh::host::serial_env;
 bool observed = false;
 Host met;
 size_t mallocSize = 0;
-// Of the side that is being bound, while its mutex is held.
+// The flag of the side that is being bound, while its mutex is held.
 const std::atomic<uint32_t>* heldFlag = nullptr;
 
 const std::initializer_list<std::pair<const char*, Module*>> modules{
@@ -169,7 +169,7 @@ size_t lastMalloc() {
 
 extern "C" {
 
-// The runtime of a sanitizer makes lookups before it can serve code that it watches.
+// A sanitizer's runtime makes lookups before it can serve instrumented code.
 #if defined(__clang__)
 [[clang::disable_sanitizer_instrumentation]]
 #endif
@@ -181,8 +181,8 @@ __wrap_dlsym(void* handle, const char* symbol) {
                                       : __real_dlsym(handle, symbol);
 }
 
-// A lock is noted once it is held, an unlock before it is given up: both lines tell what the holder
-// sees.
+// Notes a lock after it is taken and an unlock before it is released: both lines show what the
+// holder sees.
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   const int result = __real_pthread_mutex_lock(mutex);
   if (harness::observed) {

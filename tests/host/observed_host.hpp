@@ -1,8 +1,8 @@
-// A host of any set of functions, without libraries to load: the executable answers the library's
-// lookups itself, and sees them and the locking of every module's mutexes.
+// A host with any set of functions, without libraries to load: the executable itself answers the
+// library's lookups. It records them and the locking of every module's mutexes.
 //
-// The recorder's trace then holds, in order: lookups, locks and unlocks with what the module's
-// binding record holds at that moment, and the calls of the host and of the middleware.
+// The recorder's trace then holds, in order: lookups, locks and unlocks with the content of the
+// module's binding record at that moment, and the calls of the host and of the middleware.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +23,7 @@ struct Host {
   bool servesReceiving() const { return asksForCache() && has(MemCacheAlloc | MemFree); }
 };
 
-// A module's binding record in words. The values here are those before any binding.
+// A module's binding record in words. The defaults are the values before any binding.
 struct Contents {
   std::string identity = "VELTA VELTA_PLOVANE_SERIAL 25088";
   uint32_t hostBound = 0;
@@ -35,18 +35,18 @@ struct Contents {
   std::string unpackFree = "free";
 };
 
-// The lines that the observation adds to the trace. A module is named "l2vpn_cfg send"; `flag` is
-// that of the side whose mutex is held.
+// The lines that the observation adds to the trace. A module's name is "l2vpn_cfg send", for
+// example; `flag` is that of the side whose mutex is held.
 std::string lookUpLine(const std::string& symbol, uint32_t flag);
 std::string useFlagLine();
 std::string lockLine(const std::string& module, const char* mutex, const Contents& contents);
 std::string unlockLine(const std::string& module, const char* mutex, const Contents& contents);
 
-// Within a scenario: the process is observed, has this host from here on, and its modules are as
-// they were when it began.
+// Within a scenario: starts the observation, gives the process this host, and restores the modules'
+// initial state.
 void meet(const Host& host);
 
-// The size of the last block taken from the C library by code of this executable.
+// The size of the last block that code of this executable allocated from the C library.
 size_t lastMalloc();
 
 }  // namespace harness

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <mutex>
 
-// For coverage builds: _exit drops a process's counts unless they are written first.
+// For coverage builds: _exit loses a process's counts unless they are written first.
 extern "C" [[gnu::weak]] int __llvm_profile_write_file();
 
 namespace harness {
@@ -49,7 +49,7 @@ Lines inANewProcess(const std::function<void()>& scenario) {
   if (pipe(ends) != 0) {
     return {"no pipe"};
   }
-  std::fflush(nullptr);  // what is not written yet would be written twice
+  std::fflush(nullptr);  // otherwise the child would write buffered output again
   const pid_t child = fork();
   if (child == 0) {
     close(ends[0]);

@@ -1,4 +1,4 @@
-// Processes of their own for scenarios in which the library meets its host for the first time.
+// Runs scenarios of the library's first use in separate processes.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace harness {
 
 using Lines = std::vector<std::string>;
 
-// The host's functions that a process can have, as one bit each.
+// The host's functions that a process can have, one bit each.
 enum HostFunction : unsigned {
   LogWrite = 1,
   MemAlloc = 2,
@@ -20,14 +20,14 @@ enum HostFunction : unsigned {
   wholeHost = 31,
 };
 
-// Runs the scenario in a new process that has made no call of the library yet. Returns the lines
-// that it noted, with "ended badly" as the last if it did not come to its end.
+// Runs the scenario in a new process that has not called the library. Returns the lines that it
+// noted. The last line is "ended badly" if the scenario did not reach its end.
 Lines inANewProcess(const std::function<void()>& scenario);
 
 // Within a scenario: makes these functions of the host visible to every later lookup.
 void bring(unsigned functions, uint32_t useFlag = 1);
 
-// Within a scenario: notes a line, or forgets all so far. Notes may come from any thread.
+// Within a scenario: notes a line, or discards all notes. Any thread may note lines.
 void note(const std::string& line);
 void forgetNotes();
 

@@ -1,4 +1,4 @@
-// A host and a middleware whose functions call the library while it calls them.
+// The functions of host and middleware call the library while it calls them.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -20,9 +20,9 @@ using harness::inANewProcess;
 using harness::Lines;
 using harness::note;
 
-// The one function of host or middleware that calls the library, if any does.
+// The function of host or middleware that calls the library, if any.
 std::string caller;
-// Whether its calls are under way: what they call does not call again.
+// Whether its calls are running: functions that they call do not call the library again.
 bool isInside = false;
 int entries = 0;
 
@@ -48,7 +48,7 @@ bool registerAll() {
   return l2vpn_cfg_recv_init() == 0 && l2vpn_sync_recv_init() == 0 && l2vpn_cfg_send_init() == 0;
 }
 
-// Calls of every operation, which reach every function of host and middleware.
+// Calls every operation. The calls reach every function of host and middleware.
 void callAll(const std::string& who) {
   note(who + (harness::receiveText() ? " received" : " did not receive"));
   note(who + (harness::receiveNothing() ? " was refused" : " was not refused"));
@@ -68,7 +68,7 @@ void enter(const std::string& function) {
   }
 }
 
-// The descriptors and their tables stay as they are while the middleware calls the library.
+// The descriptors and their tables do not change while the middleware calls the library.
 uint32_t take(const std::string& function, const mesh_msg_desc* descriptors, uint32_t count) {
   const auto contents = [&] {
     std::string bytes;
@@ -87,7 +87,7 @@ uint32_t take(const std::string& function, const mesh_msg_desc* descriptors, uin
   return 0;
 }
 
-// What `who` notes when all goes well.
+// The note of `who` if everything is correct.
 Lines allWell(const std::string& who) {
   return {who + " received", who + " was refused",  who + " was told the size", who + " packed",
           who + " sent",     who + " sent batches", who + " registered"};
@@ -95,11 +95,11 @@ Lines allWell(const std::string& who) {
 
 class Reentry : public testing::TestWithParam<const char*> {
  protected:
-  // A process in which the function calls the library. Each of its calls notes that all went well,
-  // and so does the outer call.
+  // A process in which the function calls the library. Each of its calls, and the outer call, notes
+  // that everything is correct.
   static void expectAllWell(const std::function<void()>& before) {
     const Lines lines = inANewProcess([&] {
-      alarm(20);  // a call that waits for a lock of its own never ends
+      alarm(20);  // a deadlocked call never ends
       before();
       caller = GetParam();
       callAll("program");
@@ -132,7 +132,7 @@ TEST_P(Reentry, OnceAllIsBound) {
   });
 }
 
-// Not DDM_OsalMemUseFlagGet: it is asked under the lock of the module that is being bound.
+// Not DDM_OsalMemUseFlagGet: the library calls it under the lock of the module that it binds.
 INSTANTIATE_TEST_SUITE_P(From, Reentry,
                          testing::Values("DDM_OsalLogWrite", "DDM_OsalMemAlloc",
                                          "DDM_OsalMemCacheAlloc", "DDM_OsalMemFree", "MESH_SendMsg",

@@ -1,5 +1,5 @@
 // A process whose bounded memory functions refuse calls. Results, records, messages, allocations
-// and logs are those of a process whose functions accept: the oracle's.
+// and logs are the oracle's, the same as if the functions accept.
 
 #include <gtest/gtest.h>
 
@@ -19,12 +19,12 @@ using harness::Buffer;
 using harness::Operations;
 using oracle::Value;
 
-// What a function that refuses leaves in the destination.
+// The content of the destination after a refusal.
 enum class Leaves { AllAsItWas, DestinationCleared };
 
 struct Refusal {
   size_t largest = SIZE_MAX;  // calls for more bytes are refused
-  uint64_t number = 0;        // so is the call with this number (from 1)
+  uint64_t number = 0;        // the call with this number (from 1) is refused
   Leaves leaves = Leaves::AllAsItWas;
 };
 
@@ -41,7 +41,8 @@ void acceptAll() {
   refusal = {};
 }
 
-// Whether this call is refused. Annex K clears the destination of a copy, and fills that of a fill.
+// Whether to refuse this call. As in Annex K, a refused copy clears its destination, and a refused
+// fill still fills it.
 bool refuses(void* to, size_t room, int value, size_t count) {
   ++calls;
   if (count <= refusal.largest && calls != refusal.number) {
@@ -65,7 +66,7 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
     return message().hasOutOfLineParts || message().name == "l2vpn_cfg_query_dfx_item";
   }
 
-  // Every operation on one value. `compare` is called with each comparison in turn.
+  // Every operation on one value. Calls `compare` with each comparison in turn.
   template <typename Compare>
   void forEachOperation(const Value& value, bool reversed, Compare compare) {
     const auto size = static_cast<uint32_t>(oracle::compactSize(message(), value));
@@ -105,7 +106,7 @@ class RefusingMemory : public testing::TestWithParam<Operations> {
 
 TEST_P(RefusingMemory, ChangesNothingWhereFunctionsRefuseAboveALimit) {
   for (const auto leaves : {Leaves::AllAsItWas, Leaves::DestinationCleared}) {
-    // Nothing is accepted at first. 16,572 bytes are an item, 16,384 its array.
+    // First nothing is accepted. An item has 16,572 bytes, its array 16,384.
     for (const size_t largest : {0UL, 1UL, 16UL, 16383UL, 16384UL, 16572UL}) {
       uint64_t seen = 0;
       forEachOperation([&](const auto& comparison) {
@@ -137,7 +138,7 @@ TEST_P(RefusingMemory, ChangesNothingWhereOneCallIsRefused) {
 INSTANTIATE_TEST_SUITE_P(All, RefusingMemory, testing::ValuesIn(harness::allOperations()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// A message of `count` items that all are one table without fields: four bytes an item.
+// A message of `count` items. All are the same table without fields: four bytes per item.
 Buffer emptyItems(uint32_t count) {
   harness::Layout layout;
   layout.u32(12).u16(8, 0, 0, 4).u32(8).u32(4).u32(count);
@@ -161,7 +162,7 @@ TEST(RefusingMemoryOfItems, HandsOutNoOldBytes) {
   }
 }
 
-// Allocates the items of 2.1 GB: 2 MiB of real memory, one address range after the other.
+// Allocates the items, 2.1 GB: consecutive address ranges share 2 MiB of real memory.
 std::unique_ptr<harness::RepeatedMemory> manyItems;
 
 void* allocateManyItems(uint32_t size, uint32_t, const char*) {
@@ -172,7 +173,7 @@ void freeManyItems(void*, uint32_t, const char*) {
   manyItems.reset();
 }
 
-// The limit that Annex K recommends, and a buffer of 518 KB with just enough items to pass it.
+// The limit that Annex K recommends. A buffer of 518 KB has just enough items to exceed it.
 TEST(RefusingMemoryOfItems, HandsOutNoOldBytesAboveTheUsualLimit) {
   if (!harness::canRepeatMemory) {
     GTEST_SKIP() << "the thread sanitizer";

@@ -1,4 +1,4 @@
-// Calls of the library that need something of the host.
+// Calls of the library that use the host.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ inline const std::vector<uint8_t> keyWithText{16, 0, 0, 0, 12, 0,  15,  0,   0, 
                                               0,  0, 0, 4, 0,  12, 0,   0,   0,  4, 0,
                                               0,  0, 3, 0, 0,  0,  'a', 'b', 'c'};
 
-// Takes a block on the receiving side, and gives it back.
+// Allocates a block on the receiving side, and releases it.
 inline bool receiveText() {
   dbginfo_key_l2vpn key;
   dbginfo_key_l2vpn__unpack(keyWithText.data(), static_cast<uint32_t>(keyWithText.size()), &key);
@@ -22,13 +22,13 @@ inline bool receiveText() {
   return received && key.f3 == nullptr;
 }
 
-// Takes a block on the sending side, and gives it back.
+// Allocates a block on the sending side, and releases it.
 inline bool sendKey() {
   const dbginfo_key_l2vpn key{1, 2, 3, 0, nullptr};
   return dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0) == 0;
 }
 
-// Makes either side report.
+// Makes each side log a line.
 inline bool receiveNothing() {
   return dbginfo_key_l2vpn__unpack(nullptr, 0, nullptr) == sizeof(dbginfo_key_l2vpn);
 }

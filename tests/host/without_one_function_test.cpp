@@ -1,5 +1,5 @@
-// A process that has two of the three bounded memory functions: they serve it, and the C library
-// does the work of the third one alone.
+// A process that has two of the three bounded memory functions. The library uses them, and the C
+// library replaces only the third.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ TEST(SUITE, TheOthersAreThere) {
   EXPECT_EQ(&::memcpy_sOptAsm == nullptr, missing == "memcpy_sOptAsm");
 }
 
-// This message is the one whose operations call all three.
+// Only this message's operations call all three.
 TEST(SUITE, NoOtherIsCalledForIt) {
   const auto& operations = harness::operationsOf("l2vpn_cfg_query_dfx_item");
   std::vector<uint8_t> record(operations.schema().size, 0x44);

@@ -1,4 +1,4 @@
-// Compact batches: sixty-four kilobytes of tables back to back, or nothing.
+// Compact batches: up to 64 KiB of tables without gaps, or nothing.
 
 #include <gtest/gtest.h>
 
@@ -101,7 +101,7 @@ TEST(Batch, RefusesANullArray) {
 }
 
 TEST(Batch, RefusesARecordWithoutEncoding) {
-  // It takes 2^32 bytes, 2^32 + 20 and 2^32 + 27: small sizes to a sum of 32 bits.
+  // The sizes are 2^32 bytes, 2^32 + 20 and 2^32 + 27: a 32-bit sum would wrap to small sizes.
   for (const uint32_t length : {0xFFFFFFFF - 27, 0xFFFFFFFF - 7, 0xFFFFFFFF}) {
     dbginfo_key_l2vpn bad = keyOf(29);
     bad.f3_len = length;
@@ -132,7 +132,7 @@ TEST(Batch, LimitsResultsToItsRegion) {
   EXPECT_EQ(recorder().sent.at(0).bytes.size(), 66534U);
 }
 
-// Makes the first byte string of a record, or of one nested in it, `length` bytes long.
+// Sets the length of the first byte string of a record, or of a record nested in it.
 bool setText(oracle::Value& value, uint32_t length) {
   for (oracle::FieldValue& field : value.fields) {
     if (field.kind == oracle::Kind::Bytes) {
@@ -158,7 +158,7 @@ class EveryBatch : public testing::TestWithParam<harness::Operations> {
     return value;
   }
 
-  // How many tables of a batch arrive, by the sizes of its records' messages.
+  // The number of tables that arrive from a batch of messages with these sizes.
   size_t arriving(const std::vector<uint32_t>& sizes) const {
     std::vector<oracle::Value> values;
     for (const uint32_t size : sizes) {

@@ -20,7 +20,7 @@ using mesh::wire::Slot;
 
 struct Calls {
   int allocations = 0;
-  int releases = 0;  // of null too
+  int releases = 0;  // also of null
   int middleware = 0;
   int others = 0;
   bool operator==(const Calls&) const = default;
@@ -43,7 +43,7 @@ Calls taken() {
   return calls;
 }
 
-// The byte strings and runs of a record, or those of them that are not empty.
+// The number of a record's byte strings and runs: all of them, or those that are not empty.
 struct Parts {
   int all = 0;
   int present = 0;
@@ -79,7 +79,7 @@ TEST_P(CallCounts, MatchEachOperation) {
     for (int index = 0; index < 3; ++index) {
       values.push_back(oracle::randomValue(message, random, oracle::Density::Sparse));
       if (message.name == "l2vpn_cfg_query_dfx_rec" && index > 0) {
-        values.back()[1] = oracle::zeroField(message.fields[1]);  // all fit one batch
+        values.back()[1] = oracle::zeroField(message.fields[1]);  // all fit in one batch
       }
     }
     const oracle::RecordImage records(message, values);

@@ -1,4 +1,4 @@
-// Where a batch's descriptors and tables lie, as the middleware sees them during the call.
+// The positions of a batch's descriptors and tables, as the middleware sees them during the call.
 
 #include <gtest/gtest.h>
 
@@ -80,7 +80,7 @@ TEST(Descriptors, AreSixteenBytesInTheHostsOrder) {
   EXPECT_EQ(last.raw, expected);
 }
 
-// Of records at any distance, each goes to its own table.
+// Whatever the distance between records, each record goes to its own table.
 TEST(Descriptors, AreInTheOrderOfTheRecords) {
   std::vector<dbginfo_key_l2vpn> keys(3);
   keys[1].f0 = 1;

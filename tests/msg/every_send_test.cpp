@@ -1,5 +1,5 @@
-// The four send operations of every message: which middleware call, how many allocations under
-// which name, what the descriptors say, what comes back.
+// The four send operations of every message: their middleware calls, their allocations with number
+// and name, the descriptors, the results.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ class EverySend : public testing::TestWithParam<Operations> {
     std::mt19937_64 random(5);
     for (int index = 0; index < 3; ++index) {
       values_.push_back(oracle::randomValue(message(), random, oracle::Density::Sparse));
-      // Small enough for any batch.
+      // Small enough for every batch.
       if (message().name == "l2vpn_cfg_query_dfx_rec") {
         values_.back()[1] = oracle::zeroField(message().fields[1]);
       }
@@ -60,7 +60,7 @@ class EverySend : public testing::TestWithParam<Operations> {
                             " extra=" + std::to_string(extra);
   }
 
-  // Around one middleware call: an allocation, but for a single image of at most 1 KiB.
+  // One middleware call, with one allocation around it, except for a single image of at most 1 KiB.
   Trace single(uint64_t extra = 0) const {
     if (isFixed() && fixed_ <= 1024) {
       return {called(1, extra)};
@@ -75,7 +75,7 @@ class EverySend : public testing::TestWithParam<Operations> {
             given("__sendbatch")};
   }
 
-  // Every table in full, one after the other.
+  // All tables, complete and in order.
   void expectSent(size_t count) const {
     ASSERT_EQ(recorder().sent.size(), count);
     uint64_t offset = 0;
@@ -94,7 +94,7 @@ class EverySend : public testing::TestWithParam<Operations> {
   }
 
  private:
-  // Bytes that the encoder does not write keep the recording host's fill.
+  // Unwritten bytes keep the fill of the recording host.
   Buffer encoded(size_t index) const {
     if (isFixed()) {
       return oracle::fixedImage(message(), values_[index], false);
@@ -110,7 +110,7 @@ class EverySend : public testing::TestWithParam<Operations> {
   std::unique_ptr<oracle::RecordImage> records_;
 };
 
-// The low halves of some of these are 0.
+// Some of these have a low half of 0.
 constexpr std::initializer_list<uint64_t> extras{1, 0xFFFFFFFF, 0x100000000, 0x8000000000000000,
                                                  0xFFFFFFFFFFFFFFFF};
 

@@ -1,5 +1,6 @@
 // A host that runs out of memory: in a row of operations the n-th allocation fails, for every n,
-// once or for good. Each operation then does what the oracle says, and nothing leaks.
+// either alone or with all later ones. Each operation then does what the oracle says, and nothing
+// leaks.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +30,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   const Operations& operations() const { return GetParam(); }
   const oracle::Description& message() const { return oracle::descriptionOf(operations().name); }
 
-  // Runs the row with the n-th of its allocations failing. How many were asked for.
+  // Runs the row; its n-th allocation fails. Returns the number of requests.
   int run(const std::vector<Value>& values, int failing, Failing manner) {
     failing_ = failing;
     manner_ = manner;
@@ -53,7 +54,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   }
 
  private:
-  // Sets the host up for the next operation: which of its allocations, from 1, is the failing one.
+  // Prepares the host for the next operation: the number of its failing allocation, from 1.
   int nextFailing() const {
     const int next = failing_ - asked_;
     if (failing_ == 0 || (next < 1 && manner_ == Failing::Once)) {
@@ -88,7 +89,7 @@ class FailingAllocations : public testing::TestWithParam<Operations> {
   void send(Operation operation, const std::vector<Value>& values, uint64_t extra,
             uint32_t middlewareResult) {
     const auto count = static_cast<uint32_t>(values.size());
-    // No operation that sends asks more than once.
+    // No send operation allocates more than once.
     const bool fails = prepare(middlewareResult) == 1;
     const oracle::RecordImage records(message(), values);
     const uint32_t result = call(operation, records.data(), count, extra);
@@ -147,7 +148,7 @@ TEST_P(FailingAllocations, AreSurvivedInTurn) {
       values.push_back(oracle::randomValue(message(), random, densities[round % 3]));
     }
     const int all = run(values, 0, Failing::Once);
-    // The six batches at least.
+    // At least the six batches.
     EXPECT_GE(all, 6);
     for (const Failing manner : {Failing::Once, Failing::ForGood}) {
       for (int failing = 1; failing <= all; ++failing) {

@@ -1,5 +1,5 @@
-// A message of 2^32 - 1 bytes, the most that a length of 32 bits can say. Its memory is repeated:
-// four gigabytes of addresses take two megabytes.
+// A message of 2^32 - 1 bytes, the maximum of a 32-bit length. Its memory is repeated: four
+// gigabytes of addresses share two megabytes.
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using harness::Buffer;
 using harness::RepeatedMemory;
 
 constexpr uint32_t largest = 0xFFFFFFFF;
-constexpr uint32_t head = 28;  // of a message that holds a byte string and nothing else
+constexpr uint32_t head = 28;  // of a message with only a byte string
 
 // Within the repeated stretch every byte is 'x', and so is every byte of the text.
 void expectMessage(const uint8_t* message) {
@@ -57,7 +57,7 @@ TEST(LargestMessage, IsFollowedByNone) {
   }
 }
 
-// Receivers take lengths as signed: what is packed here is nobody's to read.
+// Receivers treat lengths as signed, so no receiver accepts this message.
 TEST(LargestMessage, IsNotRead) {
   const RepeatedMemory buffer(largest, 0);
   harness::Unpacked<dbginfo_key_l2vpn> read(buffer.data(), largest);

@@ -1,5 +1,5 @@
-// Blocks at odd addresses. Descriptors in a batch's block and items of a vector are C structs, so
-// hosts align blocks for them. The bytes of messages and of byte strings need no alignment.
+// Blocks at odd addresses. The descriptors in a batch's block and the items of a vector are C
+// structs, so hosts must align their blocks. Messages and byte strings need no alignment.
 
 #include <gtest/gtest.h>
 

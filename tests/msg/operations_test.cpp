@@ -1,4 +1,4 @@
-// Unpacking and releasing, for every message: results, sizes, who owns what.
+// Unpacking and releasing, for every message: results, sizes, ownership.
 
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ TEST_P(EveryMessage, AlwaysReturnsItsRecordSize) {
     Buffer record = harness::marks(size());
     const auto given = static_cast<uint32_t>(length);
     EXPECT_EQ(GetParam().unpack(whole.data(), given, record.data()), size());
-    // A record that was not touched holds nothing that can be released.
+    // An unchanged record holds nothing to release.
     if (record != harness::marks(size())) {
       GetParam().freeUnpacked(record.data());
     }

@@ -1,4 +1,4 @@
-// What each service registers with the middleware, in which order, and what a refusal does.
+// Each service's registrations with the middleware, their order, and the effect of a refusal.
 
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ class Registration : public testing::TestWithParam<Service> {
   }
   const std::vector<const oracle::Description*>& messages() const { return messages_; }
 
-  // The first `count` messages, registered one after the other from the recorder's `first` on.
+  // Expects the first `count` messages, registered in order from the recorder's `first` on.
   void expectRegistered(size_t first, size_t count) const {
     const std::vector<Recorder::Registration>& registered = recorder().registered;
     ASSERT_EQ(registered.size(), first + count);
@@ -150,7 +150,7 @@ TEST(Registrations, OfSendersAreThreeCleanups) {
   EXPECT_EQ(std::set(hooks.begin(), hooks.end()).size(), 3U);
 }
 
-// As the middleware calls them: by one function type for all messages.
+// Calls them like the middleware, through one function type for all messages.
 TEST(Registrations, LeadToFunctionsThatDecode) {
   harness::resetRecorder();
   ASSERT_EQ(l2vpn_stat_recv_init(), 0U);

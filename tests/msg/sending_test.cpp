@@ -1,4 +1,4 @@
-// Single sends: what fails before anything is allocated, and the one image too long for the stack.
+// Single sends: failures before any allocation, and the one image that is too long for the stack.
 
 #include <gtest/gtest.h>
 
@@ -93,7 +93,7 @@ TEST(SendSingle, MayExceedTheBatchRegion) {
   }
 }
 
-// The bytes that are counted and not written are sent as the host's block held them.
+// Counted but unwritten bytes are sent with the content of the host's block.
 TEST(SendSingle, SendsTheBytesOfAnEmptyByteString) {
   const dbginfo_key_l2vpn key{0x1111, 0, 0, 0, text};
   harness::resetRecorder();

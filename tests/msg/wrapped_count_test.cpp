@@ -1,5 +1,5 @@
-// Counts whose batch size wraps 32 bits: the block of the wrapped size is given back, and the
-// records, which lie on inaccessible memory, are not read.
+// Counts whose batch size wraps 32 bits: the library releases the block of the wrapped size. It
+// does not read the records, which are in inaccessible memory.
 
 #include <gtest/gtest.h>
 
@@ -59,12 +59,12 @@ TEST_P(WrappedCount, FailsAfterTheWrappedAllocation) {
     expectGivenBack(0xF0000001, 0x10010);
     return;
   }
-  // Images and descriptors take a multiple of eight bytes a record.
+  // Images and descriptors take a multiple of eight bytes per record.
   const uint32_t each = fixed_ + 16;
   expectGivenBack(0x20000000, 0);
   expectGivenBack(0x20000001, each);
   expectGivenBack(0xE0000003, 3 * each);
-  // The first count that wraps: the images alone would not.
+  // The first count that wraps. The images alone would not wrap.
   const auto first = static_cast<uint32_t>(0x100000000 / each + 1);
   ASSERT_LT(uint64_t{first} * fixed_, uint64_t{0x100000000});
   expectGivenBack(first, first * each);

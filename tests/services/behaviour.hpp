@@ -1,5 +1,5 @@
-// What the tests of the families of messages share: one call of an operation on a C record, and the
-// expectations that every message of a kind has to meet, with the test's own numbers.
+// Shared by the tests of the message families: single calls of an operation on a C record, and
+// expectations for every message of a kind. Each test supplies its own numbers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ std::string nameOf() {
   return mesh::wire::schemaOf<Record>.name;
 }
 
-// No field is zero, no two are alike. Not for records with pointers.
+// No field is zero, no two fields are equal. Not for records with pointers.
 template <typename Record>
 Record full() {
   const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
@@ -41,7 +41,7 @@ Record full() {
   return record;
 }
 
-// The record with everything from the offset on zero: what a reader leaves that stops there.
+// The record with zeros from the offset on: a reader that stops there leaves this.
 template <typename Record>
 Record upTo(size_t offset, Record record) {
   auto* const bytes = reinterpret_cast<uint8_t*>(&record);
@@ -73,7 +73,7 @@ Buffer compact(const Record& record) {
   return firstBytes(packed.buffer, packed.length);
 }
 
-// What a call without a buffer says about the record: its size, or nothing.
+// The outcome of a __pack call without a buffer: the record's size, or nothing.
 struct Asked {
   uint32_t result;
   uint32_t length;
@@ -88,7 +88,7 @@ Asked askForSize(const Record& record, uint32_t room) {
   return {result, length, takeTrace()};
 }
 
-// The table that one __sendsingle hands to the middleware.
+// The table that one __sendsingle passes to the middleware.
 template <typename Record>
 Buffer sent(const Record& record) {
   resetRecorder();
@@ -97,7 +97,7 @@ Buffer sent(const Record& record) {
   return recorder().sent.at(0).bytes;
 }
 
-// Field by field, strings included. Padding does not count.
+// Compares field by field, with strings. Ignores padding.
 template <typename Record>
 void expectSame(const Record& record, const Record& expected) {
   const oracle::Description& message = oracle::descriptionOf(nameOf<Record>());
@@ -112,7 +112,7 @@ void expectRead(const Buffer& bytes, const Record& expected) {
   EXPECT_EQ(unpacked.trace, Trace{});
 }
 
-// Both arrangements lead back to the record.
+// Both arrangements decode to the record.
 template <typename Record>
 void expectRoundTrip(const Record& record) {
   SCOPED_TRACE(nameOf<Record>());
@@ -120,7 +120,7 @@ void expectRoundTrip(const Record& record) {
   expectRead(sent(record), record);
 }
 
-// __pack: no record, too little room, no buffer, room enough.
+// __pack: no record, too little room, no buffer, enough room.
 template <typename Record>
 void expectPackLimits(const Record& record) {
   SCOPED_TRACE(nameOf<Record>());
@@ -160,7 +160,7 @@ void expectPackLimits(const Record& record) {
                            "Param invalid(null, " + std::to_string(size) + ", nonNull)")});
 }
 
-// __unpack without a buffer, with too short a one, with a negative length, without a record.
+// __unpack without a buffer, with a short buffer, with a negative length, without a record.
 template <typename Record>
 void expectUnpackParameters() {
   SCOPED_TRACE(nameOf<Record>());
@@ -217,8 +217,8 @@ void expectHeadChecksByMessage(const Record& record) {
   expectHeadChecks<Record>(compact(record), nameOf<Record>() + "_unpack", marks(sizeof(Record)));
 }
 
-// An array whose length word, at `position` of the full compact message, is not its size ends the
-// reading: the record is read up to `offset`.
+// An array whose length word is not its size ends the reading: the record is read up to `offset`.
+// The length word is at `position` of the full compact message.
 template <typename Record>
 void expectArrayLengthChecked(size_t position, uint32_t size, size_t offset) {
   SCOPED_TRACE(nameOf<Record>());
@@ -238,8 +238,8 @@ void expectVtableOf(uint32_t length, size_t offset) {
   expectRead(withU16(compact(record), 4, length), upTo(offset, record));
 }
 
-// A message that owns no memory is sent in one length, whatever its values: a single one without
-// an allocation, a batch in one.
+// A message that owns no memory is sent with one length, whatever its values: single messages
+// without an allocation, batches with one.
 template <typename Record>
 void expectSentFixed() {
   SCOPED_TRACE(nameOf<Record>());
@@ -263,7 +263,7 @@ void expectSentFixed() {
   EXPECT_EQ(recorder().sent[1].id, id);
 }
 
-// The release changes nothing and calls nobody.
+// The release changes nothing and calls nothing.
 template <typename Record>
 void expectNothingToRelease() {
   SCOPED_TRACE(nameOf<Record>());

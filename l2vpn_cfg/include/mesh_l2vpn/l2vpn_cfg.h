@@ -1,27 +1,26 @@
 /** @file
  * The configuration and debug-information service.
  *
- * 1. Ownership. Buffers and records are the caller's. Records with byte strings or items (fN_len or
- *    fN_count beside fN) own what X__unpack allocated for them, until X_free__unpacked; the others
- *    own nothing, and their release does nothing. Unpacking into a record that still holds blocks
- *    loses them. Packing and sending read records and nothing else.
- * 2. Results. X__unpack returns sizeof(X) whatever the buffer held; look at the record. X__pack
- *    returns 0 or 0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF when it never
- *    came so far.
- * 3. Threads. Every function may be called from any thread, on records that no other thread
- *    writes. Nothing needs to be set up first.
- * 4. Byte order. Records and messages have the host's; the devices are little-endian.
- * 5. Null. A null byte string or item pointer means "none", whatever its length says, with one
- *    exception: l2vpn_cfg_query_dfx_rec with a count and null items cannot be encoded. After
- *    X__unpack, test the pointer, not the length. A null record or buffer is refused and logged by
- *    X__unpack; X__pack refuses a null record or length, and takes a null buffer for a question of
- *    the size.
+ * 1. Ownership. The caller owns buffers and records. Records with byte strings or items (fN_len or
+ *    fN_count beside fN) own what X__unpack allocated for them, until X_free__unpacked. The other
+ *    records own nothing, and their release does nothing. Unpacking into a record that still holds
+ *    blocks leaks them. Packing and sending only read records.
+ * 2. Results. X__unpack returns sizeof(X) for every buffer; look at the record. X__pack
+ *    returns 0 or 0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF if it never
+ *    reached the middleware.
+ * 3. Threads. Any thread may call any function, on records that no other thread writes. No setup is
+ *    needed.
+ * 4. Byte order. Records and messages have the host's byte order. The devices are little-endian.
+ * 5. Null. A null byte string or item pointer means "none", whatever its length is. The exception:
+ *    l2vpn_cfg_query_dfx_rec with a count and null items cannot be encoded. After X__unpack, test
+ *    the pointer, not the length. X__unpack refuses and logs a null record or buffer. X__pack
+ *    refuses a null record or length; with a null buffer it reports the size.
  * 6. Sending. Four messages (l2vpn_cfg_query_dfx_cond and _item, dbginfo_cmd_ipc_l2vpn and
- *    dbginfo_dedata_l2vpn) go in the fixed arrangement, whose record must not be null; the others
- *    in the compact one, where a batch takes 65,536 bytes together.
+ *    dbginfo_dedata_l2vpn) are sent in the fixed arrangement; their records must not be null. The
+ *    others are sent in the compact arrangement; a batch of them takes 65,536 bytes at most.
  *
- * The details of each operation are in mesh_l2vpn/operations.h, every function by its full name in
- * mesh_l2vpn/l2vpn_cfg_functions.h, every message in docs/messages.md.
+ * See mesh_l2vpn/operations.h for each operation, mesh_l2vpn/l2vpn_cfg_functions.h for every
+ * function by its full name, docs/messages.md for every message.
  */
 #ifndef MESH_L2VPN_L2VPN_CFG_H
 #define MESH_L2VPN_L2VPN_CFG_H

@@ -1,21 +1,21 @@
 /** @file
  * The statistics service.
  *
- * 1. Ownership. Buffers and records are the caller's. The record owns no memory: its release does
+ * 1. Ownership. The caller owns buffers and records. The record owns no memory: its release does
  *    nothing.
- * 2. Results. X__unpack returns sizeof(X) whatever the buffer held; a rejected one leaves a record
- *    of zeros or of what came before the fault. X__pack returns 0 or 0xFFFFFFFF. Sending returns
- *    the middleware's result, or 0xFFFFFFFF when it never came so far.
- * 3. Threads. Every function may be called from any thread, on records that no other thread
- *    writes. Nothing needs to be set up first.
- * 4. Byte order. Records and messages have the host's; the devices are little-endian.
- * 5. Null. There is nothing in the record that can be null. A null record or buffer is refused and
- *    logged by l2vpn_stat_pw_stat__unpack; __pack refuses a null record or length, and takes a null
- *    buffer for a question of the size; the sending functions must not be given a null record.
- * 6. Sending. The message goes in the fixed arrangement: 128 bytes, whatever its values.
+ * 2. Results. X__unpack returns sizeof(X) for every buffer. A rejected buffer leaves zeros, or the
+ *    fields before the fault. X__pack returns 0 or 0xFFFFFFFF. Sending returns the middleware's
+ *    result, or 0xFFFFFFFF if it never reached the middleware.
+ * 3. Threads. Any thread may call any function, on records that no other thread writes. No setup is
+ *    needed.
+ * 4. Byte order. Records and messages have the host's byte order. The devices are little-endian.
+ * 5. Null. The record contains no pointers. l2vpn_stat_pw_stat__unpack refuses and logs a null
+ *    record or buffer. __pack refuses a null record or length; with a null buffer it reports the
+ *    size. The send functions must not get a null record.
+ * 6. Sending. The message is sent in the fixed arrangement: 128 bytes, whatever its values.
  *
- * The details of each operation are in mesh_l2vpn/operations.h, every function by its full name in
- * mesh_l2vpn/l2vpn_stat_functions.h, the message's bytes in docs/messages.md.
+ * See mesh_l2vpn/operations.h for each operation, mesh_l2vpn/l2vpn_stat_functions.h for every
+ * function by its full name, docs/messages.md for the message's bytes.
  */
 #ifndef MESH_L2VPN_L2VPN_STAT_H
 #define MESH_L2VPN_L2VPN_STAT_H

@@ -1,26 +1,27 @@
 /** @file
  * The synchronisation service: the state of VPLS and VLL services and of what belongs to them.
  *
- * Every record R travels in three messages: R itself, R_update and R_delete, which carry the whole
- * record and a 16-bit value. The message's name alone says which.
+ * Every record R travels in three messages: R itself, R_update and R_delete. The latter two carry
+ * the whole record and a 16-bit value, and differ only in name and identifier.
  *
- * 1. Ownership. Buffers and records are the caller's. No record owns memory: the release of an
- *    unpacked one does nothing.
- * 2. Results. X__unpack returns sizeof(X) whatever the buffer held. A rejected R leaves zeros, or
- *    what came before the fault; a rejected R_update or R_delete the record as it was, or, where
+ * 1. Ownership. The caller owns buffers and records. No record owns memory: the release of an
+ *    unpacked record does nothing.
+ * 2. Results. X__unpack returns sizeof(X) for every buffer. A rejected R leaves zeros, or the
+ *    fields before the fault. A rejected R_update or R_delete leaves the record as it was or, if
  *    the record inside is at fault, f0 and what could be read of f1. X__pack returns 0 or
- *    0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF when it never came so far.
- * 3. Threads. Every function may be called from any thread, on records that no other thread
- *    writes. Nothing needs to be set up first.
- * 4. Byte order. Records and messages have the host's; the devices are little-endian.
- * 5. Null. There is nothing in a record that can be null. A null record or buffer is refused and
- *    logged by X__unpack; X__pack refuses a null record or length, and takes a null buffer for a
- *    question of the size; the sending functions must not be given a null record.
- * 6. Sending. Every message goes in the fixed arrangement, at the length that docs/messages.md
- *    states, whatever its values.
+ *    0xFFFFFFFF. Sending returns the middleware's result, or 0xFFFFFFFF if it never reached the
+ *    middleware.
+ * 3. Threads. Any thread may call any function, on records that no other thread writes. No setup is
+ *    needed.
+ * 4. Byte order. Records and messages have the host's byte order. The devices are little-endian.
+ * 5. Null. Records contain no pointers. X__unpack refuses and logs a null record or buffer. X__pack
+ *    refuses a null record or length; with a null buffer it reports the size. The send functions
+ *    must not get a null record.
+ * 6. Sending. Every message is sent in the fixed arrangement, whatever its values. docs/messages.md
+ *    has its length.
  *
- * The details of each operation are in mesh_l2vpn/operations.h, every function by its full name in
- * mesh_l2vpn/l2vpn_sync_functions.h, every message in docs/messages.md.
+ * See mesh_l2vpn/operations.h for each operation, mesh_l2vpn/l2vpn_sync_functions.h for every
+ * function by its full name, docs/messages.md for every message.
  */
 #ifndef MESH_L2VPN_L2VPN_SYNC_H
 #define MESH_L2VPN_L2VPN_SYNC_H
@@ -397,8 +398,8 @@ typedef struct l2vpn_sync_stp {
   uint32_t f3;
 } l2vpn_sync_stp;
 
-/* The service's records in registration order, each given to F with X and three identifiers: of its
- * own message, of its _update and of its _delete. */
+/* The service's records in registration order. Calls F for each with X and three identifiers: of
+ * its own message, of its _update and of its _delete. */
 #define L2VPN_SYNC_RECORDS(F, X)                                         \
   F(X, l2vpn_sync_vpls_ac, 0xC0E63FBB, 0x5EED5F0D, 0x37A63707)           \
   F(X, l2vpn_sync_vpls_ac_sub, 0xCC9B977E, 0x284D7DF2, 0x8B1FC170)       \
@@ -434,7 +435,7 @@ typedef struct l2vpn_sync_stp {
 #define L2VPN_SYNC_ITS_WRAPPERS(X, R, id, update_id, delete_id) \
   X(R##_update, update_id) X(R##_delete, delete_id)
 
-/* The messages that carry record R: f0 is the announcing process's own, f1 the record. */
+/* The messages that carry record R: f0 is a value of the sender, f1 the record. */
 #define L2VPN_SYNC_DEFINE_WRAPPERS(X, R, id, update_id, delete_id) \
   typedef struct R##_update {                                      \
     uint16_t f0;                                                   \

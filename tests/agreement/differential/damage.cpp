@@ -6,7 +6,7 @@ namespace differential {
 namespace {
 
 constexpr uint32_t smallest = 4;
-// How far from a bound a value is put.
+// Distances of a value from a bound.
 constexpr uint32_t around = 10;
 
 constexpr auto telling = std::to_array<uint32_t>(
@@ -15,11 +15,11 @@ constexpr auto telling = std::to_array<uint32_t>(
      0xFFFC,     0xFFFE,     0xFFFF,     0x10000,    0x10004,    0x7FFFFFFC, 0x7FFFFFFF, 0x80000000,
      0xFFFFFFF8, 0xFFFFFFFB, 0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF});
 
-// Bytes of a message that mean one thing.
+// Bytes of a message with one meaning.
 struct Place {
   uint32_t at;
   uint32_t width;
-  // Where the value there is counted from.
+  // The position that the value counts from.
   uint32_t base;
 };
 
@@ -34,7 +34,7 @@ Place anywhere(Random& random, const Draft& draft) {
   return {at, width, at};
 }
 
-// Follows the message as far as it can be followed, and stops at one of the words on the way.
+// Follows the message's offsets as far as possible, and stops at one of the words on the way.
 Place pickPlace(Random& random, const wire::Schema& schema, const Draft& draft) {
   const wire::Schema* here = &schema;
   // The word that leads to the table.
@@ -123,7 +123,7 @@ void changePlace(Random& random, const wire::Schema& schema, Draft& draft) {
   std::memcpy(at, &value, place.width);
 }
 
-// The bytes are there, but for those that make the smallest buffer.
+// The draft holds bytes up to `length`. Adds zeros up to the smallest buffer.
 void setLength(Draft& draft, uint32_t length) {
   for (; length < smallest; ++length) {
     draft.bytes[length] = 0;

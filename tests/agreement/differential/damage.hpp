@@ -1,5 +1,5 @@
-// Changes that tell readers apart: of the words that say where things are, mostly to values that
-// lie at a bound.
+// Changes that reveal differences between readers: mostly of offsets and lengths, to values at a
+// bound.
 #pragma once
 
 #include <array>
@@ -11,8 +11,8 @@ namespace differential {
 
 namespace wire = mesh::wire;
 
-// A message before it is placed in its buffer. Of a long buffer only the first bytes are `held`;
-// the others are filler, and are not changed.
+// A message before it is placed in its buffer. Of a long buffer only the first `held` bytes are
+// stored; the others are filler, and never change.
 struct Draft {
   static constexpr uint32_t capacity = uint32_t{1} << 17;
 
@@ -21,16 +21,16 @@ struct Draft {
   uint32_t length;
 };
 
-// Makes the draft's buffer reach beyond the positions that sixteen bits hold.
+// Extends the draft's buffer beyond 16-bit positions.
 void lengthen(Random& random, Draft& draft);
 
-// Moves all but the root word, which then leads to the table's new place.
+// Moves everything except the root word, which then leads to the table's new position.
 void moveAll(Random& random, Draft& draft);
 
-// Puts the root table's head elsewhere, often so that the buffer ends within the table's fields.
+// Moves the root table's head, often so that the buffer ends within the table's fields.
 void moveHead(Random& random, Draft& draft);
 
-// Gives the draft the end of another message.
+// Replaces the draft's end by that of another message.
 void splice(Random& random, Draft& draft, const Draft& other);
 
 // One change of bits, bytes, a word or the length. The buffer keeps at least 4 bytes.

@@ -7,12 +7,12 @@
 namespace differential {
 namespace {
 
-// How many times as often as a message with records or items of 16 KiB any other one is chosen.
+// A message's weight in the random choice. Messages with records or items of 16 KiB have weight 1.
 constexpr int usualWeight = 24;
 
 constexpr uint32_t largestRecord = uint32_t{1} << 15;
-// The slot reader's record stands so far before the trap. At the trap, and at the same place of a
-// page as the other record, comparing the two costs more than reading them.
+// The distance of the slot reader's record from the trap. If both records had the same position
+// within a page, comparing them would cost more than reading them.
 constexpr uint32_t fromTrap = 2048;
 
 void print(const char* what, const uint8_t* bytes, size_t count) {

@@ -1,5 +1,5 @@
-// One execution: it damages a random message and reads it in both ways, or it compares what the
-// writers make of a random record with what the slow writer makes, and with what is read of it.
+// One execution damages a random message and reads it in both ways. Or it writes a random record,
+// compares the result with that of the slow writer, and reads it again.
 #pragma once
 
 #include "damage.hpp"
@@ -9,8 +9,8 @@
 
 namespace differential {
 
-// What an execution did: read a message, in one of the ways (as Way numbers them) or with a
-// rejection, or wrote messages.
+// What an execution did: it read a message in one of the ways (with Way's numbers), it read a
+// message that was rejected, or it wrote messages.
 enum class Result : uint8_t { FixedImage, Quick, SlotBySlot, Rejected, Written };
 inline constexpr size_t resultCount = 5;
 
@@ -18,21 +18,21 @@ class Executor {
  public:
   explicit Executor(uint64_t seed);
 
-  // Returns what became of it. Ends the program at a difference.
+  // Returns what it did. Ends the program at a difference.
   Result execute(uint64_t number);
 
   // The message of the last execution, as an index.
   [[nodiscard]] size_t subjectIndex() const { return subjectIndex_; }
   [[nodiscard]] const std::vector<Subject>& subjects() const { return subjects_; }
 
-  // All executions are of this message from here on. Returns false if there is none of the name.
+  // Limits all later executions to this message. Returns false if no message has the name.
   bool restrictTo(const char* name);
 
-  // Tells how the execution under way is repeated, and what it was given; then ends the program.
+  // Prints how to repeat the current execution, and its input. Then ends the program.
   [[noreturn]] void fail(const char* what) const;
 
  private:
-  // A record at the end of its memory, with known bytes in it and before it.
+  // A record at the end of its memory. The record and the bytes before it have known values.
   struct Reading {
     TrappedMemory memory;
     Trace trace;
@@ -56,7 +56,7 @@ class Executor {
   uint64_t seed_;
   uint64_t number_ = 0;
   std::vector<Subject> subjects_;
-  // Each message as often as it is to be chosen.
+  // Contains each message as many times as its weight.
   std::vector<uint8_t> choices_;
   size_t subjectIndex_ = 0;
   const Subject* subject_ = nullptr;

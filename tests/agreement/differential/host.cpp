@@ -13,7 +13,7 @@ namespace {
 
 enum CallKind : uint64_t { Allocation, Release, Log };
 
-// Larger blocks are refused: a few bytes can ask for many items of 16 KiB.
+// The host refuses larger blocks: a few bytes can request many items of 16 KiB.
 constexpr uint32_t largestBlock = uint32_t{1} << 17;
 constexpr uint32_t arenaSize = uint32_t{1} << 20;
 

@@ -1,11 +1,10 @@
-// Holds the engine's quick ways against its slot by slot reader and its slow writer, as often as is
-// asked for:
+// Compares the engine's quick readers and writers with its slot reader and its slow writer, as many
+// times as requested:
 //
 //   differential [--seed N] [--from N] [--executions N | --seconds S] [--only MESSAGE]
 //
-// Each execution is a function of the seed, of its number and of --only, so that any of them can be
-// repeated alone. The exit code is 1 at the first difference, which is told with all that repeats
-// it.
+// Each execution depends only on the seed, its number and --only, so each can be repeated alone. At
+// the first difference the program prints everything that repeats it, and exits with 1.
 #include <signal.h>
 
 #include <array>
@@ -139,7 +138,7 @@ int main(int count, char** arguments) {
   }
   catchFaults();
 
-  // The clock is not asked each time.
+  // Reads the clock once per block of executions.
   constexpr uint64_t block = 1024;
   std::vector<Counts> counts(executor->subjects().size());
   const auto start = std::chrono::steady_clock::now();

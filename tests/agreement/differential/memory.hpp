@@ -9,10 +9,10 @@ namespace differential {
 struct TrappedMemory {
   uint8_t* begin;
   uint8_t* end;
-  // The same bytes once more, to fill them where those between the traps are read-only.
+  // A writable mapping of the same bytes: those between the traps may be read-only.
   uint8_t* writable;
 
-  // The writable place of the byte at `at`.
+  // The writable address of the byte at `at`.
   [[nodiscard]] uint8_t* toWrite(const uint8_t* at) const { return writable + (at - begin); }
 };
 

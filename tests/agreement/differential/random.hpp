@@ -1,4 +1,4 @@
-// The random numbers of one execution (splitmix64): a function of the seed and of its number alone.
+// The random numbers of one execution (splitmix64). They depend only on the seed and its number.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ class Random {
     return static_cast<uint32_t>((uint64_t{static_cast<uint32_t>(next())} * limit) >> 32);
   }
 
-  // True once in `count` times.
+  // True once in `count` calls on average.
   bool oneIn(uint32_t count) { return below(count) == 0; }
 
   void fill(uint8_t* bytes, size_t count) {

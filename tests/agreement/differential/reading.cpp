@@ -7,7 +7,7 @@ namespace {
 
 constexpr uint32_t mostChanges = 8;
 
-// Known bytes beside a record and beside a buffer.
+// Known bytes around a record and around a buffer.
 constexpr uint32_t beside = 16;
 constexpr int besideBuffer = 0xEE;
 
@@ -22,7 +22,7 @@ void Executor::write(Random& random, const Subject& subject, Draft& draft) {
     subject.sendSingle(0, record, 0, 0);
     draft.held = lastSent().length;
   } else {
-    // Bytes that are counted and not written must not depend on earlier executions.
+    // Counted but unwritten bytes must not depend on earlier executions.
     std::memset(draft.bytes.data(), unwritten, subject.isLarge() ? Draft::capacity : 512);
     draft.held = Draft::capacity;
     subject.pack(record, draft.bytes.data(), &draft.held);
@@ -44,7 +44,7 @@ void Executor::damage(Random& random, Draft& draft) {
   if (random.oneIn(64)) {
     lengthen(random, draft);
   }
-  // None, one, two, or any number up to the most.
+  // None, one, two, or any number up to the maximum.
   const uint32_t upTo = random.below(4);
   const uint32_t changes = upTo < 3 ? upTo : random.below(mostChanges + 1);
   for (uint32_t index = 0; index < changes; ++index) {
@@ -52,8 +52,8 @@ void Executor::damage(Random& random, Draft& draft) {
   }
 }
 
-// Puts the draft into its buffer: at the end of memory, at its beginning, or, a long one, before
-// filler that reaches to the end.
+// Puts the draft into its buffer: at the end or the start of memory. A long draft has filler behind
+// it, up to the end.
 const uint8_t* Executor::place(Random& random) {
   if (draft_.held != draft_.length) {
     const uint8_t* const at = longBuffer_.end - draft_.length;
@@ -77,7 +77,7 @@ void Executor::prepare(Reading& reading, int fill, uint32_t refused) const {
   recordInto(reading.trace, refused);
 }
 
-// Makes pointers to blocks the blocks' places.
+// Replaces pointers to blocks by the blocks' positions.
 void Executor::relocateParts(const Reading& reading) const {
   for (const Part& part : subject_->parts) {
     uint8_t* const at = reading.record + part.pointer;

@@ -7,8 +7,8 @@ constexpr uint32_t contentsSize = uint32_t{1} << 17;
 constexpr uint32_t largestString = 64;
 constexpr uint32_t mostItems = 2;
 
-// Compares the bytes that a mask has ones for. In one sweep: comparing field by field costs more
-// than all the rest of a writing.
+// Compares the bytes that the mask selects, in one sweep: comparing field by field would cost more
+// than the rest of a writing.
 bool haveSameValues(const std::vector<uint8_t>& mask, const uint8_t* one, const uint8_t* other) {
   uint8_t differences = 0;
   for (size_t at = 0; at < mask.size(); ++at) {
@@ -17,7 +17,7 @@ bool haveSameValues(const std::vector<uint8_t>& mask, const uint8_t* one, const 
   return differences == 0;
 }
 
-// A part without a pointer or of length 0 is not sent.
+// A part with a null pointer or of length 0 is not sent.
 bool isPartAsSent(const Part& part, const uint8_t* sent, const uint8_t* received) {
   const auto* const contents = host::load<const uint8_t*>(sent + part.pointer);
   const uint32_t count = contents == nullptr ? 0 : host::load<uint32_t>(sent + part.count);

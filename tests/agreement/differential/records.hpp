@@ -1,4 +1,4 @@
-// Random records, and what becomes of them on their way.
+// Random records, and their comparison after reading.
 #pragma once
 
 #include "random.hpp"
@@ -14,11 +14,11 @@ class Records {
   void fill(Random& random, const Subject& subject, uint8_t* record) const;
 
  private:
-  // What byte strings point to, and items for vectors.
+  // The contents of byte strings, and items for vectors.
   std::vector<uint8_t> contents_;
 };
 
-// Whether a record that was received has the values of the one that was sent.
+// Whether a received record has the values of the sent one.
 bool isAsSent(const Subject& subject, const uint8_t* sent, const uint8_t* received);
 
 }  // namespace differential

@@ -11,7 +11,7 @@
 namespace differential {
 namespace {
 
-// Asks the quick readers themselves, with a record that nobody looks at.
+// Calls the quick readers themselves. Their record is not used.
 template <const wire::Schema& schema>
 Way wayOf(const uint8_t* data, uint32_t length) {
   const wire::HostBuffer buffer{data, length};
@@ -64,7 +64,7 @@ void addParts(const wire::Schema& schema, uint32_t base, std::vector<Part>& part
   }
 }
 
-// Within a service's namespace. Messages of one layout share the code that asks for the way.
+// Used within a service's namespace. Messages of one layout share the code that finds the way.
 #define SUBJECT(X, identifier)                                             \
   Subject{*inspect::operationsOf(std::string_view(#X)),                    \
           &receiveModule,                                                  \

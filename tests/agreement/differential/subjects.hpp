@@ -1,4 +1,4 @@
-// Every message behind one type: its operations, and what comparing its records takes.
+// Every message behind one type: its operations, and the data for comparing its records.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace host = mesh::host;
 namespace msg = mesh::msg;
 namespace wire = mesh::wire;
 
-// Which reader takes a message.
+// The reader that accepts a message.
 enum class Way : uint8_t { FixedImage, Quick, SlotBySlot };
 
 // A value of a record or of a record nested in it.
@@ -27,7 +27,7 @@ struct Part {
   uint32_t pointer;
   // Null for a byte string.
   const wire::Schema* items;
-  // As Subject::values, of an item.
+  // Like Subject::values, for an item.
   std::vector<uint8_t> itemValues;
 };
 
@@ -38,16 +38,16 @@ struct Subject : inspect::Operations {
   Way (*wayOf)(const uint8_t* data, uint32_t length);
 
   std::vector<Field> fields;
-  // All ones for each byte of a record that belongs to a field.
+  // 0xFF for each byte of a record that belongs to a field.
   std::vector<uint8_t> values;
   std::vector<Part> parts;
 
   [[nodiscard]] uint32_t size() const { return schema().size; }
-  // Whether its records or their blocks are of 16 KiB.
+  // Whether its records or their blocks have 16 KiB.
   [[nodiscard]] bool isLarge() const;
 };
 
-// All messages, service by service, in registration order, and bound.
+// All messages, service by service, in registration order. They are bound.
 std::vector<Subject> bindSubjects();
 
 }  // namespace differential

@@ -6,7 +6,7 @@
 
 namespace differential {
 
-// Writes what is to be sent of a record: its image, as the slow writer makes it, or its encoding.
+// Writes the expected message of a record: the slow writer's image, or the encoding.
 uint32_t Executor::writeExpected(const uint8_t* record, uint8_t* to) const {
   if (subject_->isSentFixed()) {
     wire::writeImageAtRunTime(subject_->schema(), to, record);
@@ -16,7 +16,7 @@ uint32_t Executor::writeExpected(const uint8_t* record, uint8_t* to) const {
   if (subject_->pack(record, nullptr, &size) != msg::success) {
     fail("the record has no size");
   }
-  // Bytes that are counted and not written stay what they are.
+  // Counted but unwritten bytes keep this value.
   std::memset(to, unwritten, size);
   uint32_t room = Draft::capacity / 2;
   if (subject_->pack(record, to, &room) != msg::success || room != size) {
@@ -41,7 +41,7 @@ void Executor::compareSent(const uint8_t* records, uint32_t count) {
   }
 }
 
-// Into a buffer of exactly the message's size, or into one that any record fits.
+// Packs into a buffer of exactly the message's size, or into one that fits any record.
 void Executor::comparePacked(Random& random, const uint8_t* record) {
   uint32_t size = Draft::capacity;
   subject_->pack(record, nullptr, &size);

@@ -1,14 +1,14 @@
-// What the host's functions of these tests call back into the test executable.
+// The functions of the test executable that these host's functions call.
 #pragma once
 
 #include <cstdint>
 
 extern "C" {
 
-// Writes down one call.
+// Records one call.
 void hostNote(const char* line);
 
-// What DDM_OsalMemUseFlagGet is to answer.
+// The answer of DDM_OsalMemUseFlagGet.
 uint32_t hostUseFlag();
 
 }  // extern "C"

@@ -50,7 +50,7 @@ Buffer sampleBytes() {
       .text("defgh");
 }
 
-// The record without what hung from it.
+// The record after its byte strings were released: the lengths stay.
 CommandKey left() {
   CommandKey record = sample();
   record.f3.f7 = nullptr;

@@ -210,7 +210,7 @@ TEST(ConfigurationQueries, SizePast32BitsFails) {
   longKey.f0.f2 = abc;
   longKey.f0.f2_len = 0xFFFFFFFE - 196;
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).length, 0xFFFFFFFE);
-  ++longKey.f0.f2_len;  // a key's size stays below what others may have
+  ++longKey.f0.f2_len;  // a key has a lower limit than other messages
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).result, failure);
   longKey.f0.f2_len = 0xFFFFFFFF;
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).result, failure);

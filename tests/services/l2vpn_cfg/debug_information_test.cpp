@@ -30,7 +30,7 @@ Endata endata() {
   return record;
 }
 
-// What is left of a record whose strings have been given back.
+// A record after its strings were released.
 template <typename Record>
 void expectLeft(const Unpacked<Record>& unpacked, const Record& expected) {
   expectSame(unpacked.record, expected);

@@ -34,7 +34,7 @@ struct Items {
   std::vector<Item> items;
 };
 
-// A table of an item and its vtable, as they stand in a vector.
+// A table of an item and its vtable, as in a vector.
 Buffer itemTable(uint32_t f1, uint8_t fill) {
   Layout layout;
   if (f1 != 0) {
@@ -90,7 +90,7 @@ std::string freed(const char* block) {
 const std::string stringAllocated =
     "unpackAlloc size=3 owner=12 caller=\"l2vpn_cfg_query_comm_rec_unpack_non_root\" -> #1";
 
-// The decode failed: everything is given back, the scalars and the count stay.
+// The decoding failed: all blocks are released; the scalars and the count stay.
 void expectFailed(const Unpacked<Result>& unpacked, uint32_t count, const Trace& trace) {
   EXPECT_EQ(unpacked.trace, trace);
   EXPECT_EQ(unpacked.record.f0.f3, nullptr);
@@ -183,7 +183,7 @@ TEST(QueryResult, WordsPastTheEndFail) {
   expectFailed(Unpacked<Result>(withU32(oneWord, 42, 2)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(firstBytes(oneItem(), 49)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount)), 0, nothingHeld);
-  // These counts' words wrap to none and to one in 32 bits.
+  // In 32 bits, the sizes of these counts' words wrap to none and to one word.
   expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount + 1)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(withU32(oneItem(), 42, largestVectorCount + 2)), 0, nothingHeld);
   expectFailed(Unpacked<Result>(withU32(oneItem(), 42, 0xFFFFFFFF)), 0, nothingHeld);
@@ -197,7 +197,7 @@ TEST(QueryResult, BlockPast32BitsFailsWithoutALog) {
   // 259,171 items would take 4,294,981,812 bytes.
   const Buffer bytes = head().u32(259171).fill(size_t{4} * 259171, 0);
   expectFailed(Unpacked<Result>(bytes), 0, {freed("null"), freed("null")});
-  // One fewer fits in 32 bits, and is asked for.
+  // One item fewer fits in 32 bits, and is requested.
   expectFailed(Unpacked<Result>(withU32(bytes, 42, 259170), 1), 0,
                {allocated(4294965240, "null"),
                 reportedRefusal("l2vpn_cfg_query_dfx_rec_unpack_non_root",
@@ -217,7 +217,7 @@ TEST(QueryResult, ItemThatFailsReleasesEverything) {
   expectFailed(shortArray, 2, taken);
   EXPECT_EQ(shortArray.record.f0.f3_len, 3U);
   expectFailed(Unpacked<Result>(firstBytes(good, good.size() - 1)), 2, taken);
-  // The second item's offset word leads out of 32 bits.
+  // The second item's offset word leads past 32 bits.
   ASSERT_EQ(good[53], 2);
   expectFailed(Unpacked<Result>(withU32(good, 61, 0xFFFFFFFF)), 2, taken);
 }

@@ -103,7 +103,7 @@ TEST(GlobalAndStp, StopsSilentlyAtAFieldPastTheEnd) {
   expectRead(firstBytes(compact(full<Vlan>()), 39), upTo(offsetof(Vlan, f5), full<Vlan>()));
 }
 
-// A call of a record's table reader, as others than this library make it.
+// Calls a record's table reader like code outside this library.
 template <typename Record>
 void expectReaderChecksItsParameters() {
   constexpr auto order = mesh::host::ByteOrder::Host;

@@ -1,4 +1,4 @@
-// The update and delete messages: one value of their own and a whole record.
+// The update and delete messages: one own value and a whole record.
 
 #include "oracle/operations/writer.hpp"
 #include "services/behaviour.hpp"
@@ -10,7 +10,7 @@ using namespace harness;
 using AcUpdate = l2vpn_sync_vll_ac_update;
 using AcDelete = l2vpn_sync_vll_ac_delete;
 
-// The records that are wrapped, by name.
+// The wrapped records, by name.
 std::vector<std::string> wrappedRecords() {
   std::vector<std::string> names;
   for (const oracle::Description& message : oracle::descriptions()) {
@@ -86,7 +86,7 @@ TEST_P(Wrappers, CompactCarriesTheRecordsMessageLessItsRoot) {
   const oracle::Value wrapper = filled(update());
   const Buffer whole = packedBy(operations(update()), wrapper);
   const Buffer carried = packedBy(operations(base()), oracle::nested(wrapper[1]));
-  // The offset word holds what the carried message's root would.
+  // The offset word has the value of the carried message's root.
   EXPECT_EQ(
       hex(firstBytes(whole, 22)),
       hex(Layout().u32(12).u16(8, 10, 4, 6).u32(8).u16(0x4001).append(firstBytes(carried, 4))));
@@ -146,7 +146,7 @@ TEST_P(Wrappers, DamagedRecordKeepsF0) {
   const uint32_t table = 18 + good[18];
   oracle::RecordImage record(oracle::descriptionOf(deletion()), 0xA5);
   resetRecorder();
-  const Buffer bad = withU32(good, table, table - 3);  // its vtable at 3
+  const Buffer bad = withU32(good, table, table - 3);  // its vtable is at 3
   operations(deletion()).unpack(bad.data(), size, record.data());
   oracle::Value expected = zero(deletion());
   expected[0].scalar = 0x4001;
