@@ -22,7 +22,10 @@ class RawConnection {
     }
     const std::string greeting =
         std::string("\xFF\0\0\0\0\0\0\0\x01\x7F\x03\0NULL", 16) + std::string(48, '\0');
-    const std::string ready = std::string("\x05READY\x0BSocket-Type\0\0\0\x04PUSH", 26);
+    const std::string ready = std::string(
+        "\x05READY\x0BSocket-Type\0\0\0\x06"
+        "DEALER",
+        28);
     send(greeting + std::string(1, '\x04') + static_cast<char>(ready.size()) + ready);
     // The other side accepts messages only after its own handshake.
     awaitBytes(greeting.size() + 2 + ready.size());
@@ -34,20 +37,12 @@ class RawConnection {
   // Sends a part. `more` says that another part follows. False when the peer has closed the
   // connection, or has read nothing for five seconds.
   bool sendPart(const std::string& bytes, bool more) {
-    std::string head(1, more ? '\x03' : '\x02');
-    for (int shift = 56; shift >= 0; shift -= 8) {
-      head += static_cast<char>(bytes.size() >> shift & 0xFF);
-    }
-    return send(head) && send(bytes);
+    return send(head(bytes.size(), more)) && send(bytes);
   }
 
- private:
-  void awaitBytes(size_t count) {
-    char byte;
-    pollfd readable{.fd = file_, .events = POLLIN, .revents = 0};
-    while (count > 0 && poll(&readable, 1, 5000) == 1 && recv(file_, &byte, 1, 0) == 1) {
-      --count;
-    }
+  // Sends a message of `size` bytes up to the end of `begin`.
+  bool beginPart(size_t size, const std::string& begin) {
+    return send(head(size, false)) && send(begin);
   }
 
   bool send(const std::string& bytes) {
@@ -63,6 +58,23 @@ class RawConnection {
       at += static_cast<size_t>(sent);
     }
     return true;
+  }
+
+ private:
+  static std::string head(size_t size, bool more) {
+    std::string bytes(1, more ? '\x03' : '\x02');
+    for (int shift = 56; shift >= 0; shift -= 8) {
+      bytes += static_cast<char>(size >> shift & 0xFF);
+    }
+    return bytes;
+  }
+
+  void awaitBytes(size_t count) {
+    char byte;
+    pollfd readable{.fd = file_, .events = POLLIN, .revents = 0};
+    while (count > 0 && poll(&readable, 1, 5000) == 1 && recv(file_, &byte, 1, 0) == 1) {
+      --count;
+    }
   }
 
   int file_;

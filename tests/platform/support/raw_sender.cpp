@@ -26,14 +26,14 @@ std::string littleEndian(uint64_t value, size_t width) {
 }
 
 std::string RawHeader::bytes() const {
-  return magic + littleEndian(version, 2) + littleEndian(flags, 2) + littleEndian(source, 4) +
-         littleEndian(destination, 4) + littleEndian(incarnation, 8) + littleEndian(sequence, 8) +
-         littleEndian(extra, 8) + littleEndian(count, 4) + littleEndian(zero, 4) +
-         littleEndian(payloadBytes, 8);
+  return magic + littleEndian(version, 2) + littleEndian(kind, 1) + littleEndian(flags, 1) +
+         littleEndian(source, 4) + littleEndian(destination, 4) + littleEndian(incarnation, 8) +
+         littleEndian(sequence, 8) + littleEndian(confirmed, 8) + littleEndian(extra, 8) +
+         littleEndian(count, 4) + littleEndian(payloadBytes, 4);
 }
 
 RawSender::RawSender(const std::string& endpoint)
-    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_PUSH)) {
+    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_DEALER)) {
   const int unlimited = 0;
   zmq_setsockopt(socket_, ZMQ_SNDHWM, &unlimited, sizeof unlimited);
   if (zmq_connect(socket_, endpoint.c_str()) != 0) {
@@ -43,7 +43,7 @@ RawSender::RawSender(const std::string& endpoint)
 
 RawSender::RawSender(const std::string& endpoint, const std::string& serverPublicKey,
                      const KeyPair& own)
-    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_PUSH)) {
+    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_DEALER)) {
   discardUnsent();
   if (zmq_setsockopt(socket_, ZMQ_CURVE_SERVERKEY, serverPublicKey.data(), 40) != 0 ||
       zmq_setsockopt(socket_, ZMQ_CURVE_PUBLICKEY, own.publicKey.data(), 40) != 0 ||
@@ -74,8 +74,8 @@ void RawSender::send(const std::vector<std::string>& parts) {
 
 void RawSender::sendNote(RawHeader header, const std::string& text) {
   header.count = 1;
-  header.payloadBytes = text.size();
-  send({header.bytes(), littleEndian(noteId, 4) + littleEndian(text.size(), 4), text});
+  header.payloadBytes = static_cast<uint32_t>(text.size());
+  send({header.bytes() + littleEndian(noteId, 4) + littleEndian(text.size(), 4) + text});
 }
 
 }  // namespace platform_test

@@ -10,16 +10,17 @@ namespace platform_test {
 // The header of a call, in wire order.
 struct RawHeader {
   std::string magic = "ZMSH";
-  uint16_t version = 1;
-  uint16_t flags = 0;
+  uint16_t version = 2;
+  uint8_t kind = 0;
+  uint8_t flags = 0;
   uint32_t source = 99;
   uint32_t destination = 0;
   uint64_t incarnation = 0x1122334455667788;
   uint64_t sequence = 1;
+  uint64_t confirmed = 0;
   uint64_t extra = 0;
   uint32_t count = 0;
-  uint32_t zero = 0;
-  uint64_t payloadBytes = 0;
+  uint32_t payloadBytes = 0;
 
   std::string bytes() const;
 };

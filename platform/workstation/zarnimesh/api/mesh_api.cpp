@@ -4,7 +4,6 @@
 #include "zarnimesh/api/export.hpp"
 #include "zarnimesh/api/guarded.hpp"
 #include "zarnimesh/node/hooks.hpp"
-#include "zarnimesh/node/node_registry.hpp"
 
 namespace {
 
@@ -17,7 +16,7 @@ using namespace zarnimesh;
     if (node == nullptr) {
       return fail(MESH_NOT_OPEN, "no open node to send from");
     }
-    return node->sender().send(destination, descriptors, count, extra);
+    return node->send(destination, descriptors, count, extra, -1);
   });
 }
 

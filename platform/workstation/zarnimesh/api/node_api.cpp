@@ -1,10 +1,15 @@
 // The exported functions of zarnimesh/node.h.
 #include "zarnimesh/node.h"
 
+#include <deque>
+#include <memory>
+#include <span>
+#include <vector>
+
 #include "zarnimesh/api/export.hpp"
 #include "zarnimesh/api/guarded.hpp"
+#include "zarnimesh/node/caretaker.hpp"
 #include "zarnimesh/node/hooks.hpp"
-#include "zarnimesh/node/node_registry.hpp"
 
 namespace {
 
@@ -20,15 +25,12 @@ using namespace zarnimesh;
 
 [[nodiscard]] mesh_result openNode(uint32_t address, const mesh_node_options& options,
                                    mesh_node** out) {
-  if (hasNodesOfAnotherProcess()) {
-    return fail(MESH_NOT_OPEN,
-                "this process is a forked child of one with open nodes; call exec first");
-  }
   auto node = std::make_shared<Node>(address);
   if (const mesh_result result = node->open(options); result != MESH_OK) {
     return result;
   }
   addNode(node);
+  Caretaker::instance().add(node);
   *out = handleOf(*node);
   return MESH_OK;
 }
@@ -52,6 +54,40 @@ class ReceiverHold {
   const bool held_;
 };
 
+[[nodiscard]] mesh_result receiveAt(mesh_node* handle, int32_t timeoutMs, const Handler& handler,
+                                    int64_t& delivered) {
+  const std::shared_ptr<Node> node = findNode(handle);
+  if (node == nullptr) {
+    return noSuchNode();
+  }
+  const ReceiverHold hold(*node);
+  if (!hold) {
+    return busy();
+  }
+  Receiver* const receiver = &node->receiver();
+  delivered = receiveAny({&receiver, 1}, timeoutMs, handler);
+  return MESH_OK;
+}
+
+[[nodiscard]] mesh_result receiveAtAny(std::span<mesh_node* const> handles, int32_t timeoutMs,
+                                       const Handler& handler, int64_t& delivered) {
+  std::vector<std::shared_ptr<Node>> nodes;
+  std::deque<ReceiverHold> holds;
+  std::vector<Receiver*> receivers;
+  for (mesh_node* const handle : handles) {
+    nodes.push_back(findNode(handle));
+    if (nodes.back() == nullptr) {
+      return noSuchNode();
+    }
+    if (!holds.emplace_back(*nodes.back())) {
+      return busy();
+    }
+    receivers.push_back(&nodes.back()->receiver());
+  }
+  delivered = receiveAny(receivers, timeoutMs, handler);
+  return MESH_OK;
+}
+
 }  // namespace
 
 ZARNIMESH_EXPORT void mesh_node_options_default(mesh_node_options* options) {
@@ -60,14 +96,19 @@ ZARNIMESH_EXPORT void mesh_node_options_default(mesh_node_options* options) {
                 .address_book = nullptr,
                 .runtime_directory = nullptr,
                 .key_file = nullptr,
-                .send_queue_calls = 64,
-                .receive_queue_calls = 64,
+                .send_queue_calls = 1024,
+                .receive_queue_calls = 1024,
                 .connect_timeout_ms = 2000,
                 .send_timeout_ms = 5000,
                 .linger_ms = 2000,
                 .payload_limit = 64u << 20,
                 .unknown = nullptr,
-                .unknown_user = nullptr};
+                .unknown_user = nullptr,
+                .queue_bytes = 64u << 20,
+                .heartbeat_ms = 5000,
+                .io_threads = 1,
+                .peer = nullptr,
+                .peer_user = nullptr};
   }
 }
 
@@ -94,11 +135,13 @@ ZARNIMESH_EXPORT mesh_result mesh_node_close(mesh_node* handle) {
       return busy();
     }
     const bool last = removeNode(*node);
-    node->close();
+    // The receiver may be a node of this process: the caretaker answers for it.
+    const mesh_result result = node->close();
+    Caretaker::instance().remove(*node);
     if (last) {
       callCleanHooks();
     }
-    return MESH_OK;
+    return result;
   });
 }
 
@@ -117,18 +160,70 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive(mesh_node* handle, int32_t timeout_ms
                                            mesh_record_handler handler, void* user) {
   int64_t delivered = 0;
   const mesh_result result = guarded([&] {
+    return receiveAt(handle, timeout_ms, {.function = handler, .user = user}, delivered);
+  });
+  return result == MESH_OK ? delivered : -int64_t{result};
+}
+
+ZARNIMESH_EXPORT int64_t mesh_node_receive_any(mesh_node* const* handles, uint32_t count,
+                                               int32_t timeout_ms, mesh_record_handler handler,
+                                               void* user) {
+  int64_t delivered = 0;
+  const mesh_result result = guarded([&] {
+    if (handles == nullptr || count == 0) {
+      return fail(MESH_BAD_ARGUMENT, "no nodes");
+    }
+    return receiveAtAny({handles, count}, timeout_ms, {.function = handler, .user = user},
+                        delivered);
+  });
+  return result == MESH_OK ? delivered : -int64_t{result};
+}
+
+ZARNIMESH_EXPORT int32_t mesh_node_descriptor(mesh_node* handle, uint32_t* pending) {
+  int32_t file = -1;
+  const mesh_result result = guarded([&] {
     const std::shared_ptr<Node> node = findNode(handle);
     if (node == nullptr) {
       return noSuchNode();
     }
-    const ReceiverHold hold(*node);
-    if (!hold) {
-      return busy();
+    if (pending != nullptr) {
+      *pending = static_cast<uint32_t>(node->receiver().waiting());
     }
-    delivered = node->receiver().receive(timeout_ms, {.function = handler, .user = user});
+    file = node->receiver().file();
     return MESH_OK;
   });
-  return result == MESH_OK ? delivered : -int64_t{result};
+  return result == MESH_OK ? file : -int32_t{result};
+}
+
+ZARNIMESH_EXPORT mesh_result mesh_node_send(mesh_node* handle, uint32_t destination,
+                                            const mesh_msg_desc* descriptors, uint32_t count,
+                                            uint64_t extra, int32_t timeout_ms) {
+  return guarded([&] {
+    const std::shared_ptr<Node> node = findNode(handle);
+    return node == nullptr ? noSuchNode()
+                           : node->send(destination, descriptors, count, extra, timeout_ms);
+  });
+}
+
+ZARNIMESH_EXPORT mesh_result mesh_node_peers(mesh_node* handle, mesh_peer_statistics* out,
+                                             uint32_t capacity, uint32_t* count) {
+  return guarded([&] {
+    if ((out == nullptr && capacity > 0) || count == nullptr) {
+      return fail(MESH_BAD_ARGUMENT, "out or count is null");
+    }
+    const std::shared_ptr<Node> node = findNode(handle);
+    if (node == nullptr) {
+      return noSuchNode();
+    }
+    *count = 0;
+    for (const auto& [address, peer] : node->peers()) {
+      if (*count < capacity) {
+        out[*count] = peer;
+      }
+      ++*count;
+    }
+    return MESH_OK;
+  });
 }
 
 ZARNIMESH_EXPORT mesh_result mesh_node_stats(mesh_node* handle, mesh_node_statistics* out) {
@@ -169,6 +264,8 @@ ZARNIMESH_EXPORT const char* mesh_result_text(uint32_t result) {
       return "another thread is receiving";
     case MESH_BAD_CONFIGURATION:
       return "bad configuration";
+    case MESH_UNDELIVERED:
+      return "some sent calls are not known to have arrived";
     default:
       return "unknown result";
   }

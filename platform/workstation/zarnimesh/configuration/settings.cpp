@@ -13,23 +13,29 @@
 namespace zarnimesh {
 namespace {
 
+constexpr uint32_t mostQueued = 1u << 20;
+constexpr uint32_t mostThreads = 64;
+
 [[nodiscard]] mesh_result checkNumbers(const mesh_node_options& options) {
   if (options.transport != MESH_TRANSPORT_IPC && options.transport != MESH_TRANSPORT_INPROC) {
     return fail(MESH_BAD_ARGUMENT, "options: unknown transport");
   }
   for (const uint32_t queue : {options.send_queue_calls, options.receive_queue_calls}) {
-    if (queue == 0 || queue > INT_MAX / 2) {
-      return fail(MESH_BAD_ARGUMENT, "options: a queue must hold from 1 to %d calls", INT_MAX / 2);
+    if (queue == 0 || queue > mostQueued) {
+      return fail(MESH_BAD_ARGUMENT, "options: a queue must hold from 1 to %u calls", mostQueued);
     }
   }
-  for (const uint32_t time :
-       {options.connect_timeout_ms, options.send_timeout_ms, options.linger_ms}) {
+  for (const uint32_t time : {options.connect_timeout_ms, options.send_timeout_ms,
+                              options.linger_ms, options.heartbeat_ms}) {
     if (time > INT_MAX) {
       return fail(MESH_BAD_ARGUMENT, "options: a time must be at most %d ms", INT_MAX);
     }
   }
-  if (options.payload_limit == 0) {
-    return fail(MESH_BAD_ARGUMENT, "options: the payload limit must be at least 1");
+  if (options.payload_limit == 0 || options.queue_bytes == 0) {
+    return fail(MESH_BAD_ARGUMENT, "options: payload limit and queues must be at least 1 byte");
+  }
+  if (options.io_threads == 0 || options.io_threads > mostThreads) {
+    return fail(MESH_BAD_ARGUMENT, "options: from 1 to %u I/O threads", mostThreads);
   }
   return MESH_OK;
 }
@@ -48,14 +54,19 @@ mesh_result Settings::read(const mesh_node_options& options) {
   }
   defaultTransport =
       options.transport == MESH_TRANSPORT_INPROC ? Transport::Inproc : Transport::Ipc;
-  sendQueueCalls = static_cast<int>(options.send_queue_calls);
-  receiveQueueCalls = static_cast<int>(options.receive_queue_calls);
+  sendQueueCalls = options.send_queue_calls;
+  receiveQueueCalls = options.receive_queue_calls;
+  queueBytes = options.queue_bytes;
+  heartbeat = std::chrono::milliseconds(options.heartbeat_ms);
+  ioThreads = static_cast<int>(options.io_threads);
   connectTimeout = std::chrono::milliseconds(options.connect_timeout_ms);
   sendTimeout = std::chrono::milliseconds(options.send_timeout_ms);
   linger = std::chrono::milliseconds(options.linger_ms);
   payloadLimit = options.payload_limit;
   unknown = options.unknown;
   unknownUser = options.unknown_user;
+  peerHook = options.peer;
+  peerUser = options.peer_user;
   runtimeDirectory = runtimeDirectoryName(options.runtime_directory);
   if (const mesh_result result = readKeys(options); result != MESH_OK) {
     return result;
@@ -94,14 +105,9 @@ uint32_t Settings::countLimit() const {
 }
 
 uint64_t Settings::messageLimit() const {
-  // ZeroMQ adds less than this to three parts, with or without encryption.
+  // ZeroMQ adds less than this, with or without encryption.
   constexpr uint64_t overhead = 1024;
   return headerSize + uint64_t{countLimit()} * indexEntrySize + payloadLimit + overhead;
-}
-
-int64_t Settings::partLimit() const {
-  return std::max<int64_t>(
-      {payloadLimit, int64_t{countLimit()} * int64_t{indexEntrySize}, int64_t{headerSize}});
 }
 
 }  // namespace zarnimesh

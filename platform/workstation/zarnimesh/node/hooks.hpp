@@ -16,6 +16,8 @@ struct Hook {
 // Thread-safe. A second registration replaces the first.
 void registerHook(uint32_t id, Hook hook);
 std::optional<Hook> findHook(uint32_t id);
+// Changes with each registration. At least 1.
+uint64_t hookVersion();
 
 // callCleanHooks calls each function once, in order of registration, without holding a lock. The
 // functions stay registered.

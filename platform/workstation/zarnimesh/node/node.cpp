@@ -1,12 +1,18 @@
 #include "zarnimesh/node/node.hpp"
 
+#include "zarnimesh/node/in_handler.hpp"
+#include "zarnimesh/transport/descriptors.hpp"
+
 namespace zarnimesh {
 
 mesh_result Node::open(const mesh_node_options& options) {
   if (const mesh_result result = settings_.read(options); result != MESH_OK) {
     return result;
   }
-  const std::shared_ptr<Context> context = Context::shared();
+  if (const mesh_result result = reserveDescriptors(); result != MESH_OK) {
+    return result;
+  }
+  const std::shared_ptr<Context> context = Context::shared(settings_.ioThreads);
   if (context == nullptr) {
     return failFromTransport("context");
   }
@@ -16,11 +22,64 @@ mesh_result Node::open(const mesh_node_options& options) {
   return receiver_.open(context);
 }
 
-void Node::close() {
+bool Node::takeReceiver() {
+  const char* const frame = static_cast<const char*>(__builtin_frame_address(0));
+  const void* const thread = &inHandler();
+  const char* holder = nullptr;
+  if (receiverFrame_.compare_exchange_strong(holder, frame)) {
+    receiverThread_.store(thread);
+    return true;
+  }
+  // The stack grows downwards. A call within a handler has a lower frame than the call that runs
+  // the handler. Any other call of the thread tells that the handler was left.
+  if (receiverThread_.load() == thread && frame >= holder) {
+    receiverFrame_.store(frame);
+    return true;
+  }
+  return false;
+}
+
+void Node::giveReceiverBack() {
+  receiverThread_.store(nullptr);
+  receiverFrame_.store(nullptr);
+}
+
+mesh_result Node::close() {
   // The receiver goes last. It may hold the last reference to the context, whose destructor waits
-  // for the sender's lingering messages.
-  sender_.close();
+  // for the sender's last messages.
+  const mesh_result result = sender_.close();
   receiver_.close();
+  events_.deliver();
+  return result;
+}
+
+mesh_result Node::send(uint32_t destination, const mesh_msg_desc* descriptors, uint32_t count,
+                       uint64_t extra, int32_t timeoutMs) {
+  const std::chrono::milliseconds timeout(timeoutMs);
+  const Sender::Patience patience =
+      timeoutMs < 0
+          ? Sender::Patience{.connect = settings_.connectTimeout, .room = settings_.sendTimeout}
+          : Sender::Patience{.connect = timeout, .room = timeout};
+  return sender_.send(destination, descriptors, count, extra, patience);
+}
+
+void Node::tend() {
+  sender_.tend();
+  receiver_.tend();
+  events_.deliver();
+}
+
+mesh_node_statistics Node::statistics() {
+  mesh_node_statistics statistics = statistics_.read();
+  sender_.count(statistics);
+  return statistics;
+}
+
+PeerTable Node::peers() {
+  PeerTable peers;
+  sender_.describe(peers);
+  receiver_.describe(peers);
+  return peers;
 }
 
 }  // namespace zarnimesh

@@ -1,8 +1,6 @@
 // One node: its settings, counters, sender and receiver.
 #pragma once
 
-#include <unistd.h>
-
 #include <atomic>
 #include <memory>
 
@@ -14,31 +12,39 @@ namespace zarnimesh {
 class Node {
  public:
   explicit Node(uint32_t address)
-      : sender_(settings_, statistics_, address), receiver_(settings_, statistics_, address) {}
+      : events_(settings_),
+        sender_(settings_, statistics_, events_, address),
+        receiver_(settings_, statistics_, events_, address) {}
 
   [[nodiscard]] mesh_result open(const mesh_node_options& options);
 
-  // Reserves the receiver for the calling thread. False when another thread has it. A closing
-  // thread takes it and keeps it.
-  [[nodiscard]] bool takeReceiver() { return !receiving_.exchange(true); }
-  void giveReceiverBack() { receiving_.store(false); }
+  // Reserves the receiver for the calling thread. False when a thread has it. A thread whose
+  // handler left by longjmp has it no more. A closing thread takes it and keeps it.
+  [[nodiscard]] bool takeReceiver();
+  void giveReceiverBack();
 
-  // Closes everything. Also ends the process's context if no other node uses it. The calling thread
-  // must have taken the receiver.
-  void close();
+  // Closes everything. The calling thread must have taken the receiver.
+  [[nodiscard]] mesh_result close();
 
-  Sender& sender() { return sender_; }
+  // What is to be done from time to time.
+  void tend();
+
+  // A negative timeout stands for the node's options.
+  [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
+                                 uint32_t count, uint64_t extra, int32_t timeoutMs);
   Receiver& receiver() { return receiver_; }
-  mesh_node_statistics statistics() const { return statistics_.read(); }
-  pid_t process() const { return process_; }
+  mesh_node_statistics statistics();
+  PeerTable peers();
 
  private:
-  const pid_t process_ = getpid();
   Settings settings_;
   Statistics statistics_;
+  PeerEvents events_;
   Sender sender_;
   Receiver receiver_;
-  std::atomic<bool> receiving_ = false;
+  // The stack frame of the call that has the receiver, and its thread.
+  std::atomic<const char*> receiverFrame_ = nullptr;
+  std::atomic<const void*> receiverThread_ = nullptr;
 };
 
 }  // namespace zarnimesh

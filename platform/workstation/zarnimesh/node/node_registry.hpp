@@ -12,12 +12,13 @@ namespace zarnimesh {
 // The caller's handle of a node. It is dereferenced only after it was found among the open nodes.
 mesh_node* handleOf(const Node& node);
 
-// Whether this is a forked child of a process with open nodes. It must not use their sockets.
-bool hasNodesOfAnotherProcess();
+// Whether this is a forked child of a process with open nodes. It must not use their sockets, and
+// other threads of the parent may have held any lock.
+bool isForkedChild();
 
 void addNode(std::shared_ptr<Node> node);
 
-// The open node of the handle. Null when there is none, or when it belongs to a parent process.
+// The open node of the handle. Null when there is none.
 std::shared_ptr<Node> findNode(const mesh_node* handle);
 
 // True when it was the last open node.

@@ -1,181 +1,206 @@
 #include "zarnimesh/node/receiver.hpp"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <string>
+#include <climits>
 #include <utility>
+#include <vector>
 
-#include "zarnimesh/node/hooks.hpp"
-#include "zarnimesh/transport/handover.hpp"
+#include "zarnimesh/node/in_handler.hpp"
 
 namespace zarnimesh {
 namespace {
 
-std::span<const uint8_t> bytesOf(MessagePart& message) {
-  return {message.data(), message.size()};
-}
+// Marks the thread while it runs a handler. A handler that leaves by longjmp leaves the mark: the
+// next receive() sets it again, and resets it.
+class InHandler {
+ public:
+  InHandler() : before_(std::exchange(inHandler(), true)) {}
+  ~InHandler() { inHandler() = before_; }
+  InHandler(const InHandler&) = delete;
+  InHandler& operator=(const InHandler&) = delete;
 
-// Reads the other parts without waiting: a message arrives whole. False when their number is wrong.
-[[nodiscard]] bool takeRest(Socket& socket, MessagePart& first, MessagePart& index,
-                            MessagePart& payload) {
-  MessagePart surplus;
-  MessagePart* const rest[] = {&index, &payload};
-  size_t taken = 0;
-  bool more = first.more();
-  while (more) {
-    MessagePart& part = taken < std::size(rest) ? *rest[taken] : surplus;
-    if (zmq_msg_recv(part.raw(), socket.handle(), ZMQ_DONTWAIT) < 0) {
-      return false;
-    }
-    ++taken;
-    more = part.more();
-  }
-  return taken == std::size(rest);
-}
+ private:
+  const bool before_;
+};
 
 }  // namespace
 
 mesh_result Receiver::open(std::shared_ptr<Context> context) {
-  if (const mesh_result result = area_.map(); result != MESH_OK) {
-    return result;
-  }
-  if (const auto result = listener_.open(context, settings_, address_); result != MESH_OK) {
-    return result;
-  }
-  if (listener_.endpoint().transport != Transport::Tcp) {
-    return MESH_OK;
-  }
-  return watch_.open(*context, listener_.socket(), settings_.messageLimit());
+  const mesh_result result = area_.map();
+  return result == MESH_OK ? incoming_.open(std::move(context)) : result;
 }
 
-int64_t Receiver::receive(int32_t timeoutMs, const Handler& handler) {
-  MessagePart first;
-  switch (waitForMessage(first, timeoutMs)) {
-    case Arrival::Message:
-      return handle(first, handler);
-    case Arrival::Nothing:
-      return 0;
-    case Arrival::Failed:
-      break;
+std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
+  if (!delivering_) {
+    const Lock lock(mutex_);
+    switch (incoming_.take(call_)) {
+      case Incoming::Arrival::Nothing:
+        return std::nullopt;
+      case Incoming::Arrival::Failed:
+        return -int64_t{MESH_SYSTEM_ERROR};
+      case Incoming::Arrival::Call:
+        break;
+    }
+    delivering_ = true;
+    entry_ = 0;
+    table_ = call_.message.data() + headerSize + call_.header.count * indexEntrySize;
   }
-  return -int64_t{failFromTransport("receive")};
+  const int64_t delivered = deliver(handler);
+  const Lock lock(mutex_);
+  delivering_ = false;
+  incoming_.noteDelivered(call_);
+  return delivered;
 }
 
-Receiver::Arrival Receiver::waitForMessage(MessagePart& first, int32_t timeoutMs) {
-  void* const socket = listener_.socket().handle();
-  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(timeoutMs);
+int Receiver::beginWait() {
+  const Lock lock(mutex_);
+  waiting_ = true;
+  return incoming_.longestWait();
+}
+
+mesh_result Receiver::endWait(bool idle) {
+  const Lock lock(mutex_);
+  waiting_ = false;
+  return idle ? incoming_.idle() : MESH_OK;
+}
+
+int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
+                   const Handler& handler) {
+  using Clock = std::chrono::steady_clock;
+  std::optional<Clock::time_point> end;
+  std::vector<pollfd> files;
   for (;;) {
-    if (zmq_msg_recv(first.raw(), socket, ZMQ_DONTWAIT) >= 0) {
-      if (watch_.isOpen()) {
-        watch_.noteMessage(first);
-        static_cast<void>(watchConnections(0));
+    for (Receiver* const receiver : receivers) {
+      if (const std::optional<int64_t> delivered = receiver->receiveNext(handler)) {
+        return *delivered;
       }
-      return Arrival::Message;
     }
-    if (zmq_errno() != EAGAIN) {
-      return zmq_errno() == EINTR ? Arrival::Nothing : Arrival::Failed;
+    const Clock::time_point now = Clock::now();
+    end = end.value_or(now + std::chrono::milliseconds(timeoutMs));
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - now).count();
+    const bool over = timeoutMs >= 0 && left <= 0;
+    int wait = timeoutMs >= 0 ? static_cast<int>(std::max<int64_t>(left, 0)) : INT_MAX;
+    files.clear();
+    for (Receiver* const receiver : receivers) {
+      wait = std::min(wait, receiver->beginWait());
+      files.push_back({.fd = receiver->file(), .events = POLLIN, .revents = 0});
     }
-    long wait = -1;
-    if (timeoutMs >= 0) {
-      const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-      if (left.count() <= 0) {
-        return Arrival::Nothing;
-      }
-      wait = static_cast<long>(left.count());
+    const int ready = over ? 0 : poll(files.data(), files.size(), wait);
+    const bool interrupted = ready < 0 && errno == EINTR;
+    mesh_result result = MESH_OK;
+    for (Receiver* const receiver : receivers) {
+      const mesh_result each = receiver->endWait(ready == 0);
+      result = each != MESH_OK ? each : result;
     }
-    if (watch_.isOpen()) {
-      watch_.noteIdle();
-      wait = watchConnections(wait);
-    }
-    zmq_pollitem_t item{.socket = socket, .fd = 0, .events = ZMQ_POLLIN, .revents = 0};
-    if (zmq_poll(&item, 1, wait) < 0) {
-      return zmq_errno() == EINTR ? Arrival::Nothing : Arrival::Failed;
+    if (result != MESH_OK || over || interrupted) {
+      return -int64_t{result};
     }
   }
 }
 
-long Receiver::watchConnections(long wait) {
-  statistics_.malformed.add(watch_.check());
-  constexpr long interval = ConnectionWatch::interval.count();
-  return wait < 0 ? interval : std::min(wait, interval);
-}
-
-bool Receiver::isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
-                            size_t payloadBytes) const {
-  return header.destination == address_ && header.payloadBytes <= settings_.payloadLimit &&
-         header.count <= settings_.countLimit() && lengthsAgree(header, index, payloadBytes);
-}
-
-bool Receiver::isFromItsSource(const FrameHeader& header, MessagePart& first) const {
-  if (!settings_.keys || listener_.endpoint().transport != Transport::Tcp) {
-    return true;
-  }
-  const char* node = zmq_msg_gets(first.raw(), "User-Id");
-  return node != nullptr && std::to_string(header.source) == node;
-}
-
-int64_t Receiver::handle(MessagePart& first, const Handler& handler) {
-  takeOver(first.data());
-  MessagePart index;
-  MessagePart payload;
-  const bool complete = takeRest(listener_.socket(), first, index, payload);
-  const std::optional<FrameHeader> header = decodeHeader(bytesOf(first));
-  if (!complete || !header || !isWellFormed(*header, bytesOf(index), payload.size()) ||
-      !isFromItsSource(*header, first)) {
-    statistics_.malformed.add(1);
-    return 0;
-  }
-  statistics_.receivedCalls.add(1);
-  statistics_.receivedBytes.add(payload.size());
-  noteSequence(*header);
-  return deliver(*header, bytesOf(index), payload.data(), handler);
-}
-
-void Receiver::noteSequence(const FrameHeader& header) {
-  const SequenceFindings findings = sequences_.note(header.incarnation, header.sequence);
-  statistics_.lostCalls.add(findings.lost);
-  statistics_.missedBeforeFirst.add(findings.missedBeforeFirst);
-  statistics_.duplicateCalls.add(findings.duplicate ? 1 : 0);
-}
-
-int64_t Receiver::deliver(const FrameHeader& header, std::span<const uint8_t> index,
-                          const uint8_t* payload, const Handler& handler) {
+int64_t Receiver::deliver(const Handler& handler) {
+  releaseRecord();
   int64_t delivered = 0;
-  std::optional<Hook> hook;
-  uint32_t hookId = 0;
-  for (size_t at = 0; at < index.size(); at += indexEntrySize) {
-    const IndexEntry entry = decodeIndexEntry(index.data() + at);
-    const uint8_t* const table = payload;
-    payload += entry.length;
-    // Most calls have runs of one type: look up only when it changes.
-    if (!hook || entry.id != hookId) {
-      hook = findHook(entry.id);
-      hookId = entry.id;
-    }
-    if (!hook) {
+  const FrameHeader& header = call_.header;
+  const uint8_t* const index = call_.message.data() + headerSize;
+  while (entry_ < header.count) {
+    const IndexEntry entry = decodeIndexEntry(index + entry_ * indexEntrySize);
+    const uint8_t* const table = table_;
+    table_ += entry.length;
+    ++entry_;
+    if (!findHook(entry.id)) {
       statistics_.unknownIdentifiers.add(1);
       if (settings_.unknown != nullptr) {
         settings_.unknown(header.source, entry.id, table, entry.length, settings_.unknownUser);
       }
       continue;
     }
-    const uint32_t recordSize = hook->unpack(table, entry.length, area_.data());
+    recordSize_ = hook_.unpack(table, entry.length, area_.data());
+    recordOut_ = true;
+    ++delivered;
+    statistics_.receivedRecords.add(1);
     if (handler.function != nullptr) {
       const mesh_received received{.source = header.source,
                                    .msg_id = entry.id,
                                    .record = area_.data(),
-                                   .record_size = recordSize,
+                                   .record_size = recordSize_,
                                    .table_length = entry.length,
                                    .table = table,
-                                   .extra = header.extra};
+                                   .extra = header.extra,
+                                   .incarnation = header.incarnation,
+                                   .sequence = header.sequence,
+                                   .after_gap = call_.afterGap ? 1u : 0u};
+      const InHandler marked;
       handler.function(&received, handler.user);
     }
-    hook->release(area_.data());
-    area_.clear(recordSize);
-    ++delivered;
+    releaseRecord();
   }
-  statistics_.receivedRecords.add(static_cast<uint64_t>(delivered));
   return delivered;
+}
+
+// Sets hook_. Calls have runs of one type, so most need no lookup.
+bool Receiver::findHook(uint32_t id) {
+  const uint64_t version = hookVersion();
+  if (id == hookId_ && version == hookVersion_) {
+    return true;
+  }
+  const std::optional<Hook> found = zarnimesh::findHook(id);
+  if (!found) {
+    return false;
+  }
+  hook_ = *found;
+  hookId_ = id;
+  hookVersion_ = version;
+  return true;
+}
+
+void Receiver::releaseRecord() {
+  if (std::exchange(recordOut_, false)) {
+    hook_.release(area_.data());
+    area_.clear(recordSize_);
+  }
+}
+
+void Receiver::tend() {
+  if (const Lock lock(mutex_, std::try_to_lock); lock && !waiting_) {
+    incoming_.tend();
+  }
+}
+
+size_t Receiver::waiting() {
+  const Lock lock(mutex_);
+  incoming_.tend();
+  return incoming_.waiting();
+}
+
+void Receiver::describe(PeerTable& peers) {
+  const Lock lock(mutex_);
+  for (const auto& [key, source] : incoming_.sources()) {
+    mesh_peer_statistics& peer = peerAt(peers, source.address);
+    peer.received_calls += source.calls;
+    peer.received_bytes += source.bytes;
+    peer.waiting_calls += source.undelivered;
+    peer.most_waiting_calls = std::max<uint64_t>(peer.most_waiting_calls, source.mostUndelivered);
+    peer.lost_calls += source.missing;
+    peer.missed_before_first += source.missedBeforeFirst;
+    if (const uint64_t ago = millisecondsSince(source.heardAt); ago <= peer.last_heard_ms) {
+      peer.last_heard_ms = ago;
+      peer.incarnation = source.incarnation;
+    }
+  }
+}
+
+void Receiver::close() {
+  const Lock lock(mutex_);
+  if (std::exchange(delivering_, false)) {
+    // A handler left the call by longjmp.
+    releaseRecord();
+    statistics_.discardedCalls.add(1);
+  }
+  incoming_.close();
 }
 
 }  // namespace zarnimesh

@@ -1,16 +1,15 @@
-// A node's receiver: checks messages, decodes their tables and passes the records to the handler.
+// A node's receiver: decodes the tables of calls and passes the records to the handler.
 #pragma once
 
-#include <chrono>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <span>
 
+#include "zarnimesh/node/hooks.hpp"
 #include "zarnimesh/node/record_area.hpp"
-#include "zarnimesh/node/statistics.hpp"
-#include "zarnimesh/peers/connection_watch.hpp"
-#include "zarnimesh/peers/listener.hpp"
-#include "zarnimesh/peers/sequence_table.hpp"
-#include "zarnimesh/transport/frame.hpp"
+#include "zarnimesh/node/sender.hpp"
+#include "zarnimesh/peers/incoming.hpp"
 
 namespace zarnimesh {
 
@@ -20,50 +19,66 @@ struct Handler {
   void* user;
 };
 
-// For one thread at a time. `settings` and `statistics` must outlive it.
+// `settings`, `statistics` and `events` must outlive it.
 class Receiver {
  public:
-  Receiver(const Settings& settings, Statistics& statistics, uint32_t address)
-      : settings_(settings), statistics_(statistics), address_(address) {}
+  Receiver(const Settings& settings, Statistics& statistics, PeerEvents& events, uint32_t address)
+      : settings_(settings),
+        statistics_(statistics),
+        incoming_(settings, statistics, events, address) {}
 
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context);
 
-  // Waits for one message. Returns the number of delivered records, or a negated result.
-  [[nodiscard]] int64_t receive(int32_t timeoutMs, const Handler& handler);
+  // Delivers one message that has arrived, or goes on with the one that a handler left. Returns the
+  // number of delivered records, or a negated result. For one thread at a time.
+  [[nodiscard]] std::optional<int64_t> receiveNext(const Handler& handler);
 
-  void close() {
-    watch_.close(listener_.socket());
-    listener_.close();
-  }
+  // The thread waits until file() is readable. Returns for how many milliseconds at most.
+  [[nodiscard]] int beginWait();
+  // `idle`: nothing arrived.
+  [[nodiscard]] mesh_result endWait(bool idle);
+
+  // Takes and answers what arrived, if no thread receives.
+  void tend();
+
+  // Calls that receive() can take without waiting, as far as is known.
+  size_t waiting();
+  int file() const { return incoming_.file(); }
+
+  void describe(PeerTable& peers);
+
+  void close();
 
  private:
-  using Clock = std::chrono::steady_clock;
+  using Lock = std::unique_lock<std::mutex>;
 
-  enum class Arrival {
-    Message,
-    Nothing,  // before the timeout or a signal
-    Failed,
-  };
-
-  [[nodiscard]] Arrival waitForMessage(MessagePart& first, int32_t timeoutMs);
-  // Ends connections with endless messages. Returns how long to wait at most for the next check.
-  [[nodiscard]] long watchConnections(long wait);
-  [[nodiscard]] bool isWellFormed(const FrameHeader& header, std::span<const uint8_t> index,
-                                  size_t payloadBytes) const;
-  // Whether the peer's key belongs to the header's source. Always true without keys.
-  [[nodiscard]] bool isFromItsSource(const FrameHeader& header, MessagePart& first) const;
-  [[nodiscard]] int64_t handle(MessagePart& first, const Handler& handler);
-  void noteSequence(const FrameHeader& header);
-  [[nodiscard]] int64_t deliver(const FrameHeader& header, std::span<const uint8_t> index,
-                                const uint8_t* payload, const Handler& handler);
+  [[nodiscard]] int64_t deliver(const Handler& handler);
+  [[nodiscard]] bool findHook(uint32_t id);
+  void releaseRecord();
 
   const Settings& settings_;
   Statistics& statistics_;
-  const uint32_t address_;
-  Listener listener_;
-  ConnectionWatch watch_;  // tcp
   RecordArea area_;
-  SequenceTable sequences_;
+
+  std::mutex mutex_;  // guards the two members below. Not held during waits and handlers
+  Incoming incoming_;
+  bool waiting_ = false;  // a thread waits for the socket, which announces a change only once
+
+  // The receiving thread's. They outlive receive(), because a handler may leave it by longjmp.
+  IncomingCall call_;
+  bool delivering_ = false;
+  size_t entry_ = 0;  // of the next table
+  const uint8_t* table_ = nullptr;
+  bool recordOut_ = false;
+  uint32_t recordSize_ = 0;
+  Hook hook_{};  // of hookId_, if hookVersion_ is current
+  uint32_t hookId_ = 0;
+  uint64_t hookVersion_ = 0;
 };
+
+// Waits for one message at any of the receivers. Returns as receiveNext(); 0 also after the timeout
+// or a signal. A negative timeout waits for ever.
+[[nodiscard]] int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
+                                 const Handler& handler);
 
 }  // namespace zarnimesh

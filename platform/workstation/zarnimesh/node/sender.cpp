@@ -1,18 +1,34 @@
 #include "zarnimesh/node/sender.hpp"
 
+#include <poll.h>
 #include <sys/random.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include "zarnimesh/node/in_handler.hpp"
+
 namespace zarnimesh {
 namespace {
 
-// Checks the call against the limits. Sets `payloadBytes` to the sum of the tables' lengths.
+using std::chrono::milliseconds;
+
+// The sockets announce changes only once. A thread that misses one looks again after this time.
+constexpr milliseconds slice{5};
+
+// A new connection needs some time to become usable.
+constexpr milliseconds settling{50};
+
+// How often a sender that waits for room asks what arrived. Answers to its calls may be lost with a
+// connection.
+constexpr milliseconds syncInterval{50};
+
+// Checks the call against the limits. Sets `bytes` to the sum of the tables' lengths.
 [[nodiscard]] mesh_result checkCall(const Settings& settings, const mesh_msg_desc* descriptors,
-                                    uint32_t count, uint64_t& payloadBytes) {
-  payloadBytes = 0;
+                                    uint32_t count, uint64_t& bytes) {
+  bytes = 0;
   if (descriptors == nullptr && count > 0) {
     return fail(MESH_REFUSED, "null descriptors with a count of %u", count);
   }
@@ -23,20 +39,21 @@ namespace {
     if (descriptors[i].data == 0 && descriptors[i].length != 0) {
       return fail(MESH_REFUSED, "descriptor %u: null data with a length", i);
     }
-    payloadBytes += descriptors[i].length;
+    bytes += descriptors[i].length;
   }
-  if (payloadBytes > settings.payloadLimit) {
+  if (bytes > settings.payloadLimit) {
     return fail(MESH_REFUSED, "%llu bytes of tables exceed the limit of %u",
-                static_cast<unsigned long long>(payloadBytes), settings.payloadLimit);
+                static_cast<unsigned long long>(bytes), settings.payloadLimit);
   }
   return MESH_OK;
 }
 
-void copyIndex(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
+uint8_t* copyIndex(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
   for (const mesh_msg_desc& descriptor : descriptors) {
     encodeIndexEntry({.id = descriptor.msg_id, .length = descriptor.length}, to);
     to += indexEntrySize;
   }
+  return to;
 }
 
 // Copies adjacent tables with one memcpy.
@@ -61,71 +78,229 @@ mesh_result Sender::open(std::shared_ptr<Context> context) {
   if (getrandom(&incarnation_, sizeof incarnation_, 0) != sizeof incarnation_) {
     return fail(MESH_SYSTEM_ERROR, "random number: %s", std::strerror(errno));
   }
-  context_ = std::move(context);
+  outgoing_.open(std::move(context));
   return MESH_OK;
 }
 
 mesh_result Sender::send(uint32_t destination, const mesh_msg_desc* descriptors, uint32_t count,
-                         uint64_t extra) {
-  uint64_t payloadBytes = 0;
-  mesh_result result = checkCall(settings_, descriptors, count, payloadBytes);
+                         uint64_t extra, const Patience& patience) {
+  uint64_t bytes = 0;
+  mesh_result result = checkCall(settings_, descriptors, count, bytes);
+  MessagePart message;
+  if (result == MESH_OK && !message.allocate(headerSize + count * indexEntrySize + bytes)) {
+    result = fail(MESH_OUT_OF_MEMORY, "no memory for a message");
+  }
+  FrameHeader header{.source = source_,
+                     .destination = destination,
+                     .incarnation = incarnation_,
+                     .extra = extra,
+                     .count = count,
+                     .bytes = static_cast<uint32_t>(bytes)};
   if (result == MESH_OK) {
-    result = trySend(destination, {descriptors, count}, extra, payloadBytes);
+    const std::span tables(descriptors, count);
+    copyTables(tables, copyIndex(tables, message.data() + headerSize));
+  }
+  Lock lock(mutex_);
+  if (result == MESH_OK) {
+    result = sendLocked(lock, header, message, patience);
   }
   if (result == MESH_OK) {
     statistics_.sentCalls.add(1);
     statistics_.sentRecords.add(count);
-    statistics_.sentBytes.add(payloadBytes);
+    statistics_.sentBytes.add(bytes);
   } else {
     statistics_.countFailure(result);
   }
   return result;
 }
 
-mesh_result Sender::trySend(uint32_t destination, std::span<const mesh_msg_desc> descriptors,
-                            uint64_t extra, uint64_t payloadBytes) {
-  Connection::Parts parts;
-  if (!parts[1].allocate(descriptors.size() * indexEntrySize) || !parts[2].allocate(payloadBytes)) {
-    return fail(MESH_OUT_OF_MEMORY, "no memory for a message");
+mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& message,
+                               const Patience& patience) {
+  Destination& destination = outgoing_.destination(header.destination);
+  bool updated = false;
+  bool wasPresent = false;
+  Clock::time_point start{};
+  Clock::time_point end{};
+  Clock::time_point deadline{};
+  Clock::time_point nextSync{};
+  while (!closing_) {
+    if (const mesh_result result = outgoing_.connect(destination); result != MESH_OK) {
+      return result;
+    }
+    const bool present = destination.link.present;
+    if (present && destination.hasRoom(header.bytes)) {
+      destination.number(header);
+      if (push(destination, header, message)) {
+        destination.givenUp = false;
+        if ((header.flags & tellFlag) != 0 || polling_) {
+          update();
+        }
+        return MESH_OK;
+      }
+      destination.takeBack(header);
+      continue;
+    }
+    if (!updated) {
+      update();
+      updated = true;
+      start = Clock::now();
+      end = start + std::max(patience.connect, patience.room);
+      deadline = std::min(start + patience.connect, end);
+      if (destination.givenUp && !Outgoing::mayBePresent(destination)) {
+        deadline = start;
+      }
+      continue;
+    }
+    const Clock::time_point now = Clock::now();
+    if (present != wasPresent) {
+      wasPresent = present;
+      if (!present) {
+        deadline = std::min(now + patience.connect, end);
+      } else if (isInHandler() || patience.room.count() == 0) {
+        deadline = now;
+      } else {
+        deadline = std::max(start + patience.room, now + settling);
+      }
+      nextSync = now;
+    }
+    if (now >= deadline) {
+      const std::string endpoint = destination.endpoint().text();
+      if (present) {
+        return fail(MESH_QUEUE_FULL, "%s: %llu calls to the receiver are unconfirmed",
+                    endpoint.c_str(), static_cast<unsigned long long>(destination.unconfirmed()));
+      }
+      destination.givenUp = true;
+      return fail(MESH_NO_DESTINATION, "%s: no receiver answers", endpoint.c_str());
+    }
+    if (present && now >= nextSync) {
+      sync(destination, false);
+      nextSync = now + syncInterval;
+    }
+    wait(lock, deadline);
   }
-  copyIndex(descriptors, parts[1].data());
-  copyTables(descriptors, parts[2].data());
-  Destination* target = find(destination);
-  if (target == nullptr) {
-    return fail(MESH_NOT_OPEN, "the node is being closed");
-  }
-  const FrameHeader header{.source = source_,
-                           .destination = destination,
-                           .incarnation = incarnation_,
-                           .sequence = 0,
-                           .extra = extra,
-                           .count = static_cast<uint32_t>(descriptors.size()),
-                           .payloadBytes = payloadBytes};
-  return target->send(header, parts, context_, closing_);
+  return fail(MESH_NOT_OPEN, "the node was closed during the call");
 }
 
-Destination* Sender::find(uint32_t address) {
-  const std::lock_guard lock(mutex_);
-  if (closing_.load()) {
-    return nullptr;
-  }
-  auto& destination = destinations_[address];
-  if (destination == nullptr) {
-    destination = std::make_unique<Destination>(settings_, address);
-  }
-  return destination.get();
+bool Sender::push(Destination& destination, FrameHeader header, MessagePart& message) {
+  encodeHeader(header, message.data());
+  return outgoing_.push(destination, message);
 }
 
-void Sender::close() {
-  {
-    // No destination is added after this, so the loop below needs no lock.
-    const std::lock_guard lock(mutex_);
-    closing_.store(true);
+void Sender::sync(Destination& destination, bool closing) {
+  FrameHeader header = destination.sync(closing);
+  header.source = source_;
+  header.destination = destination.address();
+  header.incarnation = incarnation_;
+  MessagePart message;
+  // A lost Sync is repeated.
+  if (message.allocate(headerSize)) {
+    static_cast<void>(push(destination, header, message));
   }
-  for (const auto& [address, destination] : destinations_) {
-    destination->close();
+}
+
+void Sender::wait(Lock& lock, Clock::time_point until) {
+  ++waiting_;
+  const Clock::time_point soon = std::min(until, Clock::now() + slice);
+  if (polling_) {
+    changed_.wait_until(lock, soon);
+  } else {
+    polling_ = true;
+    pollfd files[] = {{.fd = outgoing_.stateFile(), .events = POLLIN, .revents = 0},
+                      {.fd = outgoing_.eventFile(), .events = POLLIN, .revents = 0}};
+    lock.unlock();
+    const auto left = std::chrono::ceil<milliseconds>(soon - Clock::now());
+    static_cast<void>(
+        poll(files, std::size(files), static_cast<int>(std::max<int64_t>(0, left.count()))));
+    lock.lock();
+    polling_ = false;
+    update();
+    changed_.notify_all();
   }
-  context_.reset();
+  --waiting_;
+}
+
+void Sender::update() {
+  for (Destination* destination : outgoing_.update()) {
+    // A receiver connected. It may be a successor, and some calls may be lost.
+    if (destination->unconfirmed() > 0) {
+      sync(*destination, false);
+    }
+  }
+}
+
+void Sender::tend() {
+  const Lock lock(mutex_, std::try_to_lock);
+  if (lock && !closing_) {
+    update();
+    if (waiting_ > 0) {
+      changed_.notify_all();
+    }
+  }
+}
+
+mesh_result Sender::close() {
+  Lock lock(mutex_);
+  closing_ = true;
+  changed_.notify_all();
+  while (waiting_ > 0) {
+    changed_.wait_for(lock, slice);
+  }
+  const mesh_result result = waitForArrival(lock);
+  outgoing_.close();
+  return result;
+}
+
+mesh_result Sender::waitForArrival(Lock& lock) {
+  const Clock::time_point end = Clock::now() + settings_.linger;
+  update();
+  uint64_t known = 0;
+  for (const auto& [address, destination] : outgoing_.destinations()) {
+    known += destination->lost();
+    if (destination->link.present) {
+      sync(*destination, true);
+    }
+  }
+  uint64_t missing = 0;
+  for (;;) {
+    bool mayArrive = false;
+    missing = 0;
+    for (const auto& [address, destination] : outgoing_.destinations()) {
+      missing += destination->lost() + destination->notArrived();
+      mayArrive = mayArrive || (destination->link.present && destination->notArrived() > 0);
+    }
+    if (!mayArrive || Clock::now() >= end) {
+      break;
+    }
+    wait(lock, end);
+  }
+  if (missing > known) {
+    return fail(MESH_UNDELIVERED, "%llu sent calls are not known to have arrived",
+                static_cast<unsigned long long>(missing - known));
+  }
+  return MESH_OK;
+}
+
+void Sender::count(mesh_node_statistics& statistics) {
+  const Lock lock(mutex_);
+  update();
+  for (const auto& [address, destination] : outgoing_.destinations()) {
+    statistics.undelivered_calls += destination->lost();
+    statistics.unconfirmed_calls += destination->unconfirmed();
+  }
+}
+
+void Sender::describe(PeerTable& peers) {
+  const Lock lock(mutex_);
+  for (const auto& [address, destination] : outgoing_.destinations()) {
+    mesh_peer_statistics& peer = peerAt(peers, address);
+    peer.connected = destination->link.present ? 1 : 0;
+    peer.sent_calls = destination->sent();
+    peer.sent_bytes = destination->sentBytes();
+    peer.unconfirmed_calls = destination->unconfirmed();
+    peer.most_unconfirmed_calls = destination->mostUnconfirmed();
+    peer.undelivered_calls = destination->lost();
+    peer.last_heard_ms = std::min(peer.last_heard_ms, millisecondsSince(destination->heardAt()));
+  }
 }
 
 }  // namespace zarnimesh

@@ -1,50 +1,74 @@
 // A node's sender.
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <span>
-#include <unordered_map>
 
 #include "zarnimesh/mesh.h"
-#include "zarnimesh/node/statistics.hpp"
-#include "zarnimesh/peers/destination.hpp"
+#include "zarnimesh/node/peer_table.hpp"
+#include "zarnimesh/peers/outgoing.hpp"
+#include "zarnimesh/peers/statistics.hpp"
 
 namespace zarnimesh {
 
-// Thread-safe. `settings` and `statistics` must outlive it.
+// Thread-safe. `settings`, `statistics` and `events` must outlive it.
 class Sender {
  public:
-  Sender(const Settings& settings, Statistics& statistics, uint32_t source)
-      : settings_(settings), statistics_(statistics), source_(source) {}
+  Sender(const Settings& settings, Statistics& statistics, PeerEvents& events, uint32_t source)
+      : settings_(settings),
+        statistics_(statistics),
+        source_(source),
+        outgoing_(settings, events) {}
 
   // Picks the random incarnation.
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context);
 
+  // How long a send waits at most.
+  struct Patience {
+    std::chrono::milliseconds connect;
+    std::chrono::milliseconds room;
+  };
+
   // Sends one call and counts the result.
   [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
-                                 uint32_t count, uint64_t extra);
+                                 uint32_t count, uint64_t extra, const Patience& patience);
 
-  // Ends sends in progress and refuses new ones. Called once.
-  void close();
+  // Takes what receivers told, if no other thread is doing that.
+  void tend();
+
+  // Ends sends in progress, refuses new ones, and waits until connected receivers say that all
+  // calls arrived. Called once.
+  [[nodiscard]] mesh_result close();
+
+  void count(mesh_node_statistics& statistics);
+  void describe(PeerTable& peers);
 
  private:
-  [[nodiscard]] mesh_result trySend(uint32_t destination,
-                                    std::span<const mesh_msg_desc> descriptors, uint64_t extra,
-                                    uint64_t payloadBytes);
-  // Finds or adds the destination. Null when the node is being closed.
-  Destination* find(uint32_t address);
+  using Clock = std::chrono::steady_clock;
+  using Lock = std::unique_lock<std::mutex>;
+
+  [[nodiscard]] mesh_result sendLocked(Lock& lock, FrameHeader& header, MessagePart& message,
+                                       const Patience& patience);
+  // Waits until something may have changed, and updates.
+  void wait(Lock& lock, Clock::time_point until);
+  void update();
+  [[nodiscard]] bool push(Destination& destination, FrameHeader header, MessagePart& message);
+  void sync(Destination& destination, bool closing);
+  [[nodiscard]] mesh_result waitForArrival(Lock& lock);
 
   const Settings& settings_;
   Statistics& statistics_;
   const uint32_t source_;
   uint64_t incarnation_ = 0;
-  std::shared_ptr<Context> context_;  // sends read it until `closing_` is set
 
-  std::atomic<bool> closing_ = false;
-  std::mutex mutex_;  // guards destinations_; no other lock is taken under it
-  std::unordered_map<uint32_t, std::unique_ptr<Destination>> destinations_;
+  std::mutex mutex_;  // guards the members below, and the sender's counters
+  std::condition_variable changed_;
+  Outgoing outgoing_;
+  bool closing_ = false;
+  bool polling_ = false;  // a thread waits for the sockets; the others wait for it
+  int waiting_ = 0;       // threads in wait()
 };
 
 }  // namespace zarnimesh

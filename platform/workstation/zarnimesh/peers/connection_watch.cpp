@@ -9,7 +9,9 @@
 namespace zarnimesh {
 namespace {
 
-constexpr int watchedEvents = ZMQ_EVENT_ACCEPTED | ZMQ_EVENT_DISCONNECTED;
+constexpr int failures = ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL |
+                         ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL | ZMQ_EVENT_HANDSHAKE_FAILED_AUTH;
+constexpr int watchedEvents = ZMQ_EVENT_ACCEPTED | ZMQ_EVENT_DISCONNECTED | failures;
 
 template <typename Value>
 std::optional<Value> option(int file, int level, int name) {
@@ -56,20 +58,20 @@ void ConnectionWatch::noteMessage(MessagePart& message) {
   }
 }
 
-uint64_t ConnectionWatch::check() {
+ConnectionWatch::Ended ConnectionWatch::check(bool idle) {
+  idle_ = idle_ || idle;
   const Clock::time_point now = Clock::now();
   if (now < nextCheck_) {
-    return 0;
+    return {};
   }
   nextCheck_ = now + interval;
-  readEvents();
+  Ended ended{.refused = readEvents()};
   // ZeroMQ serves its connections in turn. After this many messages, or when none is left, a
   // connection that delivered nothing has no complete message.
   const bool allHadTheirTurn = idle_ || taken_ >= connections_.size();
-  uint64_t ended = 0;
   if (allHadTheirTurn) {
     for (auto& [file, connection] : connections_) {
-      ended += endIfEndless(file, connection) ? 1 : 0;
+      ended.endless += endIfEndless(file, connection) ? 1 : 0;
     }
     idle_ = false;
     taken_ = 0;
@@ -77,15 +79,20 @@ uint64_t ConnectionWatch::check() {
   return ended;
 }
 
-void ConnectionWatch::readEvents() {
+// Returns the number of failed handshakes.
+uint64_t ConnectionWatch::readEvents() {
+  uint64_t failed = 0;
   while (const std::optional<TransportEvent> event = nextEvent(events_)) {
     const auto file = static_cast<int>(event->value);
     if (event->number == ZMQ_EVENT_ACCEPTED) {
       add(file);
     } else if (event->number == ZMQ_EVENT_DISCONNECTED) {
       connections_.erase(file);
+    } else {
+      ++failed;
     }
   }
+  return failed;
 }
 
 void ConnectionWatch::add(int file) {

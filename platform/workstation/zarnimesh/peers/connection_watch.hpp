@@ -15,7 +15,7 @@
 
 namespace zarnimesh {
 
-// Used by the receiving thread only.
+// For one thread at a time.
 class ConnectionWatch {
  public:
   using Clock = std::chrono::steady_clock;
@@ -33,11 +33,15 @@ class ConnectionWatch {
   // A message was received: the count of its connection starts again.
   void noteMessage(MessagePart& message);
 
-  // No message was waiting.
-  void noteIdle() { idle_ = true; }
+  bool hasConnections() const { return !connections_.empty(); }
 
-  // Checks if the interval has passed. Returns the number of ended connections.
-  uint64_t check();
+  struct Ended {
+    uint64_t endless = 0;
+    uint64_t refused = 0;  // in the handshake
+  };
+
+  // Checks if the interval has passed. `idle`: no message was waiting.
+  Ended check(bool idle);
 
  private:
   struct Connection {
@@ -47,7 +51,7 @@ class ConnectionWatch {
     bool suspect = false;
   };
 
-  void readEvents();
+  uint64_t readEvents();
   void add(int file);
   bool endIfEndless(int file, Connection& connection);
 

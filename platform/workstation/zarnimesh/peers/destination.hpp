@@ -1,40 +1,99 @@
-// One destination of a node: the connection to it, and the number of calls sent.
+// What a node knows of one destination: its connection, and the calls that it did not confirm yet.
 #pragma once
 
-#include <atomic>
-#include <memory>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
 
-#include "zarnimesh/peers/connection.hpp"
-#include "zarnimesh/peers/gate.hpp"
+#include "zarnimesh/configuration/settings.hpp"
+#include "zarnimesh/transport/frame.hpp"
 
 namespace zarnimesh {
 
-// Thread-safe: one thread at a time uses the connection.
+// For one thread at a time. `settings` must outlive it.
 class Destination {
  public:
+  using Clock = std::chrono::steady_clock;
+
   Destination(const Settings& settings, uint32_t address)
-      : settings_(settings), connection_(settings, address) {}
+      : settings_(settings), address_(address), endpoint_(settings.endpointOf(address)) {}
 
-  // Numbers the call and sends it, waiting within the timeouts. `parts` holds an empty header,
-  // index and payload. Returns MESH_NOT_OPEN once `closing` is set.
-  [[nodiscard]] mesh_result send(FrameHeader header, Connection::Parts& parts,
-                                 const std::shared_ptr<Context>& context,
-                                 const std::atomic<bool>& closing);
+  uint32_t address() const { return address_; }
+  const Endpoint& endpoint() const { return endpoint_; }
 
-  // Waits for a send in progress. `closing` must be set before.
-  void close();
+  // Whether the receiver's credit and the node's own limits admit a call of `bytes`. One call is
+  // always admitted, however large.
+  bool hasRoom(uint32_t bytes) const {
+    return unconfirmed_.empty() || (unconfirmed_.size() < callLimit() && bytes <= byteLimit() &&
+                                    unconfirmedBytes_ <= byteLimit() - bytes);
+  }
+
+  // Numbers a call of `bytes`, and asks for confirmation when a quarter of the credit is used.
+  void number(FrameHeader& call);
+  // Takes back the latest number: the call could not be sent.
+  void takeBack(const FrameHeader& call);
+
+  FrameHeader sync(bool closing) const {
+    return {.kind = Kind::Sync,
+            .flags = closing ? closingFlag : uint8_t{0},
+            .sequence = numbered_,
+            .confirmed = settled_};
+  }
+
+  // The receiver's answer. `first` as in a State. Returns whether another node answered before.
+  bool note(const FrameHeader& state, uint64_t first);
+
+  // MESH_PEER_HIGH_WATER or MESH_PEER_LOW_WATER, if it was reached since the last call.
+  std::optional<mesh_peer_change> newWater();
+
+  uint64_t sent() const { return numbered_; }
+  uint64_t sentBytes() const { return sentBytes_; }
+  uint64_t unconfirmed() const { return numbered_ - settled_; }
+  // Calls that did not arrive, as far as a receiver or its successor has told.
+  uint64_t lost() const { return lostBefore_ + missing_; }
+  // Calls that no receiver has told to have arrived.
+  uint64_t notArrived() const { return numbered_ - arrived_; }
+  uint64_t mostUnconfirmed() const { return mostUnconfirmed_; }
+  Clock::time_point heardAt() const { return heardAt_; }
+
+  // Kept by Outgoing.
+  struct Link {
+    uint64_t route = 0;       // ZeroMQ's name of the connection; 0 before the first
+    std::string connectedTo;  // as ZeroMQ's events name the endpoint
+    uint64_t generation = 0;  // inproc: of the connected receiver
+    bool present = false;     // a receiver is connected, as far as the events tell
+  } link;
+  // A call found no receiver. The next one does not wait until there is a sign of one.
+  bool givenUp = false;
 
  private:
-  using Clock = Gate::Clock;
-
-  [[nodiscard]] mesh_result sendLocked(Connection::Parts& parts,
-                                       const std::shared_ptr<Context>& context,
-                                       const std::atomic<bool>& closing, Clock::time_point start);
+  size_t callLimit() const { return std::min(settings_.sendQueueCalls, grantedCalls_); }
+  uint32_t byteLimit() const { return std::min(settings_.queueBytes, grantedBytes_); }
+  void settle(uint64_t sequence);
 
   const Settings& settings_;
-  Gate gate_;  // guards the members below
-  Connection connection_;
-  uint64_t sentCalls_ = 0;
+  const uint32_t address_;
+  const Endpoint endpoint_;
+
+  uint64_t numbered_ = 0;  // calls sent
+  uint64_t settled_ = 0;   // delivered or lost: all up to this one
+  uint64_t arrived_ = 0;   // arrived or lost: all up to this one
+  uint64_t sentBytes_ = 0;
+  std::deque<uint32_t> unconfirmed_;  // bytes of each call after settled_
+  uint64_t unconfirmedBytes_ = 0;
+  uint64_t mostUnconfirmed_ = 0;
+  bool aboveWater_ = false;
+  uint32_t askedCalls_ = 0;  // since the latest call that asks for confirmation
+  uint64_t askedBytes_ = 0;
+
+  uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
+  uint64_t missing_ = 0;   // calls that this receiver misses
+  uint64_t lostBefore_ = 0;  // calls that its predecessors missed or never confirmed
+  uint32_t grantedCalls_ = initialCredit;
+  uint32_t grantedBytes_ = UINT32_MAX;
+  Clock::time_point heardAt_{};
 };
 
 }  // namespace zarnimesh

@@ -8,13 +8,15 @@
 
 #include "zarnimesh/configuration/runtime_directory.hpp"
 #include "zarnimesh/transport/inproc_table.hpp"
-#include "zarnimesh/transport/ipc_socket.hpp"
 
 namespace zarnimesh {
 namespace {
 
 // ZeroMQ's I/O thread closes a listening socket. Only on a stalled system does that take longer.
 constexpr std::chrono::milliseconds closingTime{1000};
+
+// For the last answers to senders.
+constexpr int lingerMs = 20;
 
 std::string binaryKey(const std::string& text) {
   std::array<uint8_t, 32> bytes{};
@@ -35,7 +37,7 @@ Authenticator::Known knownTo(const KeyRing& keys, uint32_t ownAddress) {
 }  // namespace
 
 mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& settings,
-                           uint32_t address) {
+                           uint32_t address, int room) {
   context_ = std::move(context);
   if (settings.defaultTransport == Transport::Ipc) {
     // Checked for every node that may use the directory: senders trust it too.
@@ -50,13 +52,13 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
   if (const mesh_result result = claim(); result != MESH_OK) {
     return result;
   }
-  return openSocket(settings, address);
+  return openSocket(settings, address, room);
 }
 
 // Makes sure that no live node receives at the endpoint. For tcp zmq_bind does that.
 mesh_result Listener::claim() {
   if (endpoint_.transport == Transport::Ipc) {
-    return lock_.acquire(endpoint_.rest + ".lock");
+    return lock_.acquire(lockOf(endpoint_.rest));
   }
   if (endpoint_.transport == Transport::Inproc) {
     generation_ = InprocTable::instance().add(endpoint_.rest);
@@ -68,38 +70,63 @@ mesh_result Listener::claim() {
   return MESH_OK;
 }
 
-mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
+mesh_result Listener::openSocket(const Settings& settings, uint32_t address, int room) {
   const std::string endpoint =
       generation_ ? InprocTable::boundEndpoint(endpoint_.rest, *generation_) : endpoint_.text();
-  socket_ = Socket(zmq_socket(context_->handle(), ZMQ_PULL));
-  if (!socket_ || !socket_.set(ZMQ_RCVHWM, settings.receiveQueueCalls) ||
-      !socket_.set(ZMQ_LINGER, 0) || !socket_.set(ZMQ_MAXMSGSIZE, settings.partLimit()) ||
+  socket_ = Socket(zmq_socket(context_->handle(), ZMQ_ROUTER));
+  if (!socket_ || !socket_.set(ZMQ_RCVHWM, room) || !socket_.set(ZMQ_LINGER, lingerMs) ||
+      !socket_.set(ZMQ_ROUTER_MANDATORY, 1) || !setHeartbeat(socket_, settings.heartbeat) ||
+      !socket_.set(ZMQ_MAXMSGSIZE, static_cast<int64_t>(settings.messageLimit())) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0)) {
     return failFromTransport(endpoint.c_str());
   }
-  mesh_result result = MESH_OK;
+  if (endpoint_.transport == Transport::Tcp && settings.keys) {
+    if (const auto result = requireKeys(*settings.keys, address); result != MESH_OK) {
+      return result;
+    }
+  }
+  return bind(endpoint);
+}
+
+mesh_result Listener::bind(const std::string& endpoint) {
   if (endpoint_.transport == Transport::Ipc) {
-    result = listenOnIpc();
-  } else if (endpoint_.transport == Transport::Tcp && settings.keys) {
-    result = requireKeys(*settings.keys, address);
+    if (const mesh_result result = listenOnIpc(); result != MESH_OK) {
+      return result;
+    }
   }
-  if (result == MESH_OK && zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
-    result = failFromTransport(endpoint.c_str());
+  if (zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
+    return failFromTransport(endpoint.c_str());
   }
-  if (result == MESH_OK) {
-    bound_ = endpoint;
-  }
-  return result;
+  bound_ = endpoint;
+  return MESH_OK;
 }
 
 mesh_result Listener::listenOnIpc() {
   int file = -1;
-  const mesh_result result = listenAt(endpoint_.rest, file);
+  const mesh_result result = listenAt(endpoint_.rest, file, file_);
   if (result == MESH_OK && !socket_.set(ZMQ_USE_FD, file)) {
     ::close(file);
     return failFromTransport(endpoint_.rest.c_str());
   }
   return result;
+}
+
+mesh_result Listener::listenAgain() {
+  if (endpoint_.transport != Transport::Ipc) {
+    return MESH_OK;
+  }
+  if (!lock_.isIntact(lockOf(endpoint_.rest))) {
+    // The lock of a removed file keeps nobody out.
+    lock_.release();
+    if (const mesh_result result = claim(); result != MESH_OK) {
+      return result;
+    }
+  }
+  if (!bound_.empty() && isAt(endpoint_.rest, file_)) {
+    return MESH_OK;
+  }
+  unbind();
+  return bind(endpoint_.text());
 }
 
 mesh_result Listener::requireKeys(const KeyRing& keys, uint32_t address) {
@@ -121,10 +148,7 @@ void Listener::close() {
     InprocTable::instance().remove(endpoint_.rest);
     generation_.reset();
   }
-  if (!bound_.empty() && endpoint_.transport != Transport::Inproc) {
-    stopListening();
-  }
-  bound_.clear();
+  stopListening();
   socket_.close();
   if (!domain_.empty()) {
     context_->authenticator()->removeDomain(domain_);
@@ -135,6 +159,13 @@ void Listener::close() {
 }
 
 void Listener::stopListening() {
+  if (!bound_.empty() && endpoint_.transport != Transport::Inproc) {
+    unbind();
+  }
+  bound_.clear();
+}
+
+void Listener::unbind() {
   Socket watcher =
       watchEvents(context_->handle(), socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
   if (zmq_unbind(socket_.handle(), bound_.c_str()) == 0 && watcher) {
@@ -145,7 +176,8 @@ void Listener::stopListening() {
     }
   }
   stopWatching(socket_, watcher);
-  if (endpoint_.transport == Transport::Ipc) {
+  // A successor's socket may stand there, if somebody removed the lock.
+  if (endpoint_.transport == Transport::Ipc && isAt(endpoint_.rest, file_)) {
     unlink(endpoint_.rest.c_str());
   }
 }

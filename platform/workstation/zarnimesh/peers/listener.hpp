@@ -7,6 +7,7 @@
 #include "zarnimesh/configuration/settings.hpp"
 #include "zarnimesh/transport/address_lock.hpp"
 #include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/ipc_socket.hpp"
 #include "zarnimesh/transport/socket.hpp"
 
 namespace zarnimesh {
@@ -16,28 +17,39 @@ class Listener {
  public:
   ~Listener() { close(); }
 
-  // Claims the endpoint of `address` and binds to it.
+  // Claims the endpoint of `address` and binds to it. `room` is how many messages of one peer may
+  // wait in the socket.
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context, const Settings& settings,
-                                 uint32_t address);
+                                 uint32_t address, int room);
+
+  // ipc: listens again when somebody removed the socket's file or its lock. Fails when another node
+  // claimed the endpoint meanwhile.
+  [[nodiscard]] mesh_result listenAgain();
+
+  // Nobody can connect any more. What arrived can still be read.
+  void stopListening();
 
   // Releases the endpoint. Any process can then bind to it at once.
   void close();
 
+  bool isOpen() const { return static_cast<bool>(socket_); }
   Socket& socket() { return socket_; }
   const Endpoint& endpoint() const { return endpoint_; }
 
  private:
   [[nodiscard]] mesh_result claim();
-  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
+  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address, int room);
+  [[nodiscard]] mesh_result bind(const std::string& endpoint);
+  void unbind();
   [[nodiscard]] mesh_result listenOnIpc();
   [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);
-  void stopListening();
 
   std::shared_ptr<Context> context_;
   Endpoint endpoint_;
   std::string bound_;                   // as passed to zmq_bind; empty when not bound
   std::optional<uint64_t> generation_;  // inproc
   AddressLock lock_;                    // ipc
+  SocketFile file_;                     // ipc
   std::string domain_;                  // tcp with keys: names the keys that may connect
   Socket socket_;
 };

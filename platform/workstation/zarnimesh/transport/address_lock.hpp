@@ -20,8 +20,19 @@ class AddressLock {
   [[nodiscard]] mesh_result acquire(const std::string& path);
   void release();
 
+  // Whether the path still names the locked file. Somebody may have removed it.
+  bool isIntact(const std::string& path) const;
+
+  // Whether a live node owns the path.
+  static bool isHeld(const std::string& path);
+
  private:
   int file_ = -1;
 };
+
+// The file that guards a socket's path.
+inline std::string lockOf(const std::string& socketPath) {
+  return socketPath + ".lock";
+}
 
 }  // namespace zarnimesh

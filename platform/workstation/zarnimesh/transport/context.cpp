@@ -8,12 +8,12 @@
 namespace zarnimesh {
 namespace {
 
-// Each destination takes two sockets and some internal ones. ZeroMQ's default of 1023 is too low.
+// A node takes two sockets and some internal ones. ZeroMQ's default of 1023 is too low.
 constexpr int maxSockets = 16384;
 
 }  // namespace
 
-std::shared_ptr<Context> Context::shared() {
+std::shared_ptr<Context> Context::shared(int ioThreads) {
   static std::mutex mutex;
   static std::weak_ptr<Context> current;
   const std::lock_guard lock(mutex);
@@ -25,7 +25,8 @@ std::shared_ptr<Context> Context::shared() {
     return nullptr;
   }
   auto context = std::make_shared<Context>(handle);
-  if (zmq_ctx_set(handle, ZMQ_MAX_SOCKETS, maxSockets) != 0) {
+  if (zmq_ctx_set(handle, ZMQ_MAX_SOCKETS, maxSockets) != 0 ||
+      zmq_ctx_set(handle, ZMQ_IO_THREADS, ioThreads) != 0) {
     return nullptr;
   }
   current = context;

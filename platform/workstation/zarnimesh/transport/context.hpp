@@ -13,7 +13,7 @@ namespace zarnimesh {
 class Context {
  public:
   // The context that the open nodes share, or a new one. Null when ZeroMQ fails.
-  static std::shared_ptr<Context> shared();
+  static std::shared_ptr<Context> shared(int ioThreads);
 
   explicit Context(void* handle);
   // Ends ZeroMQ's context, which also ends the authenticator's thread.

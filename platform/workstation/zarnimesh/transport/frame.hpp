@@ -1,16 +1,17 @@
-// The wire format: one call is one multipart message of header, index and payload.
+// The wire format: one call, or one word about calls, is one ZeroMQ message of one part.
 //
 //   header   56 bytes, below
-//   index    8 bytes for each table: identifier and length
-//   payload  the tables, without gaps
+//   Call     index, 8 bytes for each table: identifier and length; then the tables, without gaps
+//   State    u64: sequence of the first call that this receiver knows of
 //
 // All integers are little-endian.
 //
-//   0  u32 magic "ZMSH"     16 u64 incarnation        40 u32 count of tables
-//   4  u16 version, 1       24 u64 sequence, from 1   44 u32 0
-//   6  u16 flags, 0         32 u64 extra              48 u64 bytes of the payload
-//   8  u32 source
-//  12  u32 destination
+//   0  u32 magic "ZMSH"     16 u64 incarnation        40 u64 extra
+//   4  u16 version, 2       24 u64 sequence           48 u32 count
+//   6  u8  kind             32 u64 confirmed          52 u32 bytes
+//   7  u8  flags            8  u32 source             12 u32 destination
+//
+// A sender sends Call and Sync, the receiver answers with State over the same connection.
 #pragma once
 
 #include <cstddef>
@@ -22,16 +23,32 @@ namespace zarnimesh {
 
 inline constexpr size_t headerSize = 56;
 inline constexpr size_t indexEntrySize = 8;
-inline constexpr size_t partCount = 3;
+inline constexpr size_t stateSize = headerSize + sizeof(uint64_t);
+
+enum class Kind : uint8_t {
+  Call,
+  Sync,   // "so many calls are numbered: which arrived?"
+  State,  // what arrived, and how much more may be sent
+};
+
+// The flag of a Call: its delivery is to be answered with a State.
+inline constexpr uint8_t tellFlag = 1;
+// The flag of a Sync: no call follows.
+inline constexpr uint8_t closingFlag = 1;
 
 struct FrameHeader {
-  uint32_t source;
-  uint32_t destination;
-  uint64_t incarnation;  // random number of the sending node, new at each open
-  uint64_t sequence;     // of the call, for this incarnation and destination
-  uint64_t extra;
-  uint32_t count;
-  uint64_t payloadBytes;
+  Kind kind = Kind::Call;
+  uint8_t flags = 0;
+  uint32_t source = 0;
+  uint32_t destination = 0;
+  uint64_t incarnation = 0;  // random number of the node that sends this, new at each open
+  uint64_t sequence = 0;     // Call: its number, from 1. Sync: of the latest call, or 0.
+                             // State: of the latest call that arrived
+  uint64_t confirmed = 0;    // Call, Sync: of the latest call that is known to be delivered.
+                             // State: of the latest call that was delivered
+  uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls that are missing
+  uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed
+  uint32_t bytes = 0;        // Call: of all tables. State: of unconfirmed calls
 };
 
 struct IndexEntry {
@@ -41,12 +58,14 @@ struct IndexEntry {
 
 void encodeHeader(const FrameHeader& header, uint8_t* to);
 void encodeIndexEntry(const IndexEntry& entry, uint8_t* to);
+void encodeFirst(uint64_t first, uint8_t* to);
 
-// Nothing when the bytes are not a header of this version.
-std::optional<FrameHeader> decodeHeader(std::span<const uint8_t> bytes);
+// Nothing when the bytes do not begin with a header of this version.
+std::optional<FrameHeader> decodeHeader(std::span<const uint8_t> message);
 IndexEntry decodeIndexEntry(const uint8_t* from);
+uint64_t decodeFirst(const uint8_t* from);
 
-// Whether the lengths of index and payload match the header, and the tables fill the payload.
-bool lengthsAgree(const FrameHeader& header, std::span<const uint8_t> index, size_t payloadBytes);
+// Whether a Call has the length that its header states, and its tables fill it.
+bool lengthsAgree(const FrameHeader& header, std::span<const uint8_t> message);
 
 }  // namespace zarnimesh

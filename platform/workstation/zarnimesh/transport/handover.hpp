@@ -23,9 +23,9 @@ inline void handOver([[maybe_unused]] void* bytes) {
 #endif
 }
 
-inline void takeOver([[maybe_unused]] void* bytes) {
+inline void takeOver([[maybe_unused]] const void* bytes) {
 #ifdef ZARNIMESH_THREAD_SANITIZER
-  __tsan_acquire(bytes);
+  __tsan_acquire(const_cast<void*>(bytes));
 #endif
 }
 

@@ -21,7 +21,13 @@ bool bindAndListen(int file, const sockaddr_un& address) {
 
 }  // namespace
 
-mesh_result listenAt(const std::string& path, int& file) {
+bool isAt(const std::string& path, const SocketFile& file) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && status.st_dev == file.device &&
+         status.st_ino == file.inode;
+}
+
+mesh_result listenAt(const std::string& path, int& file, SocketFile& named) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) {
@@ -37,7 +43,8 @@ mesh_result listenAt(const std::string& path, int& file) {
     unlink(path.c_str());
   }
   file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  if (file >= 0 && bindAndListen(file, address)) {
+  if (file >= 0 && bindAndListen(file, address) && lstat(path.c_str(), &status) == 0) {
+    named = {.device = status.st_dev, .inode = status.st_ino};
     return MESH_OK;
   }
   const int error = errno;

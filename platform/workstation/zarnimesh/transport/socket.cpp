@@ -18,6 +18,11 @@ mesh_result failFromTransport(const char* what) {
   return fail(result, "%s: %s", what, zmq_strerror(error));
 }
 
+bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval) {
+  const auto time = static_cast<int>(interval.count());
+  return socket.set(ZMQ_HEARTBEAT_IVL, time) && socket.set(ZMQ_HEARTBEAT_TIMEOUT, 2 * time);
+}
+
 Socket watchEvents(void* context, Socket& watched, int events) {
   static std::atomic<uint64_t> counter = 0;
   char endpoint[64];
@@ -36,6 +41,29 @@ Socket watchEvents(void* context, Socket& watched, int events) {
   return watcher;
 }
 
+std::string routeName(uint64_t route) {
+  std::string name(routeSize, '\0');
+  writeRoute(route, reinterpret_cast<uint8_t*>(name.data()));
+  return name;
+}
+
+void writeRoute(uint64_t route, uint8_t* to) {
+  for (size_t i = 0; i < routeSize; ++i) {
+    to[i] = static_cast<uint8_t>(route >> (8 * i));
+  }
+}
+
+std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
+  if (name.size() != routeSize) {
+    return std::nullopt;
+  }
+  uint64_t route = 0;
+  for (size_t i = 0; i < routeSize; ++i) {
+    route |= uint64_t{name[i]} << (8 * i);
+  }
+  return route;
+}
+
 void stopWatching(Socket& watched, Socket& watcher) {
   if (watcher) {
     zmq_socket_monitor(watched.handle(), nullptr, 0);
@@ -45,22 +73,17 @@ void stopWatching(Socket& watched, Socket& watcher) {
 
 std::optional<TransportEvent> nextEvent(Socket& watcher) {
   // An event has two parts: number and value (16 and 32 bits), then the endpoint.
-  MessagePart first;
-  if (zmq_msg_recv(first.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
+  MessagePart part;
+  if (zmq_msg_recv(part.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
     return std::nullopt;
   }
-  bool more = first.more();
-  while (more) {
-    MessagePart rest;
-    if (zmq_msg_recv(rest.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
-      break;
-    }
-    more = rest.more();
+  TransportEvent event;
+  if (part.size() >= sizeof event.number + sizeof event.value) {
+    std::memcpy(&event.number, part.data(), sizeof event.number);
+    std::memcpy(&event.value, part.data() + sizeof event.number, sizeof event.value);
   }
-  TransportEvent event{};
-  if (first.size() >= sizeof event.number + sizeof event.value) {
-    std::memcpy(&event.number, first.data(), sizeof event.number);
-    std::memcpy(&event.value, first.data() + sizeof event.number, sizeof event.value);
+  while (part.more() && zmq_msg_recv(part.raw(), watcher.handle(), ZMQ_DONTWAIT) >= 0) {
+    event.endpoint.assign(reinterpret_cast<const char*>(part.data()), part.size());
   }
   return event;
 }

@@ -3,9 +3,11 @@
 
 #include <zmq.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -52,9 +54,12 @@ class Socket {
 class MessagePart {
  public:
   MessagePart() { zmq_msg_init(&message_); }
+  MessagePart(MessagePart&& other) noexcept : MessagePart() { *this = std::move(other); }
+  MessagePart& operator=(MessagePart&& other) noexcept {
+    zmq_msg_move(&message_, &other.message_);
+    return *this;
+  }
   ~MessagePart() { zmq_msg_close(&message_); }
-  MessagePart(const MessagePart&) = delete;
-  MessagePart& operator=(const MessagePart&) = delete;
 
   // Replaces an empty part by one of `size` bytes. Its contents are undefined.
   [[nodiscard]] bool allocate(size_t size) {
@@ -65,19 +70,30 @@ class MessagePart {
     return true;
   }
 
-  // Shares the bytes of `other`. Nobody may write them afterwards.
-  [[nodiscard]] bool share(MessagePart& other) {
-    return zmq_msg_copy(&message_, &other.message_) == 0;
-  }
-
-  uint8_t* data() { return static_cast<uint8_t*>(zmq_msg_data(&message_)); }
+  uint8_t* data() { return static_cast<uint8_t*>(zmq_msg_data(message())); }
+  const uint8_t* data() const { return static_cast<const uint8_t*>(zmq_msg_data(message())); }
   size_t size() const { return zmq_msg_size(&message_); }
+  std::span<const uint8_t> bytes() const { return {data(), size()}; }
   bool more() const { return zmq_msg_more(&message_) != 0; }
   zmq_msg_t* raw() { return &message_; }
 
  private:
+  // ZeroMQ's functions do not know const.
+  zmq_msg_t* message() const { return const_cast<zmq_msg_t*>(&message_); }
+
   zmq_msg_t message_;
 };
+
+// A ROUTER socket names each connection. Nodes choose the names of those that they open; ZeroMQ
+// chooses the others. Both have five bytes, which fit into a number.
+inline constexpr size_t routeSize = 5;
+
+std::string routeName(uint64_t route);
+void writeRoute(uint64_t route, uint8_t* to);
+std::optional<uint64_t> readRoute(std::span<const uint8_t> name);
+
+// Ends connections whose peer has not answered for three times `interval`. 0: never.
+[[nodiscard]] bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval);
 
 // The result for a failed ZeroMQ call, from its errno.
 [[nodiscard]] mesh_result failFromTransport(const char* what);
@@ -91,8 +107,9 @@ class MessagePart {
 void stopWatching(Socket& watched, Socket& watcher);
 
 struct TransportEvent {
-  uint16_t number;
-  uint32_t value;  // a file descriptor or an error number
+  uint16_t number = 0;
+  uint32_t value = 0;  // a file descriptor or an error number
+  std::string endpoint;
 };
 
 // Takes one event if there is one. Does not wait.

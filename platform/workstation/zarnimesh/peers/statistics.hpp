@@ -1,4 +1,4 @@
-// A node's counters. Any thread may count and read.
+// A node's counters.
 #pragma once
 
 #include <atomic>
@@ -8,9 +8,13 @@
 
 namespace zarnimesh {
 
+// One thread at a time counts; any thread reads.
 class Counter {
  public:
-  void add(uint64_t amount) { value_.fetch_add(amount, std::memory_order_relaxed); }
+  void add(uint64_t amount) {
+    value_.store(value_.load(std::memory_order_relaxed) + amount, std::memory_order_relaxed);
+  }
+  void subtract(uint64_t amount) { add(0 - amount); }
   uint64_t read() const { return value_.load(std::memory_order_relaxed); }
 
  private:
@@ -18,11 +22,16 @@ class Counter {
 };
 
 struct Statistics {
+  // Counted under the sender's mutex.
   Counter sentCalls, sentRecords, sentBytes;
   Counter failedNoDestination, failedQueueFull, failedRefused, failedOther;
-  Counter receivedCalls, receivedRecords, receivedBytes;
-  Counter malformed, unknownIdentifiers;
-  Counter lostCalls, missedBeforeFirst, duplicateCalls;
+
+  // Counted under the receiver's mutex.
+  Counter receivedCalls, receivedBytes, malformed, refusedConnections;
+  Counter lostCalls, missedBeforeFirst, duplicateCalls, discardedCalls;
+
+  // Counted by the receiving thread.
+  Counter receivedRecords, unknownIdentifiers;
 
   void countFailure(mesh_result result) {
     switch (result) {
@@ -54,6 +63,10 @@ struct Statistics {
         .lost_calls = lostCalls.read(),
         .missed_before_first = missedBeforeFirst.read(),
         .duplicate_calls = duplicateCalls.read(),
+        .undelivered_calls = 0,
+        .unconfirmed_calls = 0,
+        .discarded_calls = discardedCalls.read(),
+        .refused_connections = refusedConnections.read(),
     };
   }
 };

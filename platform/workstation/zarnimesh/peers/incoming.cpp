@@ -1,0 +1,309 @@
+#include "zarnimesh/peers/incoming.hpp"
+
+#include <sys/random.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "zarnimesh/transport/handover.hpp"
+
+namespace zarnimesh {
+namespace {
+
+// How soon an idle node confirms the calls that did not ask for it.
+constexpr int tellMs = 5;
+
+// How often a node looks whether its socket's file is still there.
+constexpr std::chrono::milliseconds lookInterval{500};
+
+// Messages that are taken at once while no thread receives.
+constexpr int mostAtOnce = 10'000;
+
+// Syncs may wait beside calls.
+constexpr int roomForSyncs = 64;
+
+int creditOf(const Settings& settings) {
+  return static_cast<int>(std::max(settings.receiveQueueCalls, initialCredit));
+}
+
+}  // namespace
+
+mesh_result Incoming::open(std::shared_ptr<Context> context) {
+  if (getrandom(&incarnation_, sizeof incarnation_, 0) != sizeof incarnation_) {
+    return fail(MESH_SYSTEM_ERROR, "random number: %s", std::strerror(errno));
+  }
+  const int room = creditOf(settings_) + roomForSyncs;
+  if (const auto result = listener_.open(context, settings_, address_, room); result != MESH_OK) {
+    return result;
+  }
+  size_t size = sizeof file_;
+  if (zmq_getsockopt(listener_.socket().handle(), ZMQ_FD, &file_, &size) != 0) {
+    return failFromTransport("receiving socket");
+  }
+  nextLook_ = Clock::now() + lookInterval;
+  if (listener_.endpoint().transport != Transport::Tcp) {
+    return MESH_OK;
+  }
+  return watch_.open(*context, listener_.socket(), settings_.messageLimit());
+}
+
+Incoming::Arrival Incoming::take(IncomingCall& call) {
+  if (!waiting_.empty()) {
+    call = std::move(waiting_.front());
+    waiting_.pop_front();
+    return Arrival::Call;
+  }
+  bool isCall = false;
+  while (takeMessage(call, isCall)) {
+    if (isCall) {
+      checkConnections(false);
+      return Arrival::Call;
+    }
+  }
+  if (zmq_errno() == EAGAIN || zmq_errno() == EINTR) {
+    return Arrival::Nothing;
+  }
+  static_cast<void>(failFromTransport("receive"));
+  return Arrival::Failed;
+}
+
+bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
+  void* const socket = listener_.socket().handle();
+  isCall = false;
+  MessagePart route;
+  if (zmq_msg_recv(route.raw(), socket, ZMQ_DONTWAIT) < 0) {
+    return false;
+  }
+  // A message arrives whole. Its parts after the first are not ours.
+  size_t parts = 0;
+  for (bool more = route.more(); more; more = call.message.more()) {
+    if (zmq_msg_recv(call.message.raw(), socket, ZMQ_DONTWAIT) < 0) {
+      break;
+    }
+    ++parts;
+  }
+  if (watch_.isOpen()) {
+    watch_.noteMessage(call.message);
+  }
+  const auto number = readRoute({route.data(), route.size()});
+  if (parts != 1 || !number) {
+    statistics_.malformed.add(1);
+    return true;
+  }
+  isCall = accept(*number, call);
+  return true;
+}
+
+bool Incoming::accept(uint64_t route, IncomingCall& call) {
+  takeOver(call.message.data());
+  const auto header = decodeHeader(call.message.bytes());
+  if (!header) {
+    statistics_.malformed.add(1);
+    return false;
+  }
+  call.header = *header;
+  call.source = isWellFormed(call) && isFromItsSource(call) ? book(route, call) : nullptr;
+  if (call.source == nullptr) {
+    statistics_.malformed.add(1);
+    return false;
+  }
+  Source& source = *call.source;
+  if (header->kind == Kind::Sync) {
+    if ((header->flags & closingFlag) != 0 && !std::exchange(source.closed, true)) {
+      peerEvents_.add(MESH_PEER_DOWN, source.address);
+    }
+    tell(source);
+    if (source.closed && source.undelivered == 0 && !source.toBeTold) {
+      sources_.remove(source);
+    }
+    return false;
+  }
+  ++source.undelivered;
+  ++source.calls;
+  source.bytes += header->bytes;
+  source.mostUndelivered = std::max(source.mostUndelivered, source.undelivered);
+  call.afterGap = std::exchange(source.gapPending, false);
+  statistics_.receivedCalls.add(1);
+  statistics_.receivedBytes.add(header->bytes);
+  return true;
+}
+
+bool Incoming::isWellFormed(const IncomingCall& call) const {
+  const FrameHeader& header = call.header;
+  if (header.destination != address_) {
+    return false;
+  }
+  if (header.kind == Kind::Sync) {
+    return header.count == 0 && header.bytes == 0 && call.message.size() == headerSize;
+  }
+  return header.kind == Kind::Call && header.bytes <= settings_.payloadLimit &&
+         header.count <= settings_.countLimit() && lengthsAgree(header, call.message.bytes());
+}
+
+bool Incoming::isFromItsSource(IncomingCall& call) {
+  if (!settings_.keys || listener_.endpoint().transport != Transport::Tcp) {
+    return true;
+  }
+  const char* node = zmq_msg_gets(call.message.raw(), "User-Id");
+  return node != nullptr && std::to_string(call.header.source) == node;
+}
+
+Source* Incoming::book(uint64_t route, IncomingCall& call) {
+  const FrameHeader& header = call.header;
+  Source* source = sources_.find(header.source, header.incarnation);
+  if (!Sources::isPlausible(header, source)) {
+    return nullptr;
+  }
+  const bool isNew = source == nullptr;
+  if (isNew) {
+    sources_.prune([this](Source& each) { return !tell(each); });
+    peerEvents_.add(sources_.has(header.source) ? MESH_PEER_RESTARTED : MESH_PEER_UP,
+                    header.source);
+    source = &sources_.add(header.source, header.incarnation);
+    const uint64_t missed = Sources::noteFirst(*source, header);
+    source->gapPending = missed > 0;
+    statistics_.missedBeforeFirst.add(missed);
+    if (missed > 0) {
+      peerEvents_.add(MESH_PEER_GAP, header.source, source->first - missed, source->first - 1);
+    }
+  } else if (header.kind == Kind::Call &&
+             source->undelivered >= static_cast<size_t>(creditOf(settings_))) {
+    // More calls than the node has room for: the sender ignores its credit.
+    return nullptr;
+  } else {
+    const uint64_t highest = source->highest;
+    const Sources::Finding finding = Sources::note(*source, header);
+    if (finding.lost > 0) {
+      peerEvents_.add(MESH_PEER_GAP, header.source, highest + 1, highest + finding.lost);
+    }
+    statistics_.lostCalls.add(finding.lost);
+    statistics_.lostCalls.subtract(finding.late ? 1 : 0);
+    statistics_.duplicateCalls.add(finding.duplicate ? 1 : 0);
+  }
+  source->route = route;
+  source->heardAt = Clock::now();
+  if (isNew) {
+    tell(*source);
+  }
+  return source;
+}
+
+void Incoming::noteDelivered(const IncomingCall& call) {
+  Source& source = *call.source;
+  Sources::noteDelivered(source, call.header.sequence);
+  if ((call.header.flags & tellFlag) != 0) {
+    tell(source);
+  } else {
+    toldLater(source);
+  }
+}
+
+void Incoming::toldLater(Source& source) {
+  if (!source.toBeTold) {
+    source.toBeTold = true;
+    toBeTold_.push_back(&source);
+  }
+}
+
+void Incoming::tellAll() {
+  for (Source* source : std::exchange(toBeTold_, {})) {
+    source->toBeTold = false;
+    if (source->told != source->settled) {
+      tell(*source);
+    }
+    if (source->closed && source->undelivered == 0) {
+      sources_.remove(*source);
+    }
+  }
+}
+
+// False when the sender is gone.
+bool Incoming::tell(Source& source) {
+  MessagePart route;
+  MessagePart message;
+  if (!route.allocate(routeSize) || !message.allocate(stateSize)) {
+    return true;
+  }
+  writeRoute(source.route, route.data());
+  encodeHeader({.kind = Kind::State,
+                .source = address_,
+                .destination = source.address,
+                .incarnation = incarnation_,
+                .sequence = source.highest,
+                .confirmed = source.settled,
+                .extra = source.missing,
+                .count = settings_.receiveQueueCalls,
+                .bytes = settings_.queueBytes},
+               message.data());
+  encodeFirst(source.first, message.data() + headerSize);
+  handOver(message.data());
+  void* const socket = listener_.socket().handle();
+  if (zmq_msg_send(route.raw(), socket, ZMQ_DONTWAIT | ZMQ_SNDMORE) < 0 ||
+      zmq_msg_send(message.raw(), socket, ZMQ_DONTWAIT) < 0) {
+    return zmq_errno() != EHOSTUNREACH;
+  }
+  source.told = source.settled;
+  return true;
+}
+
+void Incoming::tend() {
+  bool isCall = false;
+  IncomingCall call;
+  for (int taken = 0; taken < mostAtOnce && takeMessage(call, isCall); ++taken) {
+    if (isCall) {
+      waiting_.push_back(std::move(call));
+      call = {};
+    }
+  }
+  static_cast<void>(idle());
+}
+
+mesh_result Incoming::idle() {
+  tellAll();
+  checkConnections(true);
+  const Clock::time_point now = Clock::now();
+  if (now < nextLook_) {
+    return MESH_OK;
+  }
+  nextLook_ = now + lookInterval;
+  return listener_.listenAgain();
+}
+
+int Incoming::longestWait() const {
+  if (!waiting_.empty()) {
+    return 0;
+  }
+  if (!toBeTold_.empty()) {
+    return tellMs;
+  }
+  const auto interval = watch_.hasConnections() ? ConnectionWatch::interval : lookInterval;
+  return static_cast<int>(interval.count());
+}
+
+void Incoming::checkConnections(bool idle) {
+  if (watch_.isOpen()) {
+    const ConnectionWatch::Ended ended = watch_.check(idle);
+    statistics_.malformed.add(ended.endless);
+    statistics_.refusedConnections.add(ended.refused);
+  }
+}
+
+void Incoming::close() {
+  if (!listener_.isOpen()) {
+    return;
+  }
+  listener_.stopListening();
+  tend();
+  statistics_.discardedCalls.add(waiting_.size());
+  waiting_.clear();
+  for (auto& [key, source] : sources_) {
+    tell(source);
+  }
+  watch_.close(listener_.socket());
+  listener_.close();
+}
+
+}  // namespace zarnimesh

@@ -1,0 +1,244 @@
+#include "zarnimesh/peers/outgoing.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+
+#include "zarnimesh/transport/address_lock.hpp"
+#include "zarnimesh/transport/descriptors.hpp"
+#include "zarnimesh/transport/handover.hpp"
+#include "zarnimesh/transport/inproc_table.hpp"
+
+namespace zarnimesh {
+namespace {
+
+// A new receiver is found within this time.
+constexpr int reconnectMs = 20;
+
+// For closing words that are still on their way. Calls are confirmed before.
+constexpr int lingerMs = 20;
+
+constexpr int watchedEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
+
+// The longest endpoint that ZeroMQ names.
+constexpr size_t endpointSize = 256;
+
+}  // namespace
+
+Destination& Outgoing::destination(uint32_t address) {
+  auto& found = destinations_[address];
+  if (found == nullptr) {
+    found = std::make_unique<Destination>(settings_, address);
+  }
+  return *found;
+}
+
+mesh_result Outgoing::connect(Destination& destination) {
+  const bool inproc = destination.endpoint().transport == Transport::Inproc;
+  if (destination.link.route != 0) {
+    return MESH_OK;
+  }
+  std::string endpoint = destination.endpoint().text();
+  if (inproc) {
+    const auto generation = InprocTable::instance().find(destination.endpoint().rest);
+    if (!generation) {
+      return MESH_OK;
+    }
+    destination.link.generation = *generation;
+    endpoint = InprocTable::boundEndpoint(destination.endpoint().rest, *generation);
+  }
+  mesh_result result = reserveDescriptors();
+  if (result == MESH_OK) {
+    result = openSocket();
+  }
+  if (result == MESH_OK && !inproc) {
+    result = openEvents();
+  }
+  if (result == MESH_OK) {
+    result = setKeys(destination);
+  }
+  if (result != MESH_OK) {
+    return result;
+  }
+  // Routes are never used twice: ZeroMQ ends the process for a second connection of one name.
+  const uint64_t route = ++latestRoute_;
+  if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, routeName(route)) ||
+      !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
+      zmq_connect(socket_.handle(), endpoint.c_str()) != 0) {
+    return failFromTransport(endpoint.c_str());
+  }
+  char name[endpointSize] = {};
+  size_t length = sizeof name;
+  if (zmq_getsockopt(socket_.handle(), ZMQ_LAST_ENDPOINT, name, &length) != 0) {
+    return failFromTransport(endpoint.c_str());
+  }
+  destination.link = {
+      .route = route, .connectedTo = name, .generation = destination.link.generation};
+  byRoute_.emplace(route, &destination);
+  if (inproc) {
+    setPresent(destination, true);
+  }
+  return MESH_OK;
+}
+
+mesh_result Outgoing::openSocket() {
+  if (socket_) {
+    return MESH_OK;
+  }
+  Socket socket(zmq_socket(context_->handle(), ZMQ_ROUTER));
+  size_t size = sizeof stateFile_;
+  // Credit bounds the queues. A full queue would lose what the kernel still holds when a peer ends.
+  if (!socket || !socket.set(ZMQ_SNDHWM, 0) || !socket.set(ZMQ_RCVHWM, 0) ||
+      !socket.set(ZMQ_LINGER, lingerMs) || !socket.set(ZMQ_ROUTER_MANDATORY, 1) ||
+      !socket.set(ZMQ_MAXMSGSIZE, int64_t{stateSize}) ||
+      !setHeartbeat(socket, settings_.heartbeat) || !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
+      zmq_getsockopt(socket.handle(), ZMQ_FD, &stateFile_, &size) != 0) {
+    return failFromTransport("sending socket");
+  }
+  socket_ = std::move(socket);
+  return MESH_OK;
+}
+
+mesh_result Outgoing::openEvents() {
+  if (events_) {
+    return MESH_OK;
+  }
+  events_ = watchEvents(context_->handle(), socket_, watchedEvents);
+  size_t size = sizeof eventFile_;
+  if (!events_ || zmq_getsockopt(events_.handle(), ZMQ_FD, &eventFile_, &size) != 0) {
+    return failFromTransport("watching connections");
+  }
+  return MESH_OK;
+}
+
+mesh_result Outgoing::setKeys(const Destination& destination) {
+  const Endpoint& endpoint = destination.endpoint();
+  if (!settings_.keys) {
+    return MESH_OK;
+  }
+  if (endpoint.transport != Transport::Tcp) {
+    // An empty user name selects connections without security again.
+    return zmq_setsockopt(socket_.handle(), ZMQ_PLAIN_USERNAME, nullptr, 0) == 0
+               ? MESH_OK
+               : failFromTransport("keys");
+  }
+  const KeyRing& keys = *settings_.keys;
+  const std::string* theirs = keys.publicKeyOf(destination.address());
+  if (theirs == nullptr) {
+    return fail(MESH_BAD_CONFIGURATION, "%s: the key file has no key of node %u",
+                endpoint.text().c_str(), destination.address());
+  }
+  if (!socket_.set(ZMQ_CURVE_SERVERKEY, *theirs) ||
+      !socket_.set(ZMQ_CURVE_PUBLICKEY, keys.ownPublic()) ||
+      !socket_.set(ZMQ_CURVE_SECRETKEY, keys.ownSecret())) {
+    return failFromTransport("keys");
+  }
+  return MESH_OK;
+}
+
+bool Outgoing::push(Destination& destination, MessagePart& message) {
+  MessagePart route;
+  if (route.allocate(routeSize)) {
+    writeRoute(destination.link.route, route.data());
+    handOver(message.data());
+    // Without a limit of the queue, only a connection that is gone makes these fail.
+    if (zmq_msg_send(route.raw(), socket_.handle(), ZMQ_DONTWAIT | ZMQ_SNDMORE) >= 0 &&
+        zmq_msg_send(message.raw(), socket_.handle(), ZMQ_DONTWAIT) >= 0) {
+      tellWater(destination);
+      return true;
+    }
+  }
+  setPresent(destination, false);
+  byRoute_.erase(destination.link.route);
+  destination.link = {};
+  return false;
+}
+
+std::vector<Destination*> Outgoing::update() {
+  std::vector<Destination*> connected;
+  if (!socket_) {
+    return connected;
+  }
+  for (;;) {
+    MessagePart route;
+    MessagePart message;
+    if (zmq_msg_recv(route.raw(), socket_.handle(), ZMQ_DONTWAIT) < 0) {
+      break;
+    }
+    bool more = route.more();
+    while (more && zmq_msg_recv(message.raw(), socket_.handle(), ZMQ_DONTWAIT) >= 0) {
+      more = message.more();
+    }
+    if (const auto number = readRoute({route.data(), route.size()})) {
+      takeState(*number, message);
+    }
+  }
+  while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
+    for (const auto& [address, destination] : destinations_) {
+      if (destination->link.connectedTo == event->endpoint) {
+        setPresent(*destination, event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED);
+        if (destination->link.present) {
+          connected.push_back(destination.get());
+        }
+      }
+    }
+  }
+  return connected;
+}
+
+void Outgoing::setPresent(Destination& destination, bool present) {
+  if (destination.link.present != present) {
+    peerEvents_.add(present ? MESH_PEER_UP : MESH_PEER_DOWN, destination.address());
+  }
+  destination.link.present = present;
+  destination.givenUp = destination.givenUp && !present;
+}
+
+void Outgoing::tellWater(Destination& destination) {
+  if (const auto change = destination.newWater()) {
+    peerEvents_.add(*change, destination.address());
+  }
+}
+
+void Outgoing::takeState(uint64_t route, const MessagePart& message) {
+  const auto found = byRoute_.find(route);
+  takeOver(message.data());
+  const std::optional<FrameHeader> state = decodeHeader(message.bytes());
+  if (found == byRoute_.end() || !state || state->kind != Kind::State ||
+      message.size() != stateSize) {
+    return;
+  }
+  if (const uint64_t first = decodeFirst(message.data() + headerSize); first > 0) {
+    Destination& destination = *found->second;
+    if (destination.note(*state, first)) {
+      peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
+    }
+    tellWater(destination);
+  }
+}
+
+bool Outgoing::mayBePresent(const Destination& destination) {
+  const Endpoint& endpoint = destination.endpoint();
+  switch (endpoint.transport) {
+    case Transport::Ipc:
+      return AddressLock::isHeld(lockOf(endpoint.rest));
+    case Transport::Inproc:
+      return InprocTable::instance().find(endpoint.rest).has_value();
+    default:
+      return false;
+  }
+}
+
+void Outgoing::close() {
+  stopWatching(socket_, events_);
+  socket_.close();
+  for (const auto& [address, destination] : destinations_) {
+    destination->link = {};
+  }
+  byRoute_.clear();
+  stateFile_ = -1;
+  eventFile_ = -1;
+  context_.reset();
+}
+
+}  // namespace zarnimesh

@@ -1,0 +1,76 @@
+// A node's sending socket, with the connections to all its destinations.
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "zarnimesh/configuration/settings.hpp"
+#include "zarnimesh/peers/destination.hpp"
+#include "zarnimesh/peers/peer_events.hpp"
+#include "zarnimesh/transport/context.hpp"
+#include "zarnimesh/transport/socket.hpp"
+
+namespace zarnimesh {
+
+// For one thread at a time. `settings` and `events` must outlive it.
+//
+// One ROUTER socket serves all destinations: it names each connection by a route that this class
+// chooses, and takes one descriptor for each.
+class Outgoing {
+ public:
+  Outgoing(const Settings& settings, PeerEvents& events)
+      : settings_(settings), peerEvents_(events) {}
+  ~Outgoing() { close(); }
+  Outgoing(const Outgoing&) = delete;
+  Outgoing& operator=(const Outgoing&) = delete;
+
+  void open(std::shared_ptr<Context> context) { context_ = std::move(context); }
+  void close();
+
+  using Destinations = std::unordered_map<uint32_t, std::unique_ptr<Destination>>;
+  const Destinations& destinations() const { return destinations_; }
+  // Finds or adds it.
+  Destination& destination(uint32_t address);
+
+  // Starts connecting, if that was not done yet. Over inproc it stays unconnected while there is no
+  // receiver.
+  [[nodiscard]] mesh_result connect(Destination& destination);
+
+  // Hands a message to ZeroMQ and empties it. False when the receiver is gone; the message is then
+  // unchanged. The destination must be connected.
+  [[nodiscard]] bool push(Destination& destination, MessagePart& message);
+
+  // Takes what receivers and ZeroMQ told since the last call. Returns the destinations that were
+  // connected.
+  std::vector<Destination*> update();
+
+  // What poll() has to wait for. update() must be called first: ZeroMQ announces only what comes
+  // later.
+  int stateFile() const { return stateFile_; }
+  int eventFile() const { return eventFile_; }
+
+  // Whether some node may receive at the destination, as far as this can be told at once.
+  static bool mayBePresent(const Destination& destination);
+
+ private:
+  [[nodiscard]] mesh_result openSocket();
+  [[nodiscard]] mesh_result openEvents();
+  [[nodiscard]] mesh_result setKeys(const Destination& destination);
+  void takeState(uint64_t route, const MessagePart& message);
+  void setPresent(Destination& destination, bool present);
+  void tellWater(Destination& destination);
+
+  const Settings& settings_;
+  PeerEvents& peerEvents_;
+  std::shared_ptr<Context> context_;
+  Socket socket_;
+  Socket events_;  // ipc and tcp: reports that a receiver connected or disconnected
+  int stateFile_ = -1;
+  int eventFile_ = -1;
+  uint64_t latestRoute_ = 0;
+  Destinations destinations_;
+  std::unordered_map<uint64_t, Destination*> byRoute_;
+};
+
+}  // namespace zarnimesh

@@ -1,0 +1,106 @@
+#include "zarnimesh/peers/sources.hpp"
+
+#include <algorithm>
+
+namespace zarnimesh {
+namespace {
+
+// Of each source. Late calls of forgotten gaps count as repeated.
+constexpr size_t mostGaps = 32;
+
+// Whether a gap has the call. Takes it out of the gap.
+bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
+  const auto gap = std::find_if(gaps.begin(), gaps.end(), [&](const Source::Gap& each) {
+    return each.from <= sequence && sequence <= each.to;
+  });
+  if (gap == gaps.end()) {
+    return false;
+  }
+  const Source::Gap rest{.from = sequence + 1, .to = gap->to};
+  gap->to = sequence - 1;
+  const bool empty = gap->from > gap->to;
+  if (rest.from <= rest.to) {
+    if (empty) {
+      *gap = rest;
+    } else {
+      gaps.insert(gap + 1, rest);
+    }
+  } else if (empty) {
+    gaps.erase(gap);
+  }
+  return true;
+}
+
+}  // namespace
+
+Source* Sources::find(uint32_t address, uint64_t incarnation) {
+  const auto found = sources_.find({address, incarnation});
+  return found != sources_.end() ? &found->second : nullptr;
+}
+
+bool Sources::has(uint32_t address) const {
+  return std::any_of(sources_.begin(), sources_.end(),
+                     [&](const auto& entry) { return entry.second.address == address; });
+}
+
+Source& Sources::add(uint32_t address, uint64_t incarnation) {
+  Source& source = sources_[{address, incarnation}];
+  source.address = address;
+  source.incarnation = incarnation;
+  return source;
+}
+
+void Sources::remove(const Source& source) {
+  sources_.erase({source.address, source.incarnation});
+}
+
+bool Sources::isPlausible(const FrameHeader& header, const Source* source) {
+  const bool isCall = header.kind == Kind::Call;
+  return header.confirmed <= header.sequence && (!isCall || header.sequence > header.confirmed) &&
+         header.sequence - header.confirmed <= mostUnconfirmed &&
+         (source == nullptr || header.confirmed <= source->settled);
+}
+
+uint64_t Sources::noteFirst(Source& source, const FrameHeader& header) {
+  const uint64_t before = header.kind == Kind::Call ? header.sequence - 1 : header.sequence;
+  source.first = before + 1;
+  source.highest = header.sequence;
+  source.settled = before;
+  source.told = before;
+  source.missedBeforeFirst = before - header.confirmed;
+  return source.missedBeforeFirst;
+}
+
+Sources::Finding Sources::note(Source& source, const FrameHeader& header) {
+  const bool isCall = header.kind == Kind::Call;
+  // The latest call that should be here already.
+  const uint64_t before = isCall ? header.sequence - 1 : header.sequence;
+  Finding finding;
+  if (isCall && header.sequence <= source.highest) {
+    finding.late = fill(source.gaps, header.sequence);
+    finding.duplicate = !finding.late;
+    source.missing -= finding.late ? 1 : 0;
+    return finding;
+  }
+  if (before > source.highest) {
+    finding.lost = before - source.highest;
+    source.missing += finding.lost;
+    source.gapPending = true;
+    if (source.gaps.size() == mostGaps) {
+      source.gaps.erase(source.gaps.begin());
+    }
+    source.gaps.push_back({.from = source.highest + 1, .to = before});
+  }
+  source.highest = std::max(source.highest, header.sequence);
+  if (source.undelivered == 0 && !isCall) {
+    source.settled = source.highest;
+  }
+  return finding;
+}
+
+void Sources::noteDelivered(Source& source, uint64_t sequence) {
+  --source.undelivered;
+  source.settled = source.undelivered == 0 ? source.highest : std::max(source.settled, sequence);
+}
+
+}  // namespace zarnimesh

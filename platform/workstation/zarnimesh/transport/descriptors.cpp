@@ -1,0 +1,45 @@
+#include "zarnimesh/transport/descriptors.hpp"
+
+#include <dirent.h>
+#include <sys/resource.h>
+
+#include <memory>
+
+namespace zarnimesh {
+namespace {
+
+// For ZeroMQ's own and for accepted connections.
+constexpr rlim_t reserve = 64;
+
+// Reads a directory of one entry for each descriptor.
+rlim_t openDescriptors() {
+  const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir("/proc/self/fd"), closedir);
+  rlim_t count = 0;
+  while (directory != nullptr && readdir(directory.get()) != nullptr) {
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+mesh_result reserveDescriptors() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+    return MESH_OK;
+  }
+  if (limit.rlim_cur < limit.rlim_max) {
+    limit.rlim_cur = limit.rlim_max;
+    static_cast<void>(setrlimit(RLIMIT_NOFILE, &limit));
+    static_cast<void>(getrlimit(RLIMIT_NOFILE, &limit));
+  }
+  const rlim_t used = openDescriptors();
+  if (limit.rlim_cur != RLIM_INFINITY && used + reserve > limit.rlim_cur) {
+    return fail(MESH_SYSTEM_ERROR, "%llu of %llu file descriptors are in use (ulimit -n)",
+                static_cast<unsigned long long>(used),
+                static_cast<unsigned long long>(limit.rlim_cur));
+  }
+  return MESH_OK;
+}
+
+}  // namespace zarnimesh
