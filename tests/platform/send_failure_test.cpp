@@ -77,18 +77,22 @@ TEST_P(Send, FindsAReceiverThatOpensAfterAFailure) {
 }
 
 TEST_P(Send, ReturnsNoDestinationAfterTheReceiverClosed) {
-  const OpenNode sender = open(1, options());
+  OpenNode sender = open(1, options());
   OpenNode receiver = open(2, options());
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
   ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
   ASSERT_EQ(receiver.close(), MESH_OK);
   // The sender may notice the end of the connection a moment later.
   uint32_t result = MESH_OK;
+  uint64_t sent = 0;
   for (int i = 0; i < 1000 && result == MESH_OK; ++i) {
     result = sendNotes(2, {"b"});
+    sent += result == MESH_OK ? 1 : 0;
     std::this_thread::sleep_for(milliseconds(5));
   }
   EXPECT_EQ(result, uint32_t{MESH_NO_DESTINATION});
+  EXPECT_EQ(statisticsOf(sender).unconfirmed_calls, sent);
+  EXPECT_EQ(sender.close(), sent == 0 ? MESH_OK : MESH_UNDELIVERED);
 }
 
 TEST_P(Send, ReturnsQueueFullAndLosesNothing) {

@@ -51,30 +51,21 @@ void ConnectionWatch::close(Socket& listener) {
 }
 
 void ConnectionWatch::noteMessage(MessagePart& message) {
-  ++taken_;
   const auto found = connections_.find(zmq_msg_get(message.raw(), ZMQ_SRCFD));
   if (found != connections_.end()) {
     found->second.delivered = true;
   }
 }
 
-ConnectionWatch::Ended ConnectionWatch::check(bool idle) {
-  idle_ = idle_ || idle;
+ConnectionWatch::Ended ConnectionWatch::check() {
   const Clock::time_point now = Clock::now();
   if (now < nextCheck_) {
     return {};
   }
   nextCheck_ = now + interval;
   Ended ended{.refused = readEvents()};
-  // ZeroMQ serves its connections in turn. After this many messages, or when none is left, a
-  // connection that delivered nothing has no complete message.
-  const bool allHadTheirTurn = idle_ || taken_ >= connections_.size();
-  if (allHadTheirTurn) {
-    for (auto& [file, connection] : connections_) {
-      ended.endless += endIfEndless(file, connection) ? 1 : 0;
-    }
-    idle_ = false;
-    taken_ = 0;
+  for (auto& [file, connection] : connections_) {
+    ended.endless += endIfEndless(file, connection) ? 1 : 0;
   }
   return ended;
 }

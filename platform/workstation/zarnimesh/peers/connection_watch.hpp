@@ -40,8 +40,9 @@ class ConnectionWatch {
     uint64_t refused = 0;  // in the handshake
   };
 
-  // Checks if the interval has passed. `idle`: no message was waiting.
-  Ended check(bool idle);
+  // Checks if the interval has passed. Every complete message must have been taken before: it is
+  // not told from an incomplete one.
+  Ended check();
 
  private:
   struct Connection {
@@ -59,8 +60,6 @@ class ConnectionWatch {
   uint64_t limit_ = 0;
   std::unordered_map<int, Connection> connections_;
   Clock::time_point nextCheck_{};
-  uint64_t taken_ = 0;  // messages since the last check
-  bool idle_ = false;   // since the last check
 };
 
 }  // namespace zarnimesh

@@ -59,7 +59,6 @@ Incoming::Arrival Incoming::take(IncomingCall& call) {
   bool isCall = false;
   while (takeMessage(call, isCall)) {
     if (isCall) {
-      checkConnections(false);
       return Arrival::Call;
     }
   }
@@ -252,18 +251,25 @@ bool Incoming::tell(Source& source) {
 void Incoming::tend() {
   bool isCall = false;
   IncomingCall call;
-  for (int taken = 0; taken < mostAtOnce && takeMessage(call, isCall); ++taken) {
+  int taken = 0;
+  for (; taken < mostAtOnce && takeMessage(call, isCall); ++taken) {
     if (isCall) {
       waiting_.push_back(std::move(call));
       call = {};
     }
   }
-  static_cast<void>(idle());
+  if (taken < mostAtOnce) {
+    static_cast<void>(idle());
+  }
 }
 
 mesh_result Incoming::idle() {
   tellAll();
-  checkConnections(true);
+  if (watch_.isOpen()) {
+    const ConnectionWatch::Ended ended = watch_.check();
+    statistics_.malformed.add(ended.endless);
+    statistics_.refusedConnections.add(ended.refused);
+  }
   const Clock::time_point now = Clock::now();
   if (now < nextLook_) {
     return MESH_OK;
@@ -283,25 +289,19 @@ int Incoming::longestWait() const {
   return static_cast<int>(interval.count());
 }
 
-void Incoming::checkConnections(bool idle) {
-  if (watch_.isOpen()) {
-    const ConnectionWatch::Ended ended = watch_.check(idle);
-    statistics_.malformed.add(ended.endless);
-    statistics_.refusedConnections.add(ended.refused);
-  }
-}
-
 void Incoming::close() {
   if (!listener_.isOpen()) {
     return;
   }
+  tend();
+  for (auto& [key, source] : sources_) {
+    tell(source);
+  }
+  // This also ends the connections. What they brought meanwhile is still read.
   listener_.stopListening();
   tend();
   statistics_.discardedCalls.add(waiting_.size());
   waiting_.clear();
-  for (auto& [key, source] : sources_) {
-    tell(source);
-  }
   watch_.close(listener_.socket());
   listener_.close();
 }

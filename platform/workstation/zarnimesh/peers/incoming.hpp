@@ -76,7 +76,6 @@ class Incoming {
   void toldLater(Source& source);
   void tellAll();
   bool tell(Source& source);
-  void checkConnections(bool idle);
 
   const Settings& settings_;
   Statistics& statistics_;

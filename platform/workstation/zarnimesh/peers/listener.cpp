@@ -122,11 +122,8 @@ mesh_result Listener::listenAgain() {
       return result;
     }
   }
-  if (!bound_.empty() && isAt(endpoint_.rest, file_)) {
-    return MESH_OK;
-  }
-  unbind();
-  return bind(endpoint_.text());
+  // The earlier listening socket stays: closing it would end its connections.
+  return isAt(endpoint_.rest, file_) ? MESH_OK : bind(endpoint_.text());
 }
 
 mesh_result Listener::requireKeys(const KeyRing& keys, uint32_t address) {
@@ -159,16 +156,13 @@ void Listener::close() {
 }
 
 void Listener::stopListening() {
-  if (!bound_.empty() && endpoint_.transport != Transport::Inproc) {
-    unbind();
+  const std::string endpoint = std::exchange(bound_, {});
+  if (endpoint.empty() || endpoint_.transport == Transport::Inproc) {
+    return;
   }
-  bound_.clear();
-}
-
-void Listener::unbind() {
   Socket watcher =
       watchEvents(context_->handle(), socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
-  if (zmq_unbind(socket_.handle(), bound_.c_str()) == 0 && watcher) {
+  if (zmq_unbind(socket_.handle(), endpoint.c_str()) == 0 && watcher) {
     const auto end = std::chrono::steady_clock::now() + closingTime;
     while (!nextEvent(watcher) && std::chrono::steady_clock::now() < end) {
       zmq_pollitem_t item{.socket = watcher.handle(), .fd = 0, .events = ZMQ_POLLIN, .revents = 0};

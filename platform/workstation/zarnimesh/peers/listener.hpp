@@ -26,7 +26,7 @@ class Listener {
   // claimed the endpoint meanwhile.
   [[nodiscard]] mesh_result listenAgain();
 
-  // Nobody can connect any more. What arrived can still be read.
+  // Ends all connections. What arrived can still be read.
   void stopListening();
 
   // Releases the endpoint. Any process can then bind to it at once.
@@ -40,7 +40,6 @@ class Listener {
   [[nodiscard]] mesh_result claim();
   [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address, int room);
   [[nodiscard]] mesh_result bind(const std::string& endpoint);
-  void unbind();
   [[nodiscard]] mesh_result listenOnIpc();
   [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);
 

@@ -18,6 +18,9 @@ constexpr int reconnectMs = 20;
 // For closing words that are still on their way. Calls are confirmed before.
 constexpr int lingerMs = 20;
 
+// A State, encrypted, or ZeroMQ's own words.
+constexpr int64_t largestAnswer = 1024;
+
 constexpr int watchedEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
 
 // The longest endpoint that ZeroMQ names.
@@ -90,8 +93,8 @@ mesh_result Outgoing::openSocket() {
   // Credit bounds the queues. A full queue would lose what the kernel still holds when a peer ends.
   if (!socket || !socket.set(ZMQ_SNDHWM, 0) || !socket.set(ZMQ_RCVHWM, 0) ||
       !socket.set(ZMQ_LINGER, lingerMs) || !socket.set(ZMQ_ROUTER_MANDATORY, 1) ||
-      !socket.set(ZMQ_MAXMSGSIZE, int64_t{stateSize}) ||
-      !setHeartbeat(socket, settings_.heartbeat) || !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
+      !socket.set(ZMQ_MAXMSGSIZE, largestAnswer) || !setHeartbeat(socket, settings_.heartbeat) ||
+      !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
       zmq_getsockopt(socket.handle(), ZMQ_FD, &stateFile_, &size) != 0) {
     return failFromTransport("sending socket");
   }
@@ -148,17 +151,15 @@ bool Outgoing::push(Destination& destination, MessagePart& message) {
       return true;
     }
   }
+  // The receiver's last words may be here.
+  takeStates();
   setPresent(destination, false);
   byRoute_.erase(destination.link.route);
   destination.link = {};
   return false;
 }
 
-std::vector<Destination*> Outgoing::update() {
-  std::vector<Destination*> connected;
-  if (!socket_) {
-    return connected;
-  }
+void Outgoing::takeStates() {
   for (;;) {
     MessagePart route;
     MessagePart message;
@@ -173,6 +174,14 @@ std::vector<Destination*> Outgoing::update() {
       takeState(*number, message);
     }
   }
+}
+
+std::vector<Destination*> Outgoing::update() {
+  std::vector<Destination*> connected;
+  if (!socket_) {
+    return connected;
+  }
+  takeStates();
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     for (const auto& [address, destination] : destinations_) {
       if (destination->link.connectedTo == event->endpoint) {

@@ -57,6 +57,7 @@ class Outgoing {
   [[nodiscard]] mesh_result openSocket();
   [[nodiscard]] mesh_result openEvents();
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
+  void takeStates();
   void takeState(uint64_t route, const MessagePart& message);
   void setPresent(Destination& destination, bool present);
   void tellWater(Destination& destination);
