@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 
 #include <optional>
+#include <utility>
 
 namespace zarnimesh {
 namespace {
@@ -51,7 +52,12 @@ void ConnectionWatch::close(Socket& listener) {
 }
 
 void ConnectionWatch::noteMessage(MessagePart& message) {
-  const auto found = connections_.find(zmq_msg_get(message.raw(), ZMQ_SRCFD));
+  const int file = zmq_msg_get(message.raw(), ZMQ_SRCFD);
+  auto found = connections_.find(file);
+  if (found == connections_.end()) {
+    readEvents();
+    found = connections_.find(file);
+  }
   if (found != connections_.end()) {
     found->second.delivered = true;
   }
@@ -63,16 +69,15 @@ ConnectionWatch::Ended ConnectionWatch::check() {
     return {};
   }
   nextCheck_ = now + interval;
-  Ended ended{.refused = readEvents()};
+  readEvents();
+  Ended ended{.refused = std::exchange(refused_, 0)};
   for (auto& [file, connection] : connections_) {
     ended.endless += endIfEndless(file, connection) ? 1 : 0;
   }
   return ended;
 }
 
-// Returns the number of failed handshakes.
-uint64_t ConnectionWatch::readEvents() {
-  uint64_t failed = 0;
+void ConnectionWatch::readEvents() {
   while (const std::optional<TransportEvent> event = nextEvent(events_)) {
     const auto file = static_cast<int>(event->value);
     if (event->number == ZMQ_EVENT_ACCEPTED) {
@@ -80,10 +85,9 @@ uint64_t ConnectionWatch::readEvents() {
     } else if (event->number == ZMQ_EVENT_DISCONNECTED) {
       connections_.erase(file);
     } else {
-      ++failed;
+      ++refused_;
     }
   }
-  return failed;
 }
 
 void ConnectionWatch::add(int file) {

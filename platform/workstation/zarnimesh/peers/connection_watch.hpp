@@ -52,7 +52,7 @@ class ConnectionWatch {
     bool suspect = false;
   };
 
-  uint64_t readEvents();
+  void readEvents();
   void add(int file);
   bool endIfEndless(int file, Connection& connection);
 
@@ -60,6 +60,7 @@ class ConnectionWatch {
   uint64_t limit_ = 0;
   std::unordered_map<int, Connection> connections_;
   Clock::time_point nextCheck_{};
+  uint64_t refused_ = 0;  // since the last check
 };
 
 }  // namespace zarnimesh
