@@ -1,4 +1,5 @@
 // How a node handles malformed messages, sequence numbers and unknown identifiers.
+#include <memory>
 #include <vector>
 
 #include "support/node_fixture.hpp"
@@ -49,6 +50,19 @@ class Frame : public NodeFixture {
 };
 
 using Node = Frame;
+
+// Calls of the address, as far as the node remembers.
+uint64_t receivedFrom(mesh_node* node, uint32_t address) {
+  mesh_peer_statistics peers[8];
+  uint32_t count = 0;
+  EXPECT_EQ(mesh_node_peers(node, peers, std::size(peers), &count), MESH_OK);
+  for (uint32_t peer = 0; peer < std::min<uint32_t>(count, std::size(peers)); ++peer) {
+    if (peers[peer].address == address) {
+      return peers[peer].received_calls;
+    }
+  }
+  return 0;
+}
 
 TEST_F(Frame, IsDecoded) {
   const OpenNode node = open(own);
@@ -300,8 +314,8 @@ TEST_F(Node, AcceptsTheLargestSequenceNumber) {
 
 TEST_F(Node, TracksEachIncarnationSeparately) {
   const OpenNode node = open(own);
-  RawSender sender(endpoint());
   for (const uint64_t incarnation : {1u, 2u, 3u}) {
+    RawSender sender(endpoint());
     for (const uint64_t sequence : {1u, 2u}) {
       RawHeader call = header(sequence);
       call.incarnation = incarnation;
@@ -314,21 +328,61 @@ TEST_F(Node, TracksEachIncarnationSeparately) {
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 0u);
 }
 
-TEST_F(Node, RemembersThousandsOfLiveSenders) {
+TEST_F(Node, HearsOneSenderOverEachConnection) {
   const OpenNode node = open(own);
   RawSender sender(endpoint());
-  constexpr uint64_t senders = 4000;
-  for (const uint64_t sequence : {1u, 2u}) {
-    for (uint64_t incarnation = 1; incarnation <= senders; ++incarnation) {
+  sender.sendNote(header(1), "a");
+  RawHeader other = header(1);
+  other.incarnation = 2;
+  sender.sendNote(other, "of another");
+  other = header(1);
+  other.source = 98;
+  sender.sendNote(other, "of another");
+  sender.sendNote(header(2), "b");
+  const std::vector<Received> notes = receiveNotes(node, 2);
+  ASSERT_EQ(notes.size(), 2u);
+  EXPECT_EQ(notes[1].text, "b");
+  EXPECT_EQ(statisticsOf(node).malformed, 2u);
+}
+
+// More than the 1,024 books after which those of gone senders are forgotten.
+TEST_F(Node, RemembersAllLiveSenders) {
+  const OpenNode node = open(own);
+  constexpr uint64_t senders = 1500;
+  std::vector<std::unique_ptr<RawSender>> alive;
+  const auto sendFromAll = [&](uint64_t sequence) {
+    for (uint64_t incarnation = 0; incarnation < senders; ++incarnation) {
       RawHeader call = header(sequence);
-      call.incarnation = incarnation;
-      sender.sendNote(call, "a");
+      call.incarnation = incarnation + 1;
+      alive[incarnation]->sendNote(call, "a");
     }
+  };
+  for (uint64_t sender = 0; sender < senders; ++sender) {
+    alive.push_back(std::make_unique<RawSender>(endpoint()));
   }
-  EXPECT_EQ(receiveNotes(node, 2 * senders).size(), 2 * senders);
+  sendFromAll(1);
+  EXPECT_EQ(receiveNotes(node, senders).size(), senders);
+  sendFromAll(2);
+  EXPECT_EQ(receiveNotes(node, senders).size(), senders);
   EXPECT_EQ(statisticsOf(node).missed_before_first, 0u);
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 0u);
+}
+
+TEST_F(Node, ForgetsSendersThatAreGone) {
+  const OpenNode node = open(own);
+  constexpr uint64_t senders = 3000;
+  for (uint64_t sender = 1; sender <= senders; ++sender) {
+    RawSender gone(endpoint());
+    RawHeader call = header();
+    call.incarnation = sender;
+    gone.sendNote(call, "a");
+    ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
+  }
+  uint32_t known = 0;
+  ASSERT_EQ(mesh_node_peers(node, nullptr, 0, &known), MESH_OK);
+  EXPECT_EQ(known, 1u) << "they have one address";
+  EXPECT_LT(receivedFrom(node, 99), senders);
 }
 
 TEST_F(Node, CountsUnknownIdentifiersAndDeliversTheRest) {

@@ -138,7 +138,8 @@ typedef struct mesh_node_statistics {
   uint64_t undelivered_calls; /* missing at their receiver, or never confirmed by one that ended */
   uint64_t unconfirmed_calls; /* at this moment */
 
-  uint64_t discarded_calls;     /* received, but not delivered when the node was closed */
+  uint64_t discarded_calls;     /* not delivered when the node was closed, of senders that had ended
+                                   before. The others count them as undelivered */
   uint64_t refused_connections; /* over tcp: without a known key, or not of this protocol */
 } mesh_node_statistics;
 
@@ -195,6 +196,9 @@ mesh_result mesh_node_open(uint32_t address, const mesh_node_options* options, m
  * how many. The node is closed in any case. Sends in progress return MESH_NOT_OPEN. Closing the
  * last node calls every registered clean hook once. */
 mesh_result mesh_node_close(mesh_node* node);
+
+/* As mesh_node_close. Stores the node's final counters in `*last`, if it is not null. */
+mesh_result mesh_node_close_counted(mesh_node* node, mesh_node_statistics* last);
 
 /* Makes the calling thread send from `node`. Null selects the oldest open node again. After an
  * attached node is closed, the thread's sends return MESH_NOT_OPEN until it attaches another. */

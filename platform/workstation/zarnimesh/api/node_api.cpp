@@ -126,6 +126,11 @@ ZARNIMESH_EXPORT mesh_result mesh_node_open(uint32_t address, const mesh_node_op
 }
 
 ZARNIMESH_EXPORT mesh_result mesh_node_close(mesh_node* handle) {
+  return mesh_node_close_counted(handle, nullptr);
+}
+
+ZARNIMESH_EXPORT mesh_result mesh_node_close_counted(mesh_node* handle,
+                                                     mesh_node_statistics* last) {
   return guarded([&] {
     const std::shared_ptr<Node> node = findNode(handle);
     if (node == nullptr) {
@@ -134,11 +139,15 @@ ZARNIMESH_EXPORT mesh_result mesh_node_close(mesh_node* handle) {
     if (!node->takeReceiver()) {
       return busy();
     }
-    const bool last = removeNode(*node);
+    const bool wasLast = removeNode(*node);
     // The receiver may be a node of this process: the caretaker answers for it.
-    const mesh_result result = node->close();
+    mesh_node_statistics counters;
+    const mesh_result result = node->close(counters);
+    if (last != nullptr) {
+      *last = counters;
+    }
     Caretaker::instance().remove(*node);
-    if (last) {
+    if (wasLast) {
       callCleanHooks();
     }
     return result;

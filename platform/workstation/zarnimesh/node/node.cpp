@@ -44,11 +44,14 @@ void Node::giveReceiverBack() {
   receiverFrame_.store(nullptr);
 }
 
-mesh_result Node::close() {
+mesh_result Node::close(mesh_node_statistics& last) {
   // The receiver goes last. It may hold the last reference to the context, whose destructor waits
   // for the sender's last messages.
-  const mesh_result result = sender_.close();
+  uint64_t undelivered = 0;
+  const mesh_result result = sender_.close(undelivered);
   receiver_.close();
+  last = statistics_.read();
+  last.undelivered_calls = undelivered;
   events_.deliver();
   return result;
 }

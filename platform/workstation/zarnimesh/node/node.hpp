@@ -23,8 +23,8 @@ class Node {
   [[nodiscard]] bool takeReceiver();
   void giveReceiverBack();
 
-  // Closes everything. The calling thread must have taken the receiver.
-  [[nodiscard]] mesh_result close();
+  // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
+  [[nodiscard]] mesh_result close(mesh_node_statistics& last);
 
   // What is to be done from time to time.
   void tend();

@@ -25,6 +25,9 @@ constexpr milliseconds settling{50};
 // connection.
 constexpr milliseconds syncInterval{50};
 
+// How long closing waits for receivers that have confirmed everything to hear of it.
+constexpr milliseconds farewell{50};
+
 // Checks the call against the limits. Sets `bytes` to the sum of the tables' lengths.
 [[nodiscard]] mesh_result checkCall(const Settings& settings, const mesh_msg_desc* descriptors,
                                     uint32_t count, uint64_t& bytes) {
@@ -122,7 +125,6 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
   Clock::time_point start{};
   Clock::time_point end{};
   Clock::time_point deadline{};
-  Clock::time_point nextSync{};
   while (!closing_) {
     if (const mesh_result result = outgoing_.connect(destination); result != MESH_OK) {
       return result;
@@ -161,7 +163,6 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
       } else {
         deadline = std::max(start + patience.room, now + settling);
       }
-      nextSync = now;
     }
     if (now >= deadline) {
       const std::string endpoint = destination.endpoint().text();
@@ -172,9 +173,9 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
       destination.givenUp = true;
       return fail(MESH_NO_DESTINATION, "%s: no receiver answers", endpoint.c_str());
     }
-    if (present && now >= nextSync) {
+    if (present && now >= destination.nextSync) {
       sync(destination, false);
-      nextSync = now + syncInterval;
+      destination.nextSync = now + syncInterval;
     }
     wait(lock, deadline);
   }
@@ -238,46 +239,50 @@ void Sender::tend() {
   }
 }
 
-mesh_result Sender::close() {
+mesh_result Sender::close(uint64_t& undelivered) {
   Lock lock(mutex_);
   closing_ = true;
   changed_.notify_all();
   while (waiting_ > 0) {
     changed_.wait_for(lock, slice);
   }
-  const mesh_result result = waitForArrival(lock);
-  outgoing_.close();
-  return result;
-}
-
-mesh_result Sender::waitForArrival(Lock& lock) {
-  const Clock::time_point end = Clock::now() + settings_.linger;
   update();
   uint64_t known = 0;
   for (const auto& [address, destination] : outgoing_.destinations()) {
     known += destination->lost();
+  }
+  undelivered = waitForArrival(lock);
+  outgoing_.close();
+  if (undelivered > known) {
+    return fail(MESH_UNDELIVERED, "%llu sent calls are not known to have arrived",
+                static_cast<unsigned long long>(undelivered - known));
+  }
+  return MESH_OK;
+}
+
+uint64_t Sender::waitForArrival(Lock& lock) {
+  const Clock::time_point start = Clock::now();
+  const Clock::time_point end = start + settings_.linger;
+  for (const auto& [address, destination] : outgoing_.destinations()) {
     if (destination->link.present) {
       sync(*destination, true);
     }
   }
-  uint64_t missing = 0;
   for (;;) {
+    const Clock::time_point now = Clock::now();
     bool mayArrive = false;
-    missing = 0;
+    uint64_t missing = 0;
     for (const auto& [address, destination] : outgoing_.destinations()) {
-      missing += destination->lost() + destination->notArrived();
-      mayArrive = mayArrive || (destination->link.present && destination->notArrived() > 0);
+      missing += destination->missing();
+      const bool awaited = destination->notArrived() > 0 || now < start + farewell;
+      mayArrive =
+          mayArrive || (destination->link.present && !destination->knowsOfClosing() && awaited);
     }
-    if (!mayArrive || Clock::now() >= end) {
-      break;
+    if (!mayArrive || now >= end) {
+      return missing;
     }
     wait(lock, end);
   }
-  if (missing > known) {
-    return fail(MESH_UNDELIVERED, "%llu sent calls are not known to have arrived",
-                static_cast<unsigned long long>(missing - known));
-  }
-  return MESH_OK;
 }
 
 void Sender::count(mesh_node_statistics& statistics) {

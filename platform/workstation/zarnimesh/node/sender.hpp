@@ -39,8 +39,8 @@ class Sender {
   void tend();
 
   // Ends sends in progress, refuses new ones, and waits until connected receivers say that all
-  // calls arrived. Called once.
-  [[nodiscard]] mesh_result close();
+  // calls arrived. Called once. `undelivered`: as in the statistics, finally.
+  [[nodiscard]] mesh_result close(uint64_t& undelivered);
 
   void count(mesh_node_statistics& statistics);
   void describe(PeerTable& peers);
@@ -56,7 +56,8 @@ class Sender {
   void update();
   [[nodiscard]] bool push(Destination& destination, FrameHeader header, MessagePart& message);
   void sync(Destination& destination, bool closing);
-  [[nodiscard]] mesh_result waitForArrival(Lock& lock);
+  // Returns the number of calls that are missing.
+  [[nodiscard]] uint64_t waitForArrival(Lock& lock);
 
   const Settings& settings_;
   Statistics& statistics_;

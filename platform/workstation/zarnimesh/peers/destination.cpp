@@ -42,6 +42,7 @@ bool Destination::note(const FrameHeader& state, uint64_t first) {
       settle(before);
     }
   }
+  knowsOfClosing_ = (state.flags & closingFlag) != 0;
   missing_ = std::min(state.extra, numbered_);
   settle(std::min(state.confirmed, numbered_));
   arrived_ = std::max(settled_, std::min(state.sequence, numbered_));

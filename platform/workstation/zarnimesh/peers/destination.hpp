@@ -53,7 +53,13 @@ class Destination {
   uint64_t unconfirmed() const { return numbered_ - settled_; }
   // Calls that did not arrive, as far as a receiver or its successor has told.
   uint64_t lost() const { return lostBefore_ + missing_; }
-  // Calls that no receiver has told to have arrived.
+  // Whether the receiver knows that no call follows. It then counts those that it does not deliver.
+  bool knowsOfClosing() const { return knowsOfClosing_; }
+  // Calls that this node must count when it closes.
+  uint64_t missing() const {
+    return lost() + (link.present || knowsOfClosing_ ? notArrived() : unconfirmed());
+  }
+  // Calls that the receiver has not told to have arrived.
   uint64_t notArrived() const { return numbered_ - arrived_; }
   uint64_t mostUnconfirmed() const { return mostUnconfirmed_; }
   Clock::time_point heardAt() const { return heardAt_; }
@@ -67,6 +73,8 @@ class Destination {
   } link;
   // A call found no receiver. The next one does not wait until there is a sign of one.
   bool givenUp = false;
+  // A sender that waits for room asks again then.
+  Clock::time_point nextSync{};
 
  private:
   size_t callLimit() const { return std::min(settings_.sendQueueCalls, grantedCalls_); }
@@ -90,6 +98,7 @@ class Destination {
 
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
   uint64_t missing_ = 0;   // calls that this receiver misses
+  bool knowsOfClosing_ = false;
   uint64_t lostBefore_ = 0;  // calls that its predecessors missed or never confirmed
   uint32_t grantedCalls_ = initialCredit;
   uint32_t grantedBytes_ = UINT32_MAX;

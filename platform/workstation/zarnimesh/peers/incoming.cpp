@@ -20,13 +20,10 @@ constexpr int tellMs = 5;
 constexpr std::chrono::milliseconds lookInterval{500};
 
 // Messages that are taken at once while no thread receives.
-constexpr int mostAtOnce = 10'000;
+constexpr int mostAtOnce = 100'000;
 
-// Syncs may wait beside calls.
-constexpr int roomForSyncs = 64;
-
-int creditOf(const Settings& settings) {
-  return static_cast<int>(std::max(settings.receiveQueueCalls, initialCredit));
+size_t creditOf(const Settings& settings) {
+  return std::max(settings.receiveQueueCalls, initialCredit);
 }
 
 }  // namespace
@@ -35,8 +32,7 @@ mesh_result Incoming::open(std::shared_ptr<Context> context) {
   if (getrandom(&incarnation_, sizeof incarnation_, 0) != sizeof incarnation_) {
     return fail(MESH_SYSTEM_ERROR, "random number: %s", std::strerror(errno));
   }
-  const int room = creditOf(settings_) + roomForSyncs;
-  if (const auto result = listener_.open(context, settings_, address_, room); result != MESH_OK) {
+  if (const auto result = listener_.open(context, settings_, address_); result != MESH_OK) {
     return result;
   }
   size_t size = sizeof file_;
@@ -153,7 +149,7 @@ bool Incoming::isFromItsSource(IncomingCall& call) {
 Source* Incoming::book(uint64_t route, IncomingCall& call) {
   const FrameHeader& header = call.header;
   Source* source = sources_.find(header.source, header.incarnation);
-  if (!Sources::isPlausible(header, source)) {
+  if (!Sources::isPlausible(header, source) || !sources_.mayUse(route, source)) {
     return nullptr;
   }
   const bool isNew = source == nullptr;
@@ -162,14 +158,14 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     peerEvents_.add(sources_.has(header.source) ? MESH_PEER_RESTARTED : MESH_PEER_UP,
                     header.source);
     source = &sources_.add(header.source, header.incarnation);
+    source->route = route;
     const uint64_t missed = Sources::noteFirst(*source, header);
     source->gapPending = missed > 0;
     statistics_.missedBeforeFirst.add(missed);
     if (missed > 0) {
       peerEvents_.add(MESH_PEER_GAP, header.source, source->first - missed, source->first - 1);
     }
-  } else if (header.kind == Kind::Call &&
-             source->undelivered >= static_cast<size_t>(creditOf(settings_))) {
+  } else if (header.kind == Kind::Call && source->undelivered >= creditOf(settings_)) {
     // More calls than the node has room for: the sender ignores its credit.
     return nullptr;
   } else {
@@ -182,7 +178,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     statistics_.lostCalls.subtract(finding.late ? 1 : 0);
     statistics_.duplicateCalls.add(finding.duplicate ? 1 : 0);
   }
-  source->route = route;
+  sources_.connect(*source, route);
   source->heardAt = Clock::now();
   if (isNew) {
     tell(*source);
@@ -228,6 +224,7 @@ bool Incoming::tell(Source& source) {
   }
   writeRoute(source.route, route.data());
   encodeHeader({.kind = Kind::State,
+                .flags = source.closed ? closingFlag : uint8_t{0},
                 .source = address_,
                 .destination = source.address,
                 .incarnation = incarnation_,
@@ -295,13 +292,12 @@ void Incoming::close() {
   }
   tend();
   for (auto& [key, source] : sources_) {
-    tell(source);
+    const bool gone = !tell(source) || source.closed;
+    // The others count on their own: they know what this node has not confirmed.
+    statistics_.discardedCalls.add(gone ? source.undelivered : 0);
   }
-  // This also ends the connections. What they brought meanwhile is still read.
-  listener_.stopListening();
-  tend();
-  statistics_.discardedCalls.add(waiting_.size());
   waiting_.clear();
+  listener_.stopListening();
   watch_.close(listener_.socket());
   listener_.close();
 }

@@ -37,7 +37,7 @@ Authenticator::Known knownTo(const KeyRing& keys, uint32_t ownAddress) {
 }  // namespace
 
 mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& settings,
-                           uint32_t address, int room) {
+                           uint32_t address) {
   context_ = std::move(context);
   if (settings.defaultTransport == Transport::Ipc) {
     // Checked for every node that may use the directory: senders trust it too.
@@ -52,7 +52,7 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
   if (const mesh_result result = claim(); result != MESH_OK) {
     return result;
   }
-  return openSocket(settings, address, room);
+  return openSocket(settings, address);
 }
 
 // Makes sure that no live node receives at the endpoint. For tcp zmq_bind does that.
@@ -70,11 +70,13 @@ mesh_result Listener::claim() {
   return MESH_OK;
 }
 
-mesh_result Listener::openSocket(const Settings& settings, uint32_t address, int room) {
+mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
   const std::string endpoint =
       generation_ ? InprocTable::boundEndpoint(endpoint_.rest, *generation_) : endpoint_.text();
   socket_ = Socket(zmq_socket(context_->handle(), ZMQ_ROUTER));
-  if (!socket_ || !socket_.set(ZMQ_RCVHWM, room) || !socket_.set(ZMQ_LINGER, lingerMs) ||
+  // Credit bounds the queues, and the node takes what arrives even if nobody receives. ZeroMQ would
+  // lose what the kernel still holds if a peer ended while its queue were full.
+  if (!socket_ || !socket_.set(ZMQ_RCVHWM, 0) || !socket_.set(ZMQ_LINGER, lingerMs) ||
       !socket_.set(ZMQ_ROUTER_MANDATORY, 1) || !setHeartbeat(socket_, settings.heartbeat) ||
       !socket_.set(ZMQ_MAXMSGSIZE, static_cast<int64_t>(settings.messageLimit())) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0)) {

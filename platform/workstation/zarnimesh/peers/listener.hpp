@@ -17,16 +17,15 @@ class Listener {
  public:
   ~Listener() { close(); }
 
-  // Claims the endpoint of `address` and binds to it. `room` is how many messages of one peer may
-  // wait in the socket.
+  // Claims the endpoint of `address` and binds to it.
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context, const Settings& settings,
-                                 uint32_t address, int room);
+                                 uint32_t address);
 
   // ipc: listens again when somebody removed the socket's file or its lock. Fails when another node
   // claimed the endpoint meanwhile.
   [[nodiscard]] mesh_result listenAgain();
 
-  // Ends all connections. What arrived can still be read.
+  // Ends all connections.
   void stopListening();
 
   // Releases the endpoint. Any process can then bind to it at once.
@@ -38,7 +37,7 @@ class Listener {
 
  private:
   [[nodiscard]] mesh_result claim();
-  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address, int room);
+  [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
   [[nodiscard]] mesh_result bind(const std::string& endpoint);
   [[nodiscard]] mesh_result listenOnIpc();
   [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);

@@ -15,9 +15,6 @@ namespace {
 // A new receiver is found within this time.
 constexpr int reconnectMs = 20;
 
-// For closing words that are still on their way. Calls are confirmed before.
-constexpr int lingerMs = 20;
-
 // A State, encrypted, or ZeroMQ's own words.
 constexpr int64_t largestAnswer = 1024;
 
@@ -92,7 +89,8 @@ mesh_result Outgoing::openSocket() {
   size_t size = sizeof stateFile_;
   // Credit bounds the queues. A full queue would lose what the kernel still holds when a peer ends.
   if (!socket || !socket.set(ZMQ_SNDHWM, 0) || !socket.set(ZMQ_RCVHWM, 0) ||
-      !socket.set(ZMQ_LINGER, lingerMs) || !socket.set(ZMQ_ROUTER_MANDATORY, 1) ||
+      // Calls are confirmed before the socket is closed, or are counted as undelivered.
+      !socket.set(ZMQ_LINGER, 0) || !socket.set(ZMQ_ROUTER_MANDATORY, 1) ||
       !socket.set(ZMQ_MAXMSGSIZE, largestAnswer) || !setHeartbeat(socket, settings_.heartbeat) ||
       !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
       zmq_getsockopt(socket.handle(), ZMQ_FD, &stateFile_, &size) != 0) {

@@ -50,7 +50,16 @@ Source& Sources::add(uint32_t address, uint64_t incarnation) {
   return source;
 }
 
+void Sources::connect(Source& source, uint64_t route) {
+  if (const auto [found, isNew] = byRoute_.emplace(route, &source);
+      isNew && source.route != route) {
+    byRoute_.erase(source.route);
+  }
+  source.route = route;
+}
+
 void Sources::remove(const Source& source) {
+  byRoute_.erase(source.route);
   sources_.erase({source.address, source.incarnation});
 }
 

@@ -59,6 +59,13 @@ class Sources {
   Source& add(uint32_t address, uint64_t incarnation);
   void remove(const Source& source);
 
+  // A connection serves one sender only: otherwise a peer could make up any number of them.
+  bool mayUse(uint64_t route, const Source* source) const {
+    const auto found = byRoute_.find(route);
+    return found == byRoute_.end() || found->second == source;
+  }
+  void connect(Source& source, uint64_t route);
+
   // Whether the numbers of a Call or Sync are possible. `source` is null for an unknown sender.
   static bool isPlausible(const FrameHeader& header, const Source* source);
 
@@ -87,6 +94,9 @@ class Sources {
     for (auto at = sources_.begin(); at != sources_.end();) {
       Source& source = at->second;
       const bool forget = source.undelivered == 0 && !source.toBeTold && isGone(source);
+      if (forget) {
+        byRoute_.erase(source.route);
+      }
       at = forget ? sources_.erase(at) : std::next(at);
     }
     pruneAt_ = 2 * sources_.size() < leastPruned ? leastPruned : 2 * sources_.size();
@@ -110,6 +120,7 @@ class Sources {
   };
 
   std::unordered_map<Key, Source, Hash> sources_;
+  std::unordered_map<uint64_t, const Source*> byRoute_;
   size_t pruneAt_ = leastPruned;
 };
 

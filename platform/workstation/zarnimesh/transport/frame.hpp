@@ -33,7 +33,7 @@ enum class Kind : uint8_t {
 
 // The flag of a Call: its delivery is to be answered with a State.
 inline constexpr uint8_t tellFlag = 1;
-// The flag of a Sync: no call follows.
+// The flag of a Sync: no call follows. Of a State: such a Sync arrived.
 inline constexpr uint8_t closingFlag = 1;
 
 struct FrameHeader {
