@@ -6,6 +6,9 @@
 //   hold <address>                     opens a node and never receives, until it is killed
 //   send <address> <to> <calls> <notes>
 //                                      sends `calls` calls of `notes` notes
+//   burst <address> <to> <calls> <notes>
+//                                      the same, prints "sent" and does not close the node
+//   open <descriptors> <nodes>         opens nodes with so few descriptors
 //   log <lines> <burst>                writes log lines, some above the limit
 //   crowd <owners> <callers>           allocates and frees a block per caller, reports twice
 //   largest                            prints the largest block of 2^n MiB (up to 1024) it gets
@@ -13,6 +16,7 @@
 //
 // Each prints "ready" when its node is open. The exit code is the result.
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cinttypes>
@@ -92,8 +96,7 @@ int hold(const char* address) {
   }
 }
 
-int send(const char* address, const char* to, const char* calls, const char* notes) {
-  mesh_node* node = openAndReport(address, nullptr);
+int sendCalls(const char* to, const char* calls, const char* notes) {
   for (uint32_t call = 0; call < number(calls); ++call) {
     std::vector<std::string> texts;
     for (uint32_t i = 0; i < number(notes); ++i) {
@@ -104,7 +107,44 @@ int send(const char* address, const char* to, const char* calls, const char* not
       return static_cast<int>(result);
     }
   }
-  return mesh_node_close(node);
+  return MESH_OK;
+}
+
+int send(const char* address, const char* to, const char* calls, const char* notes) {
+  mesh_node* node = openAndReport(address, nullptr);
+  const int result = sendCalls(to, calls, notes);
+  return result != MESH_OK ? result : mesh_node_close(node);
+}
+
+int burst(const char* address, const char* to, const char* calls, const char* notes) {
+  openAndReport(address, nullptr);
+  if (const int result = sendCalls(to, calls, notes); result != MESH_OK) {
+    return result;
+  }
+  std::puts("sent");
+  std::fflush(stdout);
+  for (;;) {
+    pause();
+  }
+}
+
+int openNodes(const char* descriptors, const char* nodes) {
+  const rlimit few{.rlim_cur = number(descriptors), .rlim_max = number(descriptors)};
+  if (setrlimit(RLIMIT_NOFILE, &few) != 0) {
+    return 100;
+  }
+  for (uint32_t address = 1; address <= number(nodes); ++address) {
+    mesh_node* node = nullptr;
+    if (const mesh_result result = mesh_node_open(address, nullptr, &node); result != MESH_OK) {
+      std::printf("%s\n", mesh_node_last_error());
+      return result;
+    }
+    if (const uint32_t result = sendNotes(1, {"a"}); result != MESH_OK) {
+      std::printf("%s\n", mesh_node_last_error());
+      return static_cast<int>(result);
+    }
+  }
+  return MESH_OK;
 }
 
 int log(const char* lines, const char* burst) {
@@ -195,6 +235,12 @@ int main(int argc, char** argv) {
   }
   if (command == "send" && argc == 6) {
     return send(argv[2], argv[3], argv[4], argv[5]);
+  }
+  if (command == "burst" && argc == 6) {
+    return burst(argv[2], argv[3], argv[4], argv[5]);
+  }
+  if (command == "open" && argc == 4) {
+    return openNodes(argv[2], argv[3]);
   }
   if (command == "log" && argc == 4) {
     return log(argv[2], argv[3]);

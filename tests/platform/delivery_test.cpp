@@ -1,0 +1,371 @@
+// What is sent is delivered or counted: ends of bursts, ends of nodes, handlers that do not return.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csetjmp>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#include "support/child_process.hpp"
+#include "support/free_port.hpp"
+#include "support/node_fixture.hpp"
+
+namespace platform_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+milliseconds since(steady_clock::time_point start) {
+  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+}
+
+class Delivery : public NodeFixture {
+ protected:
+  // Both nodes receive at tcp endpoints.
+  void useTcp() {
+    book_ = "1 " + tcpEndpoint(freePort()) + "\n2 " + tcpEndpoint(freePort()) + "\n";
+    setenv("ZARNIMESH_ADDRESS_BOOK", writeBook().c_str(), 1);
+  }
+
+  // Waits until the node's receiver has confirmed everything.
+  static void awaitConfirmation(mesh_node* node) {
+    const Deadline deadline;
+    while (statisticsOf(node).unconfirmed_calls > 0 && !deadline.passed()) {
+      std::this_thread::sleep_for(milliseconds(5));
+    }
+    EXPECT_EQ(statisticsOf(node).unconfirmed_calls, 0u);
+  }
+
+  // The receiver is behind while a sender of another process sends `calls` calls and ends.
+  void expectWholeBurst(bool killed) {
+    const OpenNode receiver = open(1);
+    ChildProcess sender(peer({killed ? "burst" : "send", "2", "1", "1000", "1"}));
+    ASSERT_EQ(sender.readLine(), "ready");
+    const auto slowly = [](const mesh_received*, void*) {
+      std::this_thread::sleep_for(std::chrono::microseconds(300));
+    };
+    if (killed) {
+      ASSERT_EQ(sender.readLine(), "sent");
+      std::this_thread::sleep_for(milliseconds(100));
+      sender.kill();
+      EXPECT_EQ(sender.wait(), -SIGKILL);
+    }
+    const Deadline deadline;
+    while (statisticsOf(receiver).received_records < 1000 && !deadline.passed()) {
+      ASSERT_GE(mesh_node_receive(receiver, 100, slowly, nullptr), 0);
+    }
+    EXPECT_EQ(statisticsOf(receiver).received_records, 1000u);
+    EXPECT_EQ(statisticsOf(receiver).lost_calls, 0u);
+    if (!killed) {
+      EXPECT_EQ(sender.wait(), MESH_OK);
+    }
+  }
+
+ private:
+  std::string writeBook() const {
+    const std::string path = directory() + "/book";
+    FILE* file = std::fopen(path.c_str(), "w");
+    std::fputs(book_.c_str(), file);
+    std::fclose(file);
+    return path;
+  }
+
+  std::string book_;
+};
+
+TEST_F(Delivery, OfTheEndOfABurstFromASenderThatCloses) {
+  expectWholeBurst(false);
+}
+
+TEST_F(Delivery, OfTheEndOfABurstFromASenderThatClosesOverTcp) {
+  useTcp();
+  expectWholeBurst(false);
+}
+
+TEST_F(Delivery, OfTheEndOfABurstFromASenderThatIsKilled) {
+  expectWholeBurst(true);
+}
+
+TEST_F(Delivery, OfTheEndOfABurstFromASenderThatIsKilledOverTcp) {
+  useTcp();
+  expectWholeBurst(true);
+}
+
+TEST_F(Delivery, IsConfirmedToASenderThatClosesWhileNobodyReceives) {
+  const OpenNode receiver = open(1);
+  OpenNode sender = open(2);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int call = 0; call < 1000; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  }
+  mesh_node_statistics last;
+  mesh_node* closing = sender;
+  const auto start = steady_clock::now();
+  EXPECT_EQ(sender.close(), MESH_OK);
+  EXPECT_LT(since(start), milliseconds(1500)) << "not after the linger time";
+  EXPECT_EQ(mesh_node_close_counted(closing, &last), MESH_NOT_OPEN);
+  EXPECT_EQ(receiveNotes(receiver, 1000).size(), 1000u);
+}
+
+TEST_F(Delivery, IsReportedMissingByTheClosingSender) {
+  OpenNode receiver = open(1);
+  mesh_node* sender = nullptr;
+  ASSERT_EQ(mesh_node_open(2, nullptr, &sender), MESH_OK);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int call = 0; call < 10; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  }
+  ASSERT_EQ(receiveNotes(receiver, 4).size(), 4u);
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(sender, &last), MESH_UNDELIVERED);
+  EXPECT_EQ(std::string(mesh_node_last_error()), "6 sent calls are not known to have arrived");
+  EXPECT_EQ(last.sent_calls, 10u);
+  EXPECT_EQ(last.undelivered_calls, 6u);
+}
+
+TEST_F(Delivery, IsNotMissedFromAPredecessorThatConfirmedIt) {
+  OpenNode receiver = open(1);
+  const OpenNode sender = open(2);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int round = 0; round < 3; ++round) {
+    for (int call = 0; call < 100; ++call) {
+      ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+    }
+    ASSERT_EQ(receiveNotes(receiver, 100).size(), 100u);
+    awaitConfirmation(sender);
+    EXPECT_EQ(statisticsOf(receiver).missed_before_first, 0u);
+    ASSERT_EQ(receiver.close(), MESH_OK);
+    receiver = open(1);
+  }
+  EXPECT_EQ(statisticsOf(sender).undelivered_calls, 0u);
+}
+
+TEST_F(Delivery, IsCountedWhenTheReceiverIsRestarted) {
+  OpenNode receiver = open(1);
+  const OpenNode sender = open(2);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int call = 0; call < 10; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  }
+  ASSERT_EQ(receiveNotes(receiver, 4).size(), 4u);
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  receiver = open(1);
+  // The sender asks its new receiver on its own.
+  const Deadline deadline;
+  while (statisticsOf(sender).undelivered_calls < 6 && !deadline.passed()) {
+    std::this_thread::sleep_for(milliseconds(5));
+  }
+  EXPECT_EQ(statisticsOf(sender).undelivered_calls, 6u);
+  EXPECT_EQ(statisticsOf(sender).unconfirmed_calls, 0u);
+  EXPECT_EQ(statisticsOf(receiver).missed_before_first, 6u);
+}
+
+TEST_F(Delivery, DoesNotWaitForADeadDestinationTwice) {
+  mesh_node_options options = defaults();
+  options.connect_timeout_ms = 500;
+  const OpenNode node = open(1, options);
+  ASSERT_EQ(sendNotes(9, {"a"}), MESH_NO_DESTINATION);
+  const auto start = steady_clock::now();
+  for (int call = 0; call < 10; ++call) {
+    EXPECT_EQ(sendNotes(9, {"a"}), MESH_NO_DESTINATION);
+  }
+  EXPECT_LT(since(start), milliseconds(400));
+  const OpenNode back = open(9);
+  EXPECT_EQ(sendNotes(9, {"a"}), MESH_OK) << mesh_node_last_error();
+  EXPECT_EQ(receiveNotes(back, 1).size(), 1u);
+}
+
+// Each call is answered twice: without a bound that would grow for ever.
+TEST_F(Delivery, GoesOnWhenHandlersAnswerTwice) {
+  mesh_node_options options = defaults();
+  options.send_queue_calls = 64;
+  options.send_timeout_ms = 20'000;
+  const OpenNode one = open(1, options);
+  const OpenNode two = open(2, options);
+  struct Answering {
+    mesh_node* node;
+    uint32_t to;
+    uint64_t refused = 0;
+  };
+  const auto answer = [](const mesh_received*, void* user) {
+    auto& answering = *static_cast<Answering*>(user);
+    const mesh_msg_desc note{
+        .data = reinterpret_cast<uintptr_t>("n"), .msg_id = noteId, .length = 1};
+    for (int each = 0; each < 2; ++each) {
+      const mesh_result result = mesh_node_send(answering.node, answering.to, &note, 1, 0, -1);
+      EXPECT_TRUE(result == MESH_OK || result == MESH_QUEUE_FULL) << mesh_node_last_error();
+      answering.refused += result == MESH_QUEUE_FULL ? 1 : 0;
+    }
+  };
+  std::atomic<bool> done = false;
+  Answering ofTwo{two, 1};
+  std::thread other([&] {
+    while (!done) {
+      static_cast<void>(mesh_node_receive(two, 10, answer, &ofTwo));
+    }
+  });
+  ASSERT_EQ(sendNotes(2, {"first"}), MESH_OK);
+  Answering ofOne{one, 2};
+  const Deadline deadline;
+  while (statisticsOf(one).received_calls < 5000 && !deadline.passed()) {
+    ASSERT_GE(mesh_node_receive(one, 1000, answer, &ofOne), 0);
+  }
+  done = true;
+  other.join();
+  EXPECT_GE(statisticsOf(one).received_calls, 5000u);
+  EXPECT_GT(ofOne.refused + ofTwo.refused, 0u);
+}
+
+TEST_F(Delivery, IsBoundedInBytesToo) {
+  mesh_node_options options = impatient();
+  options.queue_bytes = 1 << 20;
+  const OpenNode sender = open(1, options);
+  const OpenNode receiver = open(2, options);
+  const std::string large(300 << 10, 'a');
+  uint32_t accepted = 0;
+  while (accepted < 100 && sendNotes(2, {large}) == MESH_OK) {
+    ++accepted;
+  }
+  EXPECT_EQ(accepted, 3u) << "900 KiB fit, 1200 do not";
+  EXPECT_EQ(statisticsOf(sender).failed_queue_full, 1u);
+  EXPECT_EQ(receiveNotes(receiver, 3).size(), 3u);
+  awaitConfirmation(sender);
+  EXPECT_EQ(sendNotes(2, {std::string(3 << 20, 'b')}), MESH_OK) << "one call may be larger";
+  EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
+}
+
+TEST_F(Delivery, GoesOnAfterAHandlerThatThrows) {
+  const OpenNode node = open(1);
+  ASSERT_EQ(sendNotes(1, {"a", "b", "c"}), MESH_OK);
+  const auto failing = [](const mesh_received*, void*) { throw std::runtime_error("handler"); };
+  EXPECT_EQ(mesh_node_receive(node, 10000, failing, nullptr), -MESH_SYSTEM_ERROR);
+  EXPECT_EQ(std::string(mesh_node_last_error()), "handler");
+  std::vector<Received> notes;
+  EXPECT_EQ(mesh_node_receive(node, 10000, collect, &notes), 2);
+  ASSERT_EQ(notes.size(), 2u);
+  EXPECT_EQ(notes[0].text, "b");
+  EXPECT_EQ(notesOut(), 0);
+  EXPECT_EQ(statisticsOf(node).received_records, 3u);
+  awaitConfirmation(node);
+}
+
+TEST_F(Delivery, GoesOnAfterAHandlerThatLeavesByLongjmp) {
+  const OpenNode node = open(1);
+  ASSERT_EQ(sendNotes(1, {"a", "b", "c"}), MESH_OK);
+  static std::jmp_buf back;
+  static std::atomic<int> left;
+  left = 0;
+  if (setjmp(back) == 0) {
+    static_cast<void>(mesh_node_receive(
+        node, 10000,
+        [](const mesh_received*, void*) {
+          ++left;
+          std::longjmp(back, 1);
+        },
+        nullptr));
+    ADD_FAILURE() << "the handler was not called";
+  }
+  EXPECT_EQ(left, 1);
+  std::vector<Received> notes;
+  EXPECT_EQ(mesh_node_receive(node, 10000, collect, &notes), 2) << mesh_node_last_error();
+  ASSERT_EQ(notes.size(), 2u);
+  EXPECT_EQ(notes[0].text, "b");
+  EXPECT_EQ(notesOut(), 0);
+  awaitConfirmation(node);
+}
+
+TEST_F(Delivery, ContinuesWhenTheSocketsFileOrItsLockIsRemoved) {
+  const OpenNode receiver = open(1);
+  for (const char* removed : {"/1", "/1.lock"}) {
+    ASSERT_TRUE(std::filesystem::remove(directory() + removed));
+    const Deadline deadline;
+    while (!std::filesystem::exists(directory() + removed) && !deadline.passed()) {
+      ASSERT_EQ(mesh_node_receive(receiver, 20, nullptr, nullptr), 0);
+    }
+    const OpenNode late = open(2);
+    ASSERT_EQ(mesh_node_attach(late), MESH_OK);
+    EXPECT_EQ(sendNotes(1, {"a"}), MESH_OK) << removed << mesh_node_last_error();
+    EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u) << removed;
+    ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+    EXPECT_EQ(resultOfOpening(1, defaults()), MESH_ADDRESS_IN_USE);
+  }
+}
+
+TEST_F(Delivery, TellsANodeThatAnotherOneTookItsAddress) {
+  OpenNode first = open(1);
+  ASSERT_TRUE(std::filesystem::remove(directory() + "/1.lock"));
+  const OpenNode second = open(1);
+  const Deadline deadline;
+  int64_t result = 0;
+  while (result == 0 && !deadline.passed()) {
+    result = mesh_node_receive(first, 100, nullptr, nullptr);
+  }
+  EXPECT_EQ(result, -MESH_ADDRESS_IN_USE);
+  ASSERT_EQ(first.close(), MESH_OK);
+  EXPECT_TRUE(std::filesystem::exists(directory() + "/1")) << "the successor's socket";
+  const OpenNode sender = open(2);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  EXPECT_EQ(receiveNotes(second, 1).size(), 1u);
+  ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+}
+
+TEST_F(Delivery, EndsWithAResultWhenNoDescriptorsAreLeft) {
+  ChildProcess many(peer({"open", "200", "400"}), true);
+  const std::string told = many.readAll();
+  EXPECT_NE(told.find("file descriptors are in use"), std::string::npos) << told;
+  EXPECT_EQ(many.wait(), MESH_SYSTEM_ERROR);
+}
+
+// Locks that other threads held at the fork stay locked in the child for ever.
+TEST_F(Delivery, IsRefusedInAChildThatWasForkedDuringSends) {
+  const OpenNode node = open(1);
+  std::atomic<bool> done = false;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 3; ++thread) {
+    threads.emplace_back([&] {
+      while (!done) {
+        static_cast<void>(sendNotes(1, {"a"}));
+      }
+    });
+  }
+  std::thread receiving([&] {
+    while (!done) {
+      static_cast<void>(mesh_node_receive(node, 10, nullptr, nullptr));
+    }
+  });
+  int refused = 0;
+  for (int round = 0; round < 200; ++round) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      alarm(10);
+      mesh_node_statistics statistics;
+      mesh_node* own = nullptr;
+      const bool all = MESH_SendMsg(1, nullptr, 0) == MESH_NOT_OPEN &&
+                       mesh_node_stats(node, &statistics) == MESH_NOT_OPEN &&
+                       mesh_node_receive(node, 0, nullptr, nullptr) == -MESH_NOT_OPEN &&
+                       mesh_node_attach(nullptr) == MESH_NOT_OPEN &&
+                       mesh_node_open(2, nullptr, &own) == MESH_NOT_OPEN &&
+                       mesh_node_close(node) == MESH_NOT_OPEN;
+      _exit(all ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    refused += status == 0 ? 1 : 0;
+  }
+  done = true;
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  receiving.join();
+  EXPECT_EQ(refused, 200);
+}
+
+}  // namespace
+}  // namespace platform_test
