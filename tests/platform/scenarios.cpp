@@ -250,7 +250,7 @@ class Scenario {
 
  private:
   // Many processes on few processors take long to pass on what they were given.
-  milliseconds lookBack() const { return milliseconds(60 + 6 * nodes_); }
+  milliseconds lookBack() const { return milliseconds(60 + 10 * nodes_); }
   static unsigned long long ull(uint64_t value) { return value; }
   uint32_t below(uint32_t bound) { return static_cast<uint32_t>(random_() % bound); }
   void rest(uint32_t mostMs) {
@@ -393,7 +393,9 @@ class Scenario {
       sum_.undelivered += life.undelivered.load();
       sum_.discarded += life.discarded.load();
       if (life.malformed.load() + life.duplicates.load() > 0) {
-        return "malformed or repeated calls at node " + std::to_string(life.address);
+        return std::to_string(life.malformed.load()) + " malformed, " +
+               std::to_string(life.duplicates.load()) + " repeated calls at node " +
+               std::to_string(life.address);
       }
     }
     for (const KilledSend& each : killedSends_) {

@@ -22,8 +22,14 @@ constexpr std::chrono::milliseconds lookInterval{500};
 // Messages that are taken at once while no thread receives.
 constexpr int mostAtOnce = 100'000;
 
-size_t creditOf(const Settings& settings) {
-  return std::max(settings.receiveQueueCalls, initialCredit);
+// Where a sender that ignores its credit is stopped. The credit itself is smaller: a sender may
+// have got more from a predecessor of this node.
+constexpr size_t leastCallLimit = 1 << 16;
+constexpr uint64_t leastByteLimit = 128 << 20;
+
+bool isBeyondCredit(const Source& source, const Settings& settings) {
+  return source.undelivered >= std::max<size_t>(settings.receiveQueueCalls, leastCallLimit) ||
+         source.undeliveredBytes >= std::max<uint64_t>(settings.queueBytes, leastByteLimit);
 }
 
 }  // namespace
@@ -117,6 +123,7 @@ bool Incoming::accept(uint64_t route, IncomingCall& call) {
     return false;
   }
   ++source.undelivered;
+  source.undeliveredBytes += header->bytes;
   ++source.calls;
   source.bytes += header->bytes;
   source.mostUndelivered = std::max(source.mostUndelivered, source.undelivered);
@@ -165,8 +172,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     if (missed > 0) {
       peerEvents_.add(MESH_PEER_GAP, header.source, source->first - missed, source->first - 1);
     }
-  } else if (header.kind == Kind::Call && source->undelivered >= creditOf(settings_)) {
-    // More calls than the node has room for: the sender ignores its credit.
+  } else if (header.kind == Kind::Call && isBeyondCredit(*source, settings_)) {
     return nullptr;
   } else {
     const uint64_t highest = source->highest;
@@ -188,7 +194,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
 
 void Incoming::noteDelivered(const IncomingCall& call) {
   Source& source = *call.source;
-  Sources::noteDelivered(source, call.header.sequence);
+  Sources::noteDelivered(source, call.header);
   if ((call.header.flags & tellFlag) != 0) {
     tell(source);
   } else {

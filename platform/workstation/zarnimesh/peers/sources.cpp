@@ -107,9 +107,11 @@ Sources::Finding Sources::note(Source& source, const FrameHeader& header) {
   return finding;
 }
 
-void Sources::noteDelivered(Source& source, uint64_t sequence) {
+void Sources::noteDelivered(Source& source, const FrameHeader& call) {
   --source.undelivered;
-  source.settled = source.undelivered == 0 ? source.highest : std::max(source.settled, sequence);
+  source.undeliveredBytes -= call.bytes;
+  source.settled =
+      source.undelivered == 0 ? source.highest : std::max(source.settled, call.sequence);
 }
 
 }  // namespace zarnimesh

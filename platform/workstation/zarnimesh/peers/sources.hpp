@@ -32,6 +32,7 @@ struct Source {
   uint64_t told = 0;       // settled, as told to the sender
   uint64_t missing = 0;    // calls after `first` that did not arrive
   size_t undelivered = 0;  // calls that wait for delivery
+  uint64_t undeliveredBytes = 0;
   bool toBeTold = false;
   bool closed = false;
   bool gapPending = false;  // the next call to be delivered follows a gap
@@ -82,7 +83,7 @@ class Sources {
   static uint64_t noteFirst(Source& source, const FrameHeader& header);
 
   // A call of the source was delivered.
-  static void noteDelivered(Source& source, uint64_t sequence);
+  static void noteDelivered(Source& source, const FrameHeader& call);
 
   // Forgets the senders that are gone, if the books have grown enough since this was done last.
   // `isGone` is called for sources without undelivered calls.
