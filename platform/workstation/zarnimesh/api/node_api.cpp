@@ -1,6 +1,7 @@
 // The exported functions of zarnimesh/node.h.
 #include "zarnimesh/node.h"
 
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <span>
@@ -78,6 +79,9 @@ class ReceiverHold {
     nodes.push_back(findNode(handle));
     if (nodes.back() == nullptr) {
       return noSuchNode();
+    }
+    if (std::find(nodes.begin(), nodes.end() - 1, nodes.back()) != nodes.end() - 1) {
+      return fail(MESH_BAD_ARGUMENT, "a node is there twice");
     }
     if (!holds.emplace_back(*nodes.back())) {
       return busy();

@@ -1,0 +1,283 @@
+// What a node tells of its peers: changes, counts, gaps, water marks, and when to receive.
+#include <poll.h>
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "support/child_process.hpp"
+#include "support/free_port.hpp"
+#include "support/node_fixture.hpp"
+#include "support/raw_sender.hpp"
+
+namespace platform_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// The events of a node.
+class Events {
+ public:
+  void hear(mesh_node_options& options) {
+    options.peer_user = this;
+    options.peer = [](const mesh_peer_event* event, void* user) {
+      auto* const events = static_cast<Events*>(user);
+      const std::lock_guard lock(events->mutex_);
+      events->events_.push_back(*event);
+    };
+  }
+
+  // Waits for it.
+  bool has(mesh_peer_change change, uint32_t address, uint64_t from = 0, uint64_t to = 0) {
+    const Deadline deadline;
+    while (!deadline.passed()) {
+      {
+        const std::lock_guard lock(mutex_);
+        if (std::any_of(events_.begin(), events_.end(), [&](const mesh_peer_event& event) {
+              return event.change == static_cast<uint32_t>(change) && event.address == address &&
+                     event.from == from && event.to == to;
+            })) {
+          return true;
+        }
+      }
+      std::this_thread::sleep_for(milliseconds(5));
+    }
+    return false;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<mesh_peer_event> events_;
+};
+
+class Peers : public NodeFixture {
+ protected:
+  static mesh_peer_statistics peerOf(mesh_node* node, uint32_t address) {
+    mesh_peer_statistics peers[16];
+    uint32_t count = 0;
+    EXPECT_EQ(mesh_node_peers(node, peers, std::size(peers), &count), MESH_OK);
+    for (uint32_t i = 0; i < std::min<uint32_t>(count, std::size(peers)); ++i) {
+      if (peers[i].address == address) {
+        return peers[i];
+      }
+    }
+    ADD_FAILURE() << "no such peer";
+    return {};
+  }
+
+  static void expectConfirmed(mesh_node* node, uint64_t unconfirmed) {
+    const Deadline deadline;
+    while (statisticsOf(node).unconfirmed_calls != unconfirmed && !deadline.passed()) {
+      std::this_thread::sleep_for(milliseconds(5));
+    }
+    EXPECT_EQ(statisticsOf(node).unconfirmed_calls, unconfirmed);
+  }
+};
+
+TEST_F(Peers, AreCountedApart) {
+  const OpenNode one = open(1);
+  const OpenNode two = open(2);
+  const OpenNode three = open(3);
+  ASSERT_EQ(mesh_node_attach(one), MESH_OK);
+  for (int call = 0; call < 5; ++call) {
+    ASSERT_EQ(sendNotes(2, {"abc", "d"}), MESH_OK);
+  }
+  ASSERT_EQ(sendNotes(3, {"e"}), MESH_OK);
+  ASSERT_EQ(receiveNotes(two, 4).size(), 4u);
+  expectConfirmed(one, 4);
+
+  const mesh_peer_statistics of = peerOf(one, 2);
+  EXPECT_EQ(of.connected, 1u);
+  EXPECT_EQ(of.sent_calls, 5u);
+  EXPECT_EQ(of.sent_bytes, 20u);
+  EXPECT_EQ(of.unconfirmed_calls, 3u);
+  EXPECT_GE(of.most_unconfirmed_calls, 3u);
+  EXPECT_EQ(of.received_calls, 0u);
+  EXPECT_LT(of.last_heard_ms, 10'000u);
+  EXPECT_EQ(peerOf(one, 3).sent_calls, 1u);
+
+  const mesh_peer_statistics from = peerOf(two, 1);
+  EXPECT_EQ(from.received_calls, 5u);
+  EXPECT_EQ(from.received_bytes, 20u);
+  EXPECT_EQ(from.waiting_calls, 3u);
+  EXPECT_EQ(from.sent_calls, 0u);
+  EXPECT_NE(from.incarnation, 0u);
+  uint32_t count = 0;
+  EXPECT_EQ(mesh_node_peers(one, nullptr, 0, &count), MESH_OK);
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(mesh_node_peers(one, nullptr, 1, &count), MESH_BAD_ARGUMENT);
+  EXPECT_EQ(receiveNotes(two, 6).size(), 6u);
+  EXPECT_EQ(receiveNotes(three, 1).size(), 1u);
+}
+
+TEST_F(Peers, ComeGoAndRestart) {
+  Events ofReceiver;
+  mesh_node_options options = defaults();
+  ofReceiver.hear(options);
+  const OpenNode receiver = open(1, options);
+  for (int round = 0; round < 2; ++round) {
+    ChildProcess sender(peer({"send", "2", "1", "3", "1"}));
+    EXPECT_EQ(receiveNotes(receiver, 3).size(), 3u);
+    EXPECT_EQ(sender.wait(), MESH_OK);
+  }
+  EXPECT_TRUE(ofReceiver.has(MESH_PEER_UP, 2));
+  EXPECT_TRUE(ofReceiver.has(MESH_PEER_DOWN, 2));
+
+  Events ofSender;
+  options = defaults();
+  ofSender.hear(options);
+  OpenNode sender = open(3, options);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int round = 0; round < 2; ++round) {
+    const OpenNode other = open(4);
+    // A call to the first node may be on its way when that ends.
+    const Deadline deadline;
+    while (statisticsOf(other).received_calls == 0 && !deadline.passed()) {
+      static_cast<void>(sendNotes(4, {"a"}));
+      ASSERT_GE(mesh_node_receive(other, 20, nullptr, nullptr), 0);
+    }
+  }
+  EXPECT_TRUE(ofSender.has(MESH_PEER_UP, 4));
+  EXPECT_TRUE(ofSender.has(MESH_PEER_DOWN, 4));
+  EXPECT_TRUE(ofSender.has(MESH_PEER_RESTARTED, 4));
+  static_cast<void>(sender.close());
+  ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+}
+
+TEST_F(Peers, TellOfGaps) {
+  Events events;
+  mesh_node_options options = defaults();
+  events.hear(options);
+  const OpenNode node = open(1, options);
+  RawSender sender("ipc://" + directory() + "/1");
+  RawHeader header;
+  header.destination = 1;
+  for (const uint64_t sequence : {1u, 2u, 5u, 6u}) {
+    header.sequence = sequence;
+    sender.sendNote(header, "a");
+  }
+  struct Seen {
+    std::vector<uint64_t> sequences;
+    std::vector<uint64_t> afterGap;
+  } seen;
+  const auto note = [](const mesh_received* received, void* user) {
+    auto* const all = static_cast<Seen*>(user);
+    all->sequences.push_back(received->sequence);
+    if (received->after_gap != 0) {
+      all->afterGap.push_back(received->sequence);
+    }
+    EXPECT_EQ(received->incarnation, RawHeader{}.incarnation);
+  };
+  const Deadline deadline;
+  while (seen.sequences.size() < 4 && !deadline.passed()) {
+    ASSERT_GE(mesh_node_receive(node, 1000, note, &seen), 0);
+  }
+  EXPECT_EQ(seen.sequences, (std::vector<uint64_t>{1, 2, 5, 6}));
+  EXPECT_EQ(seen.afterGap, (std::vector<uint64_t>{5}));
+  EXPECT_TRUE(events.has(MESH_PEER_GAP, 99, 3, 4));
+}
+
+TEST_F(Peers, HaveHighAndLowWater) {
+  Events events;
+  mesh_node_options options = defaults();
+  options.send_queue_calls = 8;
+  events.hear(options);
+  const OpenNode sender = open(1, options);
+  const OpenNode receiver = open(2);
+  for (int call = 0; call < 8; ++call) {
+    ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
+  }
+  EXPECT_TRUE(events.has(MESH_PEER_HIGH_WATER, 2));
+  const mesh_msg_desc note{.data = reinterpret_cast<uintptr_t>("n"), .msg_id = noteId, .length = 1};
+  const auto start = steady_clock::now();
+  EXPECT_EQ(mesh_node_send(sender, 2, &note, 1, 0, 0), MESH_QUEUE_FULL);
+  EXPECT_LT(steady_clock::now() - start, milliseconds(1000)) << "0 does not wait";
+  EXPECT_EQ(mesh_node_send(sender, 2, &note, 1, 0, 200), MESH_QUEUE_FULL);
+  EXPECT_GE(steady_clock::now() - start, milliseconds(200)) << "its own deadline";
+  EXPECT_EQ(receiveNotes(receiver, 8).size(), 8u);
+  // Nobody sends: the library hears the receiver on its own.
+  EXPECT_TRUE(events.has(MESH_PEER_LOW_WATER, 2));
+  EXPECT_EQ(mesh_node_send(sender, 2, &note, 1, 0, 0), MESH_OK);
+  EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
+}
+
+TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {
+  for (const bool tcp : {false, true}) {
+    const std::string book =
+        tcp ? "1 " + tcpEndpoint(freePort()) + "\n2 " + tcpEndpoint(freePort()) + "\n" : "";
+    const std::string path = directory() + "/book";
+    FILE* file = std::fopen(path.c_str(), "w");
+    std::fputs(book.c_str(), file);
+    std::fclose(file);
+    setenv("ZARNIMESH_ADDRESS_BOOK", path.c_str(), 1);
+    Events events;
+    mesh_node_options options = defaults();
+    options.heartbeat_ms = 100;
+    events.hear(options);
+    OpenNode sender = open(1, options);
+    ChildProcess receiver(peer({"count", "2"}));
+    ASSERT_EQ(receiver.readLine(), "ready");
+    ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
+    expectConfirmed(sender, 0);
+    receiver.stop();
+    EXPECT_TRUE(events.has(MESH_PEER_DOWN, 2)) << (tcp ? "tcp" : "ipc");
+    receiver.resume();
+    receiver.closeInput();
+    EXPECT_EQ(receiver.wait(), MESH_OK);
+    ASSERT_EQ(sender.close(), MESH_OK);
+  }
+}
+
+TEST_F(Peers, WakeAPoll) {
+  const OpenNode node = open(1);
+  uint32_t pending = 7;
+  const int file = mesh_node_descriptor(node, &pending);
+  ASSERT_GE(file, 0);
+  EXPECT_EQ(pending, 0u);
+  std::thread sending([] {
+    std::this_thread::sleep_for(milliseconds(50));
+    EXPECT_EQ(sendNotes(1, {"a"}), MESH_OK);
+    EXPECT_EQ(sendNotes(1, {"b"}), MESH_OK);
+  });
+  std::vector<Received> notes;
+  const Deadline deadline;
+  while (notes.size() < 2 && !deadline.passed()) {
+    static_cast<void>(mesh_node_descriptor(node, &pending));
+    if (pending == 0) {
+      pollfd item{.fd = file, .events = POLLIN, .revents = 0};
+      static_cast<void>(poll(&item, 1, 100));
+    }
+    ASSERT_GE(mesh_node_receive(node, 0, collect, &notes), 0);
+  }
+  sending.join();
+  EXPECT_EQ(notes.size(), 2u);
+  EXPECT_EQ(mesh_node_descriptor(nullptr, nullptr), -MESH_NOT_OPEN);
+}
+
+TEST_F(Peers, ReachAnyOfSeveralNodes) {
+  const OpenNode one = open(1);
+  const OpenNode two = open(2);
+  mesh_node* const nodes[] = {one, two};
+  EXPECT_EQ(mesh_node_receive_any(nodes, 2, 10, nullptr, nullptr), 0);
+  std::thread sending([] {
+    std::this_thread::sleep_for(milliseconds(50));
+    EXPECT_EQ(sendNotes(2, {"to two"}), MESH_OK);
+    EXPECT_EQ(sendNotes(1, {"to one"}), MESH_OK);
+  });
+  std::vector<Received> notes;
+  const Deadline deadline;
+  while (notes.size() < 2 && !deadline.passed()) {
+    ASSERT_GE(mesh_node_receive_any(nodes, 2, 1000, collect, &notes), 0);
+  }
+  sending.join();
+  EXPECT_EQ(notes.size(), 2u);
+  EXPECT_EQ(mesh_node_receive_any(nullptr, 1, 0, nullptr, nullptr), -MESH_BAD_ARGUMENT);
+  mesh_node* const twice[] = {one, one};
+  EXPECT_EQ(mesh_node_receive_any(twice, 2, 0, nullptr, nullptr), -MESH_BAD_ARGUMENT);
+}
+
+}  // namespace
+}  // namespace platform_test
