@@ -2,7 +2,9 @@
 // stopped and restarted. After each scenario every call that was sent has been delivered or
 // counted.
 //
-//   platform_scenarios [--seed N] [--scenarios N] [--seconds S] [--over ipc|tcp] [--verbose]
+//   platform_scenarios [--seed N] [--scenarios N] [--seconds S] [--over ipc|tcp|inproc] [--verbose]
+//
+// Over inproc the nodes are threads of this process, and are only closed and restarted.
 //
 // Scenario K of the seed N is the first scenario of the seed N + K. Prints the seed of one that
 // fails, and exits with 1.
@@ -47,6 +49,8 @@ using std::chrono::steady_clock;
 constexpr uint32_t mostNodes = 50;
 constexpr uint32_t mostLives = 128;
 constexpr uint32_t messageId = 0x5CE0;
+
+enum class Over { Ipc, Tcp, Inproc };
 
 enum class Command : int { Send, Pause, Close };
 enum class State : int { Starting, Open, Paused, Closed, Failed };
@@ -129,12 +133,13 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   }
 }
 
-// Runs in a process of its own.
-[[noreturn]] void live(Life& life, uint32_t number, uint32_t nodes, const char* book) {
+// Runs in a process or thread of its own. Returns false if the node did not open.
+[[nodiscard]] bool live(Life& life, uint32_t number, uint32_t nodes, const char* book, Over over) {
   MESH_RegIDLFuncHook(messageId, unpack, [](void*) {});
   mesh_node_options options;
   mesh_node_options_default(&options);
   options.address_book = book;
+  options.transport = over == Over::Inproc ? MESH_TRANSPORT_INPROC : MESH_TRANSPORT_IPC;
   options.send_queue_calls = life.sendQueue;
   options.receive_queue_calls = life.receiveQueue;
   options.linger_ms = 20'000;
@@ -149,7 +154,7 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   if (result != MESH_OK) {
     std::fprintf(stderr, "node %u: %s\n", life.address, mesh_node_last_error());
     life.state.store(State::Failed);
-    _exit(1);
+    return false;
   }
   life.state.store(State::Open);
   std::thread sending([&] { sendAll(life, number, nodes, node); });
@@ -165,16 +170,17 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   life.malformed.store(last.malformed);
   life.duplicates.store(last.duplicate_calls);
   life.state.store(State::Closed);
-  _exit(0);
+  return true;
 }
 
 class Scenario {
  public:
-  Scenario(Shared& shared, uint64_t seed, bool tcp) : lives_(shared.lives), random_(seed) {
+  Scenario(Shared& shared, uint64_t seed, Over over)
+      : over_(over), lives_(shared.lives), random_(seed) {
     nodes_ = 2 + below(below(4) == 0 ? mostNodes - 1 : 7);
     setenv("ZARNIMESH_RUNTIME_DIR", directory_.path().c_str(), 1);
     std::set<uint16_t> ports;
-    while (tcp && ports.size() < nodes_) {
+    while (over_ == Over::Tcp && ports.size() < nodes_) {
       ports.insert(platform_test::freePort());
     }
     uint32_t node = 0;
@@ -195,7 +201,7 @@ class Scenario {
       if (life.ended) {
         continue;
       }
-      switch (below(4)) {
+      switch (over_ == Over::Inproc ? 0 : below(4)) {
         case 0:
           end(life, false);
           rest(30);
@@ -266,9 +272,17 @@ class Scenario {
     life.handlerMicroseconds = below(4) == 0 ? below(3000) : 0;
     life.largest = below(4) == 0 ? 200'000 : 200;
     life.seed = random_();
+    if (over_ == Over::Inproc) {
+      threads_[number] = std::thread([this, &life, number] {
+        if (!live(life, number, nodes_, book_.c_str(), over_)) {
+          std::abort();
+        }
+      });
+      return;
+    }
     const pid_t process = fork();
     if (process == 0) {
-      live(life, number, nodes_, book_.c_str());
+      _exit(live(life, number, nodes_, book_.c_str(), over_) ? 0 : 1);
     }
     if (process < 0) {
       throw std::runtime_error("no process");
@@ -343,6 +357,11 @@ class Scenario {
   }
 
   void await(Life& life) {
+    life.ended = true;
+    if (over_ == Over::Inproc) {
+      threads_[numberOf(life)].join();
+      return;
+    }
     int status = 0;
     const auto end = steady_clock::now() + std::chrono::seconds(40);
     while (waitpid(life.process, &status, WNOHANG) == 0) {
@@ -354,7 +373,6 @@ class Scenario {
       }
       std::this_thread::sleep_for(milliseconds(1));
     }
-    life.ended = true;
     if (status != 0 && fault_.empty()) {
       fault_ =
           "node " + std::to_string(life.address) + " ended with status " + std::to_string(status);
@@ -425,7 +443,9 @@ class Scenario {
     uint64_t discarded = 0;
   };
 
+  const Over over_;
   Life* const lives_;
+  std::thread threads_[mostLives];
   std::mt19937_64 random_;
   platform_test::TemporaryDirectory directory_;
   std::string book_;
@@ -446,7 +466,7 @@ int main(int argc, char** argv) {
   uint64_t seed = 1;
   uint64_t scenarios = 1000;
   uint64_t seconds = 0;
-  bool tcp = false;
+  Over over = Over::Ipc;
   bool verbose = false;
   for (int i = 1; i < argc; ++i) {
     const std::string option = argv[i];
@@ -458,7 +478,12 @@ int main(int argc, char** argv) {
     } else if (option == "--seconds") {
       seconds = std::strtoull(value, nullptr, 0);
     } else if (option == "--over") {
-      tcp = std::strcmp(value, "tcp") == 0;
+      const std::string name = value;
+      over = name == "tcp" ? Over::Tcp : name == "inproc" ? Over::Inproc : Over::Ipc;
+      if (over == Over::Ipc && name != "ipc") {
+        std::fprintf(stderr, "--over takes ipc, tcp or inproc\n");
+        return 2;
+      }
     } else if (option == "--verbose") {
       verbose = true;
       continue;
@@ -480,7 +505,7 @@ int main(int argc, char** argv) {
   uint64_t sent = 0;
   uint64_t counted = 0;
   for (; done < scenarios && (seconds == 0 || steady_clock::now() < end); ++done) {
-    Scenario scenario(shared, seed + done, tcp);
+    Scenario scenario(shared, seed + done, over);
     const std::string fault = scenario.run();
     if (verbose || !fault.empty()) {
       std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed + done),

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "zarnimesh/transport/address_lock.hpp"
 #include "zarnimesh/transport/descriptors.hpp"
@@ -149,12 +150,31 @@ bool Outgoing::push(Destination& destination, MessagePart& message) {
       return true;
     }
   }
+  disconnect(destination);
+  return false;
+}
+
+void Outgoing::disconnect(Destination& destination) {
   // The receiver's last words may be here.
   takeStates();
   setPresent(destination, false);
   byRoute_.erase(destination.link.route);
   destination.link = {};
-  return false;
+}
+
+// Over inproc ZeroMQ tells nothing.
+void Outgoing::checkInproc() {
+  const uint64_t version = InprocTable::instance().version();
+  if (std::exchange(inprocVersion_, version) == version) {
+    return;
+  }
+  for (const auto& [address, destination] : destinations_) {
+    const Endpoint& endpoint = destination->endpoint();
+    if (endpoint.transport == Transport::Inproc && destination->link.route != 0 &&
+        InprocTable::instance().find(endpoint.rest) != destination->link.generation) {
+      disconnect(*destination);
+    }
+  }
 }
 
 void Outgoing::takeStates() {
@@ -180,6 +200,7 @@ std::vector<Destination*> Outgoing::update() {
     return connected;
   }
   takeStates();
+  checkInproc();
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     for (const auto& [address, destination] : destinations_) {
       if (destination->link.connectedTo == event->endpoint) {

@@ -59,6 +59,8 @@ class Outgoing {
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
   void takeStates();
   void takeState(uint64_t route, const MessagePart& message);
+  void checkInproc();
+  void disconnect(Destination& destination);
   void setPresent(Destination& destination, bool present);
   void tellWater(Destination& destination);
 
@@ -70,6 +72,7 @@ class Outgoing {
   int stateFile_ = -1;
   int eventFile_ = -1;
   uint64_t latestRoute_ = 0;
+  uint64_t inprocVersion_ = 0;
   Destinations destinations_;
   std::unordered_map<uint64_t, Destination*> byRoute_;
 };

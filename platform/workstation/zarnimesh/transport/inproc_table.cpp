@@ -14,13 +14,13 @@ std::optional<uint64_t> InprocTable::add(const std::string& name) {
     return std::nullopt;
   }
   ++latest_;
-  added_.notify_all();
   return latest_;
 }
 
 void InprocTable::remove(const std::string& name) {
   const std::lock_guard lock(mutex_);
   generations_.erase(name);
+  removed_.fetch_add(1);
 }
 
 std::optional<uint64_t> InprocTable::find(const std::string& name) {
@@ -30,11 +30,6 @@ std::optional<uint64_t> InprocTable::find(const std::string& name) {
     return std::nullopt;
   }
   return found->second;
-}
-
-void InprocTable::waitFor(const std::string& name, std::chrono::milliseconds atMost) {
-  std::unique_lock lock(mutex_);
-  added_.wait_for(lock, atMost, [&] { return generations_.contains(name); });
 }
 
 std::string InprocTable::boundEndpoint(const std::string& name, uint64_t generation) {

@@ -2,8 +2,7 @@
 // to a name that is not bound yet.
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -22,16 +21,17 @@ class InprocTable {
   void remove(const std::string& name);
 
   std::optional<uint64_t> find(const std::string& name);
-  // Waits until a node receives at the name.
-  void waitFor(const std::string& name, std::chrono::milliseconds atMost);
+
+  // Changes whenever a receiver is removed.
+  uint64_t version() const { return removed_.load(); }
 
   // The endpoint for ZeroMQ. Each generation has its own, so that a late sender cannot reach the
   // successor of the node that it looked up.
   static std::string boundEndpoint(const std::string& name, uint64_t generation);
 
  private:
+  std::atomic<uint64_t> removed_ = 0;
   std::mutex mutex_;  // guards the members below
-  std::condition_variable added_;
   std::unordered_map<std::string, uint64_t> generations_;
   uint64_t latest_ = 0;
 };
