@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
-tools/setup.sh clang-format
+tools/setup.sh git clang-format
 git ls-files -z -- '*.c' '*.h' '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run --Werror
 
 if [ "${1:-}" = --lint ]; then
