@@ -3,15 +3,15 @@
 # last lines say what it left out.
 #
 #   ./test.sh              minutes
-#   ./test.sh --all        also what needs a second compiler, a browser or Wireshark, the packages,
-#                          the reference, and 64-bit ARM
+#   ./test.sh --all        also what needs a second compiler, zsh, a browser or Wireshark, the
+#                          packages, the reference, and 64-bit ARM
 #   ./test.sh PRESET...    these workflow presets of CMakePresets.json alone
 set -euo pipefail
 cd "$(dirname "$0")"
 
 export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(nproc)}"
 tools/setup.sh g++ cmake ninja-build binutils libgtest-dev libzmq3-dev libcli11-dev \
-  nlohmann-json3-dev python3 pkg-config abigail-tools zsh
+  nlohmann-json3-dev python3 pkg-config abigail-tools
 installed=$SECONDS
 
 if [ $# -eq 0 ]; then
@@ -21,15 +21,15 @@ if [ $# -eq 0 ]; then
   ctest --preset release
   cat <<END
 Installed in $installed s, built in $((built - installed)) s, tested in $((SECONDS - built)) s.
-Left out: clang++ with its sanitizers, the benchmark's round trips, browser and Wireshark where they
-are not installed, the Debian packages, the reference, 64-bit ARM, the fuzzers. Run them with
+Left out: clang++ with its sanitizers, the benchmark's round trips, zsh, browser and Wireshark where
+they are not installed, the Debian packages, the reference, 64-bit ARM, the fuzzers. Run them with
   ./test.sh --all && fuzz/run.sh
 END
   exit 0
 fi
 
-tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev tshark chromium chromium-driver \
-  python3-selenium
+tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh xxd bsdextrautils tshark chromium \
+  chromium-driver python3-selenium
 presets=("$@")
 [ "$1" != --all ] || presets=(release asan tsan-threads msan)
 for preset in "${presets[@]}"; do

@@ -59,13 +59,13 @@ void store(uint8_t* to, Value value) {
 // Source and destination do not overlap.
 inline void copyBytes(void* to, const void* from, size_t count) {
   if (&::memcpy_sOptAsm == nullptr || ::memcpy_sOptAsm(to, count, from, count) != 0) {
-    std::memmove(to, from, count);
+    std::memcpy(to, from, count);
   }
 }
 
 inline void copyChecked(void* to, const void* from, size_t count) {
   if (&::memcpy_s == nullptr || ::memcpy_s(to, count, from, count) != 0) {
-    std::memmove(to, from, count);
+    std::memcpy(to, from, count);
   }
 }
 

@@ -68,11 +68,10 @@ size_t writeScalar(uint8_t* table, uint8_t* entries, const uint8_t* from, size_t
   const uint64_t isThere = presence(value != 0);
   const uint64_t entry = at & isThere;
   host::store(entries + 2 * index, static_cast<uint16_t>(entry));
-  if constexpr (smallestTail(schema) >= slot.size) {
-    host::store(table + at, value);
-  } else if constexpr (slot.size <= firstField) {
+  constexpr bool tailFollows = smallestTail(schema) >= slot.size;
+  if constexpr (!tailFollows && slot.size <= firstField) {
     host::store(table + entry, value);
-  } else if (value != 0) {
+  } else if (tailFollows || value != 0) {
     host::store(table + at, value);
   }
   return at + (slot.size & isThere);

@@ -86,7 +86,6 @@ TEST(SharedObject, ImportsOnlyMiddlewareBoundedMemoryAndLibc) {
                                      "malloc",
                                      "free",
                                      "memcpy",
-                                     "memmove",
                                      "memset",
                                      "pthread_mutex_lock",
                                      "pthread_mutex_unlock"};

@@ -1,5 +1,8 @@
 #include "oracle/values/generate.hpp"
 
+#include <algorithm>
+#include <cstring>
+
 #include "oracle/values/fill.hpp"
 
 namespace oracle {
@@ -39,8 +42,9 @@ class RandomSource : public Source {
     const uint8_t repeated = edges[below(random_, std::size(edges))];
     std::vector<uint8_t> bytes(size, repeated);
     if (density_ != Density::Edge) {
-      for (uint8_t& byte : bytes) {
-        byte = static_cast<uint8_t>(random_());
+      for (size_t at = 0; at < size; at += sizeof(uint64_t)) {
+        const uint64_t word = random_();
+        std::memcpy(&bytes[at], &word, std::min(sizeof word, size - at));
       }
     }
     return bytes;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include "oracle/values/generate.hpp"
 
@@ -33,6 +34,7 @@ struct Frame {
   std::vector<uint64_t> words;          // u32: root, vtable offset, offset words, length words
   std::vector<uint64_t> halves;         // u16: vtable length, table length, slot entries
   std::vector<uint64_t> vtableLengths;  // the vtable lengths alone
+  std::set<uint64_t> tables;  // followed already: contents can look like many offset words
 };
 
 void followTable(const Buffer& buffer, uint64_t table, int depth, Frame& frame) {
@@ -40,7 +42,7 @@ void followTable(const Buffer& buffer, uint64_t table, int depth, Frame& frame) 
     return;
   }
   const uint64_t vtable = static_cast<uint32_t>(table - numberAt(buffer, table, 4, frame.reversed));
-  if (vtable + 4 > buffer.size()) {
+  if (vtable + 4 > buffer.size() || !frame.tables.insert(table).second) {
     return;
   }
   frame.words.push_back(table);
