@@ -138,6 +138,7 @@ TEST_F(Traffic, ThroughAThousandNodesLeaksNothing) {
   const auto round = [&](uint32_t number) {
     mesh_node_options options = impatient();
     options.transport = number % 2 == 0 ? MESH_TRANSPORT_IPC : MESH_TRANSPORT_INPROC;
+    options.connect_timeout_ms = 10'000;
     std::vector<OpenNode> nodes;
     for (uint32_t node = 0; node < 10; ++node) {
       nodes.push_back(open(100 + node, options));

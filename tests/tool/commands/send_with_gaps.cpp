@@ -22,13 +22,13 @@ int main(int count, char** words) {
   header.destination = static_cast<uint32_t>(std::strtoul(words[3], nullptr, 0));
   header.incarnation += header.source;  // each source has its own numbers
   header.count = 1;
-  header.payloadBytes = table.size();
+  header.payloadBytes = static_cast<uint32_t>(table.size());
   const std::string entry =
       littleEndian(std::strtoul(words[4], nullptr, 0), 4) + littleEndian(table.size(), 4);
   RawSender sender(words[1]);
   for (int word = 6; word < count; ++word) {
     header.sequence = std::strtoull(words[word], nullptr, 0);
-    sender.send({header.bytes(), entry, table});
+    sender.send({header.bytes() + entry + table});
   }
   return 0;
 }

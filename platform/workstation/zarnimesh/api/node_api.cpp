@@ -2,6 +2,8 @@
 #include "zarnimesh/node.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <span>
@@ -202,8 +204,8 @@ ZARNIMESH_EXPORT int32_t mesh_node_descriptor(mesh_node* handle, uint32_t* pendi
     if (pending != nullptr) {
       *pending = static_cast<uint32_t>(node->receiver().waiting());
     }
-    file = node->receiver().file();
-    return MESH_OK;
+    file = node->receiver().callersFile();
+    return file >= 0 ? MESH_OK : fail(MESH_SYSTEM_ERROR, "no descriptor: %s", std::strerror(errno));
   });
   return result == MESH_OK ? file : -int32_t{result};
 }

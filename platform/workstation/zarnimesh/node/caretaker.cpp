@@ -2,12 +2,18 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 #include <utility>
 
 namespace zarnimesh {
 namespace {
 
+constexpr size_t filesOfNode = 3;
+
 constexpr std::chrono::milliseconds interval{20};
+
+// Every so many intervals each node is tended, also without a sign that something happened.
+constexpr uint64_t wholeRound = 16;
 
 }  // namespace
 
@@ -43,16 +49,31 @@ void Caretaker::remove(const Node& node) {
 
 void Caretaker::run(uint64_t generation) {
   std::unique_lock lock(mutex_);
-  while (generation == generation_) {
-    for (size_t i = 0; i < nodes_.size(); ++i) {
-      const std::shared_ptr<Node> node = nodes_[i];
-      current_ = node.get();
-      lock.unlock();
-      node->tend();
-      lock.lock();
-      current_ = nullptr;
-      changed_.notify_all();
+  std::vector<pollfd> files;
+  std::vector<std::pair<std::shared_ptr<Node>, bool>> behind;
+  for (uint64_t round = 0; generation == generation_; ++round) {
+    // One system call tells for all nodes whether there is something to do.
+    files.clear();
+    behind.clear();
+    for (const std::shared_ptr<Node>& node : nodes_) {
+      behind.emplace_back(node, node->addFiles(files) || round % wholeRound == 0);
     }
+    static_cast<void>(poll(files.data(), files.size(), 0));
+    for (size_t i = 0; i < behind.size(); ++i) {
+      const auto& [node, isBehind] = behind[i];
+      const std::span its(&files[i * filesOfNode], filesOfNode);
+      const bool told =
+          std::any_of(its.begin(), its.end(), [](const pollfd& file) { return file.revents != 0; });
+      if ((told || isBehind) && std::find(nodes_.begin(), nodes_.end(), node) != nodes_.end()) {
+        current_ = node.get();
+        lock.unlock();
+        node->tend();
+        lock.lock();
+        current_ = nullptr;
+        changed_.notify_all();
+      }
+    }
+    behind.clear();
     changed_.wait_for(lock, interval, [&] { return generation != generation_; });
   }
 }

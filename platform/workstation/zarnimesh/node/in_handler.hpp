@@ -3,13 +3,17 @@
 
 namespace zarnimesh {
 
-inline bool& inHandler() {
-  static thread_local bool is = false;
-  return is;
+// The stack frame that calls the thread's innermost handler; null for none. A handler that leaves
+// by longjmp does not reset it.
+inline const char*& handlerFrame() {
+  static thread_local const char* frame = nullptr;
+  return frame;
 }
 
-inline bool isInHandler() {
-  return inHandler();
+// The stack grows downwards: what a handler calls has a lower frame than its caller.
+[[gnu::always_inline]] inline bool isInHandler() {
+  const char* const frame = handlerFrame();
+  return frame != nullptr && static_cast<const char*>(__builtin_frame_address(0)) < frame;
 }
 
 }  // namespace zarnimesh

@@ -24,7 +24,7 @@ mesh_result Node::open(const mesh_node_options& options) {
 
 bool Node::takeReceiver() {
   const char* const frame = static_cast<const char*>(__builtin_frame_address(0));
-  const void* const thread = &inHandler();
+  const void* const thread = &handlerFrame();
   const char* holder = nullptr;
   if (receiverFrame_.compare_exchange_strong(holder, frame)) {
     receiverThread_.store(thread);
@@ -70,6 +70,14 @@ void Node::tend() {
   sender_.tend();
   receiver_.tend();
   events_.deliver();
+}
+
+bool Node::addFiles(std::vector<pollfd>& files) {
+  const Sender::Files ofSender = sender_.files();
+  for (const int file : {ofSender.state, ofSender.event, receiver_.file()}) {
+    files.push_back({.fd = file, .events = POLLIN, .revents = 0});
+  }
+  return ofSender.isBehind || receiver_.isBehind();
 }
 
 mesh_node_statistics Node::statistics() {

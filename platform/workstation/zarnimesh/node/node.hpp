@@ -1,8 +1,11 @@
 // One node: its settings, counters, sender and receiver.
 #pragma once
 
+#include <poll.h>
+
 #include <atomic>
 #include <memory>
+#include <vector>
 
 #include "zarnimesh/node/receiver.hpp"
 #include "zarnimesh/node/sender.hpp"
@@ -26,8 +29,11 @@ class Node {
   // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
   [[nodiscard]] mesh_result close(mesh_node_statistics& last);
 
-  // What is to be done from time to time.
+  // Does what is to be done from time to time.
   void tend();
+
+  // Adds what to wait for. Returns whether tend() may have something to do without that.
+  bool addFiles(std::vector<pollfd>& files);
 
   // A negative timeout stands for the node's options.
   [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,

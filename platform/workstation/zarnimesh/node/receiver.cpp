@@ -13,17 +13,18 @@
 namespace zarnimesh {
 namespace {
 
-// Marks the thread while it runs a handler. A handler that leaves by longjmp leaves the mark: the
-// next receive() sets it again, and resets it.
+// Marks the thread while it runs handlers.
 class InHandler {
  public:
-  InHandler() : before_(std::exchange(inHandler(), true)) {}
-  ~InHandler() { inHandler() = before_; }
+  [[gnu::always_inline]] InHandler() : outer_(isInHandler() ? handlerFrame() : nullptr) {
+    handlerFrame() = static_cast<const char*>(__builtin_frame_address(0));
+  }
+  ~InHandler() { handlerFrame() = outer_; }
   InHandler(const InHandler&) = delete;
   InHandler& operator=(const InHandler&) = delete;
 
  private:
-  const bool before_;
+  const char* const outer_;
 };
 
 }  // namespace
@@ -44,6 +45,7 @@ std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
       case Incoming::Arrival::Call:
         break;
     }
+    wakeup_.set(incoming_.waiting() > 0);
     delivering_ = true;
     entry_ = 0;
     table_ = call_.message.data() + headerSize + call_.header.count * indexEntrySize;
@@ -102,6 +104,7 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
 }
 
 int64_t Receiver::deliver(const Handler& handler) {
+  const InHandler marked;
   releaseRecord();
   int64_t delivered = 0;
   const FrameHeader& header = call_.header;
@@ -133,7 +136,6 @@ int64_t Receiver::deliver(const Handler& handler) {
                                    .incarnation = header.incarnation,
                                    .sequence = header.sequence,
                                    .after_gap = call_.afterGap ? 1u : 0u};
-      const InHandler marked;
       handler.function(&received, handler.user);
     }
     releaseRecord();
@@ -167,12 +169,24 @@ void Receiver::releaseRecord() {
 void Receiver::tend() {
   if (const Lock lock(mutex_, std::try_to_lock); lock && !waiting_) {
     incoming_.tend();
+    wakeup_.set(incoming_.waiting() > 0);
   }
+}
+
+bool Receiver::isBehind() {
+  const Lock lock(mutex_, std::try_to_lock);
+  return lock && !waiting_ && incoming_.isBehind();
+}
+
+int Receiver::callersFile() {
+  const Lock lock(mutex_);
+  return wakeup_.open(incoming_.file(), incoming_.waiting() > 0);
 }
 
 size_t Receiver::waiting() {
   const Lock lock(mutex_);
   incoming_.tend();
+  wakeup_.set(incoming_.waiting() > 0);
   return incoming_.waiting();
 }
 

@@ -10,6 +10,7 @@
 #include "zarnimesh/node/record_area.hpp"
 #include "zarnimesh/node/sender.hpp"
 #include "zarnimesh/peers/incoming.hpp"
+#include "zarnimesh/transport/wakeup.hpp"
 
 namespace zarnimesh {
 
@@ -41,9 +42,15 @@ class Receiver {
   // Takes and answers what arrived, if no thread receives.
   void tend();
 
+  // Whether tend() may have something to do though file() is not readable.
+  bool isBehind();
+
   // Calls that receive() can take without waiting, as far as is known.
   size_t waiting();
+  // Readable when a message may have arrived since the receiver found none.
   int file() const { return incoming_.file(); }
+  // As file(), and readable when tend() has taken calls: for callers. -1 when the system fails.
+  int callersFile();
 
   void describe(PeerTable& peers);
 
@@ -60,9 +67,10 @@ class Receiver {
   Statistics& statistics_;
   RecordArea area_;
 
-  std::mutex mutex_;  // guards the two members below. Not held during waits and handlers
+  std::mutex mutex_;  // guards the three members below. Not held during waits and handlers
   Incoming incoming_;
   bool waiting_ = false;  // a thread waits for the socket, which announces a change only once
+  Wakeup wakeup_;
 
   // The receiving thread's. They outlive receive(), because a handler may leave it by longjmp.
   IncomingCall call_;

@@ -184,6 +184,7 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
 
 bool Sender::push(Destination& destination, FrameHeader header, MessagePart& message) {
   encodeHeader(header, message.data());
+  behind_ = true;
   return outgoing_.push(destination, message);
 }
 
@@ -221,6 +222,7 @@ void Sender::wait(Lock& lock, Clock::time_point until) {
 }
 
 void Sender::update() {
+  behind_ = false;
   for (Destination* destination : outgoing_.update()) {
     // A receiver connected. It may be a successor, and some calls may be lost.
     if (destination->unconfirmed() > 0) {
@@ -237,6 +239,13 @@ void Sender::tend() {
       changed_.notify_all();
     }
   }
+}
+
+Sender::Files Sender::files() {
+  const Lock lock(mutex_);
+  return {.state = outgoing_.stateFile(),
+          .event = outgoing_.eventFile(),
+          .isBehind = behind_ || waiting_ > 0};
 }
 
 mesh_result Sender::close(uint64_t& undelivered) {

@@ -38,6 +38,14 @@ class Sender {
   // Takes what receivers told, if no other thread is doing that.
   void tend();
 
+  // What to wait for; -1 for none. `isBehind`: tend() may have something to do without that.
+  struct Files {
+    int state;
+    int event;
+    bool isBehind;
+  };
+  Files files();
+
   // Ends sends in progress, refuses new ones, and waits until connected receivers say that all
   // calls arrived. Called once. `undelivered`: as in the statistics, finally.
   [[nodiscard]] mesh_result close(uint64_t& undelivered);
@@ -68,6 +76,7 @@ class Sender {
   std::condition_variable changed_;
   Outgoing outgoing_;
   bool closing_ = false;
+  bool behind_ = false;   // a message was sent since the last update(): it may hide an announcement
   bool polling_ = false;  // a thread waits for the sockets; the others wait for it
   int waiting_ = 0;       // threads in wait()
 };

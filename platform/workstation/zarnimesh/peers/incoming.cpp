@@ -75,7 +75,8 @@ bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
   void* const socket = listener_.socket().handle();
   isCall = false;
   MessagePart route;
-  if (zmq_msg_recv(route.raw(), socket, ZMQ_DONTWAIT) < 0) {
+  drained_ = zmq_msg_recv(route.raw(), socket, ZMQ_DONTWAIT) < 0;
+  if (drained_) {
     return false;
   }
   // A message arrives whole. Its parts after the first are not ours.

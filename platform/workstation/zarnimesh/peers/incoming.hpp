@@ -64,6 +64,9 @@ class Incoming {
   // Calls that tend() took.
   size_t waiting() const { return waiting_.size(); }
 
+  // Whether there may be messages that file() does not announce, or senders to be told.
+  bool isBehind() const { return !drained_ || !toBeTold_.empty(); }
+
   Sources& sources() { return sources_; }
 
  private:
@@ -88,6 +91,7 @@ class Incoming {
   std::deque<IncomingCall> waiting_;  // taken by tend()
   std::vector<Source*> toBeTold_;
   int file_ = -1;
+  bool drained_ = false;  // the socket had no message when it was asked last
   Clock::time_point nextLook_{};
 };
 
