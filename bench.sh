@@ -19,11 +19,11 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-runs=3 repetitions=3 seconds=0.03 loads=101 transport_seconds=0.25
+runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=5 transport_seconds=0.15
 operations=true document=false
 while [[ ${1:-} == --* ]]; do
   case $1 in
-    --quick) runs=1 seconds=0.002 loads=11 transport_seconds=0.05 ;;
+    --quick) runs=1 seconds=0.002 loads=11 transport_runs=1 transport_seconds=0.05 ;;
     --transport) operations=false ;;
     --document) document=true ;;
     *) break ;;
@@ -84,9 +84,9 @@ fi
 
 # A filter for operations selects no case of the transport.
 if ! $operations || [ -z "$filter" ]; then
-  echo "Measuring the middleware: $runs repetition(s)."
-  "$build/bench/transport/transport_bench" "$build/transport.json" "$transport_seconds" "$runs" \
-    "$filter"
+  echo "Measuring the middleware: $transport_runs run(s)."
+  "$build/bench/transport/transport_bench" "$build/transport.json" "$transport_seconds" \
+    "$transport_runs" "$filter"
   bench/transport_tables.py "$build/transport.json"
 fi
 

@@ -22,11 +22,11 @@ def keep(name, figure):
 
 
 def document_transport(measured):
-    keep("transport-rate", bars.beside_raw(measured, "rate", "records_per_second",
-                                           "records a second"))
-    keep("transport-latency", bars.beside_raw(measured, "latency", "median_us",
+    keep("transport-rate", bars.beside_raw(measured, "rate", "records_per_second", 1e-3,
+                                           "thousand records a second"))
+    keep("transport-latency", bars.beside_raw(measured, "latency", "median_us", 1,
                                               "round trip, microseconds"))
-    keep("transport-peers", lines.against_crowd(measured))
+    keep("transport-peers", lines.against_peers(measured))
     plots = {"Rate": "transport-rate", "Latency": "transport-latency",
              "Many peers": "transport-peers"}
     parts = [transport_tables.surroundings(measured) + " Bold figures miss their aim.\n"]

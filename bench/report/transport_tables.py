@@ -38,7 +38,7 @@ class Results:
 def surroundings(results):
     context = results.context
     return (f"{context['date']}, {context['processors']} processors, {context['compiler']}, ZeroMQ "
-            f"{context['zeromq']}. The best of {context['repetitions']} repetitions each, ours and "
+            f"{context['zeromq']}. Load average before: {context['load']}. The best of {context['repetitions']} repetitions each, ours and "
             "raw in turns.")
 
 

@@ -132,10 +132,12 @@ void writeSurroundings(std::FILE* output, int repetitions) {
   const auto today = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   char date[16];
   std::strftime(date, sizeof date, "%F", std::gmtime(&today));
+  double load = 0;
+  getloadavg(&load, 1);
   std::fprintf(output,
-               "{\"date\": \"%s\", \"compiler\": \"%s\", \"zeromq\": \"%d.%d.%d\", "
+               "{\"date\": \"%s\", \"load\": %.1f, \"compiler\": \"%s\", \"zeromq\": \"%d.%d.%d\", "
                "\"processors\": %ld, \"repetitions\": %d, \"results\": [",
-               date, BENCH_COMPILER, major, minor, patch, sysconf(_SC_NPROCESSORS_ONLN),
+               date, load, BENCH_COMPILER, major, minor, patch, sysconf(_SC_NPROCESSORS_ONLN),
                repetitions);
 }
 

@@ -22,7 +22,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Parties = std::vector<std::unique_ptr<Party>>;
 
-constexpr unsigned secondsToHang = 60;
+constexpr unsigned secondsToHang = 120;
 constexpr uint64_t unknown = UINT64_MAX;
 
 // Both sides and the program see it.
