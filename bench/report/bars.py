@@ -1,8 +1,9 @@
-"""The plots with bars: against what is aimed at, against the peers, with threads."""
+"""The plots with bars: against what is aimed at, against the peers, with threads, beside raw
+ZeroMQ."""
 
 from matplotlib import pyplot
 
-from report import peer_tables, style
+from report import peer_tables, style, transport_tables
 from report.targets import COLUMNS, MESSAGES, target
 
 
@@ -51,12 +52,13 @@ def _target_panel(panel, results, messages, operation):
         panel.invert_yaxis()
 
 
-def against_peers(results, fill):
+def against_peers(results, fill, only=None):
     """A row of panels a message; encoding on the left, decoding on the right."""
-    messages = results.messages("peer")
+    messages = [message for message in results.messages("peer") if only in (None, message)]
     if not messages:
         return None
-    figure, panels = pyplot.subplots(len(messages), 2, figsize=(12, 1.75 * len(messages)),
+    height = max(2.6, 1.75 * len(messages))
+    figure, panels = pyplot.subplots(len(messages), 2, figsize=(12, height),
                                      sharex=True, squeeze=False)
     for row, message in zip(panels, messages):
         for panel, direction in zip(row, ("encode", "decode")):
@@ -117,4 +119,39 @@ def with_threads(results):
     axes.invert_yaxis()
     axes.set_xlabel("million records a second; pale: one thread, full: two, mark: twice the one")
     figure.tight_layout()
+    return figure
+
+
+def beside_raw(results, kind, value, factor, unit):
+    """A panel a transport; a group of bars for each size of a call, with our multiple of raw."""
+    figure, panels = pyplot.subplots(1, len(transport_tables.TRANSPORTS), figsize=(12, 3.6),
+                                     sharey=True)
+    heights = []
+    for panel, (transport, heading) in zip(panels, transport_tables.TRANSPORTS.items()):
+        for group, records in enumerate(transport_tables.RECORDS):
+            found = [results.best(value, kind, transport, records, 1, way) for way in style.WAYS]
+            if None in found:
+                continue
+            heights += [factor * each for each in found]
+            for row, (each, (label, colour)) in enumerate(zip(found, style.WAYS.values())):
+                x, height = group + 0.28 * (row - 1), factor * each
+                panel.bar(x, height, width=0.26, color=colour, label=None if group else label)
+                if row > 0:
+                    panel.annotate(f"{each / found[0]:.2f}", (x, height), xytext=(0, 3),
+                                   textcoords="offset points", ha="center", fontsize=7,
+                                   rotation=90)
+        panel.set_title(heading)
+        panel.set_xticks(range(len(transport_tables.RECORDS)), transport_tables.RECORDS)
+        panel.grid(axis="x", visible=False)
+    if not heights:
+        pyplot.close(figure)
+        return None
+    panels[0].set_yscale("log")
+    panels[0].set_ylim(min(heights) / 2, max(heights) * 3)
+    style.plain_numbers(panels[0].yaxis)
+    panels[0].set_ylabel(unit)
+    figure.supxlabel("records of a call; on the bars: our multiple of raw ZeroMQ", fontsize=10)
+    figure.tight_layout()
+    figure.legend(*panels[0].get_legend_handles_labels(), loc="lower center", ncols=3,
+                  bbox_to_anchor=(0.5, 0.99))
     return figure

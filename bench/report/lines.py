@@ -1,8 +1,8 @@
-"""The plots of growth: with the batch, with the record, with a byte string."""
+"""The plots of growth: with the batch, with the record, with a byte string, with the peers."""
 
 from matplotlib import pyplot
 
-from report import style
+from report import style, transport_tables
 from report.growth_tables import less_allocator
 
 
@@ -114,4 +114,35 @@ def against_length(results):
     panels[1].set_title("logarithmic")
     figure.tight_layout(w_pad=3)
     style.label_ends(panels[1], ends)
+    return figure
+
+
+def against_peers(results):
+    """Rates with many senders, and with many receivers."""
+    figure, panels = pyplot.subplots(1, 2, figsize=(12, 3.6), sharey=True)
+    all_ends = []
+    for panel, (kind, heading) in zip(panels, transport_tables.FANS.items()):
+        ends = []
+        for way, label in (("raw", "raw ZeroMQ"), ("tables", "ours")):
+            rates = [results.best("records_per_second", kind, "ipc", 1, peers, way)
+                     for peers in transport_tables.PEERS]
+            if None in rates:
+                pyplot.close(figure)
+                return None
+            rates = [rate / 1e3 for rate in rates]
+            colour = style.WAYS[way][1]
+            panel.plot(transport_tables.PEERS, rates, color=colour, marker="o", markersize=4,
+                       linewidth=2)
+            ends.append((transport_tables.PEERS[-1], rates[-1], label, colour))
+        all_ends.append(ends)
+        panel.set_title(heading)
+        panel.set_xscale("log")
+        panel.set_ylim(bottom=0)
+        panel.set_xlabel("peers")
+        style.plain_numbers(panel.xaxis)
+        style.plain_numbers(panel.yaxis)
+    panels[0].set_ylabel("thousand calls of one record a second")
+    figure.tight_layout(w_pad=9)
+    for panel, ends in zip(panels, all_ends):
+        style.label_ends(panel, ends)
     return figure

@@ -57,4 +57,4 @@ def _plot(title, caption, figure):
     if figure is None:
         return ""
     return (f"<h2>{html.escape(title)}</h2><p>{html.escape(caption)}</p>"
-            f"<img alt='{html.escape(title)}' src='{style.svg(figure)}'>")
+            f"<img alt='{html.escape(title)}' src='{style.svg_address(figure)}'>")

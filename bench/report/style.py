@@ -24,6 +24,11 @@ OPERATIONS = {
 OURS_FIXED = "#14506b"
 OURS_COMPACT = "#7b4b94"
 PEERS = "#c3ccd4"
+WAYS = {
+    "raw": ("raw ZeroMQ", COPY),
+    "tables": ("ours, tables packed before", "#2a9d8f"),
+    "records": ("ours, from record to record", "#14506b"),
+}
 SERIES = ("#14506b", "#2a9d8f", "#d18f2c", "#7b4b94", "#d1603d")
 
 pyplot.rcParams.update({
@@ -63,4 +68,8 @@ def svg(figure):
     buffer = io.BytesIO()
     figure.savefig(buffer, format="svg", bbox_inches="tight", metadata={"Date": None})
     pyplot.close(figure)
-    return "data:image/svg+xml;base64," + base64.b64encode(buffer.getvalue()).decode()
+    return buffer.getvalue()
+
+
+def svg_address(figure):
+    return "data:image/svg+xml;base64," + base64.b64encode(svg(figure)).decode()
