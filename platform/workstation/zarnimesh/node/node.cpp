@@ -26,8 +26,8 @@ bool Node::takeReceiver() {
   const char* const frame = static_cast<const char*>(__builtin_frame_address(0));
   const void* const thread = &handlerFrame();
   const char* holder = nullptr;
-  if (receiverFrame_.compare_exchange_strong(holder, frame)) {
-    receiverThread_.store(thread);
+  if (receiverFrame_.compare_exchange_strong(holder, frame, std::memory_order_acquire)) {
+    receiverThread_.store(thread, std::memory_order_relaxed);
     return true;
   }
   // The stack grows downwards. A call within a handler has a lower frame than the call that runs
@@ -40,8 +40,8 @@ bool Node::takeReceiver() {
 }
 
 void Node::giveReceiverBack() {
-  receiverThread_.store(nullptr);
-  receiverFrame_.store(nullptr);
+  receiverThread_.store(nullptr, std::memory_order_relaxed);
+  receiverFrame_.store(nullptr, std::memory_order_release);
 }
 
 mesh_result Node::close(mesh_node_statistics& last) {

@@ -34,8 +34,11 @@ bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
 }  // namespace
 
 Source* Sources::find(uint32_t address, uint64_t incarnation) {
-  const auto found = sources_.find({address, incarnation});
-  return found != sources_.end() ? &found->second : nullptr;
+  if (latest_ == nullptr || latest_->incarnation != incarnation || latest_->address != address) {
+    const auto found = sources_.find({address, incarnation});
+    latest_ = found != sources_.end() ? &found->second : nullptr;
+  }
+  return latest_;
 }
 
 bool Sources::has(uint32_t address) const {
@@ -60,6 +63,7 @@ void Sources::connect(Source& source, uint64_t route) {
 
 void Sources::remove(const Source& source) {
   byRoute_.erase(source.route);
+  latest_ = nullptr;
   sources_.erase({source.address, source.incarnation});
 }
 

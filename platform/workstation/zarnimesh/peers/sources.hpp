@@ -97,6 +97,7 @@ class Sources {
       const bool forget = source.undelivered == 0 && !source.toBeTold && isGone(source);
       if (forget) {
         byRoute_.erase(source.route);
+        latest_ = nullptr;
       }
       at = forget ? sources_.erase(at) : std::next(at);
     }
@@ -122,6 +123,7 @@ class Sources {
 
   std::unordered_map<Key, Source, Hash> sources_;
   std::unordered_map<uint64_t, const Source*> byRoute_;
+  Source* latest_ = nullptr;  // found last: most calls follow one of the same sender
   size_t pruneAt_ = leastPruned;
 };
 
