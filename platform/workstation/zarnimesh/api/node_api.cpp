@@ -41,7 +41,8 @@ using namespace zarnimesh;
 // Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
-  explicit ReceiverHold(Node& node) : node_(node), held_(node.takeReceiver()) {}
+  explicit ReceiverHold(const std::shared_ptr<Node>& node)
+      : node_(*node), held_(node->takeReceiver(node)) {}
   ~ReceiverHold() {
     if (held_) {
       node_.giveReceiverBack();
@@ -59,15 +60,17 @@ class ReceiverHold {
 
 [[nodiscard]] mesh_result receiveAt(mesh_node* handle, int32_t timeoutMs, const Handler& handler,
                                     int64_t& delivered) {
-  const std::shared_ptr<Node> node = findNode(handle);
+  // A handler may leave by longjmp: nothing on this stack owns anything then.
+  std::shared_ptr<Node> node = findNode(handle);
   if (node == nullptr) {
     return noSuchNode();
   }
-  const ReceiverHold hold(*node);
+  const ReceiverHold hold(node);
   if (!hold) {
     return busy();
   }
   Receiver* const receiver = &node->receiver();
+  node.reset();
   delivered = receiveAny({&receiver, 1}, timeoutMs, handler);
   return MESH_OK;
 }
@@ -85,7 +88,7 @@ class ReceiverHold {
     if (std::find(nodes.begin(), nodes.end() - 1, nodes.back()) != nodes.end() - 1) {
       return fail(MESH_BAD_ARGUMENT, "a node is there twice");
     }
-    if (!holds.emplace_back(*nodes.back())) {
+    if (!holds.emplace_back(nodes.back())) {
       return busy();
     }
     receivers.push_back(&nodes.back()->receiver());
@@ -142,7 +145,7 @@ ZARNIMESH_EXPORT mesh_result mesh_node_close_counted(mesh_node* handle,
     if (node == nullptr) {
       return noSuchNode();
     }
-    if (!node->takeReceiver()) {
+    if (!node->takeReceiver(node)) {
       return busy();
     }
     const bool wasLast = removeNode(*node);

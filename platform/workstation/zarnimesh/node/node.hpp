@@ -23,7 +23,8 @@ class Node {
 
   // Reserves the receiver for the calling thread. False when a thread has it. A thread whose
   // handler left by longjmp has it no more. A closing thread takes it and keeps it.
-  [[nodiscard]] bool takeReceiver();
+  // The node keeps `self` until then: a handler that leaves by longjmp leaves no reference behind.
+  [[nodiscard]] bool takeReceiver(const std::shared_ptr<Node>& self);
   void giveReceiverBack();
 
   // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
@@ -51,6 +52,7 @@ class Node {
   // The stack frame of the call that has the receiver, and its thread.
   std::atomic<const char*> receiverFrame_ = nullptr;
   std::atomic<const void*> receiverThread_ = nullptr;
+  std::shared_ptr<Node> self_;  // while a thread has the receiver
 };
 
 }  // namespace zarnimesh

@@ -73,7 +73,8 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
                    const Handler& handler) {
   using Clock = std::chrono::steady_clock;
   std::optional<Clock::time_point> end;
-  std::vector<pollfd> files;
+  // Outlives a handler that leaves by longjmp.
+  static thread_local std::vector<pollfd> files;
   for (;;) {
     for (Receiver* const receiver : receivers) {
       if (const std::optional<int64_t> delivered = receiver->receiveNext(handler)) {
