@@ -26,6 +26,32 @@ TEST(Schemas, ListTheMessagesInOrder) {
   EXPECT_EQ(names, expected);
 }
 
+// Whether two messages differ in nothing but names.
+bool haveSameLayout(const oracle::Description& one, const oracle::Description& other) {
+  const auto sameFields = [](const oracle::Field& field, const oracle::Field& same) {
+    return field.kind == same.kind && field.size == same.size && field.offset == same.offset &&
+           (field.nested == nullptr || haveSameLayout(*field.nested, *same.nested));
+  };
+  return one.sentFixed == other.sentFixed && one.ownRoot == other.ownRoot &&
+         one.slotOrder == other.slotOrder && one.wrapper == other.wrapper &&
+         one.tableReaderChecksParameters == other.tableReaderChecksParameters &&
+         one.largestSize == other.largestSize && one.recordSize == other.recordSize &&
+         std::equal(one.fields.begin(), one.fields.end(), other.fields.begin(), other.fields.end(),
+                    sameFields);
+}
+
+TEST(Schemas, ShareCodeWhereLayoutsAreTheSame) {
+  for (const Operations& one : harness::allOperations()) {
+    for (const Operations& other : harness::allOperations()) {
+      const oracle::Description& message = oracle::descriptionOf(one.name);
+      const bool share = haveSameLayout(message, oracle::descriptionOf(other.name));
+      EXPECT_EQ(mesh::msg::haveSameLayout(*one.message, *other.message),
+                one.name == other.name || (share && !message.hasOutOfLineParts))
+          << one.name << " and " << other.name;
+    }
+  }
+}
+
 class SchemaAgreement : public testing::TestWithParam<Operations> {
  protected:
   const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }

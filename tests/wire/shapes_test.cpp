@@ -128,4 +128,27 @@ TYPED_TEST(Shapes, ComeBackFromTheFixedArrangement) {
   EXPECT_EQ(into, from);
 }
 
+bool areTheStruct(std::initializer_list<Slot> slots, uint32_t size) {
+  return slotsAreTheStruct({"", "", "", nullptr, size, slotOrder, {slots.begin(), slots.size()}});
+}
+
+TEST(Slots, AreTheStructOfNaturalAlignment) {
+  constexpr Slot byte = scalarSlot<uint8_t, uint8_t>("f0", 0);
+  EXPECT_TRUE(areTheStruct({byte, scalarSlot<uint32_t, uint32_t>("f1", 4)}, 8));
+  EXPECT_TRUE(areTheStruct({byte, arraySlot<3, uint8_t[3]>("f1", 1)}, 4));
+  EXPECT_TRUE(areTheStruct({byte, bytesSlot<uint32_t, uint8_t*>("f1", 4, 8)}, 16));
+  EXPECT_TRUE(areTheStruct({byte, tableSlot<shape_wide_at_the_end>("f1", 8)}, 24));
+}
+
+TEST(Slots, AreNotTheStructWithAFieldTooManyOrElsewhere) {
+  constexpr Slot byte = scalarSlot<uint8_t, uint8_t>("f0", 0);
+  EXPECT_FALSE(areTheStruct({byte, scalarSlot<uint32_t, uint32_t>("f1", 4)}, 12));
+  EXPECT_FALSE(areTheStruct({byte, scalarSlot<uint32_t, uint32_t>("f1", 8)}, 12));
+  EXPECT_FALSE(areTheStruct({byte, arraySlot<3, uint8_t[3]>("f1", 2)}, 5));
+  EXPECT_FALSE(areTheStruct({byte, bytesSlot<uint32_t, uint8_t*>("f1", 8, 16)}, 24));
+  EXPECT_FALSE(areTheStruct({byte, bytesSlot<uint32_t, uint8_t*>("f1", 4, 16)}, 24));
+  EXPECT_FALSE(areTheStruct({byte, bytesSlot<uint32_t, uint8_t*>("f1", 1, 8)}, 16));
+  EXPECT_FALSE(areTheStruct({byte, tableSlot<shape_wide_at_the_end>("f1", 4)}, 20));
+}
+
 }  // namespace
