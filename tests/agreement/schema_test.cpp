@@ -52,6 +52,24 @@ TEST(Schemas, ShareCodeWhereLayoutsAreTheSame) {
   }
 }
 
+constexpr mesh::msg::Service qualified{"l2vpn_sync", mesh::msg::Naming::Qualified};
+constexpr mesh::msg::Service bare{"l2vpn_sync", mesh::msg::Naming::Bare};
+constexpr char inItsService[] = "l2vpn_sync_stp";
+constexpr char inAnotherService[] = "l2vpn_stat_stp";
+constexpr char withoutSeparator[] = "l2vpn_syncstp";
+
+template <const auto& service, const auto& name>
+concept HasIdentifier = requires {
+  typename std::bool_constant<(mesh::msg::identifierOf(service, name), true)>;
+};
+
+TEST(Identifiers, OfQualifiedNamesNeedTheirService) {
+  EXPECT_TRUE((HasIdentifier<qualified, inItsService>));
+  EXPECT_FALSE((HasIdentifier<qualified, inAnotherService>));
+  EXPECT_FALSE((HasIdentifier<qualified, withoutSeparator>));
+  EXPECT_TRUE((HasIdentifier<bare, inAnotherService>));
+}
+
 class SchemaAgreement : public testing::TestWithParam<Operations> {
  protected:
   const oracle::Description& message() const { return oracle::descriptionOf(GetParam().name); }

@@ -151,4 +151,17 @@ TEST(Slots, AreNotTheStructWithAFieldTooManyOrElsewhere) {
   EXPECT_FALSE(areTheStruct({byte, tableSlot<shape_wide_at_the_end>("f1", 4)}, 20));
 }
 
+constexpr char sevenCharacters[] = "seven_7";
+constexpr char eightCharacters[] = "eight__8";
+
+template <const auto& name>
+concept IsSlotName = requires {
+  typename std::bool_constant<(slotName(name), true)>;
+};
+
+TEST(Slots, HaveNamesOfSevenCharactersAtMost) {
+  EXPECT_TRUE(IsSlotName<sevenCharacters>);
+  EXPECT_FALSE(IsSlotName<eightCharacters>);
+}
+
 }  // namespace
