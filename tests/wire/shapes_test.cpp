@@ -28,6 +28,11 @@ struct shape_three_large_arrays {
   uint8_t f3[200];
   uint32_t f4;
 };
+// What follows an absent f1 is one byte shorter than f1.
+struct shape_short_tail {
+  uint8_t f0[3];
+  uint64_t f1;
+};
 struct shape_many_scalars {
   uint64_t f0, f1, f2, f3, f4, f5, f6, f7, f8, f9, f10, f11, f12, f13, f14, f15, f16, f17;
   uint64_t f18, f19, f20, f21, f22, f23, f24, f25, f26, f27, f28, f29, f30, f31, f32, f33;
@@ -44,6 +49,7 @@ MESH_SCHEMA(shape_wide_at_the_end, slotOrder, SLOT_U64(f0), SLOT_U32(f1), SLOT_U
 MESH_SCHEMA(shape_one_slot, slotOrder, SLOT_U16(f0))
 MESH_SCHEMA(shape_three_large_arrays, scalarsFirst, SLOT_ARRAY(200, f0), SLOT_U32(f1),
             SLOT_ARRAY(200, f2), SLOT_ARRAY(200, f3), SLOT_U32(f4))
+MESH_SCHEMA(shape_short_tail, slotOrder, SLOT_ARRAY(3, f0), SLOT_U64(f1))
 MESH_SCHEMA(shape_many_scalars, slotOrder, SLOT_U64(f0), SLOT_U64(f1), SLOT_U64(f2), SLOT_U64(f3),
             SLOT_U64(f4), SLOT_U64(f5), SLOT_U64(f6), SLOT_U64(f7), SLOT_U64(f8), SLOT_U64(f9),
             SLOT_U64(f10), SLOT_U64(f11), SLOT_U64(f12), SLOT_U64(f13), SLOT_U64(f14),
@@ -95,15 +101,19 @@ class Shapes : public testing::Test {
 };
 
 using Types = testing::Types<shape_wide_at_the_end, shape_one_slot, shape_three_large_arrays,
-                             shape_many_scalars>;
+                             shape_short_tail, shape_many_scalars>;
 TYPED_TEST_SUITE(Shapes, Types);
 
 TYPED_TEST(Shapes, ComeBackFromTheCompactArrangement) {
   for (const bool whole : {true, false}) {
     const std::vector<uint8_t> from = TestFixture::filled(whole);
-    // A heap block of the exact size, for the address sanitizer to watch.
-    std::vector<uint8_t> message(compactSize<schemaOf<TypeParam>>(from.data()));
-    ASSERT_EQ(packed<schemaOf<TypeParam>>(message.data(), from.data()), message.size());
+    const size_t size = compactSize<schemaOf<TypeParam>>(from.data());
+    std::vector<uint8_t> message(size + 1, 0xEE);
+    ASSERT_EQ(packed<schemaOf<TypeParam>>(message.data(), from.data()), size);
+    EXPECT_EQ(message[size], 0xEE) << "the byte behind the message";
+    // A heap block of the exact size, for the address sanitizer to watch the readers.
+    message.resize(size);
+    message.shrink_to_fit();
     const HostBuffer buffer{message.data(), static_cast<uint32_t>(message.size())};
     const auto table = buffer.read<uint32_t>(0);
     std::vector<uint8_t> into(this->record.size, 0);
