@@ -7,6 +7,7 @@
 #include "support/operations.hpp"
 #include "wire/compact_size.hpp"
 #include "wire/fixed_image.hpp"
+#include "wire/quick_reader.hpp"
 
 namespace {
 
@@ -102,6 +103,13 @@ TEST_P(SchemaAgreement, OnCompactSizes) {
   EXPECT_EQ(smallest, oracle::compactSize(message(), oracle::zeroValue(message())));
   EXPECT_EQ(smallest + mesh::wire::scalarWidths(schema()),
             oracle::compactSize(message(), oracle::withScalars(message(), UINT64_MAX)));
+}
+
+// Which quick readers a message has. Without them it is read to the same values, but slowly.
+TEST_P(SchemaAgreement, OnQuickReaders) {
+  EXPECT_EQ(mesh::wire::hasFixedArrangement(schema()), !message().hasOutOfLineParts);
+  const bool hasVector = message().name == "l2vpn_cfg_query_dfx_rec";
+  EXPECT_EQ(mesh::wire::hasQuickReader(schema()), message().recordSize <= 256 && !hasVector);
 }
 
 TEST_P(SchemaAgreement, OnTheFixedImage) {

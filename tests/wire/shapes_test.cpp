@@ -33,6 +33,10 @@ struct shape_short_tail {
   uint8_t f0[3];
   uint64_t f1;
 };
+// Entries that are checked eight at a time.
+struct shape_eleven_scalars {
+  uint32_t f0, f1, f2, f3, f4, f5, f6, f7, f8, f9, f10;
+};
 struct shape_many_scalars {
   uint64_t f0, f1, f2, f3, f4, f5, f6, f7, f8, f9, f10, f11, f12, f13, f14, f15, f16, f17;
   uint64_t f18, f19, f20, f21, f22, f23, f24, f25, f26, f27, f28, f29, f30, f31, f32, f33;
@@ -50,6 +54,9 @@ MESH_SCHEMA(shape_one_slot, slotOrder, SLOT_U16(f0))
 MESH_SCHEMA(shape_three_large_arrays, scalarsFirst, SLOT_ARRAY(200, f0), SLOT_U32(f1),
             SLOT_ARRAY(200, f2), SLOT_ARRAY(200, f3), SLOT_U32(f4))
 MESH_SCHEMA(shape_short_tail, slotOrder, SLOT_ARRAY(3, f0), SLOT_U64(f1))
+MESH_SCHEMA(shape_eleven_scalars, slotOrder, SLOT_U32(f0), SLOT_U32(f1), SLOT_U32(f2), SLOT_U32(f3),
+            SLOT_U32(f4), SLOT_U32(f5), SLOT_U32(f6), SLOT_U32(f7), SLOT_U32(f8), SLOT_U32(f9),
+            SLOT_U32(f10))
 MESH_SCHEMA(shape_many_scalars, slotOrder, SLOT_U64(f0), SLOT_U64(f1), SLOT_U64(f2), SLOT_U64(f3),
             SLOT_U64(f4), SLOT_U64(f5), SLOT_U64(f6), SLOT_U64(f7), SLOT_U64(f8), SLOT_U64(f9),
             SLOT_U64(f10), SLOT_U64(f11), SLOT_U64(f12), SLOT_U64(f13), SLOT_U64(f14),
@@ -101,7 +108,7 @@ class Shapes : public testing::Test {
 };
 
 using Types = testing::Types<shape_wide_at_the_end, shape_one_slot, shape_three_large_arrays,
-                             shape_short_tail, shape_many_scalars>;
+                             shape_short_tail, shape_eleven_scalars, shape_many_scalars>;
 TYPED_TEST_SUITE(Shapes, Types);
 
 TYPED_TEST(Shapes, ComeBackFromTheCompactArrangement) {
