@@ -168,6 +168,40 @@ TEST(Slots, AreNotTheStructWithAFieldTooManyOrElsewhere) {
   EXPECT_FALSE(areTheStruct({byte, tableSlot<shape_wide_at_the_end>("f1", 4)}, 20));
 }
 
+bool haveOneLayout(std::initializer_list<Slot> one, std::initializer_list<Slot> other,
+                   uint32_t otherSize = 16) {
+  const Schema schema{"one", "", "", nullptr, 16, slotOrder, {one.begin(), one.size()}};
+  const Schema same{"other", "", "", nullptr, otherSize, slotOrder, {other.begin(), other.size()}};
+  return haveSameLayout(schema, same);
+}
+
+TEST(Layouts, DifferInAnySlot) {
+  constexpr Slot first = scalarSlot<uint32_t, uint32_t>("f0", 0);
+  constexpr Slot firstArray = arraySlot<4, uint8_t[4]>("f0", 0);
+  constexpr Slot last = scalarSlot<uint32_t, uint32_t>("f1", 4);
+  constexpr Slot lastArray = arraySlot<4, uint8_t[4]>("f1", 4);
+  EXPECT_TRUE(haveOneLayout({first, lastArray}, {first, lastArray}));
+  EXPECT_FALSE(haveOneLayout({first, last}, {firstArray, last}));
+  EXPECT_FALSE(haveOneLayout({first, last}, {first, lastArray}));
+  EXPECT_FALSE(haveOneLayout({first, last}, {first, last}, 24));
+  EXPECT_FALSE(haveOneLayout({first, last}, {first}));
+  EXPECT_FALSE(haveOneLayout({first}, {first, last}));
+}
+
+TEST(Layouts, DifferInAnyNumberOfASlot) {
+  EXPECT_FALSE(
+      haveOneLayout({arraySlot<3, uint8_t[3]>("f0", 0)}, {arraySlot<4, uint8_t[4]>("f0", 0)}));
+  EXPECT_FALSE(haveOneLayout({scalarSlot<uint8_t, uint8_t>("f0", 0)},
+                             {scalarSlot<uint8_t, uint8_t>("f0", 1)}));
+  EXPECT_FALSE(haveOneLayout({bytesSlot<uint32_t, uint8_t*>("f0", 0, 8)},
+                             {bytesSlot<uint32_t, uint8_t*>("f0", 4, 8)}));
+  constexpr Slot nested = tableSlot<shape_wide_at_the_end>("f0", 0);
+  constexpr Slot otherNested = tableSlot<shape_short_tail>("f0", 0);
+  static_assert(nested.size == otherNested.size);
+  EXPECT_TRUE(haveOneLayout({nested}, {nested}));
+  EXPECT_FALSE(haveOneLayout({nested}, {otherNested}));
+}
+
 constexpr char sevenCharacters[] = "seven_7";
 constexpr char eightCharacters[] = "eight__8";
 
