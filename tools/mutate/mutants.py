@@ -22,9 +22,9 @@ NOT_DROPPED = re.compile(
     r"(const|constexpr|consteval|auto|static|using|if|for|while|switch|case|default|struct|template|typename"
     r"|else|do|extern|namespace|public|private|inline|enum|alignas)\b|\[\["
     r"|[\w:]+(<[^;=()]*>)?[*&]* +(const +)?[*&]*\w+ *[=;{(\[,]")
-NOT_CALLED = {"if", "for", "while", "switch", "sizeof", "decltype", "alignas", "return", "defined",
-              "static_assert", "constexpr",
-              "min", "max"}  # the order of these does not matter
+# Not called, or with arguments whose order does not matter.
+NOT_SWAPPED = {"if", "for", "while", "switch", "sizeof", "decltype", "alignas", "return", "defined",
+              "static_assert", "constexpr", "min", "max"}
 
 
 @dataclass(frozen=True)
@@ -207,9 +207,10 @@ def mutants_of(file, source, following):
             if colon < len(found) and found[colon].text == ":":
                 add("condition", index, last,
                     f"? {text_of(colon + 1, last)} : {text_of(index + 1, colon - 1)}")
-        is_call = token.text == "(" and (before.kind == "word" and before.text not in NOT_CALLED
+        is_call = token.text == "(" and (before.kind == "word" and before.text not in NOT_SWAPPED
                                          or before.text == ">")
-        if (is_call or token.text == "{" and not token.is_body) and token.partner is not None:
+        is_list = token.text == "{" and not token.is_body and found[index - 2].text not in ("min", "max")
+        if (is_call or is_list) and token.partner is not None:
             arguments, first = [], index + 1
             while first < token.partner:
                 comma = end_of(found, first, (",",))
@@ -235,6 +236,6 @@ def mutants_of(file, source, following):
             holder = found[found[token.parent].start and token.parent - 1]
             if holder.text == ")" and holder.partner and found[holder.partner - 1].text == "if":
                 add("statement", index, last, ";")
-        elif statement.endswith(";") and not NOT_DROPPED.match(" ".join(statement.split())):
+        elif statement[:-1] and not NOT_DROPPED.match(" ".join(statement.split())):
             add("statement", index, last, ";")
     return result

@@ -118,7 +118,7 @@ def main():
                    if tuple(key) in named}
         order = [one for one in order if one not in earlier]
     if options.survivors:
-        order = [one for one, verdict in earlier.items() if verdict.kind in ("survived", "equivalent", "refuted")]
+        order = [one for one, verdict in earlier.items() if verdict.kind in ("survived", "refuted")]
     if options.list:
         for one in order:
             print(f"{one.file}: {one.operator}\n  - {one.before}\n  + {one.after}")

@@ -42,17 +42,36 @@ class Verdict:
 
 
 def run(command, directory, seconds, environment=None):
-    """The exit status, None after the time limit, and the output."""
+    """The exit status, None after the time limit, and the output. The limit is one of the processor's
+    time, as others may use the machine; whoever takes none within it waits for ever."""
     with subprocess.Popen(command, cwd=directory, env=environment, text=True, errors="replace",
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                           start_new_session=True) as process:
+        taken = -1.0
+        while True:
+            try:
+                output, _ = process.communicate(timeout=seconds)
+                return process.returncode, output
+            except subprocess.TimeoutExpired:
+                before, taken = taken, processor_seconds(process.pid)
+                if before < taken < seconds:
+                    continue
+                os.killpg(process.pid, signal.SIGKILL)
+                output, _ = process.communicate()
+                return None, output
+
+
+def processor_seconds(group):
+    """What the processes of a group have taken."""
+    ticks = 0
+    for status in Path("/proc").glob("[0-9]*/stat"):
         try:
-            output, _ = process.communicate(timeout=seconds)
-            return process.returncode, output
-        except subprocess.TimeoutExpired:
-            os.killpg(process.pid, signal.SIGKILL)
-            output, _ = process.communicate()
-            return None, output
+            fields = status.read_text().rpartition(") ")[2].split()
+        except OSError:
+            continue
+        if int(fields[2]) == group:
+            ticks += sum(map(int, fields[11:15]))
+    return ticks / os.sysconf("SC_CLK_TCK")
 
 
 class Base:
@@ -123,7 +142,8 @@ class Base:
 
 def listed(executable, pattern):
     names, suite = [], ""
-    for line in run([str(executable), "--gtest_list_tests", f"--gtest_filter={pattern}"], None, 60)[1].splitlines():
+    _, output = run([str(executable), "--gtest_list_tests", f"--gtest_filter={pattern}"], None, 60)
+    for line in output.splitlines():
         line = line.split("#")[0].rstrip()
         if line.endswith(".") and not line.startswith(" "):
             suite = line
@@ -157,7 +177,8 @@ class Worker:
         """Nothing, or the verdict that ends the trial."""
         command = re.sub(f"{re.escape(str(self.base.tree))}(?!/build)", str(self.tree), self.base.commands[name])
         (self.objects / name).parent.mkdir(parents=True, exist_ok=True)
-        status, output = run(shlex.split(f"{command} {self.base.suite.flags}"), self.objects, COMPILE_SECONDS, self.environment)
+        status, output = run(shlex.split(f"{command} {self.base.suite.flags}"), self.objects,
+                             COMPILE_SECONDS, self.environment)
         if status == 0:
             self.built.append(name)
             return None
@@ -180,7 +201,7 @@ class Worker:
         front = [str(self.objects / name) for name in self.built if self.belongs(name, words)]
         status, text = run([held[0], *front, *held[1:]], self.base.build, COMPILE_SECONDS)
         if status != 0:
-            raise SystemExit(text)
+            raise SystemExit(f"{target} cannot be linked:\n{text}")
         return linked
 
     def belongs(self, name, words):
@@ -225,10 +246,10 @@ class Worker:
             for name in stage:
                 if verdict := self.compile(name):
                     return None, verdict
-            is_last = stage is stages[-1]
             tests = [test for test in order(self.base.suite.tests) if self.concerns(test, stage)
                      and self.base.seconds[test.target] < SLOW_SECONDS
-                     or is_last and with_slow_tests and self.base.seconds[test.target] >= SLOW_SECONDS]
+                     or stage is stages[-1] and with_slow_tests
+                     and self.base.seconds[test.target] >= SLOW_SECONDS]
             if tests:
                 test, failed = self.try_tests(tests)
                 if failed:
