@@ -110,6 +110,13 @@ TEST(StorePlan, PutsEightBytesAndEightConstantsIntoOneStore) {
   EXPECT_EQ(plan.count, 1U);
 }
 
+TEST(StorePlan, BeginsWhereTheDestinationBegins) {
+  const std::vector<Stretch> stretches{{8, 16, {0, false}}};
+  const StorePlan plan = planStores(stretches, {.source = 16, .constants = 0});
+  ASSERT_EQ(plan.count, 1U);
+  EXPECT_EQ(plan.stores[0].to, 8U);
+}
+
 TEST(StorePlan, CopiesWhatIsLargeAsAWhole) {
   const std::vector<Stretch> stretches{
       {0, 4, {0, true}}, {4, 300, {0, false}}, {304, 4, {8, true}}};
