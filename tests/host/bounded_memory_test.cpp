@@ -8,6 +8,21 @@
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
 #include "support/bytes.hpp"
+#include "wire/fixed_image.hpp"
+#include "wire/quick_reader.hpp"
+
+extern "C" {
+struct shape_of_256_bytes {
+  uint8_t f0[252];
+  uint32_t f1;
+};
+}
+
+namespace {
+constexpr mesh::wire::Style scalarsFirst{.inlineOrder = mesh::wire::InlineOrder::ScalarsFirst};
+}
+
+MESH_SCHEMA(shape_of_256_bytes, scalarsFirst, SLOT_ARRAY(252, f0), SLOT_U32(f1))
 
 namespace {
 
@@ -108,6 +123,33 @@ TEST(BoundedMemory, ClearsTheBlockOfItems) {
   EXPECT_EQ(calls, std::vector<Call>({clear(read.record.f1, 33144)}));
   EXPECT_EQ(harness::bytesOf(read.record.f1[1]), Buffer(16572, 0));
   read.release();
+}
+
+TEST(BoundedMemory, IsNotCalledUpTo256Bytes) {
+  const Buffer from(257, 0x57);
+  Buffer to(257);
+  calls.clear();
+  mesh::host::copyArray(to.data(), from.data(), 256);
+  mesh::host::copyConstant<256>(to.data(), from.data());
+  mesh::host::clearRecord(to.data(), 256);
+  EXPECT_EQ(calls, std::vector<Call>());
+  mesh::host::copyArray(to.data(), from.data(), 257);
+  mesh::host::copyConstant<257>(to.data(), from.data());
+  mesh::host::clearRecord(to.data(), 257);
+  EXPECT_EQ(calls, std::vector<Call>({copy(to.data(), from.data(), 257),
+                                      copy(to.data(), from.data(), 257), clear(to.data(), 257)}));
+}
+
+TEST(BoundedMemory, IsNotCalledForAnImageOf256Bytes) {
+  constexpr const mesh::wire::Schema& schema = mesh::wire::schemaOf<shape_of_256_bytes>;
+  const Buffer from(256, 0x56);
+  Buffer image(mesh::wire::fixedLength(schema));
+  Buffer to(256);
+  calls.clear();
+  mesh::wire::writeFixedImage<schema>(image.data(), from.data());
+  mesh::wire::readFixedImage<schema>(to.data(), image.data());
+  EXPECT_EQ(calls, std::vector<Call>());
+  EXPECT_EQ(to, from);
 }
 
 }  // namespace

@@ -110,6 +110,13 @@ TEST(StorePlan, PutsEightBytesAndEightConstantsIntoOneStore) {
   EXPECT_EQ(plan.count, 1U);
 }
 
+TEST(StorePlan, BeginsWhereTheDestinationBegins) {
+  const std::vector<Stretch> stretches{{8, 16, {0, false}}};
+  const StorePlan plan = planStores(stretches, {.source = 16, .constants = 0});
+  ASSERT_EQ(plan.count, 1U);
+  EXPECT_EQ(plan.stores[0].to, 8U);
+}
+
 TEST(StorePlan, CopiesWhatIsLargeAsAWhole) {
   const std::vector<Stretch> stretches{
       {0, 4, {0, true}}, {4, 300, {0, false}}, {304, 4, {8, true}}};
@@ -118,6 +125,30 @@ TEST(StorePlan, CopiesWhatIsLargeAsAWhole) {
   EXPECT_EQ(plan.stores[1].to, 4U);
   EXPECT_EQ(plan.stores[1].size, 300U);
   EXPECT_EQ(plan.stores[2].to, 304U);
+}
+
+TEST(Stretches, ContinueTheLastUpTo256Bytes) {
+  mesh::wire::Stretches<8> stretches;
+  stretches.append({0, 200, {10, false}});
+  stretches.append({200, 0, {99, true}});
+  stretches.append({200, 56, {210, false}});
+  ASSERT_EQ(stretches.count, 1U);
+  EXPECT_EQ(stretches.list[0].to, 0U);
+  EXPECT_EQ(stretches.list[0].size, 256U);
+  EXPECT_EQ(stretches.list[0].origin.from, 10U);
+  stretches.append({256, 1, {266, false}});
+  EXPECT_EQ(stretches.count, 2U);
+}
+
+TEST(Stretches, ContinueTheLastWithItsNextBytesAlone) {
+  mesh::wire::Stretches<8> stretches;
+  stretches.append({0, 8, {10, false}});
+  stretches.append({8, 8, {18, true}});   // other bytes
+  stretches.append({16, 8, {34, true}});  // later bytes
+  stretches.append({32, 8, {42, true}});  // at a later place
+  stretches.append({40, 8, {50, true}});  // the next
+  EXPECT_EQ(stretches.count, 4U);
+  EXPECT_EQ(stretches.all().back().size, 16U);
 }
 
 }  // namespace

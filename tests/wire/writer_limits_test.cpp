@@ -6,6 +6,7 @@
 
 #include "l2vpn_cfg/schema.hpp"
 #include "support/bytes.hpp"
+#include "support/repeated_memory.hpp"
 
 namespace {
 
@@ -160,6 +161,21 @@ TEST(LargestSize, IsExceededByACountAlone) {
     result.f1_count = count;
     EXPECT_EQ(statedSize(result), std::nullopt) << count << " items, of which one is there";
   }
+}
+
+TEST(LargestSize, HoldsAsManyItemsAsFitInIt) {
+  if (!harness::canRepeatMemory) {
+    GTEST_SKIP() << "the thread sanitizer";
+  }
+  constexpr uint32_t each = 4 + 16618;
+  constexpr uint32_t count = (0xFFFFFFFF - 18 - 28) / each;
+  const harness::RepeatedMemory items(uint64_t{count + 1} * sizeof(l2vpn_cfg_query_dfx_item), 0);
+  l2vpn_cfg_query_dfx_rec result{};
+  result.f1 = reinterpret_cast<l2vpn_cfg_query_dfx_item*>(items.data());
+  result.f1_count = count;
+  EXPECT_EQ(statedSize(result), Size(18 + 28 + count * each));
+  result.f1_count = count + 1;
+  EXPECT_EQ(statedSize(result), std::nullopt);
 }
 
 TEST(LargestSize, IsUndefinedForItemsBehindANullPointer) {
