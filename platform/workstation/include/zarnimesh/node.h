@@ -13,8 +13,8 @@
  *    and a node cannot be closed while a thread receives on it. The second thread gets MESH_BUSY.
  * 5. A forked child must not use its parent's nodes or open a node: every function returns
  *    MESH_NOT_OPEN. It may call exec.
- * 6. Hooks and callbacks must not throw. A handler may throw, or leave mesh_node_receive by longjmp:
- *    the node's next receive releases its record and goes on with the rest of the call.
+ * 6. Hooks and callbacks must not throw. A handler may throw, or leave mesh_node_receive by
+ * longjmp: the node's next receive releases its record and goes on with the rest of the call.
  * 7. A node with a key file uses CURVE over tcp (not over ipc or inproc). It sends only to nodes
  *    whose public keys are in the file, and accepts connections only from them. Each node can send
  *    only under its own address.
