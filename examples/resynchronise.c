@@ -60,16 +60,20 @@ static void exchange(unsigned* gaps) {
   }
 }
 
-static int restart_follower(void) {
+static int restart_follower(const mesh_node_options* options) {
   mesh_node_close(follower);
-  return mesh_node_open(follower_address, NULL, &follower) == MESH_OK;
+  return mesh_node_open(follower_address, options, &follower) == MESH_OK;
 }
 
 int main(void) {
   unsigned gaps = 0;
-  if (mesh_node_open(owner_address, NULL, &owner) != MESH_OK ||
-      mesh_node_open(follower_address, NULL, &follower) != MESH_OK || l2vpn_cfg_recv_init() != 0 ||
-      l2vpn_cfg_send_init() != 0 || l2vpn_sync_recv_init() != 0 || l2vpn_sync_send_init() != 0) {
+  mesh_node_options options;
+  mesh_node_options_default(&options);
+  options.transport = MESH_TRANSPORT_INPROC; /* both are in this process */
+  if (mesh_node_open(owner_address, &options, &owner) != MESH_OK ||
+      mesh_node_open(follower_address, &options, &follower) != MESH_OK ||
+      l2vpn_cfg_recv_init() != 0 || l2vpn_cfg_send_init() != 0 || l2vpn_sync_recv_init() != 0 ||
+      l2vpn_sync_send_init() != 0) {
     fprintf(stderr, "resynchronise: %s\n", mesh_node_last_error());
     return 1;
   }
@@ -82,7 +86,7 @@ int main(void) {
   for (unsigned circuit = 0; circuit < circuits; ++circuit) {
     change(circuit, 2);
   }
-  if (!restart_follower()) {
+  if (!restart_follower(&options)) {
     fprintf(stderr, "resynchronise: %s\n", mesh_node_last_error());
     return 1;
   }

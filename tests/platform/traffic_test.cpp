@@ -60,6 +60,10 @@ TEST_F(Traffic, ToAKilledReceiverIsDeliveredOrCounted) {
                         &lost, &missed, &malformed),
             4)
       << told;
+  const Deadline deadline;
+  while (statisticsOf(sender).unconfirmed_calls > 0 && !deadline.passed()) {
+    std::this_thread::sleep_for(milliseconds(5));
+  }
   const mesh_node_statistics sent = statisticsOf(sender);
   EXPECT_GT(received, 1u);
   EXPECT_GT(sent.undelivered_calls, 0u) << "calls of the killed receivers";
