@@ -126,6 +126,11 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
   Clock::time_point end{};
   Clock::time_point deadline{};
   while (!closing_) {
+    if (destination.endpoint().transport == Transport::Inproc) {
+      std::vector<Destination*> connected;
+      outgoing_.checkInproc(connected);
+      syncAll(connected);
+    }
     if (const mesh_result result = outgoing_.connect(destination); result != MESH_OK) {
       return result;
     }
@@ -223,9 +228,13 @@ void Sender::wait(Lock& lock, Clock::time_point until) {
 
 void Sender::update() {
   behind_ = false;
-  for (Destination* destination : outgoing_.update()) {
-    // A receiver connected. It may be a successor, and some calls may be lost.
-    if (destination->unconfirmed() > 0) {
+  syncAll(outgoing_.update());
+}
+
+// A receiver connected or answered first. It may be a successor, and some calls may be lost.
+void Sender::syncAll(const std::vector<Destination*>& destinations) {
+  for (Destination* const destination : destinations) {
+    if (destination->sent() > 0) {
       sync(*destination, false);
     }
   }

@@ -62,6 +62,7 @@ class Sender {
   // Waits until something may have changed, and updates.
   void wait(Lock& lock, Clock::time_point until);
   void update();
+  void syncAll(const std::vector<Destination*>& destinations);
   [[nodiscard]] bool push(Destination& destination, FrameHeader header, MessagePart& message);
   void sync(Destination& destination, bool closing);
   // Returns the number of calls that are missing.

@@ -36,9 +36,13 @@ bool Destination::note(const FrameHeader& state, uint64_t first) {
     lostBefore_ += missing_;
     missing_ = 0;
     // What no predecessor confirmed was lost with it.
+    lostAtRestart_ = 0;
     const uint64_t before = std::min(first - 1, numbered_);
     if (before > settled_) {
-      lostBefore_ += before - settled_;
+      // A predecessor that knew of the closing counts what had arrived there.
+      const uint64_t counted = knowsOfClosing_ ? std::max(settled_, arrived_) : settled_;
+      lostAtRestart_ = before - std::min(before, counted);
+      lostBefore_ += lostAtRestart_;
       settle(before);
     }
   }

@@ -35,11 +35,15 @@ class Destination {
   // Takes back the latest number: the call could not be sent.
   void takeBack(const FrameHeader& call);
 
+  // Once a receiver has answered, it learns what its predecessors lost: the calls that are on their
+  // way to it do not tell what was confirmed after they were numbered.
   FrameHeader sync(bool closing) const {
     return {.kind = Kind::Sync,
             .flags = closing ? closingFlag : uint8_t{0},
             .sequence = numbered_,
-            .confirmed = settled_};
+            .confirmed = settled_,
+            .extra = lostAtRestart_,
+            .count = receiver_ != 0 ? 1u : 0u};
   }
 
   // The receiver's answer. `first` as in a State. Returns whether another node answered before.
@@ -99,7 +103,8 @@ class Destination {
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
   uint64_t missing_ = 0;   // calls that this receiver misses
   bool knowsOfClosing_ = false;
-  uint64_t lostBefore_ = 0;  // calls that its predecessors missed or never confirmed
+  uint64_t lostBefore_ = 0;     // calls that its predecessors missed or never confirmed
+  uint64_t lostAtRestart_ = 0;  // the part of them that its latest predecessor never confirmed
   uint32_t grantedCalls_ = initialCredit;
   uint32_t grantedBytes_ = UINT32_MAX;
   Clock::time_point heardAt_{};

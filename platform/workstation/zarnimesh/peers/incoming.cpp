@@ -149,7 +149,7 @@ bool Incoming::isWellFormed(const IncomingCall& call) const {
     return false;
   }
   if (header.kind == Kind::Sync) {
-    return header.count == 0 && header.bytes == 0 && call.message.size() == headerSize;
+    return header.count <= 1 && header.bytes == 0 && call.message.size() == headerSize;
   }
   return header.kind == Kind::Call && header.bytes <= settings_.payloadLimit &&
          header.count <= settings_.countLimit() && lengthsAgree(header, call.message.bytes());
@@ -190,6 +190,11 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     const Sources::Finding finding = Sources::note(*source, header);
     if (finding.lost > 0) {
       peerEvents_.add(MESH_PEER_GAP, header.source, highest + 1, highest + finding.lost);
+    }
+    if (header.kind == Kind::Sync && header.count == 1 &&
+        header.extra < source->missedBeforeFirst) {
+      statistics_.missedBeforeFirst.subtract(source->missedBeforeFirst - header.extra);
+      source->missedBeforeFirst = header.extra;
     }
     statistics_.lostCalls.add(finding.lost);
     statistics_.lostCalls.subtract(finding.late ? 1 : 0);

@@ -156,28 +156,35 @@ bool Outgoing::push(Destination& destination, MessagePart& message) {
 
 void Outgoing::disconnect(Destination& destination) {
   // The receiver's last words may be here.
-  takeStates();
+  std::vector<Destination*> ignored;
+  takeStates(ignored);
   setPresent(destination, false);
   byRoute_.erase(destination.link.route);
   destination.link = {};
 }
 
-// Over inproc ZeroMQ tells nothing.
-void Outgoing::checkInproc() {
+void Outgoing::checkInproc(std::vector<Destination*>& connected) {
   const uint64_t version = InprocTable::instance().version();
   if (std::exchange(inprocVersion_, version) == version) {
     return;
   }
   for (const auto& [address, destination] : destinations_) {
     const Endpoint& endpoint = destination->endpoint();
-    if (endpoint.transport == Transport::Inproc && destination->link.route != 0 &&
+    if (endpoint.transport != Transport::Inproc) {
+      continue;
+    }
+    if (destination->link.route != 0 &&
         InprocTable::instance().find(endpoint.rest) != destination->link.generation) {
       disconnect(*destination);
+    }
+    if (destination->link.route == 0 && destination->unconfirmed() > 0 &&
+        connect(*destination) == MESH_OK && destination->link.present) {
+      connected.push_back(destination.get());
     }
   }
 }
 
-void Outgoing::takeStates() {
+void Outgoing::takeStates(std::vector<Destination*>& restarted) {
   for (;;) {
     MessagePart route;
     MessagePart message;
@@ -189,7 +196,9 @@ void Outgoing::takeStates() {
       more = message.more();
     }
     if (const auto number = readRoute({route.data(), route.size()})) {
-      takeState(*number, message);
+      if (Destination* const destination = takeState(*number, message)) {
+        restarted.push_back(destination);
+      }
     }
   }
 }
@@ -199,8 +208,8 @@ std::vector<Destination*> Outgoing::update() {
   if (!socket_) {
     return connected;
   }
-  takeStates();
-  checkInproc();
+  takeStates(connected);
+  checkInproc(connected);
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     for (const auto& [address, destination] : destinations_) {
       if (destination->link.connectedTo == event->endpoint) {
@@ -228,21 +237,25 @@ void Outgoing::tellWater(Destination& destination) {
   }
 }
 
-void Outgoing::takeState(uint64_t route, const MessagePart& message) {
+Destination* Outgoing::takeState(uint64_t route, const MessagePart& message) {
   const auto found = byRoute_.find(route);
   takeOver(message.data());
   const std::optional<FrameHeader> state = decodeHeader(message.bytes());
   if (found == byRoute_.end() || !state || state->kind != Kind::State ||
       message.size() != stateSize) {
-    return;
+    return nullptr;
   }
-  if (const uint64_t first = decodeFirst(message.data() + headerSize); first > 0) {
-    Destination& destination = *found->second;
-    if (destination.note(*state, first)) {
-      peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
-    }
-    tellWater(destination);
+  const uint64_t first = decodeFirst(message.data() + headerSize);
+  if (first == 0) {
+    return nullptr;
   }
+  Destination& destination = *found->second;
+  const bool restarted = destination.note(*state, first);
+  if (restarted) {
+    peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
+  }
+  tellWater(destination);
+  return restarted ? &destination : nullptr;
 }
 
 bool Outgoing::mayBePresent(const Destination& destination) {

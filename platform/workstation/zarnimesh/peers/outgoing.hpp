@@ -42,8 +42,12 @@ class Outgoing {
   [[nodiscard]] bool push(Destination& destination, MessagePart& message);
 
   // Takes what receivers and ZeroMQ told since the last call. Returns the destinations that were
-  // connected.
+  // connected, or at which a new receiver answered.
   std::vector<Destination*> update();
+
+  // Over inproc ZeroMQ tells nothing: looks for receivers that ended, and connects to successors of
+  // those that left calls unconfirmed. Costs nothing if no receiver came or went.
+  void checkInproc(std::vector<Destination*>& connected);
 
   // What poll() has to wait for. update() must be called first: ZeroMQ announces only what comes
   // later.
@@ -57,9 +61,9 @@ class Outgoing {
   [[nodiscard]] mesh_result openSocket();
   [[nodiscard]] mesh_result openEvents();
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
-  void takeStates();
-  void takeState(uint64_t route, const MessagePart& message);
-  void checkInproc();
+  void takeStates(std::vector<Destination*>& restarted);
+  // Returns the destination if another node answered there before.
+  Destination* takeState(uint64_t route, const MessagePart& message);
   void disconnect(Destination& destination);
   void setPresent(Destination& destination, bool present);
   void tellWater(Destination& destination);

@@ -46,8 +46,9 @@ struct FrameHeader {
                              // State: of the latest call that arrived
   uint64_t confirmed = 0;    // Call, Sync: of the latest call that is known to be delivered.
                              // State: of the latest call that was delivered
-  uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls that are missing
-  uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed
+  uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls that are missing.
+                             // Sync with a count: calls that the receiver's predecessors lost
+  uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed. Sync: 0 or 1
   uint32_t bytes = 0;        // Call: of all tables. State: of unconfirmed calls
 };
 

@@ -14,13 +14,14 @@ std::optional<uint64_t> InprocTable::add(const std::string& name) {
     return std::nullopt;
   }
   ++latest_;
+  version_.fetch_add(1);
   return latest_;
 }
 
 void InprocTable::remove(const std::string& name) {
   const std::lock_guard lock(mutex_);
   generations_.erase(name);
-  removed_.fetch_add(1);
+  version_.fetch_add(1);
 }
 
 std::optional<uint64_t> InprocTable::find(const std::string& name) {

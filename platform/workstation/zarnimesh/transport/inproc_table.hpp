@@ -22,15 +22,15 @@ class InprocTable {
 
   std::optional<uint64_t> find(const std::string& name);
 
-  // Changes whenever a receiver is removed.
-  uint64_t version() const { return removed_.load(); }
+  // Changes whenever a receiver comes or goes.
+  uint64_t version() const { return version_.load(); }
 
   // The endpoint for ZeroMQ. Each generation has its own, so that a late sender cannot reach the
   // successor of the node that it looked up.
   static std::string boundEndpoint(const std::string& name, uint64_t generation);
 
  private:
-  std::atomic<uint64_t> removed_ = 0;
+  std::atomic<uint64_t> version_ = 0;
   std::mutex mutex_;  // guards the members below
   std::unordered_map<std::string, uint64_t> generations_;
   uint64_t latest_ = 0;
