@@ -198,7 +198,7 @@ class Scenario {
     for (uint32_t event = 0; event < events && count_ < mostLives - nodes_; ++event) {
       rest(20);
       Life& life = lives_[below(count_)];
-      if (life.ended) {
+      if (life.ended || life.command.load() == Command::Close) {
         continue;
       }
       switch (over_ == Over::Inproc ? 0 : below(4)) {

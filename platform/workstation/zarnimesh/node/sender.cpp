@@ -235,7 +235,7 @@ void Sender::update() {
 void Sender::syncAll(const std::vector<Destination*>& destinations) {
   for (Destination* const destination : destinations) {
     if (destination->sent() > 0) {
-      sync(*destination, false);
+      sync(*destination, closing_);
     }
   }
 }
