@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "bytes/failure.hpp"
-#include "messages/messages.hpp"
+#include "inspect/bytes/failure.hpp"
+#include "inspect/messages/messages.hpp"
 
 namespace tool {
 namespace {

@@ -7,11 +7,13 @@
 #include <span>
 #include <string>
 
-#include "captures/traffic.hpp"
+#include "inspect/captures/traffic.hpp"
 #include "zarnimesh/mesh.h"
 #include "zarnimesh/node.h"
 
 namespace tool {
+
+using namespace inspect;
 
 // A node of this process. One at a time.
 class Node {

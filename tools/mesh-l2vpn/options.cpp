@@ -4,10 +4,10 @@
 #include <iostream>
 #include <sstream>
 
-#include "captures/dissector.hpp"
 #include "commands/commands.hpp"
+#include "inspect/captures/dissector.hpp"
+#include "inspect/texts/printable.hpp"
 #include "shared_options.hpp"
-#include "texts/printable.hpp"
 
 namespace tool {
 namespace {

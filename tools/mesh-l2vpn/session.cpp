@@ -7,7 +7,7 @@
 #include <cstring>
 #include <iostream>
 
-#include "texts/printable.hpp"
+#include "inspect/texts/printable.hpp"
 
 namespace tool {
 

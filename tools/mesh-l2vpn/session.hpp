@@ -4,10 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "bytes/failure.hpp"
-#include "texts/ink.hpp"
+#include "inspect/bytes/failure.hpp"
+#include "inspect/texts/ink.hpp"
 
 namespace tool {
+
+using namespace inspect;
 
 struct Session {
   bool isQuiet = false;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "bytes/byte_text.hpp"
-#include "bytes/input.hpp"
+#include "inspect/bytes/byte_text.hpp"
+#include "inspect/bytes/input.hpp"
 #include "session.hpp"
 
 namespace tool {

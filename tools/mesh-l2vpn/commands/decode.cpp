@@ -2,13 +2,13 @@
 
 #include <iostream>
 
-#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
-#include "json/raw_table.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/table_reader.hpp"
 #include "progress.hpp"
-#include "reader/table_reader.hpp"
 
 namespace tool {
 namespace {

@@ -3,11 +3,11 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "json/raw_table.hpp"
-#include "messages/codec.hpp"
-#include "reader/table_reader.hpp"
-#include "texts/difference.hpp"
-#include "texts/text_table.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/table_reader.hpp"
+#include "inspect/texts/difference.hpp"
+#include "inspect/texts/text_table.hpp"
 
 namespace tool {
 namespace {

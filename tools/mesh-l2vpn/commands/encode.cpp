@@ -4,11 +4,11 @@
 
 #include <iostream>
 
-#include "bytes/hex.hpp"
-#include "bytes/input.hpp"
 #include "commands/commands.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
+#include "inspect/bytes/hex.hpp"
+#include "inspect/bytes/input.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
 
 namespace tool {
 namespace {

@@ -3,10 +3,10 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "json/raw_table.hpp"
-#include "reader/table_reader.hpp"
-#include "texts/explanation.hpp"
-#include "texts/html_page.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/reader/table_reader.hpp"
+#include "inspect/texts/explanation.hpp"
+#include "inspect/texts/html_page.hpp"
 
 namespace tool {
 namespace {
