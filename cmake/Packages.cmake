@@ -26,7 +26,6 @@ endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})  # the tools need the library
 
 # The package of a component: its section, what it depends on, its description.
 macro(mesh_l2vpn_deb component package section depends summary)
@@ -57,8 +56,7 @@ mesh_l2vpn_deb(workstation mesh-l2vpn-workstation libdevel ""
   "A libzarnimesh over ZeroMQ and a libddmosal, with their headers, to develop"
   "and test programs that send and receive Layer-2 VPN messages, and"
   "zarnimesh-keys, which makes the keys that nodes on different machines need.")
-mesh_l2vpn_deb(tools mesh-l2vpn-tools utils
-  "libmesh-l2vpn${MESH_L2VPN_ABI} ${this_version}"
+mesh_l2vpn_deb(tools mesh-l2vpn-tools utils ""
   "tools around the messages of the Layer-2 VPN feature"
   "mesh-l2vpn decodes, encodes, explains, sends and records messages;"
   "mesh-l2vpn-catalogue lists every message with its fields, sizes and"

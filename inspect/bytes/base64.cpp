@@ -13,7 +13,7 @@ constexpr std::string_view alphabet =
 uint32_t digitValue(std::string_view text, size_t at) {
   const size_t value = alphabet.find(text[at]);
   if (value == std::string_view::npos) {
-    throw Failure(Exit::BadInput, "not a base64 digit at character " + std::to_string(at));
+    throw Failure(Cause::BadInput, "not a base64 digit at character " + std::to_string(at));
   }
   return static_cast<uint32_t>(value);
 }
@@ -38,7 +38,7 @@ std::string toBase64(std::span<const uint8_t> bytes) {
 
 std::vector<uint8_t> fromBase64(std::string_view text) {
   if (text.size() % 4 != 0) {
-    throw Failure(Exit::BadInput,
+    throw Failure(Cause::BadInput,
                   "the length of base64 is a multiple of 4, not " + std::to_string(text.size()));
   }
   const size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
@@ -56,8 +56,8 @@ std::vector<uint8_t> fromBase64(std::string_view text) {
   }
   for (size_t each = 0; each < padding; ++each) {
     if (bytes.back() != 0) {
-      throw Failure(Exit::BadInput, "unused bits are not zero at character " +
-                                        std::to_string(text.size() - padding - 1));
+      throw Failure(Cause::BadInput, "unused bits are not zero at character " +
+                                         std::to_string(text.size() - padding - 1));
     }
     bytes.pop_back();
   }

@@ -1,26 +1,27 @@
-// Failures, and the exit status that each gives.
+// Failures, as exceptions. They end at the C interface and in the tool's main().
 #pragma once
 
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 
 namespace inspect {
 
-enum class Exit : int {
-  Success = 0,
-  BadInput = 1,  // the input has a fault; for diff: a difference
-  Usage = 2,
-  System = 3,  // a file, the output, the middleware or a memory allocation failed
+// What the C interface returns for it.
+enum class Cause : int {
+  BadInput = EBADMSG,  // the input has a fault
+  Usage = EINVAL,      // the caller asks for something that is not there
+  System = EIO,        // a file, the output or the middleware failed
+  Memory = ENOMEM,     // more memory than the limit, or than there is
 };
 
-// Ends the command; main prints the text.
 class Failure : public std::runtime_error {
  public:
-  Failure(Exit exit, const std::string& text) : std::runtime_error(text), exit_(exit) {}
-  [[nodiscard]] Exit exit() const { return exit_; }
+  Failure(Cause cause, const std::string& text) : std::runtime_error(text), cause_(cause) {}
+  [[nodiscard]] Cause cause() const { return cause_; }
 
  private:
-  Exit exit_;
+  Cause cause_;
 };
 
 }  // namespace inspect

@@ -35,14 +35,14 @@ std::string toHex(std::span<const uint8_t> bytes) {
 
 std::vector<uint8_t> fromHex(std::string_view digits) {
   if (digits.size() % 2 != 0) {
-    throw Failure(Exit::BadInput, "an odd number of hexadecimal digits");
+    throw Failure(Cause::BadInput, "an odd number of hexadecimal digits");
   }
   std::vector<uint8_t> bytes;
   bytes.reserve(digits.size() / 2);
   for (size_t at = 0; at < digits.size(); at += 2) {
     if (!isHexDigit(digits[at]) || !isHexDigit(digits[at + 1])) {
-      throw Failure(Exit::BadInput, "not a hexadecimal digit at character " +
-                                        std::to_string(isHexDigit(digits[at]) ? at + 1 : at));
+      throw Failure(Cause::BadInput, "not a hexadecimal digit at character " +
+                                         std::to_string(isHexDigit(digits[at]) ? at + 1 : at));
     }
     bytes.push_back(byteOf(digits[at], digits[at + 1]));
   }

@@ -96,7 +96,7 @@ class TextReader {
 
  private:
   [[noreturn]] void fail(const std::string& text) const {
-    throw Failure(Exit::BadInput,
+    throw Failure(Cause::BadInput,
                   "line " + std::to_string(number_) + " is not hexadecimal text: " + text);
   }
 
@@ -274,9 +274,9 @@ class TextReader {
 
   void refuseTooMany(size_t added) const {
     if (added > largestSize - bytes_.size()) {
-      throw Failure(Exit::BadInput, "line " + std::to_string(number_) + ": more than " +
-                                        std::to_string(largestSize) +
-                                        " bytes are too long for a message");
+      throw Failure(Cause::BadInput, "line " + std::to_string(number_) + ": more than " +
+                                         std::to_string(largestSize) +
+                                         " bytes are too long for a message");
     }
   }
 

@@ -26,12 +26,12 @@ std::string readAll(InputFile& file) {
   while (const size_t count = file.read(part, sizeof part)) {
     contents.append(part, count);
     if (contents.size() > largestInput) {
-      throw Failure(Exit::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
-                                        " bytes are too long for a message");
+      throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
+                                         " bytes are too long for a message");
     }
   }
   if (file.error() != 0) {
-    throw Failure(Exit::System, file.name() + ": " + std::strerror(file.error()));
+    throw Failure(Cause::System, file.name() + ": " + std::strerror(file.error()));
   }
   return contents;
 }
@@ -49,9 +49,9 @@ std::vector<uint8_t> fromText(const std::string& name, std::string_view text, In
     return fromHexText(text);
   } catch (const Failure& failure) {
     const bool isGuessed = form == InputForm::Guessed;
-    throw Failure(Exit::BadInput, name + ": " + (isGuessed ? "looks like text, but " : "") +
-                                      failure.what() +
-                                      (isGuessed ? "; use --binary for bytes" : ""));
+    throw Failure(Cause::BadInput, name + ": " + (isGuessed ? "looks like text, but " : "") +
+                                       failure.what() +
+                                       (isGuessed ? "; use --binary for bytes" : ""));
   }
 }
 
@@ -70,7 +70,7 @@ InputFile::InputFile(std::string name)
   }
   // Opening a pipe waits for its writer; the user may interrupt that.
   if (error_ != 0 && !(error_ == EINTR && isInterrupted())) {
-    throw Failure(Exit::System, name_ + ": " + std::strerror(error_));
+    throw Failure(Cause::System, name_ + ": " + std::strerror(error_));
   }
   error_ = 0;
 }
@@ -127,7 +127,7 @@ bool isCapture(InputFile& file) {
 
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
-    throw Failure(Exit::BadInput, file.name() + ": this is a capture; use decode");
+    throw Failure(Cause::BadInput, file.name() + ": this is a capture; use decode");
   }
   const std::string contents = readAll(file);
   if (form == InputForm::Hex || (form == InputForm::Guessed && isText(contents))) {

@@ -82,7 +82,7 @@ class CaptureReader {
 
   bool readBlock();
   bool readBody(size_t length);
-  bool fail(const std::string& text, Exit exit = Exit::BadInput);
+  bool fail(const std::string& text, Cause cause = Cause::BadInput);
   bool failReading(const std::string& text);
   template <typename Integer>
   [[nodiscard]] Integer load(size_t at) const;
@@ -102,7 +102,7 @@ class CaptureReader {
   bool hasSection_ = false;
   std::vector<Interface> interfaces_;
   std::string fault_;
-  Exit faultExit_ = Exit::Success;
+  Cause faultCause_ = Cause::BadInput;
   uint64_t position_ = 0;  // of the block being read
   uint64_t nextPosition_ = 0;
   uint64_t lostBefore_ = 0;     // in the sections before

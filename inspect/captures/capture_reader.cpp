@@ -36,23 +36,23 @@ std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond) {
 
 }  // namespace
 
-bool CaptureReader::fail(const std::string& text, Exit exit) {
+bool CaptureReader::fail(const std::string& text, Cause cause) {
   fault_ = "byte " + std::to_string(position_) + ": " + text;
-  faultExit_ = exit;
+  faultCause_ = cause;
   return false;
 }
 
 // For missing bytes: a read error, an interruption, or a truncated file.
 bool CaptureReader::failReading(const std::string& text) {
   if (file_->error() != 0) {
-    return fail(std::strerror(file_->error()), Exit::System);
+    return fail(std::strerror(file_->error()), Cause::System);
   }
   return !isInterrupted() && fail(text);
 }
 
 void CaptureReader::throwFault() const {
   if (!fault_.empty()) {
-    throw Failure(faultExit_, file_->name() + ": " + fault_);
+    throw Failure(faultCause_, file_->name() + ": " + fault_);
   }
 }
 

@@ -126,7 +126,7 @@ void CaptureWriter::close() {
 }
 
 void CaptureWriter::fail() const {
-  throw Failure(Exit::System, name_ + ": " + std::strerror(errno));
+  throw Failure(Cause::System, name_ + ": " + std::strerror(errno));
 }
 
 }  // namespace inspect

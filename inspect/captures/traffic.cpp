@@ -26,12 +26,14 @@ void addContents(Json& json, const KnownMessage& message, std::span<const uint8_
   for (const Fault& fault : verdict.faults) {
     json["faults"].push_back(faultText(fault));
   }
-  if (verdict.memory > largestMemory) {
-    json["faults"].push_back("decoding needs " + std::to_string(verdict.memory) +
-                             " bytes of memory");
-  } else if (verdict.isAccepted()) {
-    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
-    return;
+  if (verdict.isAccepted()) {
+    try {
+      refuseTooMuchMemory(verdict);
+      json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
+      return;
+    } catch (const Failure& failure) {
+      json["faults"].push_back(failure.what());
+    }
   }
   json["bytes"] = toHex(bytes);
 }

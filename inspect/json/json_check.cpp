@@ -17,7 +17,7 @@ constexpr size_t mostMembers = 100;  // of an object
 constexpr size_t mostValues = 1'000'000;
 
 [[noreturn]] void fail(const std::string& text) {
-  throw Failure(Exit::BadInput, text);
+  throw Failure(Cause::BadInput, text);
 }
 
 // "syntax error" from "[json.exception.parse_error.101] parse error at line 1, column 2: syntax

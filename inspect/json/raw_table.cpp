@@ -45,7 +45,7 @@ Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes) {
   }
   const std::vector<Candidate> candidates = candidatesFor(bytes);
   if (candidates.empty()) {
-    throw Failure(Exit::BadInput, "no message fits these bytes; name one with --message");
+    throw Failure(Cause::BadInput, "no message fits these bytes; name one with --message");
   }
   const KnownMessage& chosen = *candidates.front().message;
   if (candidates.size() == 1 && candidates.front().fit == Fit::Exact) {
@@ -57,7 +57,7 @@ Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes) {
 
 Json rawTable(std::span<const uint8_t> bytes) {
   const auto fail = [](uint64_t at, const std::string& text) {
-    throw Failure(Exit::BadInput, "byte " + std::to_string(at) + ": " + text);
+    throw Failure(Cause::BadInput, "byte " + std::to_string(at) + ": " + text);
   };
   const uint64_t length = bytes.size();
   if (length < 8) {

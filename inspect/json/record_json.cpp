@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cstring>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/json/json_check.hpp"
 #include "inspect/reader/reading.hpp"
 
@@ -15,47 +14,8 @@ using mesh::wire::Schema;
 using mesh::wire::Slot;
 
 // The devices are little-endian: a scalar's bytes are the lowest of the number's.
-uint64_t loadScalar(const Slot& slot, const uint8_t* field) {
-  uint64_t value = 0;
-  std::memcpy(&value, field, slot.size);
-  return value;
-}
-
 void storeScalar(const Slot& slot, uint8_t* field, uint64_t value) {
   std::memcpy(field, &value, slot.size);
-}
-
-Json vectorToJson(const Slot& slot, const uint8_t* record, ByteText form) {
-  Json items = Json::array();
-  const auto* const first = loadAs<const uint8_t*>(record + slot.recordOffset);
-  if (first != nullptr) {
-    const auto count = loadAs<uint32_t>(record + slot.countOffset);
-    for (uint64_t item = 0; item < count; ++item) {
-      items.push_back(toJson(*slot.nested, first + item * slot.size, form));
-    }
-  }
-  return items;
-}
-
-std::string bytesToText(const Slot& slot, const uint8_t* record, ByteText form) {
-  const auto* const bytes = loadAs<const uint8_t*>(record + slot.recordOffset);
-  return bytes == nullptr ? std::string()
-                          : toText(form, {bytes, loadAs<uint32_t>(record + slot.countOffset)});
-}
-
-Json slotToJson(const Slot& slot, const uint8_t* record, ByteText form) {
-  switch (slot.kind) {
-    case Kind::Array:
-      return toText(form, {record + slot.recordOffset, slot.size});
-    case Kind::Bytes:
-      return bytesToText(slot, record, form);
-    case Kind::Table:
-      return toJson(*slot.nested, record + slot.recordOffset, form);
-    case Kind::Vector:
-      return vectorToJson(slot, record, form);
-    default:
-      return loadScalar(slot, record + slot.recordOffset);
-  }
 }
 
 // Fills a record and its nested records from JSON.
@@ -80,7 +40,7 @@ class RecordFiller {
 
  private:
   [[noreturn]] static void fail(const std::string& path, const std::string& text) {
-    throw Failure(Exit::BadInput, (path.empty() ? "the record" : path) + ": " + text);
+    throw Failure(Cause::BadInput, (path.empty() ? "the record" : path) + ": " + text);
   }
 
   // The value if it is short, else its type.
@@ -123,12 +83,10 @@ class RecordFiller {
     }
   }
 
-  // Up to the memory limit of decoding.
   uint8_t* addBlock(uint64_t size, const std::string& path) {
     memory_ += size;
-    if (memory_ > largestMemory) {
-      fail(path, "up to here this record needs " + std::to_string(memory_) +
-                     " bytes of memory; the limit is " + std::to_string(largestMemory));
+    if (memory_ > memoryLimit) {
+      failForMemory(path + ": up to here this record", memory_);
     }
     return owner_.addBlock(size);
   }
@@ -205,11 +163,9 @@ class RecordFiller {
 }  // namespace
 
 Json toJson(const Schema& schema, const uint8_t* record, ByteText form) {
-  Json json = Json::object();
-  for (const Slot& slot : schema.slots) {
-    json[slot.name.data()] = slotToJson(slot, record, form);
-  }
-  return json;
+  Text text;
+  writeRecord(text, schema, record, {form});
+  return Json::parse(text.view());
 }
 
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {

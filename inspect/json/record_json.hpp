@@ -9,13 +9,14 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "inspect/bytes/byte_text.hpp"
+#include "inspect/json/record_text.hpp"
 #include "inspect/messages/owned_record.hpp"
 
 namespace inspect {
 
 using Json = nlohmann::ordered_json;
 
+// For whoever goes on with the values; writeRecord() is quicker.
 Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex);
 
 // Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong

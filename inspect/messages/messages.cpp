@@ -6,9 +6,24 @@
 #include <numeric>
 
 #include "inspect/bytes/failure.hpp"
+#include "l2vpn_cfg/schema.hpp"
+#include "l2vpn_stat/schema.hpp"
+#include "l2vpn_sync/schema.hpp"
 
 namespace inspect {
 namespace {
+
+#define CFG(X, identifier) {#X, "l2vpn_cfg", &mesh::msg::messageOf<X>},
+#define STAT(X, identifier) {#X, "l2vpn_stat", &mesh::msg::messageOf<X>},
+#define SYNC(X, identifier) {#X, "l2vpn_sync", &mesh::msg::messageOf<X>},
+
+// Not L2VPN_MESSAGES: each message is told its service.
+constexpr KnownMessage all[] = {L2VPN_CFG_MESSAGES(CFG) L2VPN_STAT_MESSAGES(STAT)
+                                    L2VPN_SYNC_MESSAGES(SYNC)};
+
+const KnownMessage* orNull(const KnownMessage* found) {
+  return found == std::end(all) ? nullptr : found;
+}
 
 constexpr size_t longestName = 63;
 
@@ -46,6 +61,18 @@ bool isHexId(std::string_view text) {
 
 }  // namespace
 
+std::span<const KnownMessage> messages() {
+  return all;
+}
+
+const KnownMessage* findById(uint32_t id) {
+  return orNull(std::ranges::find(all, id, &KnownMessage::id));
+}
+
+const KnownMessage* findByName(std::string_view name) {
+  return orNull(std::ranges::find(all, name, &KnownMessage::name));
+}
+
 std::vector<std::string_view> nearestNames(std::string_view name) {
   struct Candidate {
     size_t distance;
@@ -73,7 +100,7 @@ std::vector<std::string_view> nearestNames(std::string_view name) {
 }
 
 const KnownMessage& messageNamed(std::string_view nameOrId) {
-  if (const KnownMessage* const message = operationsOf(nameOrId)) {
+  if (const KnownMessage* const message = findByName(nameOrId)) {
     return *message;
   }
   uint32_t id = 0;
@@ -87,13 +114,13 @@ const KnownMessage& messageNamed(std::string_view nameOrId) {
       parseId(nameOrId, id) ? "unknown identifier " + wanted : "unknown message '" + wanted + "'";
   const char* before = "; did you mean ";
   if (isHexId(nameOrId)) {
-    throw Failure(Exit::Usage, text + before + "0x" + wanted);
+    throw Failure(Cause::Usage, text + before + "0x" + wanted);
   }
   for (const std::string_view name : nearestNames(nameOrId)) {
     text.append(before).append(name);
     before = ", ";
   }
-  throw Failure(Exit::Usage, text);
+  throw Failure(Cause::Usage, text);
 }
 
 }  // namespace inspect

@@ -6,21 +6,31 @@
 #include <string_view>
 #include <vector>
 
-#include "inspect/messages/operations.hpp"
+#include "msg/message.hpp"
+
+// The opaque type of the C interface.
+struct mesh_l2vpn_message {
+  std::string_view name;
+  std::string_view service;
+  const mesh::msg::Message* message;
+
+  [[nodiscard]] const mesh::wire::Schema& schema() const { return *message->schema; }
+  [[nodiscard]] uint32_t id() const { return message->id; }
+  [[nodiscard]] bool isSentFixed() const {
+    return message->policy.arrangement == mesh::msg::Arrangement::Fixed;
+  }
+};
 
 namespace inspect {
 
-using KnownMessage = Operations;
+using KnownMessage = mesh_l2vpn_message;
 
 // All messages, service by service, in registration order.
-inline std::span<const KnownMessage> messages() {
-  return allOperations();
-}
+std::span<const KnownMessage> messages();
 
-// Null if no message has the identifier.
-inline const KnownMessage* findById(uint32_t id) {
-  return operationsOf(id);
-}
+// Null if there is no such message.
+const KnownMessage* findById(uint32_t id);
+const KnownMessage* findByName(std::string_view name);
 
 // A message by its name, or by its identifier in decimal or (with 0x) hexadecimal. Fails with
 // similar names.

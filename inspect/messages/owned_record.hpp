@@ -1,15 +1,15 @@
 // A record of any message, owning its memory and the blocks that its pointers point to.
 #pragma once
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
 #include "inspect/messages/messages.hpp"
+#include "inspect/messages/release.hpp"
 
 namespace inspect {
 
-// Starts as zeros. Blocks come from addBlock or, after decoding, from the library.
+// Starts as zeros. Blocks come from addBlock or from decoding.
 class OwnedRecord {
  public:
   explicit OwnedRecord(const KnownMessage& message)
@@ -18,7 +18,7 @@ class OwnedRecord {
   OwnedRecord& operator=(OwnedRecord&&) = delete;
   ~OwnedRecord() {
     if (isUnpacked_ && !words_.empty()) {
-      message_->freeUnpacked(data());
+      releaseParts(message_->schema(), data());
     }
   }
 
@@ -34,7 +34,7 @@ class OwnedRecord {
     return reinterpret_cast<uint8_t*>(blocks_.back().get());
   }
 
-  // From now on the library releases the blocks.
+  // From now on the pointers own what they point to.
   void setUnpacked() { isUnpacked_ = true; }
 
  private:
@@ -43,17 +43,5 @@ class OwnedRecord {
   std::vector<std::unique_ptr<uint64_t[]>> blocks_;
   bool isUnpacked_ = false;
 };
-
-template <typename Integer>
-Integer loadAs(const uint8_t* from) {
-  Integer value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-template <typename Integer>
-void storeAs(uint8_t* to, Integer value) {
-  std::memcpy(to, &value, sizeof value);
-}
 
 }  // namespace inspect

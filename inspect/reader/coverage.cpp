@@ -49,7 +49,7 @@ void coverBytes(std::span<const uint8_t> bytes, Reading& reading) {
                             " more ranges are read a second time");
   }
   if (reading.isCut) {
-    reading.notes.push_back("only " + std::to_string(mostRanges) + " ranges are explained");
+    reading.notes.push_back("only " + std::to_string(mostRanges()) + " ranges are explained");
   }
   ranges.insert(ranges.end(), unread.begin(), unread.end());
   std::ranges::stable_sort(ranges, {}, &Range::at);

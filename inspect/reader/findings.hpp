@@ -20,7 +20,7 @@ class Findings {
   template <typename Make, typename... Arguments>
   void add(Make make, const Arguments&... arguments) {
     if constexpr (explains) {
-      if (result_.ranges.size() < mostRanges) {
+      if (result_.ranges.size() < mostRanges()) {
         result_.ranges.push_back(make(arguments...));
       } else {
         result_.isCut = true;

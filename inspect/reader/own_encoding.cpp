@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "inspect/bytes/memory_limit.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/table_reader.hpp"
 
@@ -19,7 +20,7 @@ bool hasVector(const mesh::wire::Schema& schema) {
 
 bool isOwnEncoding(const KnownMessage& message, std::span<const uint8_t> bytes) {
   if (bytes.size() < 4 || bytes.size() > INT32_MAX ||
-      (hasVector(message.schema()) && judge(message, bytes).memory > largestMemory)) {
+      (hasVector(message.schema()) && judge(message, bytes).memory > memoryLimit)) {
     return false;
   }
   // A rejected message may leave a count without items in the record, which has no encoding.

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex.hpp"
+#include "inspect/bytes/memory_limit.hpp"
 
 namespace inspect {
 namespace {
@@ -36,11 +36,13 @@ bool Reading::takesNote() const {
   return notes.size() < mostNotes;
 }
 
+uint64_t mostRanges() {
+  return memoryLimit / 2 / rangeSize;
+}
+
 void refuseTooMuchMemory(const Verdict& verdict) {
-  if (verdict.memory > largestMemory) {
-    throw Failure(Exit::BadInput, "decoding this message needs " + std::to_string(verdict.memory) +
-                                      " bytes of memory; the limit is " +
-                                      std::to_string(largestMemory));
+  if (verdict.memory > memoryLimit) {
+    failForMemory("decoding this message", verdict.memory);
   }
 }
 

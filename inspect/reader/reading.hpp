@@ -63,11 +63,11 @@ struct Reading : Verdict {
   [[nodiscard]] bool takesNote() const;
 };
 
-// No message that can be decoded has as many ranges: largestMemory holds 4049 items.
-inline constexpr size_t mostRanges = 250'000;
+// How many ranges a reading keeps: half of the memory limit, as each takes up to rangeSize bytes.
+inline constexpr uint64_t rangeSize = 256;
+uint64_t mostRanges();
 
-// The memory limit of one message. A small message can ask for nearly 4 GiB.
-inline constexpr uint64_t largestMemory = uint64_t{64} << 20;
+// A small message can ask for nearly 4 GiB.
 void refuseTooMuchMemory(const Verdict& verdict);
 
 // "2 faults"

@@ -3,9 +3,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "l2vpn_cfg/schema.hpp"
-#include "l2vpn_stat/schema.hpp"
-#include "l2vpn_sync/schema.hpp"
+#include "inspect/messages/messages.hpp"
 #include "wire/compact_size.hpp"
 
 namespace inspect {
@@ -14,12 +12,15 @@ using mesh::wire::Kind;
 using mesh::wire::Schema;
 using mesh::wire::Slot;
 
-#define MESSAGE(message, ...) &mesh::msg::messageOf<message>,
-
 std::vector<Service> services() {
-  return {{"l2vpn_cfg", {L2VPN_CFG_MESSAGES(MESSAGE)}},
-          {"l2vpn_stat", {L2VPN_STAT_MESSAGES(MESSAGE)}},
-          {"l2vpn_sync", {L2VPN_SYNC_MESSAGES(MESSAGE)}}};
+  std::vector<Service> found;
+  for (const KnownMessage& message : messages()) {
+    if (found.empty() || found.back().name != message.service) {
+      found.push_back({std::string(message.service), {}});
+    }
+    found.back().messages.push_back(message.message);
+  }
+  return found;
 }
 
 SizeRange compactRange(const Schema& schema) {

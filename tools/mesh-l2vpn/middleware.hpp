@@ -1,5 +1,4 @@
-// The workstation's middleware, loaded at run time: few commands need it, and its MESH_SendMsg must
-// not replace this program's (messages/sent_table.hpp).
+// The workstation's middleware, loaded at run time: few commands need it.
 #pragma once
 
 #include <functional>

@@ -11,6 +11,19 @@
 
 namespace tool {
 
+Exit exitFor(Cause cause) {
+  switch (cause) {
+    case Cause::BadInput:
+    case Cause::Memory:
+      return Exit::BadInput;
+    case Cause::Usage:
+      return Exit::Usage;
+    case Cause::System:
+      break;
+  }
+  return Exit::System;
+}
+
 Colors Session::colors() const {
   if (color != "auto") {
     return {color == "always"};
@@ -31,7 +44,7 @@ void complain(std::string_view text) {
 }
 
 Failure outputFailure() {
-  return {Exit::System, std::string("the output: ") + std::strerror(errno)};
+  return {Cause::System, std::string("the output: ") + std::strerror(errno)};
 }
 
 }  // namespace tool

@@ -11,6 +11,15 @@ namespace tool {
 
 using namespace inspect;
 
+enum class Exit : int {
+  Success = 0,
+  BadInput = 1,  // the input has a fault; for diff: a difference
+  Usage = 2,
+  System = 3,  // a file, the output, the middleware or a memory allocation failed
+};
+
+Exit exitFor(Cause cause);
+
 struct Session {
   bool isQuiet = false;
   std::string color = "auto";  // auto, always, never

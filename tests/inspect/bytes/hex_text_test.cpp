@@ -22,7 +22,7 @@ std::string failureOf(std::string_view text) {
     fromHexText(text);
     return "";
   } catch (const Failure& failure) {
-    EXPECT_EQ(failure.exit(), Exit::BadInput);
+    EXPECT_EQ(failure.cause(), Cause::BadInput);
     return failure.what();
   }
 }

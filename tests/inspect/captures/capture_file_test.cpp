@@ -293,7 +293,7 @@ TEST_F(Capture, ReportsSystemErrors) {
     reader.throwFault();
     FAIL();
   } catch (const Failure& failure) {
-    EXPECT_EQ(failure.exit(), Exit::System);
+    EXPECT_EQ(failure.cause(), Cause::System);
   }
 }
 

@@ -43,7 +43,7 @@ TEST(Messages, ErrorSuggestsName) {
     messageNamed("l2vpn_sync_stq");
     FAIL();
   } catch (const Failure& failure) {
-    EXPECT_EQ(failure.exit(), Exit::Usage);
+    EXPECT_EQ(failure.cause(), Cause::Usage);
     EXPECT_NE(std::string(failure.what()).find("did you mean l2vpn_sync_stp"), std::string::npos);
   }
 }

@@ -25,12 +25,14 @@ void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptio
     session.result = Exit::BadInput;
   }
   if (!reading.isAccepted()) {
-    throw Failure(Exit::BadInput, "receivers reject this " + std::string(message.name));
+    throw Failure(Cause::BadInput, "receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.schema(), record.data(), options.byteText).dump(indentOf(options))
-            << '\n';
+  Text text(std::cout);
+  writeRecord(text, message.schema(), record.data(), {options.byteText, indentOf(options)});
+  text.append('\n');
+  text.flush();
 }
 
 void decodeRaw(const Bytes& bytes, int indent) {

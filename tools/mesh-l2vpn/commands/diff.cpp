@@ -24,7 +24,7 @@ Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes,
     session.say(file + ": " + faultText(fault));
   }
   if (!reading.isAccepted()) {
-    throw Failure(Exit::BadInput, file + ": receivers reject this " + std::string(message.name));
+    throw Failure(Cause::BadInput, file + ": receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
   Json record = toJson(message.schema(), decode(message, bytes).data());
@@ -86,7 +86,7 @@ Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDi
 
 void runDiff(const DiffOptions& options, Session& session) {
   if (options.file == "-" && options.second == "-") {
-    throw Failure(Exit::Usage, "the standard input cannot be both messages");
+    throw Failure(Cause::Usage, "the standard input cannot be both messages");
   }
   Bytes first = readBytes(options.file, options.form);
   Bytes second = readBytes(options.second, options.form);

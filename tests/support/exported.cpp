@@ -1,4 +1,4 @@
-#include "inspect/messages/operations.hpp"
+#include "support/exported.hpp"
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
 
-namespace inspect {
+namespace exported {
 namespace {
 
 #define OPERATIONS(service, X)                                                          \
@@ -41,10 +41,6 @@ namespace {
 constexpr Operations operations[] = {L2VPN_CFG_MESSAGES(CFG) L2VPN_STAT_MESSAGES(STAT)
                                          L2VPN_SYNC_MESSAGES(SYNC)};
 
-const Operations* orNull(const Operations* found) {
-  return found == std::end(operations) ? nullptr : found;
-}
-
 }  // namespace
 
 std::span<const Operations> allOperations() {
@@ -52,11 +48,8 @@ std::span<const Operations> allOperations() {
 }
 
 const Operations* operationsOf(std::string_view name) {
-  return orNull(std::ranges::find(operations, name, &Operations::name));
+  const Operations* const found = std::ranges::find(operations, name, &Operations::name);
+  return found == std::end(operations) ? nullptr : found;
 }
 
-const Operations* operationsOf(uint32_t id) {
-  return orNull(std::ranges::find(operations, id, &Operations::id));
-}
-
-}  // namespace inspect
+}  // namespace exported

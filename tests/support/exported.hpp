@@ -7,7 +7,7 @@
 
 #include "msg/message.hpp"
 
-namespace inspect {
+namespace exported {
 
 // The functions are the exported ones, called by name: nothing of the library's inside is linked.
 struct Operations {
@@ -34,6 +34,5 @@ std::span<const Operations> allOperations();
 
 // Null when there is no such message.
 const Operations* operationsOf(std::string_view name);
-const Operations* operationsOf(uint32_t id);
 
-}  // namespace inspect
+}  // namespace exported
