@@ -6,8 +6,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <sstream>
-
 #include "input.hpp"
 #include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex_text.hpp"
@@ -51,8 +49,8 @@ void readMessage(const KnownMessage& message, std::span<const uint8_t> bytes) {
   expect(verdict.isAccepted() == reading.isAccepted() && verdict.memory == reading.memory &&
              verdict.faults.size() == reading.faults.size(),
          message, "a reading and its verdict differ");
-  std::ostringstream text;
-  inspect::explain(reading, bytes, true, inspect::Colors(), text);
+  inspect::Text text;
+  inspect::explain(message, reading, bytes, true, inspect::Colors(), text);
   inspect::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {
     expect(inspect::libraryAccepts(message, bytes) == reading.isAccepted(), message,

@@ -6,6 +6,7 @@
 
 #include "inspect/bytes/hex.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/reader/acceptance.hpp"
 #include "inspect/reader/own_encoding.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/schema/facts.hpp"
@@ -79,8 +80,7 @@ Json tableJson(const Table& table, ByteText form) {
 
 bool isAccepted(const Table& table) {
   const KnownMessage* const message = findById(table.id);
-  return message != nullptr &&
-         (isOwnEncoding(*message, table.bytes) || judge(*message, table.bytes).isAccepted());
+  return message != nullptr && acceptanceOf(message->schema(), table.bytes) != Acceptance::Rejected;
 }
 
 }  // namespace inspect

@@ -61,6 +61,8 @@ class Check final : public nlohmann::json_sax<Json> {
     fail("invalid JSON at byte " + std::to_string(position) + ": " + reasonOf(error.what()));
   }
 
+  [[nodiscard]] size_t values() const { return values_; }
+
  private:
   bool count() {
     if (++values_ > mostValues) {
@@ -88,9 +90,10 @@ class Check final : public nlohmann::json_sax<Json> {
 
 }  // namespace
 
-void checkJson(std::string_view text) {
+size_t checkJson(std::string_view text) {
   Check check;
   Json::sax_parse(text, &check);
+  return check.values();
 }
 
 }  // namespace inspect

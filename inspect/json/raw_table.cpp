@@ -90,4 +90,16 @@ Json rawTable(std::span<const uint8_t> bytes) {
           {"slots", std::move(slots)}};
 }
 
+Json identification(std::span<const uint8_t> bytes) {
+  static constexpr const char* fits[] = {"exact", "same slots", "damaged", "reads"};
+  Json json = rawTable(bytes);
+  Json fitting = Json::array();
+  for (const Candidate& candidate : candidatesFor(bytes)) {
+    fitting.push_back(
+        {{"message", candidate.message->name}, {"fit", fits[static_cast<int>(candidate.fit)]}});
+  }
+  json["couldBe"] = std::move(fitting);
+  return json;
+}
+
 }  // namespace inspect

@@ -38,4 +38,7 @@ Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes);
 // Length, root, vtable, and every present slot's position. Fails if there is no table.
 Json rawTable(std::span<const uint8_t> bytes);
 
+// The same, with the messages that fit best in "couldBe".
+Json identification(std::span<const uint8_t> bytes);
+
 }  // namespace inspect

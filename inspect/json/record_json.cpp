@@ -21,7 +21,8 @@ void storeScalar(const Slot& slot, uint8_t* field, uint64_t value) {
 // Fills a record and its nested records from JSON.
 class RecordFiller {
  public:
-  RecordFiller(OwnedRecord& owner, ByteText form) : owner_(owner), form_(form) {}
+  RecordFiller(OwnedRecord& owner, ByteText form, uint64_t& memory)
+      : owner_(owner), form_(form), memory_(memory) {}
 
   void fill(const Schema& schema, const Json& json, uint8_t* record, const std::string& path) {
     if (!json.is_object()) {
@@ -157,25 +158,40 @@ class RecordFiller {
 
   OwnedRecord& owner_;
   ByteText form_;
-  uint64_t memory_ = 0;
+  uint64_t& memory_;
 };
 
 }  // namespace
 
-Json toJson(const Schema& schema, const uint8_t* record, ByteText form) {
-  Text text;
+Json toJson(const Schema& schema, const uint8_t* record, ByteText form, uint64_t taken) {
+  Text text(taken);
   writeRecord(text, schema, record, {form});
   return Json::parse(text.view());
 }
 
-OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form,
+                     uint64_t& memory) {
   OwnedRecord record(message);
-  RecordFiller(record, form).fill(message.schema(), json, record.data(), "");
+  RecordFiller(record, form, memory).fill(message.schema(), json, record.data(), "");
   return record;
+}
+
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
+  uint64_t memory = 0;
+  return fromJson(message, json, form, memory);
 }
 
 Json parseJson(std::string_view text) {
   checkJson(text);
+  return Json::parse(text);
+}
+
+Json parseJson(std::string_view text, uint64_t& memory) {
+  constexpr uint64_t ofValue = 160;  // with its name, and its place in the object
+  memory += text.size() + ofValue * checkJson(text);
+  if (memory > memoryLimit) {
+    failForMemory("this JSON", memory);
+  }
   return Json::parse(text);
 }
 

@@ -1,7 +1,6 @@
 #include "inspect/messages/codec.hpp"
 
 #include <algorithm>
-#include <optional>
 
 #include "inspect/bytes/memory_limit.hpp"
 #include "inspect/messages/compact_writer.hpp"
@@ -24,58 +23,39 @@ void* allocate(uint32_t size, uint32_t /*owner*/, const char* /*caller*/) {
 constinit mesh::host::Module module{
     .env = {.hostBound = 1, .unpackBound = 1, .unpackAlloc = &allocate}, .swapBytes = 0};
 
-std::optional<Bytes> compactBytes(const mesh::msg::Message& message, const uint8_t* record) {
-  const uint32_t size = compactSize(message, record);
-  if (size == 0) {
-    return std::nullopt;
-  }
-  if (size > memoryLimit) {
-    failForMemory("this message", size);
-  }
-  Bytes bytes(size);
-  writeCompact(*message.schema, bytes.data(), record);
-  return bytes;
-}
-
-Bytes fixedBytes(const mesh::msg::Message& message, const uint8_t* record) {
-  Bytes bytes(mesh::wire::fixedLength(*message.schema));
-  mesh::wire::writeImageAtRunTime(*message.schema, bytes.data(), record);
-  return bytes;
+bool isFixed(const KnownMessage& message, Form form) {
+  return form == Form::Fixed || (form == Form::AsSent && message.isSentFixed());
 }
 
 }  // namespace
 
-Bytes encodeCompact(const KnownMessage& message, const uint8_t* record) {
-  auto bytes = compactBytes(*message.message, record);
-  if (!bytes) {
+uint32_t encodedSize(const KnownMessage& message, const uint8_t* record, Form form) {
+  if (isFixed(message, form)) {
+    if (!message.isSentFixed()) {
+      throw Failure(Cause::Usage, std::string(message.name) +
+                                      " is sent in the compact arrangement and has no fixed one");
+    }
+    return mesh::wire::fixedLength(message.schema());
+  }
+  const uint32_t size = compactSize(*message.message, record);
+  if (size == 0) {
     throw Failure(Cause::BadInput, "this " + std::string(message.name) + " is too large to encode");
   }
-  return std::move(*bytes);
+  return size;
 }
 
-Bytes encodeCompact(const OwnedRecord& record) {
-  return encodeCompact(record.message(), record.data());
-}
-
-Bytes encodeAsSent(const KnownMessage& message, const uint8_t* record) {
-  return message.isSentFixed() ? fixedBytes(*message.message, record)
-                               : encodeCompact(message, record);
-}
-
-Bytes encodeAsSent(const OwnedRecord& record) {
-  return encodeAsSent(record.message(), record.data());
-}
-
-Bytes encodeFixed(const KnownMessage& message, const uint8_t* record) {
-  if (!message.isSentFixed()) {
-    throw Failure(Cause::Usage, std::string(message.name) +
-                                    " is sent in the compact arrangement and has no fixed one");
+void encodeInto(uint8_t* buffer, const KnownMessage& message, const uint8_t* record, Form form) {
+  if (isFixed(message, form)) {
+    mesh::wire::writeImageAtRunTime(message.schema(), buffer, record);
+  } else {
+    writeCompact(message.schema(), buffer, record);
   }
-  return fixedBytes(*message.message, record);
 }
 
-Bytes encodeFixed(const OwnedRecord& record) {
-  return encodeFixed(record.message(), record.data());
+Bytes encode(const OwnedRecord& record, Form form) {
+  Bytes bytes(encodedSize(record.message(), record.data(), form));
+  encodeInto(bytes.data(), record.message(), record.data(), form);
+  return bytes;
 }
 
 uint64_t decodeInto(const KnownMessage& message, std::span<const uint8_t> bytes, uint8_t* record) {
@@ -102,11 +82,10 @@ OwnedRecord decode(const KnownMessage& message, std::span<const uint8_t> bytes) 
 }
 
 bool encodesTo(const OwnedRecord& record, std::span<const uint8_t> bytes) {
-  const mesh::msg::Message& message = *record.message().message;
-  return (record.message().isSentFixed() &&
-          std::ranges::equal(fixedBytes(message, record.data()), bytes)) ||
-         (compactSize(message, record.data()) == bytes.size() &&
-          std::ranges::equal(*compactBytes(message, record.data()), bytes));
+  const KnownMessage& message = record.message();
+  return (message.isSentFixed() && std::ranges::equal(encodeFixed(record), bytes)) ||
+         (compactSize(*message.message, record.data()) == bytes.size() &&
+          std::ranges::equal(encodeCompact(record), bytes));
 }
 
 }  // namespace inspect

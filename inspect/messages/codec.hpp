@@ -11,17 +11,28 @@ namespace inspect {
 
 using Bytes = std::vector<uint8_t>;
 
-// What __pack writes.
-Bytes encodeCompact(const KnownMessage& message, const uint8_t* record);
-Bytes encodeCompact(const OwnedRecord& record);
+enum class Form {
+  AsSent,   // what the senders pass to the middleware
+  Fixed,    // the fixed arrangement; fails for a message that is not sent in it
+  Compact,  // what __pack writes
+};
 
-// What the senders pass to the middleware: the arrangement in which the message is sent.
-Bytes encodeAsSent(const KnownMessage& message, const uint8_t* record);
-Bytes encodeAsSent(const OwnedRecord& record);
+// The size of a record's message; fails for a record that cannot be encoded in this form.
+uint32_t encodedSize(const KnownMessage& message, const uint8_t* record, Form form);
 
-// The fixed arrangement; fails for a message that is not sent in it.
-Bytes encodeFixed(const KnownMessage& message, const uint8_t* record);
-Bytes encodeFixed(const OwnedRecord& record);
+// `buffer` has room for encodedSize() bytes, and holds zeros.
+void encodeInto(uint8_t* buffer, const KnownMessage& message, const uint8_t* record, Form form);
+
+Bytes encode(const OwnedRecord& record, Form form);
+inline Bytes encodeCompact(const OwnedRecord& record) {
+  return encode(record, Form::Compact);
+}
+inline Bytes encodeAsSent(const OwnedRecord& record) {
+  return encode(record, Form::AsSent);
+}
+inline Bytes encodeFixed(const OwnedRecord& record) {
+  return encode(record, Form::Fixed);
+}
 
 // Fills the record, which holds zeros, as __unpack does. It owns its blocks. Returns the size of
 // these blocks; fails if they exceed the memory limit.

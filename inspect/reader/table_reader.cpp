@@ -5,6 +5,7 @@
 #include <set>
 #include <tuple>
 
+#include "inspect/bytes/memory_limit.hpp"
 #include "inspect/messages/owned_record.hpp"
 #include "inspect/reader/coverage.hpp"
 #include "inspect/reader/findings.hpp"
@@ -85,7 +86,10 @@ class TableReader {
     const uint64_t before = found_.memory();
     Head head{};
     const bool isGood = locate(table, from, head) && readSlots(schema, head, from.path);
-    tables_[key] = {isGood, found_.memory() - before};
+    // Tables beyond these are read again.
+    if (tables_.size() < memoryLimit / 512) {
+      tables_[key] = {isGood, found_.memory() - before};
+    }
     return isGood;
   }
 

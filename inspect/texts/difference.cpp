@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "inspect/bytes/hex.hpp"
+#include "inspect/messages/codec.hpp"
 #include "inspect/reader/range_walk.hpp"
+#include "inspect/reader/table_reader.hpp"
 
 namespace inspect {
 namespace {
@@ -73,6 +75,44 @@ std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
     at = end;
   }
   return found;
+}
+
+Json differenceJson(const std::vector<FieldDifference>& fields,
+                    const std::vector<ByteDifference>& bytes, size_t firstLength,
+                    size_t secondLength) {
+  Json json = {{"firstLength", firstLength},
+               {"secondLength", secondLength},
+               {"fields", Json::array()},
+               {"bytes", Json::array()}};
+  const auto value = [](const std::string& text) {
+    return text.empty() ? Json() : parseJson(text);
+  };
+  for (const FieldDifference& field : fields) {
+    json["fields"].push_back(
+        {{"path", field.path}, {"first", value(field.one)}, {"second", value(field.other)}});
+  }
+  for (const ByteDifference& difference : bytes) {
+    json["bytes"].push_back({{"at", difference.at},
+                             {"meaning", difference.meaning},
+                             {"first", difference.one},
+                             {"second", difference.other}});
+  }
+  return json;
+}
+
+Json differenceJson(const KnownMessage& message, std::span<const uint8_t> one,
+                    std::span<const uint8_t> other) {
+  // A short member becomes values, a difference and its JSON, each of about a hundred bytes.
+  const uint64_t forText = memoryLimit / 64;
+  const auto record = [&](std::span<const uint8_t> bytes) {
+    return toJson(message.schema(), decode(message, bytes).data(), ByteText::Hex,
+                  memoryLimit - forText);
+  };
+  const Json first = record(one);
+  const Json second = record(other);
+  return differenceJson(fieldDifferences(first, second),
+                        byteDifferences(one, other, readTable(message, one)), one.size(),
+                        other.size());
 }
 
 }  // namespace inspect

@@ -31,4 +31,14 @@ std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
                                             std::span<const uint8_t> other,
                                             const Reading& readingOfOne);
 
+// Both as one JSON object: "firstLength", "secondLength", "fields", "bytes".
+Json differenceJson(const std::vector<FieldDifference>& fields,
+                    const std::vector<ByteDifference>& bytes, size_t firstLength,
+                    size_t secondLength);
+
+// The same of two messages that receivers accept. Fails for large ones: their values, side by side,
+// take many times the memory of their text.
+Json differenceJson(const KnownMessage& message, std::span<const uint8_t> one,
+                    std::span<const uint8_t> other);
+
 }  // namespace inspect

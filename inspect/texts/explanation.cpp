@@ -1,7 +1,6 @@
 #include "inspect/texts/explanation.hpp"
 
 #include <algorithm>
-#include <ostream>
 
 #include "inspect/bytes/hex.hpp"
 
@@ -40,8 +39,7 @@ std::string padded(std::string text, size_t width) {
 
 class Explainer {
  public:
-  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Colors& colors,
-            std::ostream& out)
+  Explainer(const Reading& reading, std::span<const uint8_t> bytes, const Colors& colors, Text& out)
       : reading_(reading), bytes_(bytes), colors_(colors), out_(out) {
     for (const Range& range : reading.ranges) {
       pathWidth_ = std::max(pathWidth_, range.path.size());
@@ -75,9 +73,10 @@ class Explainer {
     const uint32_t tail = isWhole ? std::clamp(shown, head, lines) : lines;
     writeLines(range, 0, head);
     if (head < tail) {
-      out_ << std::string(positionWidth_ + 2, ' ') << "... "
-           << std::min(range.size, tail * bytesOnALine) - head * bytesOnALine
-           << (isWhole ? " bytes shown above\n" : " more bytes\n");
+      out_.append(positionWidth_ + 2, ' ');
+      out_.append("... ");
+      out_.appendNumber(std::min(range.size, tail * bytesOnALine) - head * bytesOnALine);
+      out_.append(isWhole ? " bytes shown above\n" : " more bytes\n");
     }
     writeLines(range, tail, lines);
   }
@@ -88,10 +87,11 @@ class Explainer {
       const uint32_t at = range.at + line * bytesOnALine;
       const std::string hex =
           spaced(bytes_.subspan(at, std::min(bytesOnALine, range.at + range.size - at)));
-      out_ << rightAligned(at) << "  "
-           << (line == 0 ? colors_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
-                         : colors_.ink(ink, hex))
-           << '\n';
+      out_.append(rightAligned(at) + "  " +
+                  (line == 0
+                       ? colors_.ink(ink, padded(hex, 3 * bytesOnALine - 1)) + meaningText(range)
+                       : colors_.ink(ink, hex)));
+      out_.append('\n');
     }
   }
 
@@ -118,16 +118,17 @@ class Explainer {
   void markFaultsBefore(uint32_t end) {
     for (; marked_ < faults_.size() && faults_[marked_]->at < end; ++marked_) {
       const Fault& fault = *faults_[marked_];
-      out_ << std::string(positionWidth_ + 2, ' ')
-           << colors_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault))
-           << '\n';
+      out_.append(positionWidth_ + 2, ' ');
+      out_.append(
+          colors_.ink(fault.isTolerated ? Ink::Yellow : Ink::Red, "^^ " + faultText(fault)));
+      out_.append('\n');
     }
   }
 
   const Reading& reading_;
   std::span<const uint8_t> bytes_;
   const Colors& colors_;
-  std::ostream& out_;
+  Text& out_;
   size_t pathWidth_ = 0;
   size_t meaningWidth_ = 0;
   size_t positionWidth_ = 0;
@@ -138,9 +139,17 @@ class Explainer {
 
 }  // namespace
 
-void explain(const Reading& reading, std::span<const uint8_t> bytes, bool isWhole,
-             const Colors& colors, std::ostream& out) {
+void explain(const KnownMessage& message, const Reading& reading, std::span<const uint8_t> bytes,
+             bool isWhole, const Colors& colors, Text& out) {
   Explainer(reading, bytes, colors, out).explain(isWhole);
+  for (const std::string& note : reading.notes) {
+    out.append(colors.ink(Ink::Yellow, "note: " + note));
+    out.append('\n');
+  }
+  out.append(colors.ink(Ink::Bold, std::string(message.name) + ": " + faultCountText(reading) +
+                                       ", receivers " +
+                                       (reading.isAccepted() ? "accept it" : "reject it")));
+  out.append('\n');
 }
 
 }  // namespace inspect

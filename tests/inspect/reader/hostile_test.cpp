@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 #include "inspect/bytes/failure.hpp"
 #include "inspect/texts/explanation.hpp"
@@ -52,9 +51,9 @@ TEST(HostileMessage, ShowsSharedContentsOnce) {
   const Bytes bytes = itemsOfOneText(items, 100'000, 'a');
   const Reading reading = readTable(list(), bytes);
   EXPECT_EQ(reading.faults.size(), items);
-  std::ostringstream out;
-  explain(reading, bytes, true, Colors(), out);
-  const std::string text = out.str();
+  Text out;
+  explain(list(), reading, bytes, true, Colors(), out);
+  const std::string_view text = out.view();
   EXPECT_NE(text.find("bytes shown above"), std::string::npos);
   EXPECT_EQ(text.find("more bytes"), std::string::npos);
   // A line of 8 bytes is shorter than 200 characters.

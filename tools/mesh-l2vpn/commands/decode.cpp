@@ -35,18 +35,6 @@ void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptio
   text.flush();
 }
 
-void decodeRaw(const Bytes& bytes, int indent) {
-  static constexpr const char* fits[] = {"exact", "same slots", "damaged", "reads"};
-  Json json = rawTable(bytes);
-  Json fitting = Json::array();
-  for (const Candidate& candidate : candidatesFor(bytes)) {
-    fitting.push_back(
-        {{"message", candidate.message->name}, {"fit", fits[static_cast<int>(candidate.fit)]}});
-  }
-  json["couldBe"] = std::move(fitting);
-  std::cout << json.dump(indent) << '\n';
-}
-
 std::string cutText(const Table& table) {
   const size_t held = table.bytes.size();
   return "the capture holds " + std::to_string(held) + " of its " +
@@ -87,7 +75,7 @@ void runDecode(const DecodeOptions& options, Session& session) {
   }
   const Bytes bytes = readBytes(*file, options.form);
   if (options.message.empty()) {
-    decodeRaw(bytes, indentOf(options));
+    std::cout << identification(bytes).dump(indentOf(options)) << '\n';
   } else {
     decodeAs(messageNamed(options.message), bytes, options, session);
   }

@@ -60,28 +60,6 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
   }
 }
 
-Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes,
-            const Side& one, const Side& other) {
-  Json json = {{"firstLength", one.bytes.size()},
-               {"secondLength", other.bytes.size()},
-               {"fields", Json::array()},
-               {"bytes", Json::array()}};
-  const auto value = [](const std::string& text) {
-    return text.empty() ? Json() : parseJson(text);
-  };
-  for (const FieldDifference& field : fields) {
-    json["fields"].push_back(
-        {{"path", field.path}, {"first", value(field.one)}, {"second", value(field.other)}});
-  }
-  for (const ByteDifference& difference : bytes) {
-    json["bytes"].push_back({{"at", difference.at},
-                             {"meaning", difference.meaning},
-                             {"first", difference.one},
-                             {"second", difference.other}});
-  }
-  return json;
-}
-
 }  // namespace
 
 void runDiff(const DiffOptions& options, Session& session) {
@@ -97,7 +75,8 @@ void runDiff(const DiffOptions& options, Session& session) {
   const auto fields = fieldDifferences(one.record, other.record);
   const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
   if (options.isJson) {
-    std::cout << jsonOf(fields, bytes, one, other).dump(2) << '\n';
+    std::cout << differenceJson(fields, bytes, one.bytes.size(), other.bytes.size()).dump(2)
+              << '\n';
   } else {
     print(fields, bytes, session);
   }

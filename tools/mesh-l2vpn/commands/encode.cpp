@@ -16,9 +16,9 @@ namespace {
 Bytes encode(const EncodeOptions& options) {
   const KnownMessage& message = messageNamed(options.message);
   const OwnedRecord record = fromJson(message, parseJson(readAll(options.file)), options.byteText);
-  return options.isFixed     ? encodeFixed(record)
-         : options.isCompact ? encodeCompact(record)
-                             : encodeAsSent(record);
+  return encode(record, options.isFixed     ? Form::Fixed
+                        : options.isCompact ? Form::Compact
+                                            : Form::AsSent);
 }
 
 }  // namespace
