@@ -13,6 +13,7 @@
 #include "inspect/json/raw_table.hpp"
 #include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/reader/acceptance.hpp"
 #include "inspect/texts/explanation.hpp"
 #include "inspect/texts/html_page.hpp"
 #include "tests/inspect/bytes/dumps.hpp"
@@ -42,13 +43,29 @@ void expectSurvivesJson(const KnownMessage& message, const inspect::OwnedRecord&
   expect(encoded(inspect::encodeAsSent(again)) == json, message, "sending loses something");
 }
 
+// The run-time decoder and __unpack fill in the same.
+void expectUnpacksAlike(const KnownMessage& message, std::span<const uint8_t> bytes) {
+  const harness::Operations& operations = harness::operationsOf(message.name);
+  std::vector<uint64_t> record((message.schema().size + 7) / 8);
+  auto* const into = reinterpret_cast<uint8_t*>(record.data());
+  operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), into);
+  expect(inspect::toJson(message.schema(), into) ==
+             inspect::toJson(message.schema(), inspect::decode(message, bytes).data()),
+         message, "__unpack fills in something else");
+  operations.freeUnpacked(into);
+}
+
 void readMessage(const KnownMessage& message, std::span<const uint8_t> bytes) {
   const inspect::Reading reading = inspect::readTable(message, bytes);
   const inspect::Verdict verdict = inspect::judge(message, bytes);
+  const inspect::Acceptance acceptance = inspect::acceptanceOf(message.schema(), bytes);
   fuzz::expectNone(inspect::unsoundness(reading, bytes));
   expect(verdict.isAccepted() == reading.isAccepted() && verdict.memory == reading.memory &&
              verdict.faults.size() == reading.faults.size(),
          message, "a reading and its verdict differ");
+  expect((acceptance != inspect::Acceptance::Rejected) == verdict.isAccepted() &&
+             (acceptance == inspect::Acceptance::Accepted) == verdict.faults.empty(),
+         message, "the quick verdict is another");
   inspect::Text text;
   inspect::explain(message, reading, bytes, true, inspect::Colors(), text);
   inspect::htmlPage(message, reading, bytes, true);
@@ -56,6 +73,7 @@ void readMessage(const KnownMessage& message, std::span<const uint8_t> bytes) {
     expect(inspect::libraryAccepts(message, bytes) == reading.isAccepted(), message,
            "the two readers do not agree");
     if (reading.isAccepted()) {
+      expectUnpacksAlike(message, bytes);
       expectSurvivesJson(message, inspect::decode(message, bytes));
     }
   }
