@@ -10,6 +10,8 @@
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/acceptance.hpp"
 #include "inspect/reader/table_reader.hpp"
+#include "inspect/schema/compatibility.hpp"
+#include "inspect/schema/document.hpp"
 #include "inspect/texts/difference.hpp"
 #include "inspect/texts/explanation.hpp"
 #include "inspect/texts/html_page.hpp"
@@ -283,6 +285,26 @@ int mesh_l2vpn_identify(const void* data, size_t length, char** json) {
   return guarded([&] {
     expectPointers(data, json);
     *json = handOut(inspect::identification(bytesOf(data, length)).dump(), 0);
+  });
+}
+
+int mesh_l2vpn_schema(const mesh_l2vpn_message* message, char** json) {
+  return guarded([&] {
+    expectPointers(json);
+    *json = handOut(message == nullptr ? inspect::schemaDocument(inspect::messages()).dump()
+                                       : inspect::schemaDocument({message, 1}).dump(),
+                    0);
+  });
+}
+
+int mesh_l2vpn_compat(const char* old_schema, size_t old_length, const char* new_schema,
+                      size_t new_length, char** json) {
+  return guarded([&] {
+    expectPointers(old_schema, new_schema, json);
+    uint64_t taken = 0;
+    const inspect::LoadedSchema old(inspect::parseJson({old_schema, old_length}, taken));
+    const inspect::LoadedSchema recent(inspect::parseJson({new_schema, new_length}, taken));
+    *json = handOut(inspect::toJson(inspect::compatibility(old, recent)).dump(), taken);
   });
 }
 

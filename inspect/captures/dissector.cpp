@@ -1,7 +1,5 @@
 #include "inspect/captures/dissector.hpp"
 
-#include <set>
-
 #include "inspect/captures/dissector_template.hpp"
 #include "inspect/messages/messages.hpp"
 #include "inspect/schema/facts.hpp"
@@ -12,22 +10,6 @@ namespace {
 using mesh::wire::Kind;
 using mesh::wire::Schema;
 using mesh::wire::Slot;
-
-const char* kindName(Kind kind) {
-  switch (kind) {
-    case Kind::Scalar:
-      return "scalar";
-    case Kind::Array:
-      return "array";
-    case Kind::Bytes:
-      return "bytes";
-    case Kind::Table:
-      return "table";
-    case Kind::Vector:
-      return "vector";
-  }
-  return "";
-}
 
 std::string slotText(const Slot& slot) {
   std::string text = std::string("    {name = \"") + slot.name.data() + "\", kind = \"" +
@@ -41,23 +23,14 @@ std::string slotText(const Slot& slot) {
   return text + "},\n";
 }
 
-// Appends the nested records first, each record once.
-void appendRecord(const Schema& schema, std::set<std::string>& known, std::string& text) {
-  if (!known.insert(schema.name).second) {
-    return;
-  }
-  for (const Slot& slot : schema.slots) {
-    if (slot.nested != nullptr) {
-      appendRecord(*slot.nested, known, text);
-    }
-  }
+std::string recordText(const Schema& schema) {
   const bool isTolerant = schema.style.nestedFailure == mesh::wire::NestedFailure::IsIgnored;
-  text.append("  ").append(schema.name).append(" = {tolerant = ");
+  std::string text = std::string("  ") + schema.name + " = {tolerant = ";
   text.append(isTolerant ? "true" : "false").append(",\n");
   for (const Slot& slot : schema.slots) {
     text += slotText(slot);
   }
-  text += "  },\n";
+  return text + "  },\n";
 }
 
 }  // namespace
@@ -66,8 +39,9 @@ std::string dissector() {
   std::set<std::string> known;
   std::string records;
   std::string identifiers;
+  const auto append = [&](const Schema& schema) { records += recordText(schema); };
   for (const KnownMessage& message : messages()) {
-    appendRecord(message.schema(), known, records);
+    visitRecords(message.schema(), known, append);
     identifiers.append("  [").append(hex(message.id())).append("] = \"");
     identifiers.append(message.name).append("\",\n");
   }

@@ -44,6 +44,22 @@ std::string kindOf(const Slot& slot) {
   return "";
 }
 
+const char* kindName(Kind kind) {
+  switch (kind) {
+    case Kind::Scalar:
+      return "scalar";
+    case Kind::Array:
+      return "array";
+    case Kind::Bytes:
+      return "bytes";
+    case Kind::Table:
+      return "table";
+    case Kind::Vector:
+      return "vector";
+  }
+  return "";
+}
+
 bool isWrapper(const Schema& schema) {
   const std::string_view name = schema.name;
   return name.ends_with("_update") || name.ends_with("_delete");

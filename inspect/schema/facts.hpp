@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,6 +30,24 @@ struct SizeRange {
 SizeRange compactRange(const mesh::wire::Schema& schema);
 
 std::string kindOf(const mesh::wire::Slot& slot);
+
+// "scalar", "array", "bytes", "table" or "vector".
+const char* kindName(mesh::wire::Kind kind);
+
+// Calls visit(schema) for a record and those in it, the inner ones first, each once: `known` has
+// the names of those that were visited.
+template <typename Visit>
+void visitRecords(const mesh::wire::Schema& schema, std::set<std::string>& known, Visit& visit) {
+  if (!known.insert(schema.name).second) {
+    return;
+  }
+  for (const mesh::wire::Slot& slot : schema.slots) {
+    if (slot.nested != nullptr) {
+      visitRecords(*slot.nested, known, visit);
+    }
+  }
+  visit(schema);
+}
 
 // "_update" and "_delete" messages: a value and a whole record of the same service.
 bool isWrapper(const mesh::wire::Schema& schema);

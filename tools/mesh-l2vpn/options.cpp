@@ -44,6 +44,26 @@ void addCatalogue(CLI::App& app, Session& session) {
       "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
 }
 
+void addSchemas(CLI::App& app, Session& session) {
+  const auto [schema, schemaOptions] =
+      add(app, session, "schema", "Write a schema document (JSON) of all messages, or of one",
+          &runSchema);
+  schema.add_option("MESSAGE", schemaOptions.message, "Name or identifier")->check(notEmpty());
+  schema.footer("Example:\n  mesh-l2vpn schema > 1.0.json");
+
+  const auto [compat, compatOptions] =
+      add(app, session, "compat", "Compare two schema documents: who can read whose messages",
+          &runCompat);
+  compat.add_option("OLD", compatOptions.old, "Schema document")->required();
+  compat.add_option("NEW", compatOptions.recent, "Schema document")->required();
+  compat.add_option("CAPTURE", compatOptions.capture, "Capture to read by both schemas");
+  addJson(compat, compatOptions.isJson);
+  compat.footer(
+      "Exit status 1 if a message is incompatible, or if the schemas read the capture "
+      "otherwise.\n\n"
+      "Example:\n  mesh-l2vpn schema | mesh-l2vpn compat 1.0.json -");
+}
+
 void addCodec(CLI::App& app, Session& session) {
   const auto [decode, decodeOptions] =
       add(app, session, "decode", "Convert bytes to JSON; without -m show which messages fit",
@@ -209,6 +229,7 @@ Exit runCommandLine(int count, char** words) {
       "  mesh-l2vpn decode -m 0x5EED5F0D captured.bin\n"
       "  mesh-l2vpn COMMAND --help");
   addCatalogue(app, session);
+  addSchemas(app, session);
   addCodec(app, session);
   addExplanations(app, session);
   addTalk(app, session);

@@ -128,6 +128,19 @@ MESH_L2VPN_INSPECT_API int mesh_l2vpn_difference(const mesh_l2vpn_message* messa
  * EBADMSG for bytes without a table. */
 MESH_L2VPN_INSPECT_API int mesh_l2vpn_identify(const void* data, size_t length, char** json);
 
+/** Everything about a message, or about all of them for null, as a JSON document: "messages",
+ * "records" with their slots, and in "jsonSchema" a JSON Schema (draft 2020-12) of the records'
+ * JSON. */
+MESH_L2VPN_INSPECT_API int mesh_l2vpn_schema(const mesh_l2vpn_message* message, char** json);
+
+/** Whether programs of two schema documents understand each other, as a JSON object: "verdict"
+ * ("same", "compatible with losses", "incompatible") for the worst, and in "messages" a verdict
+ * with reasons for an old reader of new messages and a new reader of old ones. Messages are written
+ * by one schema and read by the other to confirm it. EBADMSG for what is no schema document. */
+MESH_L2VPN_INSPECT_API int mesh_l2vpn_compat(const char* old_schema, size_t old_length,
+                                             const char* new_schema, size_t new_length,
+                                             char** json);
+
 /** Bounds the memory of this thread's calls, in bytes; 0: 64 MiB. */
 MESH_L2VPN_INSPECT_API void mesh_l2vpn_set_limit(size_t limit);
 

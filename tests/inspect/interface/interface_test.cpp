@@ -192,6 +192,25 @@ TEST(Difference, HasFieldsAndBytes) {
             R"("bytes":[{"at":8,"meaning":"f0 value","first":"01","second":"02"}]})");
 }
 
+TEST(Schema, OfAllIsCompatibleWithItself) {
+  char* text = nullptr;
+  int result = mesh_l2vpn_schema(nullptr, &text);
+  const std::string all = taken(result, text);
+  text = nullptr;
+  result = mesh_l2vpn_schema(named("l2vpn_sync_stp"), &text);
+  const std::string one = taken(result, text);
+  EXPECT_NE(one.find(R"("jsonSchema":{"$schema":)"), std::string::npos);
+  EXPECT_LT(one.size(), all.size());
+  text = nullptr;
+  result = mesh_l2vpn_compat(all.data(), all.size(), all.data(), all.size(), &text);
+  EXPECT_EQ(taken(result, text).find(R"({"verdict":"same",)"), 0u);
+  text = nullptr;
+  result = mesh_l2vpn_compat(all.data(), all.size(), one.data(), one.size(), &text);
+  EXPECT_EQ(taken(result, text).find(R"({"verdict":"incompatible",)"), 0u);
+  text = nullptr;
+  EXPECT_EQ(mesh_l2vpn_compat("{}", 2, one.data(), one.size(), &text), EBADMSG);
+}
+
 TEST(Identify, NamesWhatBytesCouldBe) {
   const Bytes bytes = fromJson(named("dbginfo_endata_l2vpn"), R"({"f0": 1})", MESH_L2VPN_AS_SENT);
   char* text = nullptr;

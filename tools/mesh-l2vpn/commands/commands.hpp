@@ -23,6 +23,19 @@ struct ShowOptions {
 };
 void runShow(const ShowOptions& options, Session& session);
 
+struct SchemaOptions {
+  std::string message;
+};
+void runSchema(const SchemaOptions& options, Session& session);
+
+struct CompatOptions {
+  std::string old;
+  std::string recent;
+  std::string capture;
+  bool isJson = false;
+};
+void runCompat(const CompatOptions& options, Session& session);
+
 // Of every command that reads one message.
 struct InputOptions {
   std::string message;

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "inspect/json/description.hpp"
+#include "inspect/schema/description.hpp"
 #include "inspect/schema/facts.hpp"
 #include "inspect/texts/text_table.hpp"
 

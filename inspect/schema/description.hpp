@@ -12,6 +12,9 @@ const char* arrangementName(const KnownMessage& message);
 // Name, identifier, service, arrangement, sizes, fingerprint.
 Json describe(const KnownMessage& message);
 
+// The slots of a record, one object each.
+Json describeSlots(const mesh::wire::Schema& schema);
+
 // Also the slots.
 Json describeWithSlots(const KnownMessage& message);
 

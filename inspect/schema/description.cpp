@@ -1,4 +1,4 @@
-#include "inspect/json/description.hpp"
+#include "inspect/schema/description.hpp"
 
 #include "inspect/schema/facts.hpp"
 #include "wire/fixed_image.hpp"
@@ -28,8 +28,7 @@ Json describe(const KnownMessage& message) {
           {"fingerprint", hex(fingerprint(*message.message))}};
 }
 
-Json describeWithSlots(const KnownMessage& message) {
-  const Schema& schema = message.schema();
+Json describeSlots(const Schema& schema) {
   Json slots = Json::array();
   for (size_t index = 0; index < schema.slots.size(); ++index) {
     const Slot& slot = schema.slots[index];
@@ -45,9 +44,13 @@ Json describeWithSlots(const KnownMessage& message) {
     }
     slots.push_back(std::move(json));
   }
+  return slots;
+}
+
+Json describeWithSlots(const KnownMessage& message) {
   Json json = describe(message);
-  json["vtableLength"] = mesh::wire::vtableLength(schema);
-  json["slots"] = std::move(slots);
+  json["vtableLength"] = mesh::wire::vtableLength(message.schema());
+  json["slots"] = describeSlots(message.schema());
   return json;
 }
 
