@@ -139,11 +139,7 @@ class SlotReader {
 
   // Reads the head of the table at `table`. A fault is logged under `function`.
   Decoded locateTable(const char* function, uint32_t table, Head& head) const {
-    const HeadFault fault = buffer_.readHead(table, head);
-    if (fault != HeadFault::None) {
-      fault_.note(table);
-    }
-    switch (fault) {
+    switch (buffer_.readHead(table, head)) {
       case HeadFault::None:
         return Decoded::Yes;
       case HeadFault::Table:
@@ -156,6 +152,7 @@ class SlotReader {
         host::reportVtableLength(env_, function, head.vtableLength, buffer_.length - head.vtable);
         break;
     }
+    fault_.note(table);
     return Decoded::No;
   }
 
