@@ -106,7 +106,7 @@ void handOutMessage(const mesh_l2vpn_message& message, const uint8_t* record, me
 }
 
 char* handOut(std::string_view text, uint64_t taken) {
-  Text copy(taken);
+  Text copy(taken + text.size());
   copy.append(text);
   return copy.release();
 }
