@@ -29,7 +29,7 @@ END
 fi
 
 tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh xxd bsdextrautils tshark chromium \
-  chromium-driver python3-selenium
+  chromium-driver python3-selenium python3-jsonschema gdb systemtap-sdt-dev
 presets=("$@")
 [ "$1" != --all ] || presets=(release asan tsan-threads msan)
 for preset in "${presets[@]}"; do

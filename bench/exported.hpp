@@ -1,5 +1,6 @@
 // Every message's exported operations by its record's type, called by name as users call them.
-// Calls through the table of inspect/messages would add their own cost to the measurement.
+// Calls through the table of tests/support/exported.hpp would add their own cost to what is
+// measured.
 #pragma once
 
 #include "l2vpn_cfg/schema.hpp"

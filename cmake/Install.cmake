@@ -1,7 +1,9 @@
 # What is installed, by component:
 #
 #   runtime       the shared object
-#   development   headers, static library, CMake package, pkg-config file, reference pages
+#   inspect       the shared object of libmesh_l2vpn_inspect
+#   development   headers, static library, CMake package, pkg-config files, reference pages; needs the
+#                 two above
 #   workstation   the workstation's middleware and host services, with headers and package files, and
 #                 the program that makes its keys
 #   tools         the programs
@@ -22,6 +24,17 @@ install(TARGETS ${mesh_l2vpn_exported} EXPORT mesh_l2vpn_targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(TARGET mesh_l2vpn_inspect)
+  install(TARGETS mesh_l2vpn_inspect EXPORT mesh_l2vpn_targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT inspect NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${mesh_l2vpn_inspect_header}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mesh_l2vpn COMPONENT development)
+  configure_file(cmake/mesh_l2vpn_inspect.pc.in
+    ${PROJECT_BINARY_DIR}/package/mesh_l2vpn_inspect.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/package/mesh_l2vpn_inspect.pc
+    DESTINATION ${mesh_l2vpn_pkgconfigdir} COMPONENT development)
+endif()
 install(EXPORT mesh_l2vpn_targets NAMESPACE mesh_l2vpn:: FILE mesh_l2vpnTargets.cmake
   DESTINATION ${mesh_l2vpn_cmakedir} COMPONENT development)
 install(FILES ${mesh_l2vpn_public_headers}

@@ -1,6 +1,7 @@
 # Debian packages, one for each install component; tools/make-packages.sh makes and checks them.
 #
 #   libmesh-l2vpn1           runtime
+#   libmesh-l2vpn-inspect1   inspect
 #   libmesh-l2vpn-dev        development
 #   mesh-l2vpn-workstation   workstation
 #   mesh-l2vpn-tools         tools
@@ -19,14 +20,19 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_COMPONENTS_ALL runtime development tools)
+set(this_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(inspect_package "")
+if(TARGET mesh_l2vpn_inspect)
+  list(APPEND CPACK_COMPONENTS_ALL inspect)
+  set(inspect_package ", libmesh-l2vpn-inspect${MESH_L2VPN_INSPECT_ABI} ${this_version}")
+endif()
 if(TARGET zarnimesh)
   list(APPEND CPACK_COMPONENTS_ALL workstation)
 endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})  # the tools need the library
 
 # The package of a component: its section, what it depends on, its description.
 macro(mesh_l2vpn_deb component package section depends summary)
@@ -41,24 +47,27 @@ macro(mesh_l2vpn_deb component package section depends summary)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package} COMPONENT ${component} EXCLUDE_FROM_ALL)
 endmacro()
 
-set(this_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 mesh_l2vpn_deb(runtime libmesh-l2vpn${MESH_L2VPN_ABI} libs ""
   "typed messages of the Layer-2 VPN feature"
   "Packs, sends, verifies and unpacks the records that the processes of the"
   "Layer-2 VPN feature tell each other. The messaging middleware is the"
   "process's own.")
 mesh_l2vpn_deb(development libmesh-l2vpn-dev libdevel
-  "libmesh-l2vpn${MESH_L2VPN_ABI} ${this_version}, libc6-dev"
+  "libmesh-l2vpn${MESH_L2VPN_ABI} ${this_version}${inspect_package}, libc6-dev"
   "typed messages of the Layer-2 VPN feature, development files"
-  "Headers, static library, CMake package, pkg-config file and the reference"
+  "Headers, static library, CMake package, pkg-config files and the reference"
   "of all messages.")
+mesh_l2vpn_deb(inspect libmesh-l2vpn-inspect${MESH_L2VPN_INSPECT_ABI} libs ""
+  "verdicts, JSON and explanations of Layer-2 VPN messages"
+  "Tells of any message's bytes whether receivers take them and why not, shows"
+  "their record as JSON and explains every byte. Needs neither the library of"
+  "the messages nor a middleware.")
 mesh_l2vpn_deb(workstation mesh-l2vpn-workstation libdevel ""
   "middleware and host services that let a workstation play the device"
   "A libzarnimesh over ZeroMQ and a libddmosal, with their headers, to develop"
   "and test programs that send and receive Layer-2 VPN messages, and"
   "zarnimesh-keys, which makes the keys that nodes on different machines need.")
-mesh_l2vpn_deb(tools mesh-l2vpn-tools utils
-  "libmesh-l2vpn${MESH_L2VPN_ABI} ${this_version}"
+mesh_l2vpn_deb(tools mesh-l2vpn-tools utils ""
   "tools around the messages of the Layer-2 VPN feature"
   "mesh-l2vpn decodes, encodes, explains, sends and records messages;"
   "mesh-l2vpn-catalogue lists every message with its fields, sizes and"
@@ -67,6 +76,10 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
     ${PROJECT_BINARY_DIR}/package/shlibs ${PROJECT_BINARY_DIR}/package/triggers)
 file(WRITE ${PROJECT_BINARY_DIR}/package/shlibs
   "libmesh_l2vpn ${MESH_L2VPN_ABI} libmesh-l2vpn${MESH_L2VPN_ABI} (>= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_INSPECT_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_BINARY_DIR}/package/inspect/shlibs ${PROJECT_BINARY_DIR}/package/triggers)
+file(WRITE ${PROJECT_BINARY_DIR}/package/inspect/shlibs "libmesh_l2vpn_inspect ${MESH_L2VPN_INSPECT_ABI} "
+  "libmesh-l2vpn-inspect${MESH_L2VPN_INSPECT_ABI} (>= ${PROJECT_VERSION})\n")
 file(WRITE ${PROJECT_BINARY_DIR}/package/triggers "activate-noawait ldconfig\n")
 
 # The date is that of the sources, where git knows it, so that packages can be made again.

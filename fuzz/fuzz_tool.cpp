@@ -6,92 +6,109 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <sstream>
-
-#include "bytes/failure.hpp"
-#include "bytes/hex_text.hpp"
-#include "captures/capture_file.hpp"
 #include "input.hpp"
-#include "json/raw_table.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
-#include "texts/explanation.hpp"
-#include "texts/html_page.hpp"
-#include "tool/bytes/dumps.hpp"
-#include "tool/reader/library_reader.hpp"
+#include "inspect/bytes/failure.hpp"
+#include "inspect/bytes/hex_text.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/acceptance.hpp"
+#include "inspect/texts/explanation.hpp"
+#include "inspect/texts/html_page.hpp"
+#include "tests/inspect/bytes/dumps.hpp"
+#include "tests/inspect/reader/library_reader.hpp"
 
 namespace {
 
 // Enough for what inputs hold. A few bytes can ask for much more, but only for zeros.
 constexpr uint64_t largestMemory = uint64_t{1} << 19;
 
-using tool::Bytes;
-using tool::Json;
-using tool::KnownMessage;
+using inspect::Bytes;
+using inspect::Json;
+using inspect::KnownMessage;
 
 void expect(bool isSo, const KnownMessage& message, const char* what) {
   fuzz::expectNone(isSo ? "" : std::string(message.name) + ": " + what);
 }
 
-void expectSurvivesJson(const KnownMessage& message, const tool::OwnedRecord& record) {
-  const Json json = tool::toJson(message.schema(), record.data());
-  const tool::OwnedRecord again = tool::fromJson(message, tool::parseJson(json.dump()));
-  expect(tool::toJson(message.schema(), again.data()) == json, message, "JSON loses something");
+void expectSurvivesJson(const KnownMessage& message, const inspect::OwnedRecord& record) {
+  const Json json = inspect::toJson(message.schema(), record.data());
+  const inspect::OwnedRecord again = inspect::fromJson(message, inspect::parseJson(json.dump()));
+  expect(inspect::toJson(message.schema(), again.data()) == json, message, "JSON loses something");
   const auto encoded = [&](const Bytes& bytes) {
-    return tool::toJson(message.schema(), tool::decode(message, bytes).data());
+    return inspect::toJson(message.schema(), inspect::decode(message, bytes).data());
   };
-  expect(encoded(tool::encodeCompact(again)) == json, message, "encoding loses something");
-  expect(encoded(tool::encodeAsSent(again)) == json, message, "sending loses something");
+  expect(encoded(inspect::encodeCompact(again)) == json, message, "encoding loses something");
+  expect(encoded(inspect::encodeAsSent(again)) == json, message, "sending loses something");
+}
+
+// The run-time decoder and __unpack fill in the same.
+void expectUnpacksAlike(const KnownMessage& message, std::span<const uint8_t> bytes) {
+  const harness::Operations& operations = harness::operationsOf(message.name);
+  std::vector<uint64_t> record((message.schema().size + 7) / 8);
+  auto* const into = reinterpret_cast<uint8_t*>(record.data());
+  operations.unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), into);
+  expect(inspect::toJson(message.schema(), into) ==
+             inspect::toJson(message.schema(), inspect::decode(message, bytes).data()),
+         message, "__unpack fills in something else");
+  operations.freeUnpacked(into);
 }
 
 void readMessage(const KnownMessage& message, std::span<const uint8_t> bytes) {
-  const tool::Reading reading = tool::readTable(message, bytes);
-  const tool::Verdict verdict = tool::judge(message, bytes);
-  fuzz::expectNone(tool::unsoundness(reading, bytes));
+  const inspect::Reading reading = inspect::readTable(message, bytes);
+  const inspect::Verdict verdict = inspect::judge(message, bytes);
+  const inspect::Acceptance acceptance = inspect::acceptanceOf(message.schema(), bytes);
+  fuzz::expectNone(inspect::unsoundness(reading, bytes));
   expect(verdict.isAccepted() == reading.isAccepted() && verdict.memory == reading.memory &&
              verdict.faults.size() == reading.faults.size(),
          message, "a reading and its verdict differ");
-  std::ostringstream text;
-  tool::explain(reading, bytes, true, tool::Colors(), text);
-  tool::htmlPage(message, reading, bytes, true);
+  expect((acceptance != inspect::Acceptance::Rejected) == verdict.isAccepted() &&
+             (acceptance == inspect::Acceptance::Accepted) == verdict.faults.empty(),
+         message, "the quick verdict is another");
+  inspect::Text text;
+  inspect::explain(message, reading, bytes, true, inspect::Colors(), text);
+  inspect::htmlPage(message, reading, bytes, true);
   if (reading.memory <= largestMemory) {
-    expect(tool::libraryAccepts(message, bytes) == reading.isAccepted(), message,
+    expect(inspect::libraryAccepts(message, bytes) == reading.isAccepted(), message,
            "the two readers do not agree");
     if (reading.isAccepted()) {
-      expectSurvivesJson(message, tool::decode(message, bytes));
+      expectUnpacksAlike(message, bytes);
+      expectSurvivesJson(message, inspect::decode(message, bytes));
     }
   }
 }
 
 void readUnknown(std::span<const uint8_t> bytes) {
   try {
-    tool::rawTable(bytes);
-  } catch (const tool::Failure&) {
+    inspect::rawTable(bytes);
+  } catch (const inspect::Failure&) {
     return;
   }
-  for (const tool::Candidate& candidate : tool::candidatesFor(bytes)) {
-    expect(tool::readTable(*candidate.message, bytes).isAccepted(), *candidate.message,
+  for (const inspect::Candidate& candidate : inspect::candidatesFor(bytes)) {
+    expect(inspect::readTable(*candidate.message, bytes).isAccepted(), *candidate.message,
            "named as what the bytes could be, but it rejects them");
   }
 }
 
 void readHexText(std::string_view text) {
   const Bytes bytes(text.begin(), text.end());
-  for (const std::string& dump : tool::dumpsOf(bytes)) {
-    fuzz::expectNone(tool::fromHexText(dump) == bytes ? "" : "a dump is read otherwise: " + dump);
+  for (const std::string& dump : inspect::dumpsOf(bytes)) {
+    fuzz::expectNone(inspect::fromHexText(dump) == bytes ? ""
+                                                         : "a dump is read otherwise: " + dump);
   }
   try {
-    tool::fromHexText(text);
-  } catch (const tool::Failure&) {
+    inspect::fromHexText(text);
+  } catch (const inspect::Failure&) {
     return;
   }
 }
 
 void readJson(const KnownMessage& message, std::string_view text) {
-  std::optional<tool::OwnedRecord> record;
+  std::optional<inspect::OwnedRecord> record;
   try {
-    record.emplace(tool::fromJson(message, tool::parseJson(text)));
-  } catch (const tool::Failure&) {
+    record.emplace(inspect::fromJson(message, inspect::parseJson(text)));
+  } catch (const inspect::Failure&) {
     return;
   }
   expectSurvivesJson(message, *record);
@@ -102,20 +119,20 @@ void readCapture(std::span<const uint8_t> bytes) {
   if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
     std::abort();
   }
-  tool::CaptureReader reader("/proc/self/fd/" + std::to_string(file));
+  inspect::CaptureReader reader("/proc/self/fd/" + std::to_string(file));
   close(file);
   while (const auto table = reader.next()) {
-    const KnownMessage* const message = tool::findById(table->id);
-    if (message == nullptr || tool::readTable(*message, table->bytes).memory <= largestMemory) {
-      tool::tableJson(*table);
-      tool::isAccepted(*table);
+    const KnownMessage* const message = inspect::findById(table->id);
+    if (message == nullptr || inspect::readTable(*message, table->bytes).memory <= largestMemory) {
+      inspect::tableJson(*table);
+      inspect::isAccepted(*table);
     }
   }
 }
 
 // As the head's second byte has it; its lowest bit is the mutator's.
 void read(const fuzz::Head& head, std::span<const uint8_t> body) {
-  const KnownMessage& message = tool::messages()[head.message % tool::messages().size()];
+  const KnownMessage& message = inspect::messages()[head.message % inspect::messages().size()];
   const std::string_view text(reinterpret_cast<const char*>(body.data()), body.size());
   switch (head.choices >> 1 & 7) {
     case 0:

@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "host/memory.hpp"
+#include "host/probes.hpp"
 
 namespace mesh::host {
 
@@ -90,6 +91,7 @@ inline void completePair(AllocFn& alloc, FreeFn& release) {
     env.memFree = lookUp<FreeFn>("DDM_OsalMemFree");
     completePair(env.memAlloc, env.memFree);
     env.hostBound.store(1, std::memory_order_release);
+    MESH_PROBE2(bound, &env, "host");
   }
   pthread_mutex_unlock(&env.hostLock);
 }
@@ -106,6 +108,7 @@ inline void completePair(AllocFn& alloc, FreeFn& release) {
     }
     completePair(env.unpackAlloc, env.unpackFree);
     env.unpackBound.store(1, std::memory_order_release);
+    MESH_PROBE2(bound, &env, "codec");
   }
   pthread_mutex_unlock(&env.unpackLock);
 }

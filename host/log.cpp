@@ -61,6 +61,7 @@ const char* nullness(const void* pointer) {
 
 [[gnu::cold]] void reportRootAllocation(host::serial_env& env, const char* function,
                                         uint32_t size) {
+  MESH_PROBE2(allocation_refused, function, size);
   logError(env, LogCode::Allocation, __LINE__, function,
            "[VELTA]:Malloc unpack data unsuccess, size(%u)", size);
 }
@@ -68,6 +69,7 @@ const char* nullness(const void* pointer) {
 // The sixteen blanks are part of the text: readers of logs tell the two decoders apart by them.
 [[gnu::cold]] void reportTableAllocation(host::serial_env& env, const char* function,
                                          uint32_t size) {
+  MESH_PROBE2(allocation_refused, function, size);
   logError(env, LogCode::Allocation, __LINE__, function,
            "[VELTA]:Malloc unpack data unsuccess,                size(%u)", size);
 }

@@ -59,13 +59,18 @@ Outcome decodeSlotBySlot(host::Module& module, const Message& message, const uin
   wire::Head head;
   const bool isByMessage = message.policy.rootDecoding == RootDecoding::ByMessage;
   if (isByMessage && reader.locateTable(schema.rootReader, table, head) == Decoded::No) {
+    reader.probeRejection(message.id);
     return Outcome::Finished;
   }
   host::bindCodec(module);
   host::clearRecord(into, schema.size);
   const Decoded decoded = isByMessage ? reader.decodeSlots(schema, Decoder::Root, head, into)
                                       : reader.decodeTable(schema, table, into);
-  return decoded == Decoded::Yes ? Outcome::Finished : Outcome::ReleaseParts;
+  if (decoded == Decoded::Yes) {
+    return Outcome::Finished;
+  }
+  reader.probeRejection(message.id);
+  return Outcome::ReleaseParts;
 }
 
 // Decodes any buffer of at least 4 bytes.

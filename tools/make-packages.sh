@@ -5,7 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-tools/setup.sh g++ cmake ninja-build libzmq3-dev libcli11-dev nlohmann-json3-dev dpkg-dev file lintian
+tools/setup.sh g++ cmake ninja-build libzmq3-dev libcli11-dev nlohmann-json3-dev dpkg-dev file lintian \
+  systemtap-sdt-dev
 
 build=build/packages
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF \

@@ -134,6 +134,9 @@ class SlotReader {
  public:
   SlotReader(host::serial_env& env, Buffer<order> buffer) : env_(env), buffer_(buffer) {}
 
+  // After a decoding that failed.
+  void probeRejection(uint32_t id) const { fault_.probeRejection(id); }
+
   // Reads the head of the table at `table`. A fault is logged under `function`.
   Decoded locateTable(const char* function, uint32_t table, Head& head) const {
     switch (buffer_.readHead(table, head)) {
@@ -149,6 +152,7 @@ class SlotReader {
         host::reportVtableLength(env_, function, head.vtableLength, buffer_.length - head.vtable);
         break;
     }
+    fault_.note(table);
     return Decoded::No;
   }
 
@@ -165,10 +169,13 @@ class SlotReader {
       }
       const uint32_t entry = buffer_.template read<uint16_t>(entryAt);
       if (entry != 0 &&
-          decodeValue(schema, decoder, slot, Position{head.table} + entry, into) == Decoded::No &&
-          (slot.kind != Kind::Table ||
-           schema.style.nestedFailure == NestedFailure::FailsTheTable)) {
-        return Decoded::No;
+          decodeValue(schema, decoder, slot, Position{head.table} + entry, into) == Decoded::No) {
+        if (slot.kind != Kind::Table ||
+            schema.style.nestedFailure == NestedFailure::FailsTheTable) {
+          fault_.note(Position{head.table} + entry, &slot - schema.slots.data());
+          return Decoded::No;
+        }
+        fault_.forget();
       }
       entryAt += 2;
     }
@@ -266,6 +273,7 @@ class SlotReader {
 
   host::serial_env& env_;
   const Buffer<order> buffer_;
+  [[no_unique_address]] mutable host::FaultPlace fault_;
 };
 
 }  // namespace mesh::wire

@@ -1,5 +1,7 @@
 // Protocol Buffers: one message object, reused for all records. Its documentation prefers this to
 // arenas if the objects can be kept. The size is computed once.
+#include <google/protobuf/util/json_util.h>
+
 #include <array>
 
 #include "bench/peers/peer.hpp"
@@ -56,7 +58,39 @@ class Codec {
   std::array<uint8_t, 1024> bytes_{};
 };
 
-#define ADD(Shape_, RecordType) &&addCodec<Codec<RecordType>>("protobuf")
+// Its JSON, beside ours, of objects that were decoded before.
+template <typename RecordType>
+void jsonCase(benchmark::State& state, Shape shape) {
+  const Records<RecordType> records(shape);
+  std::vector<typename Fields<RecordType>::Message> messages(records.size());
+  for (uint32_t index = 0; index < records.size(); ++index) {
+    Fields<RecordType>::set(messages[index], records.begin()[index]);
+  }
+  google::protobuf::util::JsonPrintOptions options;
+  options.always_print_primitive_fields = true;
+  double bytes = 0;
+  timePasses(state, [&] {
+    bytes = 0;
+    for (const auto& message : messages) {
+      std::string json;
+      if (!google::protobuf::util::MessageToJsonString(message, &json, options).ok()) {
+        failRoundTrip("protobuf", "a message has no JSON");
+      }
+      bytes += static_cast<double>(json.size());
+    }
+  });
+  report(state, records.size(), bytes / records.size());
+}
+
+template <typename RecordType>
+bool addJson() {
+  const std::string prefix = std::string("inspect/") + schema<RecordType>.name + "/";
+  add(prefix + "protobuf_json_full", jsonCase<RecordType>, Shape{.fill = Fill::Full});
+  add(prefix + "protobuf_json_sparse", jsonCase<RecordType>, Shape{.fill = Fill::Sparse});
+  return true;
+}
+
+#define ADD(Shape_, RecordType) &&addCodec<Codec<RecordType>>("protobuf") && addJson<RecordType>()
 [[maybe_unused]] const bool added = true BENCH_SHAPES(ADD);
 
 }  // namespace

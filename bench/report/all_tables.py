@@ -3,7 +3,8 @@
 import statistics
 from pathlib import Path
 
-from report import cost_tables, growth_tables, peer_tables, results, size_tables
+from report import (cost_tables, growth_tables, inspect_tables, peer_tables, results,
+                    size_tables)
 
 
 class Measured:
@@ -35,8 +36,8 @@ def optimisation(flags):
 
 def of_the_console(measured):
     return of_the_targets(measured) + _with_rows([
-        *_peers(measured.results), growth_tables.batches(measured.results),
-        growth_tables.threads(measured.results), *_sizes(measured, brief=True)])
+        *_peers(measured.results), inspect_tables.cost(measured.results),
+        growth_tables.batches(measured.results), growth_tables.threads(measured.results), *_sizes(measured, brief=True)])
 
 
 def of_the_targets(measured):
@@ -47,6 +48,7 @@ def of_the_details(measured, brief=False):
     """`brief`: without the long tables."""
     return _with_rows([cost_tables.exact_room(measured.results),
                        cost_tables.nanoseconds(measured.results), *_peers(measured.results),
+                       inspect_tables.cost(measured.results),
                        growth_tables.batches(measured.results),
                        growth_tables.lengths(measured.results),
                        growth_tables.threads(measured.results)] + _sizes(measured, brief))

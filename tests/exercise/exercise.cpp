@@ -57,7 +57,7 @@ int exerciseRecords(int rounds) {
   Tally tally;
   Random random(1);
   for (int round = 0; round < rounds; ++round) {
-    for (const Operations& message : inspect::allOperations()) {
+    for (const Operations& message : exported::allOperations()) {
       runRound(message, random, round % 2 != 0, tally);
       runDamaged(message, random, tally);
     }
@@ -77,11 +77,11 @@ Tally onThreads(size_t threads, bool (*more)(int round), bool refusals) {
       while (waiting.load() > 0) {
         std::this_thread::yield();
       }
-      const size_t count = inspect::allOperations().size();
+      const size_t count = exported::allOperations().size();
       for (int round = 0; more(round); ++round) {
         for (size_t step = 0; step < count && more(round); ++step) {
           const size_t index = (thread * count / threads + step) % count;
-          runRound(inspect::allOperations()[index], random, refusals, tallies[thread]);
+          runRound(exported::allOperations()[index], random, refusals, tallies[thread]);
         }
       }
     });
@@ -101,7 +101,7 @@ int rounds = 0;
 int exerciseReadOnly() {
   Tally tally;
   Random random(1);
-  for (const Operations& message : inspect::allOperations()) {
+  for (const Operations& message : exported::allOperations()) {
     runRound(message, random, false, tally);
   }
   const size_t bytes = makeLibraryReadOnly();

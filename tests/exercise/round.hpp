@@ -2,11 +2,11 @@
 #pragma once
 
 #include "exercise/records.hpp"
-#include "inspect/messages/operations.hpp"
+#include "support/exported.hpp"
 
 namespace exercise {
 
-using inspect::Operations;
+using exported::Operations;
 
 // Counts by the calling thread.
 struct Tally {

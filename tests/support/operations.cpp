@@ -11,7 +11,7 @@
 namespace harness {
 
 const Operations& operationsOf(std::string_view name) {
-  if (const Operations* const found = inspect::operationsOf(name)) {
+  if (const Operations* const found = exported::operationsOf(name)) {
     return *found;
   }
   std::fprintf(stderr, "no message %s\n", std::string(name).c_str());

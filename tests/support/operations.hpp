@@ -5,19 +5,19 @@
 #include <string_view>
 
 #include "host/binding.hpp"
-#include "inspect/messages/operations.hpp"
+#include "support/exported.hpp"
 
 // For test output.
-namespace inspect {
+namespace exported {
 inline void PrintTo(const Operations& operations, std::ostream* out) {
   *out << operations.name;
 }
-}  // namespace inspect
+}  // namespace exported
 
 namespace harness {
 
-using inspect::allOperations;
-using inspect::Operations;
+using exported::allOperations;
+using exported::Operations;
 
 // Ends the process with a clear text if there is no such message.
 const Operations& operationsOf(std::string_view name);

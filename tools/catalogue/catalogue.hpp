@@ -1,58 +1,18 @@
-// Facts about the messages, from the schemas.
+// The pages and headers that the program writes.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <string>
-#include <vector>
-
-#include "msg/message.hpp"
-#include "wire/schema.hpp"
+#include "inspect/schema/facts.hpp"
 
 namespace catalogue {
-
-struct Service {
-  std::string name;
-  std::vector<const mesh::msg::Message*> messages;  // in registration order
-};
-
-// The three services, in the order of the headers.
-std::vector<Service> services();
-
-struct Range {
-  uint64_t from;
-  uint64_t to;
-  bool isOpen;  // byte strings and vectors are not bounded
-};
-
-// The size of the compact message: all slots absent, and all scalars present.
-Range compactRange(const mesh::wire::Schema& schema);
-
-std::string kindOf(const mesh::wire::Slot& slot);
-
-// "_update" and "_delete" messages: a value and a whole record of the same service.
-bool isWrapper(const mesh::wire::Schema& schema);
 
 // The functions of a message, as suffixes of its name.
 inline constexpr const char* operations[] = {"__unpack",     "_free__unpacked", "__pack",
                                              "__sendsingle", "__sendbatch",     "__sendmsg",
                                              "__sendtomsg"};
 
-std::string hex(uint32_t id);
-std::string hex(uint64_t fingerprint);
-
-// "72 to 93", "20 and more".
-std::string compactText(const mesh::wire::Schema& schema);
-
-// The wire format of a message as a line of text, and the 64-bit FNV-1a hash of that line. Programs
-// with equal fingerprints of a message understand each other.
-std::string wireText(const mesh::msg::Message& message);
-uint64_t fingerprint(const mesh::msg::Message& message);
-
 void writePage();
-void writeFingerprints();
 
 // Writes the header with the functions of a service, which its public header includes.
-void writeFunctions(const Service& service);
+void writeFunctions(const inspect::Service& service);
 
 }  // namespace catalogue

@@ -6,6 +6,9 @@
 #include "wire/fixed_image.hpp"
 
 namespace catalogue {
+
+using namespace inspect;
+
 namespace {
 
 using mesh::msg::Arrangement;

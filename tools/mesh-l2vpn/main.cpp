@@ -24,12 +24,12 @@ void occupyStandardStreams() {
   }
 }
 
-int fail(const tool::Failure& failure) {
+int fail(const inspect::Failure& failure) {
   // Prints earlier output first. If that fails too, the first failure is enough.
   std::cout.exceptions(std::ios::goodbit);
   std::cout.flush();
   tool::complain(failure.what());
-  return exitCode(failure.exit());
+  return exitCode(tool::exitFor(failure.cause()));
 }
 
 int run(int count, char** words) {
@@ -39,14 +39,14 @@ int run(int count, char** words) {
     const tool::Exit exit = tool::runCommandLine(count, words);
     std::cout.flush();
     return exitCode(exit);
-  } catch (const tool::Failure& failure) {
+  } catch (const inspect::Failure& failure) {
     return fail(failure);
   } catch (const std::ios::failure&) {
     return fail(tool::outputFailure());
   } catch (const std::bad_alloc&) {
-    return fail({tool::Exit::System, "out of memory"});
+    return fail({inspect::Cause::System, "out of memory"});
   } catch (const std::exception& error) {
-    return fail({tool::Exit::System, error.what()});
+    return fail({inspect::Cause::System, error.what()});
   }
 }
 

@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "bytes/failure.hpp"
-#include "messages/messages.hpp"
+#include "inspect/bytes/failure.hpp"
+#include "inspect/messages/messages.hpp"
 
 namespace tool {
 namespace {
@@ -26,8 +26,8 @@ void* load(const std::string& library) {
   // Local: only this handle finds its functions.
   void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    throw Failure(Exit::System, std::string("cannot load the middleware: ") + dlerror() +
-                                    "; set --middleware or MESH_L2VPN_MIDDLEWARE");
+    throw Failure(Cause::System, std::string("cannot load the middleware: ") + dlerror() +
+                                     "; set --middleware or MESH_L2VPN_MIDDLEWARE");
   }
   return handle;
 }
@@ -58,13 +58,13 @@ struct Node::Functions {
   static void find(void* handle, const char* name, Function& function) {
     function = reinterpret_cast<Function>(dlsym(handle, name));
     if (function == nullptr) {
-      throw Failure(Exit::System, std::string("the middleware has no ") + name);
+      throw Failure(Cause::System, std::string("the middleware has no ") + name);
     }
   }
 
   [[noreturn]] void fail(const std::string& what, uint32_t result) const {
     const std::string more = lastError();
-    throw Failure(Exit::System,
+    throw Failure(Cause::System,
                   what + ": " + (more.empty() ? std::string(resultText(result)) : more));
   }
 
@@ -122,7 +122,7 @@ void Node::receive(int timeoutMs, const std::function<void(const Table&)>& handl
   const int64_t count = functions_->receive(node_, timeoutMs, &takeRecord, this);
   handler_ = nullptr;
   if (!failure_.empty()) {
-    throw Failure(Exit::System, failure_);
+    throw Failure(Cause::System, failure_);
   }
   if (count < 0) {
     functions_->fail("receiving", static_cast<uint32_t>(-count));

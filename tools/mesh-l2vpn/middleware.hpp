@@ -1,5 +1,4 @@
-// The workstation's middleware, loaded at run time: few commands need it, and its MESH_SendMsg must
-// not replace this program's (messages/sent_table.hpp).
+// The workstation's middleware, loaded at run time: few commands need it.
 #pragma once
 
 #include <functional>
@@ -7,11 +6,13 @@
 #include <span>
 #include <string>
 
-#include "captures/traffic.hpp"
+#include "inspect/captures/traffic.hpp"
 #include "zarnimesh/mesh.h"
 #include "zarnimesh/node.h"
 
 namespace tool {
+
+using namespace inspect;
 
 // A node of this process. One at a time.
 class Node {

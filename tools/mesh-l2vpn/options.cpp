@@ -4,10 +4,10 @@
 #include <iostream>
 #include <sstream>
 
-#include "captures/dissector.hpp"
 #include "commands/commands.hpp"
+#include "inspect/captures/dissector.hpp"
+#include "inspect/texts/printable.hpp"
 #include "shared_options.hpp"
-#include "texts/printable.hpp"
 
 namespace tool {
 namespace {
@@ -42,6 +42,26 @@ void addCatalogue(CLI::App& app, Session& session) {
   addJson(show, showOptions.isJson);
   show.footer(
       "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
+}
+
+void addSchemas(CLI::App& app, Session& session) {
+  const auto [schema, schemaOptions] =
+      add(app, session, "schema", "Write a schema document (JSON) of all messages, or of one",
+          &runSchema);
+  schema.add_option("MESSAGE", schemaOptions.message, "Name or identifier")->check(notEmpty());
+  schema.footer("Example:\n  mesh-l2vpn schema > 1.0.json");
+
+  const auto [compat, compatOptions] =
+      add(app, session, "compat", "Compare two schema documents: who can read whose messages",
+          &runCompat);
+  compat.add_option("OLD", compatOptions.old, "Schema document")->required();
+  compat.add_option("NEW", compatOptions.recent, "Schema document")->required();
+  compat.add_option("CAPTURE", compatOptions.capture, "Capture to read by both schemas");
+  addJson(compat, compatOptions.isJson);
+  compat.footer(
+      "Exit status 1 if a message is incompatible, or if the schemas read the capture "
+      "otherwise.\n\n"
+      "Example:\n  mesh-l2vpn schema | mesh-l2vpn compat 1.0.json -");
 }
 
 void addCodec(CLI::App& app, Session& session) {
@@ -209,6 +229,7 @@ Exit runCommandLine(int count, char** words) {
       "  mesh-l2vpn decode -m 0x5EED5F0D captured.bin\n"
       "  mesh-l2vpn COMMAND --help");
   addCatalogue(app, session);
+  addSchemas(app, session);
   addCodec(app, session);
   addExplanations(app, session);
   addTalk(app, session);

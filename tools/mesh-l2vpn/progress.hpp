@@ -9,6 +9,8 @@
 
 namespace tool {
 
+using namespace inspect;
+
 // Silent if the standard error is not a terminal, and with --quiet.
 class Progress {
  public:

@@ -7,9 +7,22 @@
 #include <cstring>
 #include <iostream>
 
-#include "texts/printable.hpp"
+#include "inspect/texts/printable.hpp"
 
 namespace tool {
+
+Exit exitFor(Cause cause) {
+  switch (cause) {
+    case Cause::BadInput:
+    case Cause::Memory:
+      return Exit::BadInput;
+    case Cause::Usage:
+      return Exit::Usage;
+    case Cause::System:
+      break;
+  }
+  return Exit::System;
+}
 
 Colors Session::colors() const {
   if (color != "auto") {
@@ -31,7 +44,7 @@ void complain(std::string_view text) {
 }
 
 Failure outputFailure() {
-  return {Exit::System, std::string("the output: ") + std::strerror(errno)};
+  return {Cause::System, std::string("the output: ") + std::strerror(errno)};
 }
 
 }  // namespace tool

@@ -4,10 +4,21 @@
 #include <string>
 #include <string_view>
 
-#include "bytes/failure.hpp"
-#include "texts/ink.hpp"
+#include "inspect/bytes/failure.hpp"
+#include "inspect/texts/ink.hpp"
 
 namespace tool {
+
+using namespace inspect;
+
+enum class Exit : int {
+  Success = 0,
+  BadInput = 1,  // the input has a fault; for diff: a difference
+  Usage = 2,
+  System = 3,  // a file, the output, the middleware or a memory allocation failed
+};
+
+Exit exitFor(Cause cause);
 
 struct Session {
   bool isQuiet = false;

@@ -66,7 +66,7 @@ void addParts(const wire::Schema& schema, uint32_t base, std::vector<Part>& part
 
 // Used within a service's namespace. Messages of one layout share the code that finds the way.
 #define SUBJECT(X, identifier)                                             \
-  Subject{*inspect::operationsOf(std::string_view(#X)),                    \
+  Subject{*exported::operationsOf(std::string_view(#X)),                   \
           &receiveModule,                                                  \
           &sendModule,                                                     \
           &wayOf<*msg::layoutOwnerOf<messages, msg::messageOf<X>>.schema>, \

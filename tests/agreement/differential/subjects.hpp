@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "inspect/messages/operations.hpp"
+#include "support/exported.hpp"
 
 namespace differential {
 
@@ -31,7 +31,7 @@ struct Part {
   std::vector<uint8_t> itemValues;
 };
 
-struct Subject : inspect::Operations {
+struct Subject : exported::Operations {
   host::Module* receive;
   host::Module* send;
   // Which of the message's readers accepts the buffer first.

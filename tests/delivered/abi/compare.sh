@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Fails when LIBRARY's binary interface is not the one that BASELINE describes.
 #
-#   compare.sh BASELINE LIBRARY
+#   compare.sh BASELINE LIBRARY [OPTION OF abidiff...]
 set -euo pipefail
-if abidiff "$1" "$2"; then
+if abidiff "${@:3}" "$1" "$2"; then
   exit 0
 fi
 cat >&2 <<'END'

@@ -9,12 +9,12 @@
 #include <random>
 #include <set>
 
-#include "captures/capture_file.hpp"
-#include "messages/codec.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/messages/codec.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 
-namespace tool {
+namespace inspect {
 namespace {
 
 constexpr uint64_t start = 1'700'000'000'000'000'000;
@@ -51,13 +51,13 @@ void write(const char* file, uint64_t count, bool isDamaged, const std::set<std:
 }
 
 }  // namespace
-}  // namespace tool
+}  // namespace inspect
 
 int main(int count, char** words) {
   if (count < 3) {
     return 2;
   }
   const std::set<std::string_view> of(words + std::min(count, 4), words + count);
-  tool::write(words[1], std::strtoull(words[2], nullptr, 10), count >= 4, of);
+  inspect::write(words[1], std::strtoull(words[2], nullptr, 10), count >= 4, of);
   return 0;
 }

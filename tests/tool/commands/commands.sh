@@ -4,7 +4,7 @@
 #   commands.sh MESH-L2VPN WRITE_CAPTURE
 tool=$1
 write_capture=$2
-announced=$(realpath "$(dirname "$0")/../../abi/fingerprints.txt")
+announced=$(realpath "$(dirname "$0")/../../../abi/fingerprints.txt")
 . "$(dirname "$0")/expect.sh"
 cd "$work"
 
@@ -22,6 +22,17 @@ expect_exit 2 "$tool" show l2vpn_sync_vpls_acc
 expect_text err "did you mean l2vpn_sync_vpls_ac"
 expect_exit 2 "$tool" show 5EED5F0D
 expect_text err "did you mean 0x5EED5F0D"
+
+expect_exit 0 "$tool" schema
+cp out all.json
+expect_exit 0 "$tool" compat all.json all.json
+expect_text out same
+sed '0,/"recordOffset": 2/s//"recordOffset": 3/' all.json >wrong.json
+expect_exit 1 "$tool" compat all.json wrong.json
+expect_text err "are not its layout"
+sed '0,/"identifier": "0x/s//"identifier": "0x1/' all.json >other.json
+expect_exit 1 "$tool" compat all.json other.json
+expect_text out "a new reader of old messages: incompatible"
 
 "$tool" encode -m $message update.json >fixed.bin
 "$tool" encode -m $message --compact <update.json >compact.bin

@@ -48,7 +48,7 @@ completes() {
 }
 
 completes 'mesh-l2vpn exp' 'mesh-l2vpn explain'
-completes 'mesh-l2vpn comp' 'mesh-l2vpn completion'
+completes 'mesh-l2vpn compl' 'mesh-l2vpn completion'
 completes 'mesh-l2vpn completion z' 'completion zsh'
 completes 'mesh-l2vpn show l2vpn_sync_vpls_macping_u' 'l2vpn_sync_vpls_macping_update'
 completes 'mesh-l2vpn decode -m l2vpn_sync_vpls_ac_macdraw_d' 'l2vpn_sync_vpls_ac_macdraw_delete'

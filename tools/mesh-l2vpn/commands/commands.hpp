@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "bytes/byte_text.hpp"
-#include "bytes/input.hpp"
+#include "inspect/bytes/byte_text.hpp"
+#include "inspect/bytes/input.hpp"
 #include "session.hpp"
 
 namespace tool {
@@ -22,6 +22,19 @@ struct ShowOptions {
   bool isJson = false;
 };
 void runShow(const ShowOptions& options, Session& session);
+
+struct SchemaOptions {
+  std::string message;
+};
+void runSchema(const SchemaOptions& options, Session& session);
+
+struct CompatOptions {
+  std::string old;
+  std::string recent;
+  std::string capture;
+  bool isJson = false;
+};
+void runCompat(const CompatOptions& options, Session& session);
 
 // Of every command that reads one message.
 struct InputOptions {

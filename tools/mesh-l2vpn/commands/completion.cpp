@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "messages/messages.hpp"
+#include "inspect/messages/messages.hpp"
 
 namespace tool {
 namespace {

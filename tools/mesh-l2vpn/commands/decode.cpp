@@ -2,13 +2,13 @@
 
 #include <iostream>
 
-#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
-#include "json/raw_table.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/table_reader.hpp"
 #include "progress.hpp"
-#include "reader/table_reader.hpp"
 
 namespace tool {
 namespace {
@@ -25,24 +25,14 @@ void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptio
     session.result = Exit::BadInput;
   }
   if (!reading.isAccepted()) {
-    throw Failure(Exit::BadInput, "receivers reject this " + std::string(message.name));
+    throw Failure(Cause::BadInput, "receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
   const OwnedRecord record = decode(message, bytes);
-  std::cout << toJson(message.schema(), record.data(), options.byteText).dump(indentOf(options))
-            << '\n';
-}
-
-void decodeRaw(const Bytes& bytes, int indent) {
-  static constexpr const char* fits[] = {"exact", "same slots", "damaged", "reads"};
-  Json json = rawTable(bytes);
-  Json fitting = Json::array();
-  for (const Candidate& candidate : candidatesFor(bytes)) {
-    fitting.push_back(
-        {{"message", candidate.message->name}, {"fit", fits[static_cast<int>(candidate.fit)]}});
-  }
-  json["couldBe"] = std::move(fitting);
-  std::cout << json.dump(indent) << '\n';
+  Text text(std::cout);
+  writeRecord(text, message.schema(), record.data(), {options.byteText, indentOf(options)});
+  text.append('\n');
+  text.flush();
 }
 
 std::string cutText(const Table& table) {
@@ -85,7 +75,7 @@ void runDecode(const DecodeOptions& options, Session& session) {
   }
   const Bytes bytes = readBytes(*file, options.form);
   if (options.message.empty()) {
-    decodeRaw(bytes, indentOf(options));
+    std::cout << identification(bytes).dump(indentOf(options)) << '\n';
   } else {
     decodeAs(messageNamed(options.message), bytes, options, session);
   }

@@ -3,11 +3,11 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "json/raw_table.hpp"
-#include "messages/codec.hpp"
-#include "reader/table_reader.hpp"
-#include "texts/difference.hpp"
-#include "texts/text_table.hpp"
+#include "inspect/json/raw_table.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/table_reader.hpp"
+#include "inspect/texts/difference.hpp"
+#include "inspect/texts/text_table.hpp"
 
 namespace tool {
 namespace {
@@ -24,7 +24,7 @@ Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes,
     session.say(file + ": " + faultText(fault));
   }
   if (!reading.isAccepted()) {
-    throw Failure(Exit::BadInput, file + ": receivers reject this " + std::string(message.name));
+    throw Failure(Cause::BadInput, file + ": receivers reject this " + std::string(message.name));
   }
   refuseTooMuchMemory(reading);
   Json record = toJson(message.schema(), decode(message, bytes).data());
@@ -60,33 +60,11 @@ void print(const std::vector<FieldDifference>& fields, const std::vector<ByteDif
   }
 }
 
-Json jsonOf(const std::vector<FieldDifference>& fields, const std::vector<ByteDifference>& bytes,
-            const Side& one, const Side& other) {
-  Json json = {{"firstLength", one.bytes.size()},
-               {"secondLength", other.bytes.size()},
-               {"fields", Json::array()},
-               {"bytes", Json::array()}};
-  const auto value = [](const std::string& text) {
-    return text.empty() ? Json() : parseJson(text);
-  };
-  for (const FieldDifference& field : fields) {
-    json["fields"].push_back(
-        {{"path", field.path}, {"first", value(field.one)}, {"second", value(field.other)}});
-  }
-  for (const ByteDifference& difference : bytes) {
-    json["bytes"].push_back({{"at", difference.at},
-                             {"meaning", difference.meaning},
-                             {"first", difference.one},
-                             {"second", difference.other}});
-  }
-  return json;
-}
-
 }  // namespace
 
 void runDiff(const DiffOptions& options, Session& session) {
   if (options.file == "-" && options.second == "-") {
-    throw Failure(Exit::Usage, "the standard input cannot be both messages");
+    throw Failure(Cause::Usage, "the standard input cannot be both messages");
   }
   Bytes first = readBytes(options.file, options.form);
   Bytes second = readBytes(options.second, options.form);
@@ -97,7 +75,8 @@ void runDiff(const DiffOptions& options, Session& session) {
   const auto fields = fieldDifferences(one.record, other.record);
   const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
   if (options.isJson) {
-    std::cout << jsonOf(fields, bytes, one, other).dump(2) << '\n';
+    std::cout << differenceJson(fields, bytes, one.bytes.size(), other.bytes.size()).dump(2)
+              << '\n';
   } else {
     print(fields, bytes, session);
   }

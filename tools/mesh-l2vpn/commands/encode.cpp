@@ -4,11 +4,11 @@
 
 #include <iostream>
 
-#include "bytes/hex.hpp"
-#include "bytes/input.hpp"
 #include "commands/commands.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
+#include "inspect/bytes/hex.hpp"
+#include "inspect/bytes/input.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
 
 namespace tool {
 namespace {
@@ -16,9 +16,9 @@ namespace {
 Bytes encode(const EncodeOptions& options) {
   const KnownMessage& message = messageNamed(options.message);
   const OwnedRecord record = fromJson(message, parseJson(readAll(options.file)), options.byteText);
-  return options.isFixed     ? encodeFixed(record)
-         : options.isCompact ? encodeCompact(record)
-                             : encodeAsSent(record);
+  return encode(record, options.isFixed     ? Form::Fixed
+                        : options.isCompact ? Form::Compact
+                                            : Form::AsSent);
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "json/description.hpp"
-#include "texts/text_table.hpp"
-#include "tools/catalogue/catalogue.hpp"
+#include "inspect/schema/description.hpp"
+#include "inspect/schema/facts.hpp"
+#include "inspect/texts/text_table.hpp"
 
 namespace tool {
 
@@ -19,7 +19,7 @@ void runList(const ListOptions& options, Session& session) {
     }
     const Json facts = describe(message);
     table.add({std::string(message.name), facts["identifier"], std::string(message.service),
-               facts["sent"], facts["recordSize"].dump(), catalogue::compactText(message.schema()),
+               facts["sent"], facts["recordSize"].dump(), inspect::compactText(message.schema()),
                facts["fixedSize"].is_null() ? "-" : facts["fixedSize"].dump(),
                facts["fingerprint"]});
     all.push_back(facts);

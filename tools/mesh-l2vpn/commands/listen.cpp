@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "bytes/interruption.hpp"
 #include "commands/commands.hpp"
 #include "commands/receive.hpp"
+#include "inspect/bytes/interruption.hpp"
 
 namespace tool {
 

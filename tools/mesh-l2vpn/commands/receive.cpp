@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "bytes/interruption.hpp"
+#include "inspect/bytes/interruption.hpp"
 
 namespace tool {
 namespace {

@@ -1,9 +1,9 @@
 // record: receives as a node and writes a capture.
 
-#include "bytes/interruption.hpp"
-#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
 #include "commands/receive.hpp"
+#include "inspect/bytes/interruption.hpp"
+#include "inspect/captures/capture_file.hpp"
 #include "progress.hpp"
 
 namespace tool {

@@ -3,12 +3,12 @@
 #include <chrono>
 #include <thread>
 
-#include "bytes/interruption.hpp"
-#include "captures/capture_file.hpp"
 #include "commands/commands.hpp"
+#include "inspect/bytes/interruption.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/schema/facts.hpp"
 #include "middleware.hpp"
 #include "progress.hpp"
-#include "tools/catalogue/catalogue.hpp"
 
 namespace tool {
 namespace {
@@ -59,10 +59,10 @@ void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBef
   } catch (const Failure& failure) {
     const KnownMessage* const message = findById(table.id);
     const std::string name =
-        message == nullptr ? "identifier " + catalogue::hex(table.id) : std::string(message->name);
-    throw Failure(failure.exit(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +
-                                      failure.what() + "; " + tablesText(sentBefore) +
-                                      " were sent before");
+        message == nullptr ? "identifier " + inspect::hex(table.id) : std::string(message->name);
+    throw Failure(failure.cause(), "table " + std::to_string(sentBefore + 1) + ", " + name + ": " +
+                                       failure.what() + "; " + tablesText(sentBefore) +
+                                       " were sent before");
   }
 }
 
@@ -89,8 +89,8 @@ void runReplay(const ReplayOptions& options, Session& session) {
   try {
     node.close();
   } catch (const Failure& failure) {
-    throw Failure(failure.exit(), std::string(failure.what()) + "; " + tablesText(sent) +
-                                      " had been passed to the middleware");
+    throw Failure(failure.cause(), std::string(failure.what()) + "; " + tablesText(sent) +
+                                       " had been passed to the middleware");
   }
   session.say(tablesText(sent) + " sent");
   reader.throwFault();

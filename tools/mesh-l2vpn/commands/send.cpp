@@ -1,9 +1,9 @@
 // send: sends one message from JSON to a node.
 
-#include "bytes/input.hpp"
 #include "commands/commands.hpp"
-#include "json/record_json.hpp"
-#include "messages/codec.hpp"
+#include "inspect/bytes/input.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/messages/codec.hpp"
 #include "middleware.hpp"
 
 namespace tool {

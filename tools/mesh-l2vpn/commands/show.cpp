@@ -3,9 +3,9 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "json/description.hpp"
-#include "texts/text_table.hpp"
-#include "tools/catalogue/catalogue.hpp"
+#include "inspect/schema/description.hpp"
+#include "inspect/schema/facts.hpp"
+#include "inspect/texts/text_table.hpp"
 
 namespace tool {
 namespace {
@@ -25,7 +25,7 @@ std::string textOf(const KnownMessage& message, const Session& session) {
   line("sent", cell(facts["sent"]) + " arrangement");
   line("record", cell(facts["recordSize"]) + " bytes");
   line("vtable", cell(facts["vtableLength"]) + " bytes");
-  line("compact", catalogue::compactText(message.schema()) + " bytes");
+  line("compact", inspect::compactText(message.schema()) + " bytes");
   line("fixed", facts["fixedSize"].is_null() ? "none" : cell(facts["fixedSize"]) + " bytes");
   line("fingerprint", facts["fingerprint"]);
   TextTable table({"slot", "name", "kind", "record offset", "fixed position"});

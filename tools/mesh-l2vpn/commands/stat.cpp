@@ -2,11 +2,11 @@
 
 #include <iostream>
 
-#include "captures/capture_file.hpp"
-#include "captures/statistics.hpp"
 #include "commands/commands.hpp"
+#include "inspect/captures/capture_file.hpp"
+#include "inspect/captures/statistics.hpp"
+#include "inspect/texts/text_table.hpp"
 #include "progress.hpp"
-#include "texts/text_table.hpp"
 
 namespace tool {
 namespace {

@@ -22,6 +22,9 @@ run() {
 packages=(mesh_l2vpn)
 run "$cc" -std=c99 -pedantic roundtrip.c
 run "$cxx" -std=c++17 -pedantic roundtrip.cpp
+"$cc" -std=c99 -pedantic -o "$work/inspect" -Wall -Wextra -Werror ../../../examples/inspect_message.c \
+  $(pkg-config --cflags --libs mesh_l2vpn_inspect)
+"$work/inspect" 0xFEB5D38D ../../../examples/key.bin | grep -q 'receivers accept it'
 if pkg-config --exists mesh_l2vpn_workstation; then
   packages+=(mesh_l2vpn_workstation)
   run "$cc" -std=c99 send_and_receive.c

@@ -1,0 +1,58 @@
+// Input from files or the standard input, read once from front to back, so that pipes work too.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace inspect {
+
+enum class InputForm {
+  Guessed,  // hexadecimal if it is text: every message contains zero bytes
+  Binary,
+  Hex,
+};
+
+class InputFile {
+ public:
+  // "-" is the standard input. Fails if the file cannot be opened or is a directory.
+  explicit InputFile(std::string name);
+  ~InputFile();
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+
+  // Whether these bytes come next. Does not consume them.
+  bool goesOnWith(std::string_view bytes);
+
+  // Returns how many bytes it read: fewer than asked for at the end, after an error and after an
+  // interruption.
+  size_t read(void* to, size_t size);
+
+  // errno of the first error, or 0.
+  [[nodiscard]] int error() const { return error_; }
+
+ private:
+  bool fill();
+
+  std::string name_;
+  int descriptor_;
+  int error_ = 0;
+  std::vector<char> buffer_;
+  size_t begin_ = 0;  // of the unread bytes
+  size_t end_ = 0;
+};
+
+// The whole of a file, or of the standard input for "-".
+std::string readAll(const std::string& file);
+
+// Whether a file begins as a capture (pcapng) does.
+bool isCapture(InputFile& file);
+
+// A message's bytes from a file. Fails for a capture, unless the form is Binary.
+std::vector<uint8_t> readBytes(InputFile& file, InputForm form);
+std::vector<uint8_t> readBytes(const std::string& file, InputForm form);
+
+}  // namespace inspect

@@ -1,0 +1,34 @@
+// A table sent from one node to another.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "inspect/json/record_json.hpp"
+
+namespace inspect {
+
+struct Table {
+  uint64_t time;  // nanoseconds since 1970
+  uint32_t source;
+  uint32_t destination;
+  uint32_t id;
+  uint64_t extra;
+  std::span<const uint8_t> bytes;
+  uint64_t missedBefore = 0;  // calls missed since the previous table
+  uint32_t cutOff = 0;        // bytes missing at its end in a capture
+};
+
+uint64_t nowInNanoseconds();
+
+// "2026-11-21T09:28:00.123456789Z"
+std::string timeText(uint64_t nanoseconds);
+
+// A table as one JSON object: time, addresses, message, and the record. If there are faults, also
+// the faults; if there is no record, the bytes in hexadecimal.
+Json tableJson(const Table& table, ByteText form = ByteText::Hex);
+
+// Whether receivers know the message and accept the table.
+bool isAccepted(const Table& table);
+
+}  // namespace inspect

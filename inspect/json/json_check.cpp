@@ -1,0 +1,99 @@
+#include "inspect/json/json_check.hpp"
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "inspect/bytes/failure.hpp"
+
+namespace inspect {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr size_t deepest = 64;
+constexpr size_t mostMembers = 100;  // of an object
+constexpr size_t mostValues = 1'000'000;
+
+[[noreturn]] void fail(const std::string& text) {
+  throw Failure(Cause::BadInput, text);
+}
+
+// "syntax error" from "[json.exception.parse_error.101] parse error at line 1, column 2: syntax
+// error".
+std::string reasonOf(std::string_view text) {
+  constexpr size_t longest = 200;
+  text.remove_prefix(text.find("] ") + 2);
+  if (text.starts_with("parse error")) {
+    text.remove_prefix(text.find(": ") + 2);
+  }
+  return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
+}
+
+// Keeps only the names of the open objects' members.
+class Check final : public nlohmann::json_sax<Json> {
+ public:
+  bool null() override { return count(); }
+  bool boolean(bool /*value*/) override { return count(); }
+  bool number_integer(number_integer_t /*value*/) override { return count(); }
+  bool number_unsigned(number_unsigned_t /*value*/) override { return count(); }
+  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return count(); }
+  bool string(string_t& /*value*/) override { return count(); }
+  bool binary(binary_t& /*value*/) override { return count(); }
+  bool start_object(std::size_t /*size*/) override { return open(); }
+  bool end_object() override { return close(); }
+  bool start_array(std::size_t /*size*/) override { return open(); }
+  bool end_array() override { return close(); }
+
+  bool key(string_t& name) override {
+    if (!members_.back().insert(name).second) {
+      fail("duplicate member '" + name + "'");
+    }
+    if (members_.back().size() > mostMembers) {
+      fail("an object with more than " + std::to_string(mostMembers) + " members");
+    }
+    return true;
+  }
+
+  bool parse_error(std::size_t position, const std::string& /*token*/,
+                   const nlohmann::detail::exception& error) override {
+    fail("invalid JSON at byte " + std::to_string(position) + ": " + reasonOf(error.what()));
+  }
+
+  [[nodiscard]] size_t values() const { return values_; }
+
+ private:
+  bool count() {
+    if (++values_ > mostValues) {
+      fail("more than " + std::to_string(mostValues) + " values");
+    }
+    return true;
+  }
+
+  bool open() {
+    members_.emplace_back();
+    if (members_.size() > deepest) {
+      fail("more than " + std::to_string(deepest) + " levels of nesting");
+    }
+    return count();
+  }
+
+  bool close() {
+    members_.pop_back();
+    return true;
+  }
+
+  std::vector<std::set<std::string>> members_;
+  size_t values_ = 0;
+};
+
+}  // namespace
+
+size_t checkJson(std::string_view text) {
+  Check check;
+  Json::sax_parse(text, &check);
+  return check.values();
+}
+
+}  // namespace inspect

@@ -1,0 +1,35 @@
+// Between a record and JSON: an object with a member for each slot.
+//
+//   scalar           an integer of up to 64 bits; fromJson also accepts a string with 0x
+//   bytes, bytes[N]  a string of hexadecimal digits, or of base64
+//   table            an object
+//   vector           an array of objects
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "inspect/json/record_text.hpp"
+#include "inspect/messages/owned_record.hpp"
+
+namespace inspect {
+
+using Json = nlohmann::ordered_json;
+
+// For whoever goes on with the values; writeRecord() is quicker. `taken`: what the call has taken
+// of its memory, which bounds the text.
+Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex,
+            uint64_t taken = 0);
+
+// Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
+// lengths. `memory` is what the call has taken of its memory; what the record takes is added.
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form,
+                     uint64_t& memory);
+OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
+
+// Parses one JSON value. Fails for invalid JSON and duplicate members.
+Json parseJson(std::string_view text);
+// The same; adds to `memory` what the value takes, at most.
+Json parseJson(std::string_view text, uint64_t& memory);
+
+}  // namespace inspect

@@ -1,0 +1,301 @@
+// Captures round-trip, and are read up to the first fault.
+
+#include "inspect/captures/capture_file.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <tuple>
+
+#include "inspect/bytes/input.hpp"
+
+namespace inspect {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+class Capture : public testing::Test {
+ protected:
+  void TearDown() override { std::remove(path_.c_str()); }
+
+  void write(const std::string& contents) const {
+    std::ofstream(path_, std::ios::binary) << contents;
+  }
+
+  // The sizes of the tables that are read.
+  std::vector<size_t> read() {
+    CaptureReader reader(path_);
+    std::vector<size_t> sizes;
+    while (const auto table = reader.next()) {
+      sizes.push_back(table->bytes.size());
+    }
+    fault_ = reader.fault();
+    lost_ = reader.lost();
+    others_ = reader.otherPackets();
+    return sizes;
+  }
+
+  void writeThree() const {
+    CaptureWriter writer(path_);
+    const Bytes bytes{1, 2, 3, 4, 5};
+    for (size_t size = 3; size <= 5; ++size) {
+      writer.write({1'700'000'000'123'456'789 + size, 7, 8, 0x5EED5F0D, UINT64_MAX - size,
+                    std::span(bytes).first(size), size == 4 ? 2u : 0u});
+    }
+    writer.writeStatistics(3, 2);
+  }
+
+  const std::string path_ = testing::TempDir() + "capture_" +
+                            testing::UnitTest::GetInstance()->current_test_info()->name() +
+                            ".pcapng";
+  std::string fault_;
+  uint64_t lost_ = 0;
+  uint64_t others_ = 0;
+};
+
+TEST_F(Capture, RoundTrip) {
+  writeThree();
+  InputFile file(path_);
+  EXPECT_TRUE(isCapture(file));
+  CaptureReader reader(path_);
+  for (size_t size = 3; size <= 5; ++size) {
+    const auto table = reader.next();
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->time, 1'700'000'000'123'456'789 + size);
+    EXPECT_EQ(table->source, 7u);
+    EXPECT_EQ(table->destination, 8u);
+    EXPECT_EQ(table->id, 0x5EED5F0D);
+    EXPECT_EQ(table->extra, UINT64_MAX - size);
+    const Bytes expected = {1, 2, 3, 4, 5};
+    EXPECT_TRUE(std::ranges::equal(table->bytes, std::span(expected).first(size)));
+  }
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "");
+  EXPECT_EQ(reader.lost(), 2u);
+}
+
+TEST_F(Capture, RecordsGaps) {
+  const Bytes bytes{1, 2, 3, 4, 5};
+  const std::vector<uint64_t> missed{2, 0, UINT32_MAX + uint64_t{1}};
+  {
+    CaptureWriter writer(path_);
+    for (const uint64_t count : missed) {
+      writer.write({1, 7, 8, 9, 0, bytes, count});
+    }
+  }
+  CaptureReader reader(path_);
+  for (const uint64_t count : missed) {
+    const auto table = reader.next();
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->missedBefore, count);
+    EXPECT_TRUE(std::ranges::equal(table->bytes, bytes));
+  }
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "");
+  EXPECT_EQ(reader.lost(), UINT32_MAX + uint64_t{3}) << "a recorder that was killed";
+}
+
+TEST_F(Capture, CountsMissedCallsOnce) {
+  const auto section = [this](uint64_t inPackets, std::optional<uint64_t> altogether) {
+    CaptureWriter writer(path_);
+    writer.write({1, 7, 8, 9, 0, {}, inPackets});
+    if (altogether) {
+      writer.writeStatistics(1, *altogether);
+    }
+  };
+  section(3, 5);
+  const std::string ended = readAll(path_);
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(lost_, 5u) << "two of them after the last table";
+  section(4, std::nullopt);
+  write(ended + readAll(path_) + ended);
+  EXPECT_EQ(read().size(), 3u);
+  EXPECT_EQ(lost_, 14u);
+}
+
+TEST_F(Capture, ReadsTruncatedFiles) {
+  writeThree();
+  const std::string whole = readAll(path_);
+  const std::vector<size_t> all{3, 4, 5};
+  size_t sound = 0;
+  for (size_t length = 0; length < whole.size(); ++length) {
+    write(whole.substr(0, length));
+    const std::vector<size_t> sizes = read();
+    ASSERT_LE(sizes.size(), all.size());
+    EXPECT_TRUE(std::equal(sizes.begin(), sizes.end(), all.begin()));
+    sound += fault_.empty() ? 1 : 0;
+  }
+  // A file truncated between two blocks has no fault: after the section, the interface, and each of
+  // the three packets.
+  EXPECT_EQ(sound, 5u);
+}
+
+// A table of a capture, without its time.
+using Told = std::tuple<uint32_t, uint32_t, uint32_t, uint64_t, Bytes>;
+
+std::vector<Told> tablesOf(const std::string& path) {
+  CaptureReader reader(path);
+  std::vector<Told> all;
+  while (const auto table = reader.next()) {
+    all.emplace_back(table->source, table->destination, table->id, table->extra,
+                     Bytes(table->bytes.begin(), table->bytes.end()));
+  }
+  return all;
+}
+
+// One changed byte changes at most the table that it belongs to. The others are read as written, in
+// order.
+TEST_F(Capture, ChangedByteChangesOneTable) {
+  writeThree();
+  const std::string whole = readAll(path_);
+  const std::vector<Told> written = tablesOf(path_);
+  constexpr size_t firstPacket = 48 + 32;  // after the section and the interface
+  for (size_t at = 0; at < whole.size(); ++at) {
+    for (const char mask : {'\x01', '\x80', '\xff'}) {
+      std::string changed = whole;
+      changed[at] = static_cast<char>(changed[at] ^ mask);
+      write(changed);
+      size_t next = 0;
+      size_t others = 0;
+      for (const Told& told : tablesOf(path_)) {
+        const auto found =
+            std::find(written.begin() + static_cast<ptrdiff_t>(next), written.end(), told);
+        others += found == written.end() ? 1 : 0;
+        next = found == written.end() ? next + 1 : static_cast<size_t>(found - written.begin()) + 1;
+      }
+      EXPECT_LE(next, written.size()) << "byte " << at;
+      EXPECT_LE(others, at < firstPacket ? 0U : 1U) << "byte " << at;
+    }
+  }
+}
+
+TEST_F(Capture, ReadsBigEndian) {
+  // A section, an interface of microseconds, a packet whose table is two bytes.
+  const auto text = [](std::initializer_list<int> bytes) {
+    return std::string(bytes.begin(), bytes.end());
+  };
+  write(text({0x0A, 0x0D, 0x0D, 0x0A, 0, 0, 0, 28, 0x1A, 0x2B, 0x3C, 0x4D, 0, 1, 0, 0}) +
+        std::string(8, '\xff') + text({0, 0, 0, 28}) +
+        text({0, 0, 0, 1, 0, 0, 0, 20, 0, 147, 0, 0, 0, 0, 0, 0, 0, 0, 0, 20}) +
+        text({0, 0, 0, 6, 0, 0, 0, 84, 0, 0,  0, 0, 0, 0,
+              0, 0, 0, 0, 0, 5, 0, 0,  0, 34, 0, 0, 0, 34}) +
+        "MESH" + text({1, 0, 32, 0, 7, 0, 0, 0, 8, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0}) +
+        text({1, 0, 0, 0, 0, 0, 0, 0}) + text({0xAA, 0xBB, 0, 0}) +
+        text({0, 4, 0, 8, 0, 0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0}) + text({0, 0, 0, 84}));
+  CaptureReader reader(path_);
+  const auto table = reader.next();
+  ASSERT_TRUE(table) << reader.fault();
+  EXPECT_EQ(table->time, 5000u);
+  EXPECT_EQ(table->source, 7u);
+  EXPECT_EQ(table->extra, 1u);
+  EXPECT_EQ(table->bytes.size(), 2u);
+  EXPECT_EQ(table->missedBefore, 258u);
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "");
+}
+
+TEST_F(Capture, RejectsOtherFiles) {
+  write("no capture at all");
+  EXPECT_TRUE(read().empty());
+  EXPECT_EQ(fault_, "byte 0: not a pcapng file");
+  write("");
+  EXPECT_TRUE(read().empty());
+  EXPECT_EQ(fault_, "byte 0: an empty file is not a capture");
+}
+
+// A block of a little-endian file, its body padded with zeros.
+std::string block(uint32_t type, std::string body) {
+  body.resize((body.size() + 3) / 4 * 4);
+  const auto word = [](uint32_t value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+  };
+  const auto length = static_cast<uint32_t>(body.size() + 12);
+  return word(type) + word(length) + body + word(length);
+}
+
+template <typename... Integer>
+std::string numbers(Integer... values) {
+  std::string text;
+  (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
+  return text;
+}
+
+std::string section() {
+  return block(0x0A0D0D0A, numbers(0x1A2B3C4Du, uint16_t{1}, uint16_t{0}, UINT64_MAX));
+}
+
+// Of microseconds.
+std::string interface(uint16_t linkType = 147) {
+  return block(1, numbers(linkType, uint16_t{0}, 0u));
+}
+
+std::string packet(uint64_t time, uint32_t original, const std::string& options = "") {
+  const std::string table =
+      "MESH" + numbers(uint16_t{1}, uint16_t{32}, 7u, 8u, 9u, 0u, uint64_t{0}, 0xABu);
+  return block(6, numbers(0u, static_cast<uint32_t>(time >> 32), static_cast<uint32_t>(time),
+                          static_cast<uint32_t>(table.size()), original) +
+                      table + options);
+}
+
+std::string statistics(uint32_t interface, uint64_t lost) {
+  return block(5, numbers(interface, 0u, 0u, uint16_t{5}, uint16_t{8}, lost));
+}
+
+TEST_F(Capture, RejectsTimeOverflow) {
+  write(section() + interface() + packet(5, 36) + packet(UINT64_MAX, 36));
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(fault_, "byte 116: a packet with a time after the year 2554");
+}
+
+TEST_F(Capture, SaturatesLostCalls) {
+  const auto lost = [](uint64_t count) { return numbers(uint16_t{4}, uint16_t{8}, count); };
+  write(section() + interface() + packet(1, 36, lost(UINT64_MAX)) + packet(1, 36, lost(5)));
+  EXPECT_EQ(read().size(), 2u);
+  EXPECT_EQ(lost_, UINT64_MAX);
+}
+
+TEST_F(Capture, UsesLastStatistics) {
+  write(section() + interface() + interface() + statistics(0, 7) + statistics(0, 9) +
+        statistics(1, 4));
+  read();
+  EXPECT_EQ(fault_, "");
+  EXPECT_EQ(lost_, 13u);
+}
+
+TEST_F(Capture, IgnoresStatisticsOfOtherTraffic) {
+  write(section() + interface(1) + statistics(0, 7));
+  read();
+  EXPECT_EQ(fault_, "");
+  EXPECT_EQ(lost_, 0u);
+}
+
+TEST_F(Capture, CountsOtherPackets) {
+  write(section() + interface() + block(3, numbers(4u, 1u)) + block(2, std::string(24, '\0')) +
+        packet(1, 36));
+  EXPECT_EQ(read().size(), 1u);
+  EXPECT_EQ(others_, 2u);
+}
+
+TEST_F(Capture, ReportsTruncatedPackets) {
+  write(section() + interface() + packet(1, 36) + packet(1, 100));
+  CaptureReader reader(path_);
+  EXPECT_EQ(reader.next()->cutOff, 0u);
+  EXPECT_EQ(reader.next()->cutOff, 64u);
+}
+
+TEST_F(Capture, ReportsSystemErrors) {
+  EXPECT_THROW(CaptureReader{testing::TempDir()}, Failure);
+  CaptureReader reader("/proc/self/mem");  // can be opened; its first byte cannot be read
+  EXPECT_FALSE(reader.next());
+  EXPECT_EQ(reader.fault(), "byte 0: Input/output error");
+  try {
+    reader.throwFault();
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.cause(), Cause::System);
+  }
+}
+
+}  // namespace
+}  // namespace inspect

@@ -1,0 +1,130 @@
+// JSON that does not fit the record fails with the path. Missing members are zero.
+
+#include "inspect/json/record_json.hpp"
+
+#include <gtest/gtest.h>
+
+#include "inspect/bytes/failure.hpp"
+#include "inspect/messages/codec.hpp"
+#include "inspect/reader/reading.hpp"
+
+namespace inspect {
+namespace {
+
+std::string failureOf(const char* message, const char* json, Cause cause = Cause::BadInput) {
+  try {
+    fromJson(messageNamed(message), parseJson(json));
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.cause(), cause);
+    return failure.what();
+  }
+  return "";
+}
+
+Json throughRecord(const char* message, const char* json) {
+  const OwnedRecord record = fromJson(messageNamed(message), parseJson(json));
+  return toJson(record.message().schema(), record.data());
+}
+
+TEST(RecordJson, MissingMembersAreZero) {
+  EXPECT_EQ(throughRecord("dbginfo_key_l2vpn", R"({"f1": 3})").dump(),
+            R"({"f0":0,"f1":3,"f2":0,"f3":""})");
+}
+
+TEST(RecordJson, Keeps64Bits) {
+  EXPECT_EQ(throughRecord("l2vpn_sync_vpls_macping", R"({"f0": 18446744073709551615})")["f0"],
+            UINT64_MAX);
+  EXPECT_EQ(throughRecord("l2vpn_sync_vpls_macping", R"({"f0": "0xFFFFFFFFFFFFFFFF"})")["f0"],
+            UINT64_MAX);
+}
+
+TEST(RecordJson, RejectsUnknownMembers) {
+  EXPECT_EQ(failureOf("l2vpn_sync_vpls_ac_update", R"({"f1": {"f99": 1}})"),
+            "f1.f99: l2vpn_sync_vpls_ac has no such field; it has f0 to f9");
+}
+
+TEST(RecordJson, RejectsNumbersOutOfRange) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 65536})"),
+            "f0: expected a whole number from 0 to 65535, not 65536");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", R"({"f0": -1})"), "");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", R"({"f0": 1.5})"), "");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", R"({"f0": "0x10000"})"), "");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", R"({"f0": "12"})"), "");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", R"({"f0": null})"), "");
+  EXPECT_NE(failureOf("l2vpn_sync_vpls_macping", R"({"f0": 18446744073709551616})"), "");
+}
+
+TEST(RecordJson, RejectsWrongLength) {
+  EXPECT_EQ(failureOf("l2vpn_sync_vpls_ac", R"({"f8": "0102"})"), "f8: expected 12 bytes, not 2");
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f3": "012"})"),
+            "f3: an odd number of hexadecimal digits");
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f3": 12})"),
+            "f3: expected a string of hexadecimal digits, not number");
+}
+
+TEST(RecordJson, ErrorsGiveItemNumber) {
+  EXPECT_EQ(failureOf("l2vpn_cfg_query_dfx_rec", R"({"f1": [{}, {"f1": -1}]})"),
+            "f1[1].f1: expected a whole number from 0 to 4294967295, not -1");
+  EXPECT_EQ(failureOf("l2vpn_cfg_query_dfx_rec", R"({"f1": {}})"),
+            "f1: expected an array, not object");
+}
+
+TEST(RecordJson, RejectsOtherTypes) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", "[]"), "the record: expected an object, not array");
+  EXPECT_NE(failureOf("dbginfo_key_l2vpn", "{"), "");
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 1, "f0": 2})"), "duplicate member 'f0'");
+}
+
+TEST(RecordJson, RejectsNumberOverflow) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 1e400})"),
+            "invalid JSON at byte 12: number overflow parsing '1e400'");
+}
+
+TEST(RecordJson, RejectsDeepNesting) {
+  const std::string deep(100'000, '[');
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", deep.c_str()), "more than 64 levels of nesting");
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", (deep + std::string(deep.size(), ']')).c_str()),
+            "more than 64 levels of nesting");
+}
+
+TEST(RecordJson, ErrorsShortenValues) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": [{}, {}, {}]})"),
+            "f0: expected a whole number from 0 to 65535, not array");
+  const std::string text(100, 'a');
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", ("{\"f0\": \"" + text + "\"}").c_str()),
+            "f0: expected a whole number from 0 to 65535, not string");
+}
+
+// Three characters ask for an item of 16,572 bytes.
+TEST(RecordJson, LimitsMemory) {
+  const size_t items = memoryLimit / 16'572 + 1;
+  std::string json = R"({"f1": [{})";
+  for (size_t item = 1; item < items; ++item) {
+    json += ",{}";
+  }
+  EXPECT_EQ(failureOf("l2vpn_cfg_query_dfx_rec", (json + "]}").c_str(), Cause::Memory),
+            "f1: up to here this record needs " + std::to_string(items * 16'572) +
+                " bytes of memory; the limit is " + std::to_string(memoryLimit));
+}
+
+TEST(RecordJson, LimitsMembersAndValues) {
+  std::string members;
+  for (int member = 0; member <= 100; ++member) {
+    members.append(member == 0 ? "" : ",").append("\"a" + std::to_string(member) + "\":0");
+  }
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", ('{' + members + '}').c_str()),
+            "an object with more than 100 members");
+  std::string values = "[0";
+  for (int value = 0; value < 1'000'000; ++value) {
+    values += ",0";
+  }
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", (values + "]").c_str()), "more than 1000000 values");
+}
+
+TEST(RecordJson, RejectsFixedEncodingOfCompactMessage) {
+  const OwnedRecord record = fromJson(messageNamed("dbginfo_key_l2vpn"), Json::object());
+  EXPECT_THROW(encodeFixed(record), Failure);
+}
+
+}  // namespace
+}  // namespace inspect

@@ -1,0 +1,52 @@
+// Messages by name, identifier and similar name.
+
+#include <gtest/gtest.h>
+
+#include "inspect/bytes/failure.hpp"
+#include "inspect/messages/messages.hpp"
+#include "mesh_l2vpn/messages.h"
+
+namespace inspect {
+namespace {
+
+#define ONE_MORE(X, identifier) +1
+
+TEST(Messages, AreThoseOfThePublicLists) {
+  EXPECT_EQ(messages().size(), size_t{0 L2VPN_MESSAGES(ONE_MORE)});
+}
+
+TEST(Messages, FoundByNameAndIdentifier) {
+  for (const KnownMessage& message : messages()) {
+    EXPECT_EQ(&messageNamed(message.name), &message);
+    EXPECT_EQ(&messageNamed(std::to_string(message.id())), &message);
+    EXPECT_EQ(findById(message.id()), &message);
+  }
+  EXPECT_EQ(messageNamed("0x5EED5F0D").name, "l2vpn_sync_vpls_ac_update");
+  EXPECT_EQ(messageNamed("0x5eed5f0d").name, "l2vpn_sync_vpls_ac_update");
+}
+
+TEST(Messages, RejectsUnknown) {
+  EXPECT_THROW(messageNamed("0x5EED5F0E"), Failure);
+  EXPECT_THROW(messageNamed(""), Failure);
+  EXPECT_EQ(findById(1), nullptr);
+}
+
+TEST(Messages, SuggestsSimilarNames) {
+  EXPECT_EQ(nearestNames("l2vpn_sync_vpls_acc").front(), "l2vpn_sync_vpls_ac");
+  EXPECT_EQ(nearestNames("dbginfo_key_l2vnp").front(), "dbginfo_key_l2vpn");
+  EXPECT_EQ(nearestNames("vpls_vsimac").front(), "l2vpn_sync_vpls_vsimac");
+  EXPECT_TRUE(nearestNames("nothing like it at all").empty());
+}
+
+TEST(Messages, ErrorSuggestsName) {
+  try {
+    messageNamed("l2vpn_sync_stq");
+    FAIL();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.cause(), Cause::Usage);
+    EXPECT_NE(std::string(failure.what()).find("did you mean l2vpn_sync_stp"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace inspect
