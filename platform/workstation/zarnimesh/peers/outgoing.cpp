@@ -61,6 +61,11 @@ mesh_result Outgoing::connect(Destination& destination) {
   if (result != MESH_OK) {
     return result;
   }
+  return connectTo(destination, endpoint);
+}
+
+mesh_result Outgoing::connectTo(Destination& destination, const std::string& endpoint) {
+  const bool inproc = destination.endpoint().transport == Transport::Inproc;
   // Routes are never used twice: ZeroMQ ends the process for a second connection of one name.
   const uint64_t route = ++latestRoute_;
   if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, routeName(route)) ||

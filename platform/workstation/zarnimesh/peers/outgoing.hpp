@@ -58,6 +58,9 @@ class Outgoing {
   static bool mayBePresent(const Destination& destination);
 
  private:
+  // A function of its own, so that the thread sanitizer knows who called ZeroMQ.
+  [[nodiscard, gnu::noinline]] mesh_result connectTo(Destination& destination,
+                                                     const std::string& endpoint);
   [[nodiscard]] mesh_result openSocket();
   [[nodiscard]] mesh_result openEvents();
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
