@@ -9,11 +9,11 @@
  *    and need no alignment. Nothing outside of them is read.
  * 3. Results. Functions that return int return 0, or an errno value with a text in
  *    mesh_l2vpn_last_error(), and then hand out nothing:
- *    EBADMSG  the input has a fault: receivers reject the bytes, or the JSON does not fit the
- * record EINVAL   wrong use: a null pointer, or a form that the message does not have ENOMEM   the
- * call needs more memory than the limit allows, or than there is
+ *    - EBADMSG: the input has a fault. Receivers reject the bytes, or the JSON does not fit.
+ *    - EINVAL: wrong use, as a null pointer, or a form that the message does not have.
+ *    - ENOMEM: the call needs more memory than the limit allows, or than there is.
  * 4. Ownership. The caller owns what is handed out and gives it back with mesh_l2vpn_free. Texts
- * end with a zero. Records are the structs of the services' headers; the caller owns them.
+ *    end with a zero. Records are the structs of the services' headers; the caller owns them.
  * 5. Memory. One call takes at most 64 MiB beside its arguments, whatever they ask for.
  *    mesh_l2vpn_set_limit changes this.
  * 6. Threads. Any thread may call any function. The limit and the last error are the thread's own.
