@@ -1,8 +1,9 @@
 #!/usr/bin/python3
-"""Opens pages of explain --html in headless Chromium, hovers over ranges, and checks highlights, the
-line to the target, faults, and the width.
+"""Opens pages of explain --html in headless Chromium and checks highlights, the line to the target,
+faults, pins, keys and links; and in a wide and a narrow window, light, dark and in print, width and
+contrast.
 
-    browser.py MESH-L2VPN [DIRECTORY]    saves a screenshot of each page in the directory
+    browser.py MESH-L2VPN [DIRECTORY]    saves screenshots of each page in the directory
 """
 import shutil
 import socket
@@ -16,8 +17,10 @@ from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
 
 WIDTH, HEIGHT = 1366, 768
+NARROW = 400
 
 WRAPPER = '{"f0": 7, "f1": {"f0": 42, "f6": 1042, "f8": "010203040506070809101112"}}'
 LIST = '{"f0": {"f1": 3}, "f1": [{"f1": 7, "f0": "%s"}, {"f1": 8}]}' % ("61" * 32)
@@ -45,6 +48,38 @@ if (path) {
 }
 return {lit: lit("lit"), slot: lit("slot"), target: lit("target"), rowsLit: rows("lit"), rowsSlot: rows("slot"),
         rowsTarget: rows("target"), ends, isRowSeen: isSeen(rowOf("lit"))};
+"""
+
+# What is wider than the window or than its parent.
+WIDE = """
+return [...document.querySelectorAll('body *')].filter(e => e.getBoundingClientRect().right > innerWidth
+  || (e.scrollWidth > e.clientWidth && getComputedStyle(e).overflowX !== 'visible')).map(e => e.outerHTML.slice(0, 80))
+"""
+
+# The text with the least contrast to its background, as WCAG 2 computes it, and this contrast.
+CONTRAST = """
+const channels = color => color.match(/[0-9.]+/g).map(Number);
+const luminance = color => channels(color).slice(0, 3).map(c => c / 255)
+  .map(c => c <= 0.04045 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
+  .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
+const backgroundOf = e => {
+  for (; e; e = e.parentElement) {
+    const [, , , alpha = 1] = channels(getComputedStyle(e).backgroundColor);
+    if (alpha === 1) return getComputedStyle(e).backgroundColor;
+    if (alpha !== 0) throw new Error("translucent: " + e.outerHTML.slice(0, 80));
+  }
+  return "rgb(255, 255, 255)";
+};
+let least = [21, ""];
+const texts = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
+while (texts.nextNode()) {
+  const e = texts.currentNode.parentElement;
+  if (!texts.currentNode.data.trim() || !e.checkVisibility()) continue;
+  const [one, other] = [getComputedStyle(e).color, backgroundOf(e)].map(luminance);
+  const contrast = (Math.max(one, other) + 0.05) / (Math.min(one, other) + 0.05);
+  if (contrast < least[0]) least = [contrast, e.outerHTML.slice(0, 80)];
+}
+return least;
 """
 
 
@@ -121,20 +156,108 @@ def check_page(browser, url, faults, picture):
     browser.get(url)
     data = browser.execute_script("return data")
     expect(len(data["faults"]) == faults, f"{len(data['faults'])} faults, not {faults}")
-    wide = browser.execute_script(
-        "return [...document.querySelectorAll('body *')].filter(e => e.getBoundingClientRect().right > innerWidth"
-        " || (e.scrollWidth > e.clientWidth && getComputedStyle(e).overflowX !== 'visible')).map(e => e.outerHTML.slice(0, 80))")
+    wide = browser.execute_script(WIDE)
     expect(not wide and browser.execute_script("return innerWidth") == WIDTH, f"wider than the window: {wide}")
     check_faults(browser, data["faults"])
     pointed, lines = check_pointing(browser, data["ranges"])
     expect(lines >= 3, f"{lines} lines were drawn")
     log = [entry for entry in browser.get_log("browser") if entry["level"] == "SEVERE"]
     expect(not log, log)
-    if picture:
-        word = next(i for i, each in enumerate(data["ranges"]) if each["part"] == "word")
-        point_at(browser, word)
-        browser.save_screenshot(picture)
+    keys = check_keys(browser, url, data["ranges"])
+    check_looks(browser, f"{url}#{data['ranges'][keys]['at']}", picture)
     return f"{pointed} ranges pointed at, {lines} lines, {faults} faults"
+
+
+def resize(browser, width):
+    browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+        "width": width, "height": HEIGHT, "deviceScaleFactor": 1, "mobile": False})
+
+
+def show_as(browser, medium, scheme):
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {
+        "media": medium, "features": [{"name": "prefers-color-scheme", "value": scheme}]})
+
+
+def check_looks(browser, url, picture):
+    """Both widths, light, dark and printed, with a range pinned: nothing too wide, all text readable."""
+    for width in (WIDTH, NARROW):
+        resize(browser, width)
+        for medium, scheme in (("screen", "light"), ("screen", "dark"), ("print", "dark")):
+            show_as(browser, medium, scheme)
+            browser.get("about:blank")
+            browser.get(url)
+            what = f"{width} pixels, {medium}, {scheme}"
+            wide = browser.execute_script(WIDE)
+            expect(not wide, f"{what}: wider than the window: {wide}")
+            contrast, text = browser.execute_script(CONTRAST)
+            expect(contrast >= 4.5, f"{what}: a contrast of {contrast:.2f}: {text}")
+            paper = browser.execute_script("return getComputedStyle(document.body).backgroundColor")
+            is_dark = int(paper.split("(")[1].split(",")[0]) < 128
+            expect(is_dark == ((medium, scheme) == ("screen", "dark")), f"{what}: on {paper}")
+            if medium == "print":
+                cut = browser.execute_script(
+                    "return [...document.querySelectorAll('section, #summary, body')]"
+                    ".filter(e => getComputedStyle(e).overflowY !== 'visible').map(e => e.outerHTML.slice(0, 80))")
+                expect(not cut, f"{what}: cut: {cut}")
+            elif picture:
+                browser.save_screenshot(f"{picture}-{width}-{scheme}.png")
+    resize(browser, WIDTH)
+    show_as(browser, "screen", "light")
+
+
+def check_keys(browser, url, ranges):
+    """Tab and arrows move along ranges and links, a click and Enter pin, and the address names the byte."""
+    def press(key):
+        ActionChains(browser).send_keys(key).perform()
+
+    def state():
+        return browser.execute_script(
+            "return [Number(document.activeElement.dataset.range ?? -1), pinned, location.hash,"
+            " [...document.querySelectorAll('tr.lit')].map(row => Number(row.dataset.range))]")
+
+    def expect_state(focused, pinned, lit, what):
+        place = "" if pinned < 0 else f"#{ranges[pinned]['at']}"
+        expect(state() == [focused, pinned, place, [lit] if lit >= 0 else []], f"{what}: {state()}")
+
+    browser.get("about:blank")
+    browser.get(url)
+    browser.execute_script("document.querySelector('tr[data-range]').focus()")
+    expect_state(0, -1, 0, "focus")
+    press(Keys.TAB)
+    expect_state(1, -1, 1, "Tab")
+    press(Keys.ARROW_UP)
+    press(Keys.ARROW_UP)
+    expect_state(0, -1, 0, "up, at the top")
+    word = next(i for i, each in enumerate(ranges) if each["part"] == "word" and each["target"] >= 0)
+    for _ in range(word):
+        press(Keys.ARROW_DOWN)
+    expect_state(word, -1, word, "down")
+    press(Keys.ENTER)
+    expect_state(word, word, word, "Enter")
+    target = next(i for i, each in reversed(list(enumerate(ranges))) if each["at"] == ranges[word]["target"])
+    press(Keys.ARROW_RIGHT)
+    expect_state(target, target, target, "right, along the link")
+    press(Keys.ARROW_LEFT)
+    expect_state(word, word, word, "left, back")
+    point_at(browser, 0)
+    expect_state(word, word, word, "the pointer elsewhere")
+    press(Keys.ESCAPE)
+    expect_state(word, -1, -1, "Escape")
+    browser.find_element(By.CSS_SELECTOR, f'#bytes .byte[data-range="{word}"]').click()
+    expect(state()[1:3] == [word, f"#{ranges[word]['at']}"], f"click: {state()}")
+    browser.find_element(By.CSS_SELECTOR, f'#bytes .byte[data-range="{word}"]').click()
+    expect(state()[1:3] == [-1, ""], f"second click: {state()}")
+    browser.get("about:blank")
+    browser.get(f"{url}#{ranges[target]['at']}")
+    expect(state()[1] == target, f"link: {state()}")
+    browser.execute_script(f"location.hash = '#{ranges[word]['at']}'")
+    expect(browser.execute_async_script("const done = arguments[0]; setTimeout(() => done(pinned), 50)") == word,
+           f"link within the page: {state()}")
+    for wrong in ("#", "#x", "#999999999", "#-1", "#1e3"):
+        browser.get("about:blank")
+        browser.get(url + wrong)
+        expect(state()[1] == -1, f"{wrong}: {state()}")
+    return word
 
 
 def items_of_one_text(items, size):
@@ -170,8 +293,8 @@ def open_browser():
         options.add_argument(word)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     browser = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
-    browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
-        "width": WIDTH, "height": HEIGHT, "deviceScaleFactor": 1, "mobile": False})
+    resize(browser, WIDTH)
+    show_as(browser, "screen", "light")
     return browser
 
 
@@ -200,7 +323,7 @@ def main():
         with tempfile.TemporaryDirectory() as directory:
             for name, message, json, arrangement, change, faults in pages:
                 url = page_of(tool, message, json, arrangement, directory, name, change)
-                print(name, check_page(browser, url, faults, pictures and f"{pictures}/{name}.png"))
+                print(name, check_page(browser, url, faults, pictures and f"{pictures}/{name}"))
             name = "long"
             url = page_of(tool, "l2vpn_cfg_query_dfx_rec", "{}", ["--compact"], directory, name,
                           lambda encoded: items_of_one_text(4000, 16384))
