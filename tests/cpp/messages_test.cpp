@@ -12,6 +12,8 @@
 #include "support/comparison.hpp"
 #include "wire/compact_size.hpp"
 
+std::error_code resultOfAnotherObject(uint32_t value);
+
 namespace {
 
 using harness::Buffer;
@@ -149,7 +151,7 @@ TEST_P(EveryRecord, IsSentAsByC) {
       EXPECT_EQ(hex(sent[index].bytes), hex(recorder().sent[index].bytes));
     }
   };
-  for (const uint64_t extra : {0, 5}) {
+  for (const uint64_t extra : {uint64_t{0}, uint64_t{5}}) {
     expectSame([&] { return GetParam().send(records(), extra); },
                [&] { return operations_.sendSingle(destination, records(), 0, extra); });
     expectSame([&] { return GetParam().sendAll(records(), count, extra); },
@@ -368,6 +370,11 @@ TEST(Category, NamesEveryResult) {
   EXPECT_EQ(mesh_l2vpn::result(0xFFFFFFFF).message(),
             "the record cannot be encoded, or memory or room was refused");
   EXPECT_NE(mesh_l2vpn::result(2), std::error_code(2, std::generic_category()));
+}
+
+TEST(Category, IsOneInAllSharedObjects) {
+  EXPECT_EQ(resultOfAnotherObject(2), mesh_l2vpn::result(2));
+  EXPECT_EQ(resultOfAnotherObject(0xFFFFFFFF), mesh_l2vpn::errc::failed);
 }
 
 struct Derived : l2vpn_sync_stp {
