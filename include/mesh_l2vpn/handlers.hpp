@@ -33,15 +33,16 @@ constexpr bool takes_a_record() {
 // Where two functions take the record equally well, the call does not compile.
 template <typename T, typename... F, typename... With>
 bool call_for(overloads<F...>& functions, const void* record, const With&... with) {
-  if constexpr ((std::is_invocable_v<F&, const T&, const With&...> || ...)) {
+  constexpr bool takes_all = (std::is_invocable_v<F&, const T&, const With&...> || ...);
+  constexpr bool takes_record = (std::is_invocable_v<F&, const T&> || ...);
+  static_assert(sizeof...(With) == 0 || !takes_all || !takes_record,
+                "functions for one record that take different arguments");
+  if constexpr (takes_all) {
     functions(*static_cast<const T*>(record), with...);
-    return true;
-  } else if constexpr ((std::is_invocable_v<F&, const T&> || ...)) {
+  } else if constexpr (takes_record) {
     functions(*static_cast<const T*>(record));
-    return true;
-  } else {
-    return false;
   }
+  return takes_all || takes_record;
 }
 
 template <typename... F, typename... With>
@@ -78,8 +79,8 @@ bool dispatch(uint32_t id, const void* record, F... functions) {
  *         [](const l2vpn_stat_pw_stat& statistics) { ... });
  *     mesh_node_receive(node, 1000, watch.deliver<mesh_received>, &watch);
  *
- * A function takes the record, or the record and what came with it. One thread at a time calls it.
- */
+ * A function takes the record, or the record and what came with it; functions that fit the same
+ * record take the same. One thread at a time calls the handlers. */
 template <typename... F>
 class handlers {
  public:

@@ -71,6 +71,20 @@ TEST(Handlers, CountWhatTheyDoNotHandle) {
   EXPECT_EQ(calls, 11);
 }
 
+TEST(Handlers, GiveTheRestToAGenericFunction) {
+  uint32_t exact = 0;
+  uint32_t rest = 0;
+  handlers watch([&exact](const l2vpn_sync_stp&, uint32_t source) { exact = source; },
+                 [&rest](const auto&, uint32_t source) { rest += source; });
+  const l2vpn_sync_stp stp{};
+  const l2vpn_sync_extnhp other{};
+  EXPECT_TRUE(watch(l2vpn_sync_stp__msg_id, &stp, 5U));
+  EXPECT_TRUE(watch(l2vpn_sync_extnhp__msg_id, &other, 6U));
+  EXPECT_EQ(exact, 5U);
+  EXPECT_EQ(rest, 6U);
+  EXPECT_EQ(watch.unhandled(), 0U);
+}
+
 TEST(Handlers, WithoutFunctionsCountEverything) {
   handlers none;
   const l2vpn_sync_stp stp{};

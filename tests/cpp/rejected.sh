@@ -23,5 +23,6 @@ compile "mesh_l2vpn::dispatch(id, record, $stp); mesh_l2vpn::unpacked<l2vpn_sync
 rejects "mesh_l2vpn::dispatch(id, record, $stp, $stp);" 'ambiguous'
 rejects "mesh_l2vpn::dispatch(id, record, $stp, [](int) {});" "takes no message's record"
 rejects "mesh_l2vpn::dispatch(id, record, [](l2vpn_sync_stp&) {});" "takes no message's record"
+rejects "mesh_l2vpn::handlers h($stp, [](const auto&, int) {}); h(id, record, 1);" 'different arguments'
 rejects "mesh_l2vpn::unpacked<l2vpn_sync_stp> a; auto b = a;" 'deleted'
 rejects "(void)id; auto a = mesh_l2vpn::unpack<int>({});" 'message<int>'
