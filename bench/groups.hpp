@@ -12,6 +12,7 @@ namespace bench {
 void addTargets();
 void addSweep();
 void addGrowth();
+void addCpp();
 
 template <typename Case, typename... Arguments>
 benchmark::internal::Benchmark* add(const std::string& name, Case run, Arguments... arguments) {

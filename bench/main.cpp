@@ -25,6 +25,7 @@ int main(int count, char** arguments) {
   bench::addTargets();
   bench::addSweep();
   bench::addGrowth();
+  bench::addCpp();
   benchmark::AddCustomContext("processor", processor());
   benchmark::AddCustomContext("compiler", BENCH_COMPILER);
   benchmark::AddCustomContext("flags", BENCH_LIBRARY_FLAGS);

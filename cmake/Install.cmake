@@ -28,7 +28,7 @@ if(TARGET mesh_l2vpn_inspect)
   install(TARGETS mesh_l2vpn_inspect EXPORT mesh_l2vpn_targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT inspect NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  install(FILES ${mesh_l2vpn_inspect_header}
+  install(FILES ${mesh_l2vpn_inspect_header} inspect/include/mesh_l2vpn/inspect.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mesh_l2vpn COMPONENT development)
   configure_file(cmake/mesh_l2vpn_inspect.pc.in
     ${PROJECT_BINARY_DIR}/package/mesh_l2vpn_inspect.pc @ONLY)

@@ -9,7 +9,9 @@ set(mesh_l2vpn_includes
   ${CMAKE_CURRENT_SOURCE_DIR}/l2vpn_sync/include)
 
 set(mesh_l2vpn_public_headers
+  ${CMAKE_CURRENT_SOURCE_DIR}/include/mesh_l2vpn/handlers.hpp
   ${CMAKE_CURRENT_SOURCE_DIR}/include/mesh_l2vpn/messages.h
+  ${CMAKE_CURRENT_SOURCE_DIR}/include/mesh_l2vpn/messages.hpp
   ${CMAKE_CURRENT_SOURCE_DIR}/msg/include/mesh_l2vpn/operations.h)
 foreach(service l2vpn_cfg l2vpn_stat l2vpn_sync)
   list(APPEND mesh_l2vpn_public_headers

@@ -11,8 +11,9 @@ mkdir -p build/reference
 doxygen docs/Doxyfile
 
 wanted=$(sed -n 's/^MESH_L2VPN_API [a-z0-9_]* \([a-z0-9_]*\)(.*/\1/p' l2vpn_*/include/mesh_l2vpn/*_functions.h | sort)
-found=$(sed -n '/kind="function"/,/<\/member>/s/.*<name>\(.*\)<\/name>.*/\1/p' \
-  build/reference/mesh_l2vpn.tag | sort -u)
+found=$(sed -n '/<name>[a-z0-9_]*_functions\.h</,/<\/compound>/{
+  /kind="function"/,/<\/member>/s/.*<name>\(.*\)<\/name>.*/\1/p
+}' build/reference/mesh_l2vpn.tag | sort -u)
 if ! missing=$(diff <(echo "$wanted") <(echo "$found")); then
   printf 'The reference and the headers do not hold the same functions:\n%s\n' "$missing" >&2
   exit 1

@@ -47,7 +47,8 @@ def of_the_targets(measured):
 def of_the_details(measured, brief=False):
     """`brief`: without the long tables."""
     return _with_rows([cost_tables.exact_room(measured.results),
-                       cost_tables.nanoseconds(measured.results), *_peers(measured.results),
+                       cost_tables.nanoseconds(measured.results),
+                       cost_tables.languages(measured.results), *_peers(measured.results),
                        inspect_tables.cost(measured.results),
                        growth_tables.batches(measured.results),
                        growth_tables.lengths(measured.results),

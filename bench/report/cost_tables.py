@@ -5,6 +5,8 @@ from report.targets import COLUMNS, MESSAGES, target
 
 NONE = "–"
 
+LANGUAGE_CALLS = ("pack", "send", "unpack")
+
 
 def ratios(results):
     table = Table(
@@ -54,6 +56,19 @@ def nanoseconds(results):
     for message in results.messages("target"):
         table.rows.append([message, *(
             _number(results.ns("target", message, operation)) for operation in operations)])
+    return table
+
+
+def languages(results):
+    """The C++ header beside the C calls."""
+    table = Table("From C and from C++",
+                  "Nanoseconds a record, C / C++, full records; compact packing and unpacking, with "
+                  "the clearing of the record before and its release after.",
+                  ["message", *LANGUAGE_CALLS])
+    for message in results.messages("cpp"):
+        table.rows.append([message, *(" / ".join(
+            _number(results.ns("cpp", message, f"{call}_{language}")) for language in ("c", "cpp"))
+            for call in LANGUAGE_CALLS)])
     return table
 
 

@@ -16,6 +16,7 @@ endif()
 foreach(document IN LISTS documents)
   cmake_path(GET document PARENT_PATH directory)
   file(READ ${document} text)
+  string(REGEX REPLACE "```[^`]*```" "" text "${text}")  # code: a lambda looks like a link
   string(REPLACE "](" "<link to:" text "${text}")  # brackets would join the list's items
   string(REGEX MATCHALL "<link to:[^)#]+" links "${text}")
   list(TRANSFORM links REPLACE "^<link to:" "")
