@@ -1,0 +1,31 @@
+"""The messages of the Layer-2 VPN feature: packed, unpacked, verified, explained.
+
+    import mesh_l2vpn as m
+
+    update = m.l2vpn_sync_vpls_ac_update(f0=7, f1={"f0": 42})
+    m.unpack(update.pack(), m.l2vpn_sync_vpls_ac_update) == update
+"""
+from importlib import import_module
+
+from .errors import *  # noqa: F401,F403
+from .records import Field, Record, messages, unpack
+
+# Found when they are first asked for, so that importing the package is quick.
+_LATER = {
+    **dict.fromkeys(("Candidate", "Explanation", "Verdict", "explain", "identify", "verify"), "inspection"),
+}
+
+
+def __getattr__(name):
+    if name in _LATER:
+        found = getattr(import_module("." + _LATER[name], __name__), name)
+    elif name in messages:
+        found = messages[name]
+    else:
+        raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+    globals()[name] = found
+    return found
+
+
+def __dir__():
+    return sorted({*globals(), *_LATER, *messages})
