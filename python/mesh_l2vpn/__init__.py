@@ -13,6 +13,18 @@ from .records import Field, Record, messages, unpack
 # Found when they are first asked for, so that importing the package is quick.
 _LATER = {
     **dict.fromkeys(("Candidate", "Explanation", "Verdict", "explain", "identify", "verify"), "inspection"),
+    **dict.fromkeys(("Node", "PeerEvent", "PeerStatistics", "Received", "Statistics"), "node"),
+    **dict.fromkeys(
+        ("AddressInUse", "BadArgument", "BadConfiguration", "Busy", "NoDestination", "NodeError"), "node_errors"
+    ),
+    **dict.fromkeys(
+        ("NodeOutOfMemory", "NotOpen", "NothingArrived", "QueueFull", "Refused", "SystemFailure", "Undelivered"),
+        "node_errors",
+    ),
+    **dict.fromkeys(
+        ("CaptureError", "CaptureReader", "CaptureWriter", "Captured", "read_capture", "write_capture"), "captures"
+    ),
+    "Table": "table",
 }
 
 
