@@ -1,7 +1,6 @@
 """Nodes: they send messages to each other, and to the nodes of C and C++ programs."""
 import asyncio
 import ctypes
-import itertools
 import math
 import os
 import struct
@@ -289,20 +288,38 @@ class Node:
     def send(
         self,
         destination: int,
-        values: Union[Record, Iterable[Record]],
+        values: Union[Record, Table, Iterable[Union[Record, Table]]],
         extra: int = 0,
         timeout: Optional[float] = None,
     ) -> None:
-        """Sends one value, or several of any types in one call: all of them arrive, or none.
+        """Sends one message, or several of any types in one call: all of them arrive, or none. A
+        table is sent as it is, for example a damaged one, or one of a capture.
 
         Waits for a receiver and for room: `timeout` seconds at most, or as the node's options say.
         """
-        several = [values] if isinstance(values, Record) else values
+        _whole("destination", destination, 0, 2**32 - 1)
+        _whole("extra", extra, 0, 2**64 - 1)
+        wait = _NO_TIME if timeout is None else _milliseconds("timeout", timeout, _LONGEST)
+        several = [values] if isinstance(values, (Record, Table)) else values
         try:
             tables = [(value.identifier, value.sent()) for value in several]
         except (AttributeError, TypeError) as error:
-            raise BadArgument(f"messages were expected: {error}") from None
-        self._send(destination, tables, extra, timeout)
+            raise BadArgument(f"messages were expected: {error}") from error
+        data = b"".join([table for _, table in tables])
+        at = ctypes.cast(ctypes.c_char_p(data), ctypes.c_void_p).value or 0
+        words: List[int] = []
+        for identifier, table in tables:
+            words += at, identifier, len(table)
+            at += len(table)
+        try:
+            descriptors = struct.pack(_zarnimesh.DESCRIPTOR * len(tables), *words)
+        except struct.error as error:
+            raise BadArgument(f"identifiers have 32 bits: {error}") from error
+        result = self._library.mesh_node_send(
+            self._handle, destination, descriptors, len(tables), extra, wait
+        )
+        if result != _OK:
+            raise self._failure(result, f" to node {destination}")
 
     def send_raw(
         self,
@@ -313,32 +330,7 @@ class Node:
         timeout: Optional[float] = None,
     ) -> None:
         """Sends any bytes under any identifier, for example damaged ones."""
-        _whole("identifier", identifier, 0, 2**32 - 1)
-        self._send(destination, [(identifier, bytes(table))], extra, timeout)
-
-    def _send(
-        self,
-        destination: int,
-        tables: Sequence[Tuple[int, bytes]],
-        extra: int,
-        timeout: Optional[float],
-    ) -> None:
-        _whole("destination", destination, 0, 2**32 - 1)
-        _whole("extra", extra, 0, 2**64 - 1)
-        wait = _NO_TIME if timeout is None else _milliseconds("timeout", timeout, _LONGEST)
-        data = b"".join([table for _, table in tables])
-        at = ctypes.cast(ctypes.c_char_p(data), ctypes.c_void_p).value or 0
-        lengths = [len(table) for _, table in tables]
-        places = itertools.accumulate(lengths[:-1], initial=at)
-        words = itertools.chain.from_iterable(
-            zip(places, (identifier for identifier, _ in tables), lengths)
-        )
-        descriptors = struct.pack(_zarnimesh.DESCRIPTOR * len(tables), *words)
-        result = self._library.mesh_node_send(
-            self._handle, destination, descriptors, len(tables), extra, wait
-        )
-        if result != _OK:
-            raise self._failure(result, f" to node {destination}")
+        self.send(destination, Table(identifier, bytes(table)), extra, timeout)
 
     # Receiving
 

@@ -59,6 +59,10 @@ class Table:
             time=time,
         )
 
+    def sent(self) -> bytes:
+        """The bytes: nodes send a table as it is, also a damaged one."""
+        return self.table
+
     @property
     def message(self) -> Optional[Type["Record"]]:
         """The class of the message; None if the identifier is unknown."""

@@ -149,6 +149,16 @@ class TestMessages:
         assert received.fault == "no message has the identifier 0x00001234"
         assert "0x00001234, 3 bytes, 1 to 1" in repr(received)
 
+    def test_go_with_damaged_ones_in_one_call(self, mesh_nodes):
+        node = mesh_nodes(1)
+        damaged = m.Table(update.identifier, update.sent()[:60])
+        node.send(1, [stp, damaged, stp])
+        arrived = list(node.receive(0.1))
+        assert [received.record for received in arrived] == [stp, None, stp]
+        assert [received.sequence for received in arrived] == [1, 1, 1]
+        node.send(1, arrived[1])
+        assert node.receive_one().table == damaged.table
+
     def test_that_are_empty_arrive(self, mesh_nodes):
         node = mesh_nodes(1)
         node.send_raw(1, update.identifier, b"")
