@@ -1,10 +1,11 @@
 """Many records of one message: C records side by side in a numpy array, packed and unpacked in one call."""
 from ctypes import byref, c_size_t
 from operator import index
+from typing import Any, Generic, Iterable, Mapping, SupportsIndex, Type, Union
 
 from . import _inspect
 from .errors import BadInput, LibraryMissing, Rejected, WrongUse
-from .records import rejection
+from .records import AnyRecord, Buffer, Record, rejection
 
 try:
     import numpy
@@ -12,7 +13,7 @@ except ImportError:
     raise LibraryMissing("arrays need numpy: install the Debian package python3-numpy") from None
 
 
-def dtype(message):
+def dtype(message: Type[Record]) -> "numpy.dtype[Any]":
     """The C record as numpy knows it: scalars, byte strings as rows of bytes, records within it."""
     formats = []
     for field in message.fields:
@@ -34,52 +35,52 @@ def dtype(message):
     )
 
 
-class Array:
+class Array(Generic[AnyRecord]):
     """`records` is the numpy array: array["f0"] is a column, array["f1"]["f8"] one of a record within
     it, array[7] the record at 7."""
 
     __slots__ = ("message", "records")
 
-    def __init__(self, message, records):
+    def __init__(self, message: Type[AnyRecord], records: "numpy.ndarray[Any, Any]"):
         self.message = message
         self.records = records
 
-    def __len__(self):
+    def __len__(self) -> int:
         return len(self.records)
 
-    def __getitem__(self, key):
+    def __getitem__(self, key: Union[str, slice, int]) -> Any:
         if isinstance(key, str):
             return self.records[key]
         if isinstance(key, slice):
             return Array(self.message, self.records[key])
         return self.message._from_record(self.records[key].tobytes(), 0)
 
-    def __setitem__(self, key, value):
+    def __setitem__(self, key: Union[str, slice, int], value: Any) -> None:
         if isinstance(key, (str, slice)):
             self.records[key] = value.records if isinstance(value, Array) else value
             return
         record = self.message._of(value)._to_record([])
         self.records[key] = numpy.frombuffer(record, self.records.dtype)[0]
 
-    def __eq__(self, other):
+    def __eq__(self, other: object) -> bool:
         if not isinstance(other, Array) or self.message is not other.message:
             return NotImplemented
         return len(self) == len(other) and bool((self.records == other.records).all())
 
-    __hash__ = None
+    __hash__ = None  # type: ignore[assignment]
 
-    def __repr__(self):
+    def __repr__(self) -> str:
         return f"<{len(self)} {self.message.name}>"
 
-    def pack(self):
+    def pack(self) -> "Packed[AnyRecord]":
         """The messages in the compact arrangement."""
         return self._packed(_inspect.COMPACT)
 
-    def image(self):
+    def image(self) -> "Packed[AnyRecord]":
         """The messages in the fixed arrangement."""
         return self._packed(_inspect.FIXED)
 
-    def sent(self):
+    def sent(self) -> "Packed[AnyRecord]":
         """The messages as they are sent."""
         return self._packed(_inspect.AS_SENT)
 
@@ -110,29 +111,34 @@ class Array:
             raise _inspect.failure(result)
 
 
-class Packed:
+class Packed(Generic[AnyRecord]):
     """Messages one behind the other: `data` has their bytes, message i ends at ends[i]. packed[7] is the
     message at 7."""
 
     __slots__ = ("message", "data", "ends")
 
-    def __init__(self, message, data, ends):
+    def __init__(
+        self,
+        message: Type[AnyRecord],
+        data: "numpy.ndarray[Any, Any]",
+        ends: "numpy.ndarray[Any, Any]",
+    ):
         self.message = message
         self.data = data
         self.ends = ends
 
-    def __len__(self):
+    def __len__(self) -> int:
         return len(self.ends)
 
-    def __getitem__(self, at):
+    def __getitem__(self, at: int) -> bytes:
         at = range(len(self))[at]
         begin = int(self.ends[at - 1]) if at else 0
         return self.data[begin : int(self.ends[at])].tobytes()
 
-    def __repr__(self):
+    def __repr__(self) -> str:
         return f"<{len(self)} messages {self.message.name}, {len(self.data)} bytes>"
 
-    def unpack(self):
+    def unpack(self) -> Array[AnyRecord]:
         """Their records. Raises Rejected for the first message that receivers reject."""
         array = Array(self.message, numpy.empty(len(self), dtype(self.message)))
         done = c_size_t()
@@ -154,7 +160,9 @@ class Packed:
         return array
 
 
-def array(message, content):
+def array(
+    message: Type[AnyRecord], content: Union[SupportsIndex, Iterable[Union[AnyRecord, Mapping[str, Any]]]]
+) -> Array[AnyRecord]:
     """Records of a message: as many as `content` says, all zeros, or those of an iterable."""
     kind = dtype(message)
     try:
@@ -165,7 +173,7 @@ def array(message, content):
     return Array(message, numpy.zeros(count, kind))
 
 
-def packed(message, data, ends=None):
+def packed(message: Type[AnyRecord], data: Buffer, ends: Any = None) -> Packed[AnyRecord]:
     """Messages that lie one behind the other. Without `ends`: fixed images."""
     data = numpy.frombuffer(data, numpy.uint8)
     if ends is None:
