@@ -12,6 +12,7 @@ from .records import Field, Record, messages, unpack
 
 # Found when they are first asked for, so that importing the package is quick.
 _LATER = {
+    **dict.fromkeys(("Array", "Packed", "array", "packed"), "arrays"),
     **dict.fromkeys(("Candidate", "Explanation", "Verdict", "explain", "identify", "verify"), "inspection"),
     **dict.fromkeys(("Node", "PeerEvent", "PeerStatistics", "Received", "Statistics"), "node"),
     **dict.fromkeys(

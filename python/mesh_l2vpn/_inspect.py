@@ -67,6 +67,12 @@ verify = _declare("verify", c_int, c_void_p, c_char_p, c_size_t, POINTER(Fault))
 unpack = _declare("unpack", c_int, c_void_p, c_char_p, c_size_t, c_void_p)
 release = _declare("release", None, c_void_p, c_void_p)
 pack = _declare("pack", c_int, c_void_p, c_void_p, c_int, _text, POINTER(c_size_t))
+pack_many = _declare(
+    "pack_many", c_int, c_void_p, c_void_p, c_size_t, c_int, c_void_p, c_size_t, c_void_p, c_void_p
+)
+unpack_many = _declare(
+    "unpack_many", c_int, c_void_p, c_void_p, c_void_p, c_size_t, c_void_p, c_void_p
+)
 to_json = _declare("to_json", c_int, c_void_p, c_char_p, c_size_t, _text)
 record_to_json = _declare("record_to_json", c_int, c_void_p, c_void_p, _text)
 from_json = _declare(

@@ -1,10 +1,10 @@
 """What bytes are, whether receivers take them, and what every byte means."""
 import json
-from typing import NamedTuple
+from typing import List, NamedTuple, Optional, Type
 
 from . import _inspect
 from .errors import BadInput
-from .records import messages
+from .records import Buffer, Record, messages
 
 
 class Verdict(NamedTuple):
@@ -17,14 +17,14 @@ class Verdict(NamedTuple):
     path: str = ""
     text: str = ""
 
-    def __bool__(self):
+    def __bool__(self) -> bool:
         return self.accepted
 
 
 class Candidate(NamedTuple):
     """A message that bytes could be."""
 
-    message: type
+    message: Type[Record]
     fit: str
 
 
@@ -37,7 +37,7 @@ class Explanation(str):
         """The same as a web page."""
         return _explained(self._message, self._data, _inspect.HTML)
 
-    def _repr_html_(self):
+    def _repr_html_(self) -> str:
         from html import escape
 
         # In a frame: the page has styles and a script of its own.
@@ -49,7 +49,7 @@ def _explained(message, data, view):
     return _inspect.text(_inspect.explain, message._handle, data, len(data), view)
 
 
-def verify(data, message) -> Verdict:
+def verify(data: Buffer, message: Type[Record]) -> Verdict:
     """Whether receivers take these bytes as this message, or where and why not."""
     data = bytes(data)
     fault = _inspect.Fault()
@@ -63,7 +63,7 @@ def verify(data, message) -> Verdict:
     )
 
 
-def identify(data) -> "list[Candidate]":
+def identify(data: Buffer) -> List[Candidate]:
     """The messages that the bytes could be, those that fit best. Raises BadInput for bytes without a
     table."""
     data = bytes(data)
@@ -71,7 +71,7 @@ def identify(data) -> "list[Candidate]":
     return [Candidate(messages[fit["message"]], fit["fit"]) for fit in found["couldBe"]]
 
 
-def explain(data, message=None) -> Explanation:
+def explain(data: Buffer, message: Optional[Type[Record]] = None) -> Explanation:
     """What every byte means: as this message, or as the one that fits best."""
     data = bytes(data)
     if message is None:

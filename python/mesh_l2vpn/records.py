@@ -8,10 +8,13 @@ import json
 import reprlib
 from collections.abc import Iterable, Mapping, MutableSequence
 from operator import index
-from typing import NamedTuple, Optional
+from typing import ClassVar, Iterator, NamedTuple, Optional, Tuple, Type, TypeVar, Union
 
 from . import _inspect
-from .errors import BadInput, FieldError, Rejected, UnknownMessage, WrongUse
+from .errors import BadInput, FieldError, Rejected, UnknownMessage
+
+Buffer = Union[bytes, bytearray, memoryview]
+AnyRecord = TypeVar("AnyRecord", bound="Record")
 
 
 class Field(NamedTuple):
@@ -22,7 +25,7 @@ class Field(NamedTuple):
     size: int  # of a scalar, an array, a nested record, an item
     offset: int
     count_offset: Optional[int]
-    record: Optional[type]  # of a table, of a vector's items
+    record: "Optional[Type[Record]]"  # of a table, of a vector's items
 
 
 class Record:
@@ -31,19 +34,20 @@ class Record:
     __slots__ = ()
     __hash__ = None  # type: ignore[assignment]
 
-    name: str
-    identifier: int
-    service: str
-    sent_fixed: bool
-    fields: "tuple[Field, ...]"
+    name: ClassVar[str]
+    identifier: ClassVar[int]
+    service: ClassVar[str]
+    sent_fixed: ClassVar[bool]
+    record_size: ClassVar[int]
+    fields: ClassVar[Tuple[Field, ...]]
 
-    def __eq__(self, other):
+    def __eq__(self, other: object) -> bool:
         if self.__class__ is not other.__class__:
             return NotImplemented
         return self._values() == other._values()
 
     @reprlib.recursive_repr()
-    def __repr__(self):
+    def __repr__(self) -> str:
         """Fields that are not zero."""
         zero = self.__class__()
         shown = (
@@ -77,7 +81,7 @@ class Record:
         return _inspect.text(_inspect.record_to_json, self._handle, self._to_record(keep))
 
     @classmethod
-    def from_json(cls, text: str):
+    def from_json(cls: Type[AnyRecord], text: Union[str, Buffer]) -> AnyRecord:
         """The record of JSON: missing members are 0, numbers may be strings with 0x."""
         encoded = text.encode() if isinstance(text, str) else bytes(text)
         return unpack(
@@ -152,7 +156,7 @@ class Records(MutableSequence):
         return Records, (self._class, self._items)
 
 
-def unpack(data, message):
+def unpack(data: Buffer, message: Type[AnyRecord]) -> AnyRecord:
     """The record of a message's bytes. Raises Rejected for what receivers reject."""
     decode = message._decode_image
     if decode is not None:
@@ -262,7 +266,7 @@ def _final(cls, **_):
     raise TypeError("message classes cannot be derived from")
 
 
-class Messages(Mapping):
+class Messages(Mapping[Union[str, int], Type[Record]]):
     """The message classes by name, in the order of names. Also found by identifier."""
 
     def __init__(self):
@@ -270,14 +274,14 @@ class Messages(Mapping):
         self._handles = {_inspect.message_name(handle).decode(): handle for handle in handles}
         self._classes = {}
 
-    def __getitem__(self, key):
+    def __getitem__(self, key: Union[str, int]) -> Type[Record]:
         cls = self._classes.get(key)
         return self._make(key) if cls is None else cls
 
-    def __iter__(self):
+    def __iter__(self) -> Iterator[str]:
         return iter(self._handles)
 
-    def __len__(self):
+    def __len__(self) -> int:
         return len(self._handles)
 
     def __contains__(self, key):
