@@ -5,7 +5,8 @@
  *
  * The follower (node 2) asks the owner (node 1) for its table, with the question's number in
  * `extra`. The owner answers in one call with the same number, and later announces changes without
- * a number. If no answer comes, or something is damaged or missing, the follower asks again.
+ * a number. If no answer comes within a second, or something is damaged or missing, the follower
+ * asks again. It waits twice as long for each further answer.
  *
  * Anybody may ask the follower for its copy in the same way. It ends with SIGTERM.
  */
@@ -20,7 +21,7 @@
 #include "mesh_l2vpn/l2vpn_sync.h"
 #include "zarnimesh/node.h"
 
-enum { owner_address = 1, follower_address = 2, most_circuits = 1024, patience_ms = 300 };
+enum { owner_address = 1, follower_address = 2, most_circuits = 1024 };
 
 static volatile sig_atomic_t stopped;
 
@@ -29,6 +30,7 @@ static uint32_t count;
 
 static uint64_t question; /* the number of the latest one */
 static int64_t asked_at;
+static int64_t patience_ms = 1000;
 static bool is_in_step;
 static uint64_t answer; /* the call that answers the question; 0: none */
 
@@ -75,6 +77,7 @@ static void take(const mesh_received* received) {
     answer = received->sequence;
     count = 0;
     is_in_step = true;
+    patience_ms = 1000;
   }
   apply(received->record);
 }
@@ -112,6 +115,7 @@ int main(void) {
       return 1;
     }
     if (!is_in_step && now_ms() - asked_at >= patience_ms) {
+      patience_ms *= 2;
       ask();
     }
   }

@@ -4,12 +4,11 @@ FOLLOWER=build/follower pytest examples/test_follower.py
 """
 import os
 import subprocess
-from typing import Dict, Iterator, List
+from typing import Iterator, List
 
 import pytest
 
 import mesh_l2vpn as m
-from mesh_l2vpn.pytest_plugin import MeshNodes
 
 pytest_plugins = ["mesh_l2vpn.pytest_plugin"]
 
@@ -20,13 +19,13 @@ NEW = [m.l2vpn_sync_vpls_ac(f0=circuit, f1=2) for circuit in range(3)]
 
 
 @pytest.fixture
-def owner(mesh_nodes: MeshNodes) -> m.Node:
+def owner(mesh_nodes: m.MeshNodes) -> m.Node:
     """The node that the test plays."""
     return mesh_nodes(OWNER)
 
 
 @pytest.fixture
-def follower(mesh_nodes: MeshNodes, owner: m.Node) -> Iterator[None]:
+def follower(mesh_nodes: m.MeshNodes, owner: m.Node) -> Iterator[None]:
     """The process under test. Its node is in the directory of the test's nodes."""
     process = subprocess.Popen([os.environ["FOLLOWER"]], env=mesh_nodes.environment)
     yield

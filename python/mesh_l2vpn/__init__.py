@@ -25,6 +25,7 @@ _LATER = {
     **dict.fromkeys(
         ("CaptureError", "CaptureReader", "CaptureWriter", "Captured", "read_capture", "write_capture"), "captures"
     ),
+    "MeshNodes": "testing",
     "Table": "table",
 }
 

@@ -4,6 +4,7 @@ import ctypes
 import math
 import os
 import struct
+import sys
 import threading
 import time
 import warnings
@@ -21,7 +22,6 @@ from typing import (
     Mapping,
     NamedTuple,
     Optional,
-    Sequence,
     Tuple,
     Type,
     Union,
@@ -34,6 +34,10 @@ from .table import Table
 
 if TYPE_CHECKING:
     from types import TracebackType
+
+    from .arrays import Array, Packed
+
+    Messages = Union[Record, Table, Iterable[Union[Record, Table]], Array[Any], Packed[Any]]
 
 _OK = 0
 _NO_TIME = -1  # the node's options say how long a send waits; a receive waits for ever
@@ -151,6 +155,42 @@ def _transport(name: str, value: str) -> int:
     if value not in TRANSPORTS:
         raise BadArgument(f"{name}: {' or '.join(map(repr, TRANSPORTS))}, not {value!r}")
     return TRANSPORTS.index(value)
+
+
+def _described(values: "Messages") -> Tuple[bytes, int, Any]:
+    """The middleware's descriptors of messages, their number, and what they point to."""
+    arrays = sys.modules.get("mesh_l2vpn.arrays")
+    if arrays is not None and isinstance(values, (arrays.Array, arrays.Packed)):
+        packed = values.sent() if isinstance(values, arrays.Array) else values
+        return _described_array(packed), len(packed), packed
+    several: Any = [values] if isinstance(values, (Record, Table)) else values
+    try:
+        tables = [(value.identifier, value.sent()) for value in several]
+    except (AttributeError, TypeError) as error:
+        raise BadArgument(f"messages were expected: {error}") from error
+    data = b"".join([table for _, table in tables])
+    at = ctypes.cast(ctypes.c_char_p(data), ctypes.c_void_p).value or 0
+    words: List[int] = []
+    for identifier, table in tables:
+        words += at, identifier, len(table)
+        at += len(table)
+    try:
+        return struct.pack(_zarnimesh.DESCRIPTOR * len(tables), *words), len(tables), data
+    except struct.error as error:
+        raise BadArgument(f"identifiers have 32 bits: {error}") from error
+
+
+def _described_array(packed: "Packed[Any]") -> bytes:
+    import numpy
+
+    kind = numpy.dtype([("data", "u8"), ("identifier", "u4"), ("length", "u4")])
+    descriptors = numpy.empty(len(packed), kind)
+    begins = numpy.zeros(len(packed), numpy.uint64)
+    begins[1:] = packed.ends[:-1]
+    descriptors["data"] = begins + numpy.uint64(packed.data.ctypes.data)
+    descriptors["identifier"] = packed.message.identifier
+    descriptors["length"] = packed.ends - begins
+    return descriptors.tobytes()
 
 
 def _peer_hook(on_peer: Callable[[PeerEvent], None]) -> Any:
@@ -288,35 +328,22 @@ class Node:
     def send(
         self,
         destination: int,
-        values: Union[Record, Table, Iterable[Union[Record, Table]]],
+        values: "Messages",
         extra: int = 0,
         timeout: Optional[float] = None,
     ) -> None:
         """Sends one message, or several of any types in one call: all of them arrive, or none. A
-        table is sent as it is, for example a damaged one, or one of a capture.
+        table is sent as it is, for example a damaged one, or one of a capture. An array is sent without
+        a loop in Python.
 
         Waits for a receiver and for room: `timeout` seconds at most, or as the node's options say.
         """
         _whole("destination", destination, 0, 2**32 - 1)
         _whole("extra", extra, 0, 2**64 - 1)
         wait = _NO_TIME if timeout is None else _milliseconds("timeout", timeout, _LONGEST)
-        several = [values] if isinstance(values, (Record, Table)) else values
-        try:
-            tables = [(value.identifier, value.sent()) for value in several]
-        except (AttributeError, TypeError) as error:
-            raise BadArgument(f"messages were expected: {error}") from error
-        data = b"".join([table for _, table in tables])
-        at = ctypes.cast(ctypes.c_char_p(data), ctypes.c_void_p).value or 0
-        words: List[int] = []
-        for identifier, table in tables:
-            words += at, identifier, len(table)
-            at += len(table)
-        try:
-            descriptors = struct.pack(_zarnimesh.DESCRIPTOR * len(tables), *words)
-        except struct.error as error:
-            raise BadArgument(f"identifiers have 32 bits: {error}") from error
+        descriptors, count, _data = _described(values)
         result = self._library.mesh_node_send(
-            self._handle, destination, descriptors, len(tables), extra, wait
+            self._handle, destination, descriptors, count, extra, wait
         )
         if result != _OK:
             raise self._failure(result, f" to node {destination}")

@@ -82,7 +82,7 @@ class TestWritten:
     def test_tables_are_those_of_a_node(self, path, mesh_nodes):
         one, two = mesh_nodes(1), mesh_nodes(2)
         one.send(2, [update] * 3, extra=4)
-        arrived = list(two.receive(0.1))
+        arrived = [two.receive_one(timeout=20) for _ in range(3)]
         with m.write_capture(path) as capture:
             for received in arrived:
                 capture.write(received)
