@@ -1,5 +1,6 @@
 """Nodes: they send messages to each other, and to the nodes of C and C++ programs."""
 import asyncio
+import contextlib
 import ctypes
 import math
 import os
@@ -313,7 +314,8 @@ class Node:
         """
         if self._handle is None:
             return
-        result = self._library.mesh_node_close_counted(self._handle, self._last)
+        with self._alone():
+            result = self._library.mesh_node_close_counted(self._handle, self._last)
         if result not in (_OK, _zarnimesh.UNDELIVERED):
             raise self._failure(result)
         self._handle = None
@@ -442,9 +444,7 @@ class Node:
 
     def _take(self, wait: int) -> bool:
         """Takes one call of the middleware. Returns whether anything came."""
-        if not self._receiving.acquire(blocking=False):
-            raise Busy(f"node {self.address}: another thread is receiving")
-        try:
+        with self._alone():
             tables = self._tables
             result = 0
             # An exception of a signal handler may have left the tables of an earlier call.
@@ -456,9 +456,17 @@ class Node:
             if some:
                 self._arrived.extend(self._copied(tables))
                 self._library.mesh_node_free_tables(ctypes.byref(tables))
-            if result < 0:
-                raise self._failure(-result)
-            return some
+        if result < 0:
+            raise self._failure(-result)
+        return some
+
+    @contextlib.contextmanager
+    def _alone(self) -> Iterator[None]:
+        """While no other thread receives."""
+        if not self._receiving.acquire(blocking=False):
+            raise Busy(f"node {self.address}: another thread is receiving")
+        try:
+            yield
         finally:
             self._receiving.release()
 
