@@ -1,6 +1,5 @@
 """Nodes: they send messages to each other, and to the nodes of C and C++ programs."""
 import asyncio
-import contextlib
 import ctypes
 import math
 import os
@@ -460,15 +459,11 @@ class Node:
             raise self._failure(-result)
         return some
 
-    @contextlib.contextmanager
-    def _alone(self) -> Iterator[None]:
-        """While no other thread receives."""
-        if not self._receiving.acquire(blocking=False):
+    def _alone(self) -> threading.Lock:
+        """To be held while receiving. In a `with`, which signal handlers cannot leave locked."""
+        if self._receiving.locked():
             raise Busy(f"node {self.address}: another thread is receiving")
-        try:
-            yield
-        finally:
-            self._receiving.release()
+        return self._receiving
 
     def _copied(self, tables: _zarnimesh.Tables) -> List[Received]:
         now = time.time_ns()
