@@ -13,7 +13,8 @@ from .records import Field, Record, messages, unpack
 # Found when they are first asked for, so that importing the package is quick.
 _LATER = {
     **dict.fromkeys(("Array", "Packed", "array", "packed"), "arrays"),
-    **dict.fromkeys(("Candidate", "Explanation", "Verdict", "explain", "identify", "verify"), "inspection"),
+    **dict.fromkeys(("Candidate", "Explanation", "Verdict"), "inspection"),
+    **dict.fromkeys(("explain", "identify", "set_limit", "verify"), "inspection"),
 }
 
 
