@@ -12,21 +12,18 @@ from .records import Field, Record, messages, unpack
 
 # Found when they are first asked for, so that importing the package is quick.
 _LATER = {
-    **dict.fromkeys(("Array", "Packed", "array", "packed"), "arrays"),
-    **dict.fromkeys(("Candidate", "Explanation", "Verdict", "explain", "identify", "verify"), "inspection"),
-    **dict.fromkeys(("Node", "PeerEvent", "PeerStatistics", "Received", "Statistics"), "node"),
-    **dict.fromkeys(
-        ("AddressInUse", "BadArgument", "BadConfiguration", "Busy", "NoDestination", "NodeError"), "node_errors"
-    ),
-    **dict.fromkeys(
-        ("NodeOutOfMemory", "NotOpen", "NothingArrived", "QueueFull", "Refused", "SystemFailure", "Undelivered"),
-        "node_errors",
-    ),
-    **dict.fromkeys(
-        ("CaptureError", "CaptureReader", "CaptureWriter", "Captured", "read_capture", "write_capture"), "captures"
-    ),
-    "MeshNodes": "testing",
-    "Table": "table",
+    name: module
+    for module, names in {
+        "arrays": "Array Packed array packed",
+        "captures": "CaptureError CaptureReader CaptureWriter Captured read_capture write_capture",
+        "inspection": "Candidate Explanation Verdict explain identify set_limit verify",
+        "node": "Node PeerEvent PeerStatistics Received Statistics",
+        "node_errors": "AddressInUse BadArgument BadConfiguration Busy NoDestination NodeError"
+        " NodeOutOfMemory NotOpen NothingArrived QueueFull Refused SystemFailure Undelivered",
+        "table": "Table",
+        "testing": "MeshNodes",
+    }.items()
+    for name in names.split()
 }
 
 

@@ -84,6 +84,7 @@ schema = _declare("schema", c_int, c_void_p, _text)
 difference = _declare(
     "difference", c_int, c_void_p, c_char_p, c_size_t, c_char_p, c_size_t, _text
 )
+set_limit = _declare("set_limit", None, c_size_t)
 free = _declare("free", None, c_void_p)
 last_error = _declare("last_error", c_char_p)
 

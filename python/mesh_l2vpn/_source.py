@@ -1,14 +1,14 @@
 """The functions of a message class that touch every field, written out as source and compiled.
 
-A record is filled through a twin of its class that has the same slots and checks nothing. Then it is
-given its class. Filling it through the class would call a check for each field.
+A record is made as an instance of its class's base, which has the slots and checks nothing, and given
+its class when it is filled. Filling it through the class would call a check for each field.
 """
 import ctypes
 import struct
 import sys
 
 from . import _inspect
-from .records import Record, Records, checked
+from .records import Record, Records, checked, unpack_any
 
 _CODES = {1: "B", 2: "H", 4: "I", 8: "Q"}
 _POINTER = _CODES[ctypes.sizeof(ctypes.c_void_p)]
@@ -73,7 +73,8 @@ class _Writer:
 
     def __init__(self, name):
         self._file = f"<{name}>"
-        self.names = {"struct_error": struct.error}
+        # What struct raises for a value that does not fit.
+        self.names = {"errors": (struct.error, TypeError, OverflowError)}
 
     def function(self, signature, lines):
         source = f"def {signature}:\n" + "".join(f"    {line}\n" for line in lines)
@@ -82,49 +83,46 @@ class _Writer:
         return next(iter(found.values()))
 
 
-def _filled(cls, names, raws):
+def _filled(cls, names):
     """Source that makes the records of a record and of those within it, and source that finishes
     them, for values that are assigned in between."""
     begin, end = [], []
     for number, (path, table) in enumerate(_tables(cls)):
-        names[f"raw{number}"] = raws[table]
+        names[f"raw{number}"] = table.__base__
         names[f"class{number}"] = table
-        begin.append(f"{_owner(path)} = new(raw{number})")
+        begin.append(f"{_owner(path)} = raw{number}()")
+        if table._keeps_image:
+            begin.append(f"{_owner(path)}._image = None")
         if path:
             end.append(f"{_variable(path)} = {_owner(path)}")
         end.append(f"{_owner(path)}.__class__ = class{number}")
-    names["new"] = Record.__new__
     # A record is finished after those within it have been put into it.
     return begin, [line for line in end if " = self" in line and "__class__" not in line] + [
         line for line in end if "__class__" in line
     ]
 
 
-_RAW = {}
-
-
-def add_functions(cls, raw):
-    _RAW[cls] = raw
+def add_functions(cls):
     leaves = list(_leaves(cls))
     cls._block = ctypes.c_char * cls.record_size
     cls._owns_memory = any(leaf.count_offset is not None for leaf in leaves)
     writer = _Writer(cls.name)
-    cls.__new__ = _constructor(writer, cls, raw)
     cls._values = writer.function(
         "_values(self)", [f"return ({' '.join(f'self.{field.name},' for field in cls.fields)})"]
     )
     cls._to_record, cls._from_record = _record_functions(writer, cls, leaves)
-    cls._decode_image = None
+    cls._unpack = classmethod(unpack_any)
     if cls.sent_fixed:
         cls.image, decode = _image_functions(writer, cls, leaves)
-        cls._decode_image = staticmethod(decode)
+        cls._unpack = staticmethod(decode)
+    cls.__new__ = _constructor(writer, cls)
 
 
-def _constructor(writer, cls, raw):
+def _constructor(writer, cls):
     """Checks all scalars at once. One of them that does not fit is then found by its own check."""
     names = writer.names
-    names["raw"], names["checked"], names["Records"] = raw, checked, Records
-    names["new"], names["the_class"] = Record.__new__, cls
+    names["raw"], names["the_class"] = cls.__base__, cls
+    names["checked"], names["Records"], names["nothing"] = checked, Records, object()
     parameters, lines, scalars = ["cls"], [], []
     for field in cls.fields:
         name = field.name
@@ -132,8 +130,7 @@ def _constructor(writer, cls, raw):
         if field.kind == "scalar":
             parameters.append(f"{name}=0")
             scalars.append(field)
-            continue
-        if field.kind == "array":
+        elif field.kind == "array":
             names[f"zeros{field.size}"] = bytes(field.size)
             parameters.append(f"{name}=zeros{field.size}")
             lines.append(f"if {name}.__class__ is not bytes or len({name}) != {field.size}: {again}")
@@ -141,21 +138,21 @@ def _constructor(writer, cls, raw):
             parameters.append(f"{name}=b''")
             lines.append(f"if {name}.__class__ is not bytes: {again}")
         else:
-            names["nothing"] = nothing = names.get("nothing", object())
             names[f"item_{name}"] = field.record
             parameters.append(f"{name}=nothing")
             made = f"item_{name}()" if field.kind == "table" else f"Records(item_{name})"
             lines.append(f"if {name} is nothing: {name} = {made}")
             lines.append(f"elif {name}.__class__ is not item_{name}: {again}")
-    if scalars:
-        names["check"] = struct.Struct("=" + "".join(map(_code, scalars))).pack
-        values = ", ".join(field.name for field in scalars)
-        lines.append("try:")
-        lines.append(f"    check({values})")
-        lines.append("except (struct_error, TypeError):")
-        lines += [f"    {f.name} = checked(the_class, '{f.name}', {f.name})" for f in scalars]
-    lines.append("self = new(raw)")
+    values = ", ".join(field.name for field in scalars)
+    names["check"] = struct.Struct("=" + "".join(map(_code, scalars))).pack
+    # A record that keeps its image checks its scalars by writing it.
+    check = names["image_of"].replace("self.", "") if cls._keeps_image else f"check({values})"
+    lines += ["try:", f"    image = {check}", "except errors:", "    image = None"]
+    lines += [f"    {f.name} = checked(the_class, '{f.name}', {f.name})" for f in scalars]
+    lines.append("self = raw()")
     lines += [f"self.{field.name} = {field.name}" for field in cls.fields]
+    if cls._keeps_image:
+        lines.append("self._image = image")
     lines += ["self.__class__ = the_class", "return self"]
     return writer.function(f"__new__({', '.join(parameters)})", lines)
 
@@ -188,7 +185,7 @@ def _record_functions(writer, cls, leaves):
             after.append(f"{value} = items(item{number}, at{number}, count{number})")
     layout = _layout(cls.record_size, places)
     names["pack_record"], names["unpack_record"] = layout.pack, layout.unpack_from
-    begin, end = _filled(cls, names, _RAW)
+    begin, end = _filled(cls, names)
     to_record = writer.function(
         "_to_record(self, keep)",
         [
@@ -261,9 +258,9 @@ def _image_functions(writer, cls, leaves):
     for path, begin, length in [*values, (None, len(template), 0)]:
         if begin > at:
             name = f"constant{len(constants)}"
-            names[name] = template[at:begin]
             constants.append(name)
-            places.append((at, begin - at, f"{begin - at}s"))
+            # As a number where there is one of the size: quicker than a string.
+            places.append((at, begin - at, _CODES.get(begin - at, f"{begin - at}s")))
             arguments.append(name)
             targets.append("_" + name)
         if path is not None:
@@ -273,22 +270,26 @@ def _image_functions(writer, cls, leaves):
         at = begin + length
     layout = _layout(len(template), places)
     names["pack_image"], names["unpack_image"] = layout.pack, layout.unpack
-    image = writer.function(
-        "image(self)", [*_owners(cls), f"return pack_image({', '.join(arguments)})"]
-    )
+    found = dict(zip(targets, layout.unpack(template)))
+    names.update({name: found["_" + name] for name in constants})
+    names["image_of"] = image_of = f"pack_image({', '.join(arguments)})"
+    kept = ["image = self._image", "if image is not None: return image"] if cls._keeps_image else []
+    image = writer.function("image(self)", [*kept, *_owners(cls), f"return {image_of}"])
     image.__doc__ = Record.image.__doc__
-    begin, end = _filled(cls, names, _RAW)
+    begin, end = _filled(cls, names)
     decode = writer.function(
-        "_decode_image(data)",
+        "_unpack(data)",
         [
             *begin,
             "try:",
             f"    {', '.join(targets)} = unpack_image(data)",
-            "except struct_error:",
-            "    return None",
-            f"if {' or '.join(f'_{name} != {name}' for name in constants)}: return None",
+            "except errors:",
+            "    return unpack_any(the_class, data)",
+            f"if {' or '.join(f'_{name} != {name}' for name in constants)}:",
+            "    return unpack_any(the_class, data)",
             *end,
             "return self",
         ],
     )
+    names["unpack_any"], names["the_class"] = unpack_any, cls
     return image, decode

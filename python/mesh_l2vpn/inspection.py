@@ -82,3 +82,8 @@ def explain(data: Buffer, message: Optional[Type[Record]] = None) -> Explanation
     explanation = Explanation(_explained(message, data, _inspect.TEXT))
     explanation._message, explanation._data = message, data
     return explanation
+
+
+def set_limit(size: int) -> None:
+    """Bounds the memory of this thread's calls of the library, in bytes. 0: 64 MiB."""
+    _inspect.set_limit(size)

@@ -60,9 +60,6 @@ class Record:
     def __reduce__(self):
         return self.__class__, self._values()
 
-    def __delattr__(self, name):
-        raise AttributeError(f"a field of {self.name} cannot be deleted")
-
     def pack(self) -> bytes:
         """The message in the compact arrangement, as __pack writes it."""
         return self._packed(_inspect.COMPACT)
@@ -158,15 +155,10 @@ class Records(MutableSequence):
 
 def unpack(data: Buffer, message: Type[AnyRecord]) -> AnyRecord:
     """The record of a message's bytes. Raises Rejected for what receivers reject."""
-    decode = message._decode_image
-    if decode is not None:
-        record = decode(data)
-        if record is not None:
-            return record
-    return _unpack_any(data, message)
+    return message._unpack(data)
 
 
-def _unpack_any(data, message):
+def unpack_any(message, data):
     """By the library: whatever is no plain fixed image."""
     data = bytes(data)
     block = message._block()
@@ -260,6 +252,12 @@ def _set_field(self, name, value):
     if name not in cls._checks:
         raise AttributeError(f"{cls.name} has no field {name}")
     cls._setters[name](self, checked(cls, name, value))
+    if cls._keeps_image:
+        cls._setters["_image"](self, None)
+
+
+def _delete_field(self, name):
+    raise AttributeError(f"a field of {self.name} cannot be deleted")
 
 
 def _final(cls, **_):
@@ -324,20 +322,13 @@ class Messages(Mapping[Union[str, int], Type[Record]]):
             for slot in slots
         )
         names = tuple(field.name for field in fields)
-        members = {
-            "__slots__": names,
-            "__module__": __package__,
-            "__doc__": f"{description['wireText']}, identifier {description['identifier']}",
-        }
-        # A class without checks, which a new record has while it is filled: see _source.py.
-        raw = type(description["name"], (Record,), dict(members))
-        cls = type(
+        # The base has the slots and no checks: see _source.py.
+        base = type(
             description["name"],
             (Record,),
             {
-                **members,
-                "__setattr__": _set_field,
-                "__init_subclass__": classmethod(_final),
+                "__slots__": (*names, "_image"),
+                "__module__": __package__,
                 "__match_args__": names,
                 "name": description["name"],
                 "identifier": int(description["identifier"], 16),
@@ -346,11 +337,27 @@ class Messages(Mapping[Union[str, int], Type[Record]]):
                 "fields": fields,
                 "record_size": description["recordSize"],
                 "_handle": self._handles[description["name"]],
+                # Whether a record keeps the image that its constructor wrote. One with a record within it
+                # does not see that one change.
+                "_keeps_image": description["sent"] == "fixed"
+                and all(field.kind in ("scalar", "array") for field in fields),
                 "_checks": {field.name: _check_of(field) for field in fields},
             },
         )
-        cls._setters = {name: cls.__dict__[name].__set__ for name in names}
-        _source.add_functions(cls, raw)
+        cls = type(
+            description["name"],
+            (base,),
+            {
+                "__slots__": (),
+                "__module__": __package__,
+                "__doc__": f"{description['wireText']}, identifier {description['identifier']}",
+                "__setattr__": _set_field,
+                "__delattr__": _delete_field,
+                "__init_subclass__": classmethod(_final),
+                "_setters": {name: base.__dict__[name].__set__ for name in (*names, "_image")},
+            },
+        )
+        _source.add_functions(cls)
         return cls
 
 
