@@ -280,6 +280,8 @@ def _image_functions(writer, cls, leaves):
     decode = writer.function(
         "_unpack(data)",
         [
+            f"if len(data) != {len(template)}:",
+            "    return unpack_any(the_class, data)",
             *begin,
             "try:",
             f"    {', '.join(targets)} = unpack_image(data)",
