@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the Debian packages in build/packages and checks them with lintian.
+# Builds the Debian packages in build/packages, checks them with lintian, and runs the Python package from
+# what they unpack to.
 #
 #   tools/make-packages.sh
 set -euo pipefail
@@ -17,4 +18,13 @@ rm -f "$build"/*.deb
 as_anyone=()
 [ "$(id -u)" -ne 0 ] || as_anyone=(--allow-root)
 lintian "${as_anyone[@]}" --fail-on error "$build"/*.deb
+
+unpacked=$(mktemp -d)
+trap 'rm -rf "$unpacked"' EXIT
+for package in libmesh-l2vpn-inspect1 python3-mesh-l2vpn; do
+  dpkg -x "$build/$package"_*.deb "$unpacked"
+done
+libraries=("$unpacked"/usr/lib/*/libmesh_l2vpn_inspect.so.1)
+LD_LIBRARY_PATH=$(dirname "${libraries[0]}") PYTHONPATH=$unpacked/usr/lib/python3/dist-packages \
+  python3 -B -c 'import mesh_l2vpn as m; assert m.verify(m.l2vpn_sync_stp(7).pack(), m.l2vpn_sync_stp)'
 ls -l "$build"/*.deb

@@ -48,8 +48,12 @@ def load(variable: str, soname: str, package: str) -> ctypes.CDLL:
 library = load("MESH_L2VPN_INSPECT", SONAME, "libmesh-l2vpn-inspect1")
 
 
-def _declare(name, result, *parameters):
-    function = getattr(library, "mesh_l2vpn_" + name)
+# The same, with the interpreter's lock kept: for calls shorter than giving it back and taking it.
+_quick = ctypes.PyDLL(library._name)
+
+
+def _declare(name, result, *parameters, of=library):
+    function = getattr(of, "mesh_l2vpn_" + name)
     function.restype = result
     function.argtypes = parameters
     return function
@@ -64,9 +68,9 @@ message_name = _declare("message_name", c_char_p, c_void_p)
 message_id = _declare("message_id", c_uint32, c_void_p)
 message_record_size = _declare("message_record_size", c_size_t, c_void_p)
 verify = _declare("verify", c_int, c_void_p, c_char_p, c_size_t, POINTER(Fault))
-unpack = _declare("unpack", c_int, c_void_p, c_char_p, c_size_t, c_void_p)
-release = _declare("release", None, c_void_p, c_void_p)
-pack = _declare("pack", c_int, c_void_p, c_void_p, c_int, _text, POINTER(c_size_t))
+unpack = _declare("unpack", c_int, c_void_p, c_char_p, c_size_t, c_void_p, of=_quick)
+release = _declare("release", None, c_void_p, c_void_p, of=_quick)
+pack = _declare("pack", c_int, c_void_p, c_void_p, c_int, _text, POINTER(c_size_t), of=_quick)
 pack_many = _declare(
     "pack_many", c_int, c_void_p, c_void_p, c_size_t, c_int, c_void_p, c_size_t, c_void_p, c_void_p
 )
@@ -85,8 +89,8 @@ difference = _declare(
     "difference", c_int, c_void_p, c_char_p, c_size_t, c_char_p, c_size_t, _text
 )
 set_limit = _declare("set_limit", None, c_size_t)
-free = _declare("free", None, c_void_p)
-last_error = _declare("last_error", c_char_p)
+free = _declare("free", None, c_void_p, of=_quick)
+last_error = _declare("last_error", c_char_p, of=_quick)
 
 _EXCEPTIONS = {errno.EBADMSG: BadInput, errno.EINVAL: WrongUse, errno.ENOMEM: OutOfMemory}
 

@@ -5,7 +5,6 @@ its class when it is filled. Filling it through the class would call a check for
 """
 import ctypes
 import struct
-import sys
 
 from . import _inspect
 from .records import Record, Records, checked, unpack_any
@@ -84,22 +83,18 @@ class _Writer:
 
 
 def _filled(cls, names):
-    """Source that makes the records of a record and of those within it, and source that finishes
-    them, for values that are assigned in between."""
-    begin, end = [], []
+    """Source that makes a record and those within it, and source that puts them together once they are
+    filled. A record is finished last: from then on it checks what is set."""
+    begin, together, finish = [], [], []
     for number, (path, table) in enumerate(_tables(cls)):
-        names[f"raw{number}"] = table.__base__
-        names[f"class{number}"] = table
-        begin.append(f"{_owner(path)} = raw{number}()")
+        names[f"base{number}"], names[f"class{number}"] = table.__base__, table
+        begin.append(f"{_owner(path)} = base{number}()")
         if table._keeps_image:
             begin.append(f"{_owner(path)}._image = None")
         if path:
-            end.append(f"{_variable(path)} = {_owner(path)}")
-        end.append(f"{_owner(path)}.__class__ = class{number}")
-    # A record is finished after those within it have been put into it.
-    return begin, [line for line in end if " = self" in line and "__class__" not in line] + [
-        line for line in end if "__class__" in line
-    ]
+            together.append(f"{_variable(path)} = {_owner(path)}")
+        finish.append(f"{_owner(path)}.__class__ = class{number}")
+    return begin, [*together, *finish]
 
 
 def add_functions(cls):
@@ -121,7 +116,7 @@ def add_functions(cls):
 def _constructor(writer, cls):
     """Checks all scalars at once. One of them that does not fit is then found by its own check."""
     names = writer.names
-    names["raw"], names["the_class"] = cls.__base__, cls
+    names["base"], names["the_class"] = cls.__base__, cls
     names["checked"], names["Records"], names["nothing"] = checked, Records, object()
     parameters, lines, scalars = ["cls"], [], []
     for field in cls.fields:
@@ -149,7 +144,7 @@ def _constructor(writer, cls):
     check = names["image_of"].replace("self.", "") if cls._keeps_image else f"check({values})"
     lines += ["try:", f"    image = {check}", "except errors:", "    image = None"]
     lines += [f"    {f.name} = checked(the_class, '{f.name}', {f.name})" for f in scalars]
-    lines.append("self = raw()")
+    lines.append("self = base()")
     lines += [f"self.{field.name} = {field.name}" for field in cls.fields]
     if cls._keeps_image:
         lines.append("self._image = image")
@@ -172,7 +167,7 @@ def _record_functions(writer, cls, leaves):
         arguments[leaf.count_offset] = f"len({value})"
         arguments[leaf.offset] = f"at{number}"
         targets[leaf.count_offset], targets[leaf.offset] = f"count{number}", f"at{number}"
-        names["string_at"], names["address"], names["Records"] = ctypes.string_at, _address, Records
+        names["string_at"], names["address"] = ctypes.string_at, _address
         if field.kind == "bytes":
             before.append(f"at{number} = address({value}, keep)")
             after.append(f"{value} = string_at(at{number}, count{number})")
@@ -280,6 +275,8 @@ def _image_functions(writer, cls, leaves):
     decode = writer.function(
         "_unpack(data)",
         [
+            f"if len(data) != {len(template)}:",
+            "    return unpack_any(the_class, data)",
             *begin,
             "try:",
             f"    {', '.join(targets)} = unpack_image(data)",

@@ -4,7 +4,7 @@ from typing import List, NamedTuple, Optional, Type
 
 from . import _inspect
 from .errors import BadInput
-from .records import Buffer, Record, messages
+from .records import Buffer, Record, judged, messages
 
 
 class Verdict(NamedTuple):
@@ -51,16 +51,8 @@ def _explained(message, data, view):
 
 def verify(data: Buffer, message: Type[Record]) -> Verdict:
     """Whether receivers take these bytes as this message, or where and why not."""
-    data = bytes(data)
-    fault = _inspect.Fault()
-    found = _inspect.verify(message._handle, data, len(data), fault)
-    return Verdict(
-        found != _inspect.REJECTED,
-        found == _inspect.TOLERATED,
-        fault.position,
-        fault.path.decode("utf-8", "replace"),
-        fault.text.decode("utf-8", "replace"),
-    )
+    verdict, *fault = judged(bytes(data), message)
+    return Verdict(verdict != _inspect.REJECTED, verdict == _inspect.TOLERATED, *fault)
 
 
 def identify(data: Buffer) -> List[Candidate]:

@@ -174,9 +174,14 @@ def unpack_any(message, data):
 
 
 def rejection(data, message):
+    return Rejected(message.name, *judged(data, message)[1:])
+
+
+def judged(data, message):
+    """What receivers do with the bytes; the first byte at fault, the field's path, what is wrong."""
     fault = _inspect.Fault()
-    _inspect.verify(message._handle, data, len(data), fault)
-    return Rejected(message.name, fault.position, fault.path.decode(), fault.text.decode())
+    verdict = _inspect.verify(message._handle, data, len(data), fault)
+    return verdict, fault.position, fault.path.decode(), fault.text.decode(errors="replace")
 
 
 def _kind(value):
@@ -290,7 +295,9 @@ class Messages(Mapping[Union[str, int], Type[Record]]):
 
     @staticmethod
     def _name(identifier):
-        handle = _inspect.message_by_id(identifier) if isinstance(identifier, int) else None
+        if not isinstance(identifier, int) or not 0 <= identifier < 1 << 32:
+            return None
+        handle = _inspect.message_by_id(identifier)
         return handle and _inspect.message_name(handle).decode()
 
     def _make(self, key):

@@ -95,9 +95,11 @@ def message(request):
 
 @pytest.fixture
 def page_programs():
-    """The programs of docs/python.md."""
-    page = os.path.join(RELEASES, "..", "..", "docs", "python.md")
-    with open(page, encoding="utf-8") as text:
-        programs = [block.split("```")[0] for block in text.read().split("```python\n")[1:]]
-    assert programs
+    """The programs of README.md and docs/python.md."""
+    programs = []
+    for page in ("README.md", "docs/python.md"):
+        with open(os.path.join(RELEASES, "..", "..", page), encoding="utf-8") as text:
+            found = [block.split("```")[0] for block in text.read().split("```python\n")[1:]]
+        assert found, page
+        programs += found
     return programs
