@@ -80,7 +80,9 @@ mesh_l2vpn_deb(python python3-mesh-l2vpn python
   "python3 (>= 3.9)${inspect_package}"
   "messages of the Layer-2 VPN feature from Python"
   "Packs, unpacks, verifies and explains Layer-2 VPN messages, one by one and"
-  "as numpy arrays, with stubs for editors and type checkers.")
+  "as numpy arrays, with stubs for editors and type checkers. Reads and writes"
+  "captures. With mesh-l2vpn-workstation it sends and receives messages, and"
+  "has a fixture for tests with pytest.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-numpy)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS mesh-l2vpn-workstation)

@@ -21,10 +21,19 @@ lintian "${as_anyone[@]}" --fail-on error "$build"/*.deb
 
 unpacked=$(mktemp -d)
 trap 'rm -rf "$unpacked"' EXIT
-for package in libmesh-l2vpn-inspect1 python3-mesh-l2vpn; do
+for package in libmesh-l2vpn-inspect1 mesh-l2vpn-workstation python3-mesh-l2vpn; do
   dpkg -x "$build/$package"_*.deb "$unpacked"
 done
 libraries=("$unpacked"/usr/lib/*/libmesh_l2vpn_inspect.so.1)
 LD_LIBRARY_PATH=$(dirname "${libraries[0]}") PYTHONPATH=$unpacked/usr/lib/python3/dist-packages \
-  python3 -B -c 'import mesh_l2vpn as m; assert m.verify(m.l2vpn_sync_stp(7).pack(), m.l2vpn_sync_stp)'
+  /usr/bin/python3 -B - "$unpacked" <<'END'
+import sys
+import mesh_l2vpn as m
+
+stp = m.l2vpn_sync_stp(7)
+assert m.verify(stp.pack(), m.l2vpn_sync_stp)
+with m.Node(1, runtime_directory=sys.argv[1] + "/nodes") as node:
+    node.send(1, stp)
+    assert node.receive_one(timeout=10).record == stp
+END
 ls -l "$build"/*.deb

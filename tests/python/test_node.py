@@ -621,6 +621,22 @@ class TestPeers:
             time.sleep(0.01)
         assert changes[0] == m.PeerEvent("up", 1, 0, 0)
 
+    def test_are_told_to_a_function_that_may_fail(self, mesh_nodes, monkeypatch):
+        def fail(event):
+            raise ValueError(event.change)
+
+        failures = []
+        monkeypatch.setattr(sys, "unraisablehook", lambda one: failures.append(str(one.exc_value)))
+        one, two = mesh_nodes(1), mesh_nodes(2, on_peer=fail)
+        one.send(2, update)
+        take(two, 1)
+        end = time.monotonic() + 10
+        while not failures and time.monotonic() < end:
+            time.sleep(0.01)
+        assert failures[0] == "up"
+        one.send(2, update)
+        assert two.receive_one(timeout=20).record == update
+
     def test_may_be_more_than_a_few(self, mesh_nodes):
         node = mesh_nodes(1)
         others = [mesh_nodes(address) for address in range(2, 42)]
