@@ -1,7 +1,8 @@
 """Many records of one message: C records side by side in a numpy array, packed and unpacked in one call."""
 from ctypes import byref, c_size_t
+from functools import lru_cache
 from operator import index
-from typing import Any, Generic, Iterable, Mapping, SupportsIndex, Type, Union
+from typing import Any, Generic, Iterable, Iterator, Mapping, SupportsIndex, Type, Union, overload
 
 from . import _inspect
 from .errors import BadInput, LibraryMissing, Rejected, WrongUse
@@ -13,6 +14,7 @@ except ImportError:
     raise LibraryMissing("arrays need numpy: install the Debian package python3-numpy") from None
 
 
+@lru_cache(maxsize=None)
 def dtype(message: Type[Record]) -> "numpy.dtype[Any]":
     """The C record as numpy knows it: scalars, byte strings as rows of bytes, records within it."""
     formats = []
@@ -47,6 +49,18 @@ class Array(Generic[AnyRecord]):
 
     def __len__(self) -> int:
         return len(self.records)
+
+    def __iter__(self) -> Iterator[AnyRecord]:
+        return (self[at] for at in range(len(self)))
+
+    @overload
+    def __getitem__(self, key: str) -> "numpy.ndarray[Any, Any]": ...
+
+    @overload
+    def __getitem__(self, key: slice) -> "Array[AnyRecord]": ...
+
+    @overload
+    def __getitem__(self, key: int) -> AnyRecord: ...
 
     def __getitem__(self, key: Union[str, slice, int]) -> Any:
         if isinstance(key, str):
@@ -85,7 +99,7 @@ class Array(Generic[AnyRecord]):
         return self._packed(_inspect.AS_SENT)
 
     def _packed(self, form):
-        records = numpy.ascontiguousarray(self.records)
+        records = numpy.ascontiguousarray(self.records, dtype(self.message))
         ends = numpy.empty(len(records), numpy.uintp)
         if form == _inspect.COMPACT or not self.message.sent_fixed:
             self._call(records, form, None, 0, ends)
@@ -140,13 +154,18 @@ class Packed(Generic[AnyRecord]):
 
     def unpack(self) -> Array[AnyRecord]:
         """Their records. Raises Rejected for the first message that receivers reject."""
-        array = Array(self.message, numpy.empty(len(self), dtype(self.message)))
+        # Both may have been changed since: the library reads where the ends say.
+        data = numpy.ascontiguousarray(self.data, numpy.uint8)
+        ends = numpy.ascontiguousarray(self.ends, numpy.uintp)
+        if len(ends) and int(ends.max()) > len(data):
+            raise WrongUse(f"a message ends at {int(ends.max())}, the data at {len(data)}")
+        array = Array(self.message, numpy.empty(len(ends), dtype(self.message)))
         done = c_size_t()
         result = _inspect.unpack_many(
             self.message._handle,
-            self.data.ctypes.data,
-            self.ends.ctypes.data,
-            len(self),
+            data.ctypes.data,
+            ends.ctypes.data,
+            len(ends),
             array.records.ctypes.data,
             byref(done),
         )
@@ -181,7 +200,4 @@ def packed(message: Type[AnyRecord], data: Buffer, ends: Any = None) -> Packed[A
         if len(data) % length:
             raise BadInput(f"{len(data)} bytes are no whole number of images of {length} bytes")
         ends = numpy.arange(length, len(data) + 1, length)
-    ends = numpy.ascontiguousarray(ends, numpy.uintp)
-    if len(ends) and int(ends.max()) > len(data):
-        raise WrongUse(f"a message ends at {int(ends.max())}, the data at {len(data)}")
-    return Packed(message, data, ends)
+    return Packed(message, data, numpy.asarray(ends, numpy.uintp))

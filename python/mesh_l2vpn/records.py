@@ -5,7 +5,6 @@ are set. Functions that touch every field are written out as Python source for e
 as dataclasses do it.
 """
 import json
-import reprlib
 from collections.abc import Iterable, Mapping, MutableSequence
 from operator import index
 from typing import ClassVar, Iterator, NamedTuple, Optional, Tuple, Type, TypeVar, Union
@@ -46,7 +45,6 @@ class Record:
             return NotImplemented
         return self._values() == other._values()
 
-    @reprlib.recursive_repr()
     def __repr__(self) -> str:
         """Fields that are not zero."""
         zero = self.__class__()

@@ -80,7 +80,7 @@ def test_first_rejected_message_is_named():
 def test_ends_are_checked():
     data = m.array(m.l2vpn_sync_stp, 2).image().data
     with pytest.raises(m.WrongUse, match="a message ends at 81, the data at 80"):
-        m.packed(m.l2vpn_sync_stp, data, [40, 81])
+        m.packed(m.l2vpn_sync_stp, data, [40, 81]).unpack()
     with pytest.raises(m.WrongUse, match="its end lies before its beginning"):
         m.packed(m.l2vpn_sync_stp, data, [40, 39]).unpack()
     with pytest.raises(m.BadInput, match="no whole number of images"):

@@ -56,6 +56,7 @@ def test_mypy_finds_what_does_not_fit(tmp_path):
         "m.l2vpn_sync_vpls_ac_update().f1.f8 + 1": "Unsupported operand types",
         "m.unpack(b'', m.l2vpn_sync_stp).f99": 'has no attribute "f99"',
         "m.l2vpn_sync_stp.from_json('{}').f99": 'has no attribute "f99"',
+        "m.array(m.l2vpn_sync_stp, 1)[0].f99": 'has no attribute "f99"',
     }
     file = tmp_path / "wrong.py"
     file.write_text("import mesh_l2vpn as m\n" + "\n".join(wrong) + "\n")
