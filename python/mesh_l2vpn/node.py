@@ -161,8 +161,7 @@ def _described(values: "Messages") -> Tuple[bytes, int, Any]:
     """The middleware's descriptors of messages, their number, and what they point to."""
     arrays = sys.modules.get("mesh_l2vpn.arrays")
     if arrays is not None and isinstance(values, (arrays.Array, arrays.Packed)):
-        packed = values.sent() if isinstance(values, arrays.Array) else values
-        return _described_array(packed), len(packed), packed
+        return _described_array(values.sent() if isinstance(values, arrays.Array) else values)
     several: Any = [values] if isinstance(values, (Record, Table)) else values
     try:
         tables = [(value.identifier, value.sent()) for value in several]
@@ -180,17 +179,22 @@ def _described(values: "Messages") -> Tuple[bytes, int, Any]:
         raise BadArgument(f"identifiers have 32 bits: {error}") from error
 
 
-def _described_array(packed: "Packed[Any]") -> bytes:
+def _described_array(packed: "Packed[Any]") -> Tuple[bytes, int, Any]:
     import numpy
 
+    data = numpy.ascontiguousarray(packed.data, numpy.uint8)
+    ends = numpy.ascontiguousarray(packed.ends, numpy.uint64)
+    begins = numpy.zeros_like(ends)
+    begins[1:] = ends[:-1]
+    # They may have been changed: the middleware reads where they say.
+    if (begins > ends).any() or (len(ends) and int(ends[-1]) > len(data)):
+        raise BadArgument("the messages do not end in order, within their data")
     kind = numpy.dtype([("data", "u8"), ("identifier", "u4"), ("length", "u4")])
-    descriptors = numpy.empty(len(packed), kind)
-    begins = numpy.zeros(len(packed), numpy.uint64)
-    begins[1:] = packed.ends[:-1]
-    descriptors["data"] = begins + numpy.uint64(packed.data.ctypes.data)
+    descriptors = numpy.empty(len(ends), kind)
+    descriptors["data"] = begins + numpy.uint64(data.ctypes.data)
     descriptors["identifier"] = packed.message.identifier
-    descriptors["length"] = packed.ends - begins
-    return descriptors.tobytes()
+    descriptors["length"] = ends - begins
+    return descriptors.tobytes(), len(ends), data
 
 
 def _peer_hook(on_peer: Callable[[PeerEvent], None]) -> Any:

@@ -175,6 +175,9 @@ class TestMessages:
         assert {(received.extra, received.sequence) for received in arrived} == {(3, 1)}
         node.send(1, array.pack())
         assert [received.record for received in take(node, 100)] == list(array)
+        for ends in ([10, 5], [2**40], [len(array.pack().data) + 1], [2**64 - 1, 8]):
+            with pytest.raises(m.BadArgument):
+                node.send(1, m.packed(m.l2vpn_sync_vpls_ac, bytes(array.pack().data), ends))
         node.send(1, array[:0])
         node.send(1, stp)
         assert node.receive_one(timeout=20).sequence == 4
