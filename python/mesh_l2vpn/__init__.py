@@ -17,9 +17,10 @@ _LATER = {
         "arrays": "Array Packed array packed",
         "captures": "CaptureError CaptureReader CaptureWriter Captured read_capture write_capture",
         "inspection": "Candidate Explanation Verdict explain identify set_limit verify",
-        "node": "Node PeerEvent PeerStatistics Received Statistics",
+        "node": "Node Received",
         "node_errors": "AddressInUse BadArgument BadConfiguration Busy NoDestination NodeError"
         " NodeOutOfMemory NotOpen NothingArrived QueueFull Refused SystemFailure Undelivered",
+        "node_statistics": "PeerEvent PeerStatistics Statistics",
         "table": "Table",
         "testing": "MeshNodes",
     }.items()

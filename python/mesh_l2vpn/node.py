@@ -4,7 +4,6 @@ import ctypes
 import math
 import os
 import struct
-import sys
 import threading
 import time
 import warnings
@@ -16,93 +15,31 @@ from typing import (
     AsyncIterator,
     Callable,
     Deque,
-    Iterable,
     Iterator,
     List,
     Mapping,
-    NamedTuple,
     Optional,
     Tuple,
     Type,
     Union,
 )
 
-from . import _zarnimesh
+from . import _arguments, _zarnimesh
+from ._arguments import milliseconds, whole
+from ._descriptors import described
 from .node_errors import BadArgument, Busy, NodeError, NothingArrived, Undelivered
-from .records import Record
+from .node_statistics import PEER, STATISTICS, PeerEvent, PeerStatistics, Statistics, peer, peer_hook
 from .table import Table
 
 if TYPE_CHECKING:
     from types import TracebackType
 
-    from .arrays import Array, Packed
-
-    Messages = Union[Record, Table, Iterable[Union[Record, Table]], Array[Any], Packed[Any]]
+    from ._descriptors import Messages
 
 _OK = 0
 _NO_TIME = -1  # the node's options say how long a send waits; a receive waits for ever
 _RECEIVED = struct.Struct(_zarnimesh.RECEIVED)
 _LONGEST = 2**31 - 1  # milliseconds of a call
-
-TRANSPORTS = ("ipc", "inproc")
-CHANGES = ("up", "down", "restarted", "gap", "high water", "low water")
-
-
-class Statistics(NamedTuple):
-    """A node's counters since it was opened, as zarnimesh/node.h explains them."""
-
-    sent_calls: int
-    sent_records: int
-    sent_bytes: int
-    failed_no_destination: int
-    failed_queue_full: int
-    failed_refused: int
-    failed_other: int
-    received_calls: int
-    received_records: int
-    received_bytes: int
-    malformed: int
-    unknown_identifiers: int
-    lost_calls: int
-    missed_before_first: int
-    duplicate_calls: int
-    undelivered_calls: int
-    unconfirmed_calls: int
-    discarded_calls: int
-    refused_connections: int
-
-
-class PeerStatistics(NamedTuple):
-    """What a node knows of one peer."""
-
-    address: int
-    connected: bool
-    incarnation: int
-    last_heard: Optional[float]  # seconds ago; None: never
-    sent_calls: int
-    sent_bytes: int
-    unconfirmed_calls: int
-    most_unconfirmed_calls: int
-    undelivered_calls: int
-    received_calls: int
-    received_bytes: int
-    waiting_calls: int
-    most_waiting_calls: int
-    lost_calls: int
-    missed_before_first: int
-
-
-class PeerEvent(NamedTuple):
-    """A change of a peer. `first` and `last` are the missing calls of a "gap"."""
-
-    change: str  # one of CHANGES
-    address: int
-    first: int
-    last: int
-
-
-_STATISTICS = struct.Struct(f"{len(Statistics._fields)}Q")
-_PEER = struct.Struct("II13Q")
 
 
 class Received(Table):
@@ -116,93 +53,6 @@ class Received(Table):
     """Of the call, from 1, for each incarnation and destination. A call's messages share it."""
     after_gap: bool
     """Calls before this one did not arrive."""
-
-
-def _whole(name: str, value: int, least: int, most: int) -> int:
-    if isinstance(value, bool) or not isinstance(value, int):
-        raise BadArgument(f"{name}: an int was expected, not {type(value).__name__}")
-    if not least <= value <= most:
-        raise BadArgument(f"{name}: a number from {least} to {most} was expected, not {value}")
-    return value
-
-
-def _milliseconds(name: str, value: float, most: int = 2**32 - 1) -> int:
-    """Rounds up: a short wait must not become none."""
-    if isinstance(value, bool) or not isinstance(value, (int, float)):
-        raise BadArgument(f"{name}: seconds were expected, not {type(value).__name__}")
-    if not 0 <= value <= most / 1000:
-        raise BadArgument(f"{name}: 0 to {most / 1000} seconds were expected, not {value}")
-    return min(math.ceil(value * 1000), most)
-
-
-def _text(name: str, value: Union[str, "os.PathLike[str]"]) -> bytes:
-    if not isinstance(value, (str, os.PathLike)):
-        raise BadArgument(f"{name}: a text was expected, not {type(value).__name__}")
-    encoded = os.fsencode(value)
-    if b"\0" in encoded:
-        raise BadArgument(f"{name}: it has a zero byte")
-    return encoded
-
-
-def _book(name: str, value: Union[str, Mapping[int, str]]) -> bytes:
-    if not isinstance(value, Mapping):
-        return _text(name, value)
-    lines = (f"{_whole(name, address, 0, 2**32 - 1)} {end}" for address, end in value.items())
-    return _text(name, "\n".join(lines))
-
-
-def _transport(name: str, value: str) -> int:
-    if value not in TRANSPORTS:
-        raise BadArgument(f"{name}: {' or '.join(map(repr, TRANSPORTS))}, not {value!r}")
-    return TRANSPORTS.index(value)
-
-
-def _described(values: "Messages") -> Tuple[bytes, int, Any]:
-    """The middleware's descriptors of messages, their number, and what they point to."""
-    arrays = sys.modules.get("mesh_l2vpn.arrays")
-    if arrays is not None and isinstance(values, (arrays.Array, arrays.Packed)):
-        return _described_array(values.sent() if isinstance(values, arrays.Array) else values)
-    several: Any = [values] if isinstance(values, (Record, Table)) else values
-    try:
-        tables = [(value.identifier, value.sent()) for value in several]
-    except (AttributeError, TypeError) as error:
-        raise BadArgument(f"messages were expected: {error}") from error
-    data = b"".join([table for _, table in tables])
-    at = ctypes.cast(ctypes.c_char_p(data), ctypes.c_void_p).value or 0
-    words: List[int] = []
-    for identifier, table in tables:
-        words += at, identifier, len(table)
-        at += len(table)
-    try:
-        return struct.pack(_zarnimesh.DESCRIPTOR * len(tables), *words), len(tables), data
-    except struct.error as error:
-        raise BadArgument(f"identifiers have 32 bits: {error}") from error
-
-
-def _described_array(packed: "Packed[Any]") -> Tuple[bytes, int, Any]:
-    import numpy
-
-    data = numpy.ascontiguousarray(packed.data, numpy.uint8)
-    ends = numpy.ascontiguousarray(packed.ends, numpy.uint64)
-    begins = numpy.zeros_like(ends)
-    begins[1:] = ends[:-1]
-    # They may have been changed: the middleware reads where they say.
-    if (begins > ends).any() or (len(ends) and int(ends[-1]) > len(data)):
-        raise BadArgument("the messages do not end in order, within their data")
-    kind = numpy.dtype([("data", "u8"), ("identifier", "u4"), ("length", "u4")])
-    descriptors = numpy.empty(len(ends), kind)
-    descriptors["data"] = begins + numpy.uint64(data.ctypes.data)
-    descriptors["identifier"] = packed.message.identifier
-    descriptors["length"] = ends - begins
-    return descriptors.tobytes(), len(ends), data
-
-
-def _peer_hook(on_peer: Callable[[PeerEvent], None]) -> Any:
-    def tell(at: int, _user: Any) -> None:
-        event = _zarnimesh.PeerEvent.from_address(at)
-        on_peer(PeerEvent(CHANGES[event.change], event.address, event.first, event.last))
-
-    return _zarnimesh.PeerHook(tell)
 
 
 def _close(handle: ctypes.c_void_p, address: int, last: Any, _hook: Any) -> int:
@@ -237,19 +87,19 @@ class Node:
         io_threads: Optional[int] = None,
         on_peer: Optional[Callable[[PeerEvent], None]] = None,
     ) -> None:
-        self.address = _whole("address", address, 0, 2**32 - 1)
+        self.address = whole("address", address, 0, 2**32 - 1)
         self._library = _zarnimesh.library()
         options = _zarnimesh.Options()
         self._library.mesh_node_options_default(ctypes.byref(options))
         for field, name, value, check in (
-            ("transport", "transport", transport, _transport),
-            ("address_book", "address_book", address_book, _book),
-            ("runtime_directory", "runtime_directory", runtime_directory, _text),
-            ("key_file", "key_file", key_file, _text),
-            ("connect_timeout_ms", "connect_timeout", connect_timeout, _milliseconds),
-            ("send_timeout_ms", "send_timeout", send_timeout, _milliseconds),
-            ("linger_ms", "linger", linger, _milliseconds),
-            ("heartbeat_ms", "heartbeat", heartbeat, _milliseconds),
+            ("transport", "transport", transport, _arguments.transport),
+            ("address_book", "address_book", address_book, _arguments.book),
+            ("runtime_directory", "runtime_directory", runtime_directory, _arguments.text),
+            ("key_file", "key_file", key_file, _arguments.text),
+            ("connect_timeout_ms", "connect_timeout", connect_timeout, milliseconds),
+            ("send_timeout_ms", "send_timeout", send_timeout, milliseconds),
+            ("linger_ms", "linger", linger, milliseconds),
+            ("heartbeat_ms", "heartbeat", heartbeat, milliseconds),
         ):
             if value is not None:
                 setattr(options, field, check(name, value))  # type: ignore[operator]
@@ -261,10 +111,10 @@ class Node:
             ("io_threads", io_threads, 64),
         ):
             if number is not None:
-                setattr(options, name, _whole(name, number, 1, most))
+                setattr(options, name, whole(name, number, 1, most))
         if on_peer is not None and not callable(on_peer):
             raise BadArgument(f"on_peer: a function was expected, not {type(on_peer).__name__}")
-        hook = None if on_peer is None else _peer_hook(on_peer)
+        hook = None if on_peer is None else peer_hook(on_peer)
         if hook is not None:
             options.peer = hook
 
@@ -275,7 +125,7 @@ class Node:
         if result != _OK:
             raise _zarnimesh.failure(result, f"node {self.address}")
         self._handle: Optional[ctypes.c_void_p] = handle
-        self._last = ctypes.create_string_buffer(_STATISTICS.size)
+        self._last = ctypes.create_string_buffer(STATISTICS.size)
         self._forgotten = weakref.finalize(
             self, _close, handle, self.address, self._last, hook
         )
@@ -343,10 +193,10 @@ class Node:
 
         Waits for a receiver and for room: `timeout` seconds at most, or as the node's options say.
         """
-        _whole("destination", destination, 0, 2**32 - 1)
-        _whole("extra", extra, 0, 2**64 - 1)
-        wait = _NO_TIME if timeout is None else _milliseconds("timeout", timeout, _LONGEST)
-        descriptors, count, _data = _described(values)
+        whole("destination", destination, 0, 2**32 - 1)
+        whole("extra", extra, 0, 2**64 - 1)
+        wait = _NO_TIME if timeout is None else milliseconds("timeout", timeout, _LONGEST)
+        descriptors, count, _data = described(values)
         result = self._library.mesh_node_send(
             self._handle, destination, descriptors, count, extra, wait
         )
@@ -371,7 +221,7 @@ class Node:
 
         What is not taken from the iterator comes with the next one.
         """
-        wait = _NO_TIME if timeout is None else _milliseconds("timeout", timeout, _LONGEST)
+        wait = _NO_TIME if timeout is None else milliseconds("timeout", timeout, _LONGEST)
         return self._receive(wait)
 
     def receive_one(self, timeout: float = 1.0) -> Received:
@@ -494,37 +344,29 @@ class Node:
         """The counters; after close() the final ones."""
         counters = self._last
         if self._handle is not None:
-            counters = ctypes.create_string_buffer(_STATISTICS.size)
+            counters = ctypes.create_string_buffer(STATISTICS.size)
             result = self._library.mesh_node_stats(self._handle, counters)
             if result != _OK:
                 raise self._failure(result)
-        return Statistics._make(_STATISTICS.unpack(counters.raw))
+        return Statistics._make(STATISTICS.unpack(counters.raw))
 
     def peers(self) -> List[PeerStatistics]:
         """The peers, in the order of their addresses."""
         count = ctypes.c_uint32(16)
         while True:
             capacity = count.value
-            buffer = ctypes.create_string_buffer(capacity * _PEER.size)
+            buffer = ctypes.create_string_buffer(capacity * PEER.size)
             result = self._library.mesh_node_peers(
                 self._handle, buffer, capacity, ctypes.byref(count)
             )
             if result != _OK:
                 raise self._failure(result)
             if count.value <= capacity:
-                used = buffer.raw[: count.value * _PEER.size]
-                return [_peer(*words) for words in _PEER.iter_unpack(used)]
+                used = buffer.raw[: count.value * PEER.size]
+                return [peer(*words) for words in PEER.iter_unpack(used)]
 
     def _failure(self, result: int, more: str = "") -> NodeError:
         return _zarnimesh.failure(result, f"node {self.address}{more}")
-
-
-def _peer(
-    address: int, connected: int, incarnation: int, last_heard_ms: int, *counts: int
-) -> PeerStatistics:
-    never = last_heard_ms == 2**64 - 1
-    heard = None if never else last_heard_ms / 1000
-    return PeerStatistics(address, bool(connected), incarnation, heard, *counts)
 
 
 def _wake(sleeper: "asyncio.Future[None]") -> None:

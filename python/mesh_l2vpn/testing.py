@@ -3,8 +3,9 @@ import os
 import time
 from typing import Any, Dict, List
 
-from .node import Node, Statistics
+from .node import Node
 from .node_errors import NodeError
+from .node_statistics import Statistics
 
 DIRECTORY_VARIABLE = "ZARNIMESH_RUNTIME_DIR"
 

@@ -75,7 +75,8 @@ def test_examples_pass_mypy(tmp_path, page_programs):
 
 
 def test_nodes_and_captures_pass_mypy(tmp_path):
-    names = ("captures", "node", "node_errors", "pytest_plugin", "table", "testing", "_zarnimesh")
+    names = ["captures", "node", "node_errors", "node_statistics", "pytest_plugin", "table", "testing"]
+    names += ["_arguments", "_descriptors", "_zarnimesh"]
     files = [os.path.join(PACKAGE, name + ".py") for name in names]
     follower = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../examples/test_follower.py")
     assert "Success" in mypy(tmp_path, *files, follower)
