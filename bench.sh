@@ -3,10 +3,11 @@
 # serialisation libraries, and what the workstation's middleware costs beside raw ZeroMQ. Prints the
 # tables. Takes about nine minutes on a quiet machine.
 #
-#   ./bench.sh [--quick] [--transport] [--document] [FILTER]
+#   ./bench.sh [--quick] [--transport | --python] [--document] [FILTER]
 #
 #   --quick      a minute or two, good for a first look and not for conclusions
 #   --transport  only the middleware, four minutes
+#   --python     only the Python package, beside python3-protobuf and python3-msgpack, two minutes
 #   --document   also writes the plots in docs/ and the results of docs/transport-performance.md
 #   FILTER       a regular expression over the names of the operations' cases,
 #                group/message/operation:
@@ -20,21 +21,31 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=5 transport_seconds=0.15
-operations=true document=false
+operations=true document=false python_alone=false
 while [[ ${1:-} == --* ]]; do
   case $1 in
     --quick) runs=1 seconds=0.002 loads=11 transport_runs=1 transport_seconds=0.05 ;;
     --transport) operations=false ;;
+    --python) python_alone=true ;;
     --document) document=true ;;
     *) break ;;
   esac
   shift
 done
 if [ $# -gt 1 ] || [[ ${1:-} == -* ]]; then
-  echo "Usage: ./bench.sh [--quick] [--transport] [--document] [FILTER]" >&2
+  echo "Usage: ./bench.sh [--quick] [--transport | --python] [--document] [FILTER]" >&2
   exit 2
 fi
 filter=${1:-}
+
+if $python_alone; then
+  tools/setup.sh g++ cmake ninja-build nlohmann-json3-dev python3-numpy python3-protobuf python3-msgpack
+  cmake -S . -B build/bench -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
+  cmake --build build/bench --target mesh_l2vpn_python
+  quick=()
+  [ "$runs" -gt 1 ] || quick=(--quick)
+  PYTHONPATH=build/bench/python exec /usr/bin/python3 -B bench/python_bench.py "${quick[@]}"
+fi
 
 tools/setup.sh g++ cmake ninja-build binutils libbenchmark-dev libzmq3-dev python3
 if $operations; then

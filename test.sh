@@ -22,14 +22,16 @@ if [ $# -eq 0 ]; then
   cat <<END
 Installed in $installed s, built in $((built - installed)) s, tested in $((SECONDS - built)) s.
 Left out: clang++ with its sanitizers, the benchmark's round trips, zsh, browser and Wireshark where
-they are not installed, the Debian packages, the reference, 64-bit ARM, the fuzzers. Run them with
+they are not installed, the Python package without pytest and hypothesis, the Debian packages, the
+reference, 64-bit ARM, the fuzzers. Run them with
   ./test.sh --all && fuzz/run.sh
 END
   exit 0
 fi
 
 tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh xxd bsdextrautils tshark chromium \
-  chromium-driver python3-selenium python3-jsonschema gdb systemtap-sdt-dev
+  chromium-driver python3-selenium python3-jsonschema gdb systemtap-sdt-dev python3-pytest \
+  python3-hypothesis mypy python3-numpy
 presets=("$@")
 [ "$1" != --all ] || presets=(release asan tsan-threads msan)
 for preset in "${presets[@]}"; do

@@ -7,6 +7,7 @@
 #   workstation   the workstation's middleware and host services, with headers and package files, and
 #                 the program that makes its keys
 #   tools         the programs
+#   python        the Python package; needs inspect
 #
 # Everything finds everything else by relative paths, so an installed tree may be moved.
 include(CMakePackageConfigHelpers)

@@ -5,6 +5,7 @@
 #   libmesh-l2vpn-dev        development
 #   mesh-l2vpn-workstation   workstation
 #   mesh-l2vpn-tools         tools
+#   python3-mesh-l2vpn       python
 #
 # Configure with -DCMAKE_INSTALL_PREFIX=/usr, so that files go where Debian has them.
 set(MESH_L2VPN_MAINTAINER "mesh_l2vpn maintainers <maintainers@mesh-l2vpn.invalid>" CACHE STRING
@@ -30,6 +31,9 @@ if(TARGET mesh_l2vpn_inspect)
 endif()
 if(TARGET zarnimesh)
   list(APPEND CPACK_COMPONENTS_ALL workstation)
+endif()
+if(TARGET mesh_l2vpn_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -72,6 +76,16 @@ mesh_l2vpn_deb(tools mesh-l2vpn-tools utils ""
   "mesh-l2vpn decodes, encodes, explains, sends and records messages;"
   "mesh-l2vpn-catalogue lists every message with its fields, sizes and"
   "fingerprint.")
+mesh_l2vpn_deb(python python3-mesh-l2vpn python
+  "python3 (>= 3.9)${inspect_package}"
+  "messages of the Layer-2 VPN feature from Python"
+  "Packs, unpacks, verifies and explains Layer-2 VPN messages, one by one and"
+  "as numpy arrays, with stubs for editors and type checkers. Reads and writes"
+  "captures. With mesh-l2vpn-workstation it sends and receives messages, and"
+  "has a fixture for tests with pytest.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-numpy)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS mesh-l2vpn-workstation)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
     ${PROJECT_BINARY_DIR}/package/shlibs ${PROJECT_BINARY_DIR}/package/triggers)
 file(WRITE ${PROJECT_BINARY_DIR}/package/shlibs

@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "inspect/bytes/text.hpp"
 #include "inspect/json/raw_table.hpp"
 #include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/messages/image_plan.hpp"
 #include "inspect/reader/acceptance.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/schema/compatibility.hpp"
@@ -83,6 +85,66 @@ void expectAccepted(const mesh_l2vpn_message& message, std::span<const uint8_t> 
   }
 }
 
+// Fills the record, or leaves zeros. Returns what it points to.
+uint64_t unpackInto(const mesh_l2vpn_message& message, std::span<const uint8_t> bytes,
+                    uint8_t* record) {
+  std::memset(record, 0, message.schema().size);
+  expectAccepted(message, bytes);
+  try {
+    return inspect::decodeInto(message, bytes, record);
+  } catch (const Failure&) {
+    inspect::releaseParts(message.schema(), record);
+    std::memset(record, 0, message.schema().size);
+    throw;
+  }
+}
+
+// While it lives, a call has only the memory that is left of its limit.
+class LimitOfTheRest {
+ public:
+  explicit LimitOfTheRest(uint64_t taken) { inspect::memoryLimit -= taken; }
+  LimitOfTheRest(const LimitOfTheRest&) = delete;
+  LimitOfTheRest& operator=(const LimitOfTheRest&) = delete;
+  ~LimitOfTheRest() { inspect::memoryLimit = limit_; }
+
+ private:
+  uint64_t limit_ = inspect::memoryLimit;
+};
+
+void expectForm(mesh_l2vpn_form form) {
+  expect(form >= MESH_L2VPN_AS_SENT && form <= MESH_L2VPN_COMPACT, "no such form");
+}
+
+// The plan of a message's fixed images, for a form that is one.
+std::optional<inspect::ImagePlan> imagePlan(const mesh_l2vpn_message& message,
+                                            mesh_l2vpn_form form) {
+  std::optional<inspect::ImagePlan> plan;
+  if (message.isSentFixed() && form != MESH_L2VPN_COMPACT) {
+    plan.emplace(message.schema());
+  }
+  return plan;
+}
+
+// Calls each(0), each(1), ... and tells how many came back.
+template <typename Each>
+int forMany(size_t count, size_t* done, const char* what, Each each) {
+  size_t index = 0;
+  const int result = guarded([&] {
+    try {
+      for (; index < count; ++index) {
+        each(index);
+      }
+    } catch (const Failure& failure) {
+      throw Failure(failure.cause(),
+                    std::string(what) + std::to_string(index) + ": " + failure.what());
+    }
+  });
+  if (done != nullptr) {
+    *done = index;
+  }
+  return result;
+}
+
 struct Release {
   void operator()(void* block) const { std::free(block); }
 };
@@ -90,7 +152,7 @@ struct Release {
 // `taken`: what the call has taken of its memory before.
 void handOutMessage(const mesh_l2vpn_message& message, const uint8_t* record, mesh_l2vpn_form form,
                     uint64_t taken, uint8_t** data, size_t* size) {
-  expect(form >= MESH_L2VPN_AS_SENT && form <= MESH_L2VPN_COMPACT, "no such form");
+  expectForm(form);
   const auto chosen = static_cast<inspect::Form>(form);
   const uint32_t needed = inspect::encodedSize(message, record, chosen);
   if (taken + needed > inspect::memoryLimit) {
@@ -189,17 +251,33 @@ int mesh_l2vpn_unpack(const mesh_l2vpn_message* message, const void* data, size_
                       void* record) {
   return guarded([&] {
     expectPointers(message, data, record);
-    const auto bytes = bytesOf(data, length);
-    auto* const into = static_cast<uint8_t*>(record);
-    std::memset(into, 0, message->schema().size);
-    expectAccepted(*message, bytes);
-    try {
-      inspect::decodeInto(*message, bytes, into);
-    } catch (const Failure&) {
-      inspect::releaseParts(message->schema(), into);
-      std::memset(into, 0, message->schema().size);
-      throw;
+    unpackInto(*message, bytesOf(data, length), static_cast<uint8_t*>(record));
+  });
+}
+
+int mesh_l2vpn_unpack_many(const mesh_l2vpn_message* message, const void* data, const size_t* ends,
+                           size_t count, void* records, size_t* done) {
+  std::optional<inspect::ImagePlan> plan;
+  const int result = guarded([&] {
+    expectPointers(message, data, ends, records);
+    plan = imagePlan(*message, MESH_L2VPN_AS_SENT);
+  });
+  if (result != 0) {
+    return result;
+  }
+  const auto* const from = static_cast<const uint8_t*>(data);
+  auto* into = static_cast<uint8_t*>(records);
+  size_t begin = 0;
+  uint64_t taken = 0;
+  return forMany(count, done, "message ", [&](size_t index) {
+    expect(ends[index] >= begin, "its end lies before its beginning");
+    const std::span bytes(from + begin, ends[index] - begin);
+    if (!plan || !plan->read(into, bytes)) {
+      const LimitOfTheRest limit(taken);
+      taken += unpackInto(*message, bytes, into);
     }
+    begin = ends[index];
+    into += message->schema().size;
   });
 }
 
@@ -214,6 +292,39 @@ int mesh_l2vpn_pack(const mesh_l2vpn_message* message, const void* record, mesh_
   return guarded([&] {
     expectPointers(message, record, data, size);
     handOutMessage(*message, static_cast<const uint8_t*>(record), form, 0, data, size);
+  });
+}
+
+int mesh_l2vpn_pack_many(const mesh_l2vpn_message* message, const void* records, size_t count,
+                         mesh_l2vpn_form form, void* buffer, size_t room, size_t* ends,
+                         size_t* done) {
+  std::optional<inspect::ImagePlan> plan;
+  const int result = guarded([&] {
+    expectPointers(message, records, ends);
+    expectForm(form);
+    plan = imagePlan(*message, form);
+  });
+  if (result != 0) {
+    return result;
+  }
+  const auto* from = static_cast<const uint8_t*>(records);
+  auto* const into = static_cast<uint8_t*>(buffer);
+  size_t begin = 0;
+  const auto chosen = static_cast<inspect::Form>(form);
+  return forMany(count, done, "record ", [&](size_t index) {
+    const size_t size = plan ? plan->length() : inspect::encodedSize(*message, from, chosen);
+    if (into != nullptr) {
+      expect(size <= room - begin, "the buffer has no room for its message");
+      if (plan) {
+        plan->write(into + begin, from);
+      } else {
+        std::memset(into + begin, 0, size);
+        inspect::encodeInto(into + begin, *message, from, chosen);
+      }
+    }
+    begin += size;
+    ends[index] = begin;
+    from += message->schema().size;
   });
 }
 

@@ -57,6 +57,47 @@ TEST_P(Node, CopiesTablesBeforeReturning) {
   EXPECT_EQ(notes[0].text, "before");
 }
 
+TEST_P(Node, HandsOutTablesUndecoded) {
+  constexpr uint32_t unknownId = 0x7777;
+  const OpenNode node = open(1, options());
+  const char text[] = "abcdef";
+  const auto at = reinterpret_cast<uintptr_t>(text);
+  const mesh_msg_desc descriptors[] = {{at, noteId, 1}, {at + 1, unknownId, 3}, {at, noteId, 0}};
+  ASSERT_EQ(MESH_SendToMsg(1, descriptors, 3, 77), MESH_OK);
+  mesh_tables tables;
+  ASSERT_EQ(mesh_node_receive_tables(node, 5000, &tables), 3) << mesh_node_last_error();
+  ASSERT_EQ(tables.count, 3u);
+  for (size_t index = 0; index < 3; ++index) {
+    const mesh_received& received = tables.received[index];
+    EXPECT_EQ(received.msg_id, descriptors[index].msg_id);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(received.table), received.table_length),
+              std::string(reinterpret_cast<const char*>(descriptors[index].data),
+                          descriptors[index].length));
+    EXPECT_EQ(received.record, nullptr);
+    EXPECT_EQ(received.record_size, 0u);
+    EXPECT_EQ(received.source, 1u);
+    EXPECT_EQ(received.extra, 77u);
+    EXPECT_EQ(received.sequence, 1u);
+  }
+  mesh_node_free_tables(&tables);
+  EXPECT_EQ(tables.count, 0u);
+  EXPECT_EQ(notesOut(), 0);
+  const mesh_node_statistics counted = statisticsOf(node);
+  EXPECT_EQ(counted.received_records, 3u);
+  EXPECT_EQ(counted.unknown_identifiers, 0u);
+}
+
+TEST_P(Node, HandsOutNoTablesAfterATimeoutOrWrongUse) {
+  const OpenNode node = open(1, options());
+  mesh_tables tables{.received = nullptr, .count = 9, .owner = nullptr};
+  EXPECT_EQ(mesh_node_receive_tables(node, 0, &tables), 0);
+  EXPECT_EQ(tables.count, 0u);
+  mesh_node_free_tables(&tables);
+  EXPECT_EQ(mesh_node_receive_tables(node, 0, nullptr), -int64_t{MESH_BAD_ARGUMENT});
+  EXPECT_EQ(mesh_node_receive_tables(nullptr, 0, &tables), -int64_t{MESH_NOT_OPEN});
+  mesh_node_free_tables(nullptr);
+}
+
 TEST_P(Node, AcceptsACallWithoutTables) {
   const OpenNode node = open(1, options());
   ASSERT_EQ(MESH_SendMsg(1, nullptr, 0), MESH_OK);

@@ -94,6 +94,23 @@ typedef enum mesh_l2vpn_form {
 MESH_L2VPN_INSPECT_API int mesh_l2vpn_pack(const mesh_l2vpn_message* message, const void* record,
                                            mesh_l2vpn_form form, uint8_t** data, size_t* size);
 
+/** The messages of `count` records that lie one behind the other, into the caller's `buffer` of
+ * `room` bytes, one behind the other: message i ends at ends[i]. A null buffer: writes `ends`
+ * alone. EBADMSG for the first record that cannot be encoded, EINVAL for the first that finds no
+ * room; `*done`, which may be null, is how many were encoded before it. */
+MESH_L2VPN_INSPECT_API int mesh_l2vpn_pack_many(const mesh_l2vpn_message* message,
+                                                const void* records, size_t count,
+                                                mesh_l2vpn_form form, void* buffer, size_t room,
+                                                size_t* ends, size_t* done);
+
+/** Fills `count` records that lie one behind the other, from messages that do: message i ends at
+ * ends[i]. EBADMSG for the first message that receivers reject, EINVAL for ends that go back;
+ * `*done`, which may be null, is how many records were filled before it. What a record that was
+ * filled points to is given back by mesh_l2vpn_release. All of it together counts for the limit. */
+MESH_L2VPN_INSPECT_API int mesh_l2vpn_unpack_many(const mesh_l2vpn_message* message,
+                                                  const void* data, const size_t* ends,
+                                                  size_t count, void* records, size_t* done);
+
 /** The record in a message, or a record, as JSON on one line: an object with a member for each
  * field, scalars as numbers, byte strings as hexadecimal digits, runs as arrays. */
 MESH_L2VPN_INSPECT_API int mesh_l2vpn_to_json(const mesh_l2vpn_message* message, const void* data,

@@ -220,6 +220,22 @@ mesh_result mesh_node_send(mesh_node* node, uint32_t destination, const mesh_msg
 int64_t mesh_node_receive_any(mesh_node* const* nodes, uint32_t count, int32_t timeout_ms,
                               mesh_record_handler handler, void* user);
 
+/* The tables of one message, as they were sent. */
+typedef struct mesh_tables {
+  const mesh_received* received; /* `count` of them, in order; each has a null `record` */
+  uint64_t count;
+  void* owner; /* of the memory; the library's */
+} mesh_tables;
+
+/* As mesh_node_receive, but decodes nothing and calls no hook: `*out` gets the tables of one
+ * message, also those of unknown identifiers. Returns their number, or a negated mesh_result. The
+ * caller frees `*out` with mesh_node_free_tables. After MESH_OUT_OF_MEMORY it holds the tables
+ * before the one that found no memory; those behind it come with the next receive. */
+int64_t mesh_node_receive_tables(mesh_node* node, int32_t timeout_ms, mesh_tables* out);
+
+/* Frees what mesh_node_receive_tables handed out, and empties `*tables`. */
+void mesh_node_free_tables(mesh_tables* tables);
+
 /* A descriptor for poll(), owned by the node: it becomes readable when something may have arrived.
  * It tells of changes only: call mesh_node_receive with a timeout of 0 until `pending`, if not
  * null, is 0, and then wait. Negated mesh_result on failure. */

@@ -38,6 +38,31 @@ using namespace zarnimesh;
   return MESH_OK;
 }
 
+// What mesh_node_receive_tables hands out.
+struct Tables {
+  std::vector<mesh_received> received;
+  std::vector<uint8_t> bytes;
+};
+
+// A mesh_record_handler. The bytes move while they grow: `table` is set at the end.
+void collect(const mesh_received* received, void* user) {
+  auto& tables = *static_cast<Tables*>(user);
+  tables.bytes.insert(tables.bytes.end(), received->table,
+                      received->table + received->table_length);
+  tables.received.push_back(*received);
+}
+
+void handOut(std::unique_ptr<Tables> tables, mesh_tables& out) {
+  const uint8_t* table = tables->bytes.data();
+  for (mesh_received& received : tables->received) {
+    received.table = table;
+    table += received.table_length;
+  }
+  out.received = tables->received.data();
+  out.count = tables->received.size();
+  out.owner = tables.release();
+}
+
 // Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
@@ -195,6 +220,32 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive_any(mesh_node* const* handles, uint32
                         delivered);
   });
   return result == MESH_OK ? delivered : -int64_t{result};
+}
+
+ZARNIMESH_EXPORT int64_t mesh_node_receive_tables(mesh_node* handle, int32_t timeout_ms,
+                                                  mesh_tables* out) {
+  int64_t delivered = 0;
+  std::unique_ptr<Tables> tables;
+  const mesh_result result = guarded([&] {
+    if (out == nullptr) {
+      return fail(MESH_BAD_ARGUMENT, "out is null");
+    }
+    *out = {};
+    tables = std::make_unique<Tables>();
+    return receiveAt(handle, timeout_ms,
+                     {.function = collect, .user = tables.get(), .decodes = false}, delivered);
+  });
+  if (tables != nullptr && !tables->received.empty()) {
+    handOut(std::move(tables), *out);
+  }
+  return result == MESH_OK ? delivered : -int64_t{result};
+}
+
+ZARNIMESH_EXPORT void mesh_node_free_tables(mesh_tables* tables) {
+  if (tables != nullptr) {
+    delete static_cast<Tables*>(tables->owner);
+    *tables = {};
+  }
 }
 
 ZARNIMESH_EXPORT int32_t mesh_node_descriptor(mesh_node* handle, uint32_t* pending) {

@@ -115,22 +115,24 @@ int64_t Receiver::deliver(const Handler& handler) {
     const uint8_t* const table = table_;
     table_ += entry.length;
     ++entry_;
-    if (!findHook(entry.id)) {
+    if (handler.decodes && !findHook(entry.id)) {
       statistics_.unknownIdentifiers.add(1);
       if (settings_.unknown != nullptr) {
         settings_.unknown(header.source, entry.id, table, entry.length, settings_.unknownUser);
       }
       continue;
     }
-    recordSize_ = hook_.unpack(table, entry.length, area_.data());
-    recordOut_ = true;
+    if (handler.decodes) {
+      recordSize_ = hook_.unpack(table, entry.length, area_.data());
+      recordOut_ = true;
+    }
     ++delivered;
     statistics_.receivedRecords.add(1);
     if (handler.function != nullptr) {
       const mesh_received received{.source = header.source,
                                    .msg_id = entry.id,
-                                   .record = area_.data(),
-                                   .record_size = recordSize_,
+                                   .record = handler.decodes ? area_.data() : nullptr,
+                                   .record_size = handler.decodes ? recordSize_ : 0,
                                    .table_length = entry.length,
                                    .table = table,
                                    .extra = header.extra,

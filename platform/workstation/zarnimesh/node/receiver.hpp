@@ -18,6 +18,7 @@ namespace zarnimesh {
 struct Handler {
   mesh_record_handler function;  // may be null
   void* user;
+  bool decodes = true;  // false: it gets tables without records, of all identifiers
 };
 
 // `settings`, `statistics` and `events` must outlive it.
