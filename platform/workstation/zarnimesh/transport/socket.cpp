@@ -43,14 +43,11 @@ Socket watchEvents(void* context, Socket& watched, int events) {
 
 std::string routeName(uint64_t route) {
   std::string name(routeSize, '\0');
-  writeRoute(route, reinterpret_cast<uint8_t*>(name.data()));
-  return name;
-}
-
-void writeRoute(uint64_t route, uint8_t* to) {
-  for (size_t i = 0; i < routeSize; ++i) {
-    to[i] = static_cast<uint8_t>(route >> (8 * i));
+  for (char& byte : name) {
+    byte = static_cast<char>(route);
+    route >>= 8;
   }
+  return name;
 }
 
 std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
@@ -62,6 +59,12 @@ std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
     route |= uint64_t{name[i]} << (8 * i);
   }
   return route;
+}
+
+bool sendTo(uint64_t route, MessagePart& message, Socket& socket) {
+  const std::string name = routeName(route);
+  return zmq_send(socket.handle(), name.data(), name.size(), ZMQ_DONTWAIT | ZMQ_SNDMORE) >= 0 &&
+         zmq_msg_send(message.raw(), socket.handle(), ZMQ_DONTWAIT) >= 0;
 }
 
 void stopWatching(Socket& watched, Socket& watcher) {
