@@ -52,7 +52,7 @@ mesh_result Node::close(mesh_node_statistics& last) {
   receiver_.close();
   last = statistics_.read();
   last.undelivered_calls = undelivered;
-  events_.deliver();
+  tellOfPeers();
   return result;
 }
 
@@ -69,6 +69,12 @@ mesh_result Node::send(uint32_t destination, const mesh_msg_desc* descriptors, u
 void Node::tend() {
   sender_.tend();
   receiver_.tend();
+  tellOfPeers();
+}
+
+// While a hook waited for room, the thread would look after no node.
+void Node::tellOfPeers() {
+  const InHandler marked;
   events_.deliver();
 }
 

@@ -43,6 +43,8 @@ class Node {
   PeerTable peers();
 
  private:
+  void tellOfPeers();
+
   Settings settings_;
   Statistics statistics_;
   PeerEvents events_;

@@ -11,23 +11,6 @@
 #include "zarnimesh/node/in_handler.hpp"
 
 namespace zarnimesh {
-namespace {
-
-// Marks the thread while it runs handlers.
-class InHandler {
- public:
-  [[gnu::always_inline]] InHandler() : outer_(isInHandler() ? handlerFrame() : nullptr) {
-    handlerFrame() = static_cast<const char*>(__builtin_frame_address(0));
-  }
-  ~InHandler() { handlerFrame() = outer_; }
-  InHandler(const InHandler&) = delete;
-  InHandler& operator=(const InHandler&) = delete;
-
- private:
-  const char* const outer_;
-};
-
-}  // namespace
 
 mesh_result Receiver::open(std::shared_ptr<Context> context) {
   const mesh_result result = area_.map();

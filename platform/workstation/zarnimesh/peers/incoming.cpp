@@ -74,7 +74,7 @@ Incoming::Arrival Incoming::take(std::span<IncomingCall> calls, size_t& taken) {
   if (taken > 0) {
     return Arrival::Call;
   }
-  if (zmq_errno() == EAGAIN || zmq_errno() == EINTR) {
+  if (zmq_errno() == EAGAIN) {
     return Arrival::Nothing;
   }
   static_cast<void>(failFromTransport("receive"));
@@ -82,16 +82,15 @@ Incoming::Arrival Incoming::take(std::span<IncomingCall> calls, size_t& taken) {
 }
 
 bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
-  void* const socket = listener_.socket().handle();
   isCall = false;
-  drained_ = zmq_msg_recv(route_.raw(), socket, ZMQ_DONTWAIT) < 0;
+  drained_ = !takePart(route_, listener_.socket());
   if (drained_) {
     return false;
   }
   // A message arrives whole. Its parts after the first are not ours.
   size_t parts = 0;
   for (bool more = route_.more(); more; more = call.message.more()) {
-    if (zmq_msg_recv(call.message.raw(), socket, ZMQ_DONTWAIT) < 0) {
+    if (!takePart(call.message, listener_.socket())) {
       break;
     }
     ++parts;

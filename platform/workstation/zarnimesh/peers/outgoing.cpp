@@ -191,11 +191,11 @@ void Outgoing::takeStates(std::vector<Destination*>& restarted) {
   for (;;) {
     MessagePart route;
     MessagePart message;
-    if (zmq_msg_recv(route.raw(), socket_.handle(), ZMQ_DONTWAIT) < 0) {
+    if (!takePart(route, socket_)) {
       break;
     }
     bool more = route.more();
-    while (more && zmq_msg_recv(message.raw(), socket_.handle(), ZMQ_DONTWAIT) >= 0) {
+    while (more && takePart(message, socket_)) {
       more = message.more();
     }
     if (const auto number = readRoute({route.data(), route.size()})) {
