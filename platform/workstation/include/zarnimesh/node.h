@@ -77,8 +77,8 @@ typedef struct mesh_peer_event {
   uint64_t to;
 } mesh_peer_event;
 
-/* Called from the library's own thread, one call at a time; from mesh_node_close for the last events.
- * It may send, but not close a node. As in a handler, a send does not wait for room. */
+/* Called from the library's own thread, one call at a time; from mesh_node_close for the last
+ * events. It may send, but not close a node. As in a handler, a send does not wait for room. */
 typedef void (*mesh_peer_hook)(const mesh_peer_event* event, void* user);
 
 /* mesh_node_options_default fills in the defaults (given below). mesh_node_open reads the texts and
