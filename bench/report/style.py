@@ -2,6 +2,7 @@
 
 import base64
 import io
+import re
 
 import matplotlib
 from matplotlib import pyplot
@@ -38,6 +39,7 @@ pyplot.rcParams.update({
     "axes.grid": True, "axes.axisbelow": True, "grid.color": GRID, "grid.linewidth": 0.8,
     "xtick.color": INK, "ytick.color": INK, "xtick.labelsize": 9, "ytick.labelsize": 9,
     "legend.frameon": False, "figure.facecolor": "white", "svg.hashsalt": "mesh_l2vpn",
+    "svg.fonttype": "none",
 })
 
 
@@ -65,10 +67,22 @@ def label_ends(axes, ends):
 
 
 def svg(figure):
-    buffer = io.BytesIO()
-    figure.savefig(buffer, format="svg", bbox_inches="tight", metadata={"Date": None})
+    buffer = io.StringIO()
+    figure.savefig(buffer, format="svg", bbox_inches="tight", metadata=dict.fromkeys(
+        ("Creator", "Date", "Format", "Type")))
     pyplot.close(figure)
-    return buffer.getvalue()
+    return small(buffer.getvalue()).encode()
+
+
+def small(text):
+    """A line an element, without comments, and with positions to a tenth of a point."""
+    def shorten(element):
+        rounded = re.sub(r"\d+\.\d{2,}", lambda number: f"{float(number[0]):.1f}", element[0])
+        return re.sub(r"\s+", " ", re.sub(r' transform="rotate\(-0 [^"]*"', "", rounded))
+
+    text = re.sub(r"<!--.*?-->|<!DOCTYPE.*?>", "", text, flags=re.DOTALL)
+    text = re.sub(r"<[^>]*>", shorten, text)
+    return "".join(f"{line.strip()}\n" for line in text.splitlines() if line.strip())
 
 
 def svg_address(figure):

@@ -1,4 +1,6 @@
 // Peers that send a message with an endless number of parts.
+#include <malloc.h>
+
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -165,6 +167,47 @@ TEST_F(EndlessMessage, IsNotACallThatWaitsForItsTurn) {
   EXPECT_EQ(statisticsOf(node_).received_calls, senders * callsOfEach);
   EXPECT_EQ(statisticsOf(node_).malformed, 0u);
   EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
+}
+
+// Nothing ends such a connection over ipc. A peer can take memory, but not keep it.
+TEST_F(EndlessMessage, TakesMemoryOverIpcUntilItEnds) {
+  if (keepsFreedMemory) {
+    GTEST_SKIP() << "the sanitizer has its own allocator";
+  }
+  const OpenNode node = open(7);
+  constexpr size_t parts = 1 << 19;
+  const std::string empty("\x01\0", 2);
+  std::string all;
+  for (size_t part = 0; part < parts; ++part) {
+    all += empty;
+  }
+  const auto inUse = [] {
+    const struct mallinfo2 now = mallinfo2();
+    return now.uordblks + now.hblkhd;
+  };
+  const auto waitFor = [&](auto&& holds) {
+    for (const Deadline deadline; !holds() && !deadline.passed();) {
+      EXPECT_EQ(mesh_node_receive(node, 10, nullptr, nullptr), 0);
+    }
+  };
+  const size_t before = inUse();
+  constexpr size_t little = 1 << 20;
+  for (const bool complete : {true, false}) {
+    RawConnection connection(directory() + "/7");
+    ASSERT_TRUE(connection.send(all));
+    waitFor([&] { return inUse() >= before + parts * 60; });
+    EXPECT_GE(inUse(), before + parts * 60);
+    EXPECT_LE(inUse(), before + parts * 66 + little);
+    if (complete) {
+      ASSERT_TRUE(connection.send(std::string(2, '\0')));
+      waitFor([&] { return statisticsOf(node).malformed == 1; });
+      EXPECT_EQ(statisticsOf(node).malformed, 1u);
+      EXPECT_LE(inUse(), before + little);
+    }
+  }
+  waitFor([&] { return inUse() <= before + little; });
+  EXPECT_LE(inUse(), before + little);
+  EXPECT_EQ(statisticsOf(node).malformed, 1u);
 }
 
 }  // namespace

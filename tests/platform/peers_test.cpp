@@ -2,6 +2,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <thread>
@@ -17,6 +18,10 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+
+milliseconds since(steady_clock::time_point start) {
+  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+}
 
 // The events of a node.
 class Events {
@@ -202,6 +207,81 @@ TEST_F(Peers, HaveHighAndLowWater) {
   EXPECT_TRUE(events.has(MESH_PEER_LOW_WATER, 2));
   EXPECT_EQ(mesh_node_send(sender, 2, &note, 1, 0, 0), MESH_OK);
   EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
+}
+
+// A node with a hook that sends, and what its sends returned.
+struct Answering {
+  void hear(mesh_node_options& options, mesh_peer_change to) {
+    change = to;
+    options.peer_user = this;
+    options.peer = [](const mesh_peer_event* event, void* user) {
+      auto* const self = static_cast<Answering*>(user);
+      if (event->change == static_cast<uint32_t>(self->change) && self->answers == 0) {
+        const mesh_msg_desc note{
+            .data = reinterpret_cast<uintptr_t>("hello"), .msg_id = noteId, .length = 5};
+        const auto start = steady_clock::now();
+        self->result = mesh_node_send(self->node, event->address, &note, 1, 0, -1);
+        self->took = since(start);
+        ++self->answers;
+      }
+    };
+  }
+
+  mesh_peer_change change = MESH_PEER_UP;
+  std::atomic<mesh_node*> node = nullptr;
+  std::atomic<uint32_t> result = MESH_OK;
+  std::atomic<milliseconds> took = milliseconds(0);
+  std::atomic<int> answers = 0;
+};
+
+TEST_F(Peers, AreAnsweredByAHook) {
+  for (const mesh_transport transport : {MESH_TRANSPORT_IPC, MESH_TRANSPORT_INPROC}) {
+    Answering answering;
+    mesh_node_options options = defaults();
+    options.transport = transport;
+    OpenNode caller = open(2, options);
+    answering.hear(options, MESH_PEER_UP);
+    OpenNode node = open(1, options);
+    answering.node = node;
+    ASSERT_EQ(mesh_node_attach(caller), MESH_OK);
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+    // Nobody receives on the node: the library's thread takes the call and runs the hook.
+    const std::vector<Received> notes = receiveNotes(caller, 1);
+    ASSERT_EQ(notes.size(), 1u);
+    EXPECT_EQ(notes[0].text, "hello");
+    EXPECT_EQ(notes[0].source, 1u);
+    EXPECT_EQ(answering.result, MESH_OK);
+    EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
+    expectConfirmed(caller, 0);
+    expectConfirmed(node, 0);
+    EXPECT_EQ(node.close(), MESH_OK);
+    EXPECT_EQ(caller.close(), MESH_OK);
+    ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+  }
+}
+
+// The receiver is one of the process, and the thread that runs the hook answers for it.
+TEST_F(Peers, AreNotWaitedForByAHook) {
+  Answering answering;
+  mesh_node_options options = defaults();
+  options.send_queue_calls = 4;
+  // High water is reached with the third call; the hook finds the queue full after the fourth.
+  answering.hear(options, MESH_PEER_HIGH_WATER);
+  const OpenNode sender = open(1, options);
+  answering.node = sender;
+  const OpenNode receiver = open(2);
+  for (int call = 0; call < 4; ++call) {
+    ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
+  }
+  const Deadline deadline;
+  while (answering.answers == 0 && !deadline.passed()) {
+    std::this_thread::sleep_for(milliseconds(5));
+  }
+  EXPECT_GT(answering.answers, 0);
+  EXPECT_EQ(answering.result, MESH_QUEUE_FULL);
+  EXPECT_LT(answering.took.load(), milliseconds(options.send_timeout_ms / 2));
+  EXPECT_EQ(receiveNotes(receiver, 4).size(), 4u);
+  expectConfirmed(sender, 0);
 }
 
 TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {

@@ -1,8 +1,16 @@
 // Processes that are killed, stopped and restarted during traffic: sends end within their timeouts,
 // and every lost call is counted.
+#include <sys/time.h>
+
 #include <atomic>
 #include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "support/child_process.hpp"
 #include "support/node_fixture.hpp"
@@ -169,6 +177,97 @@ TEST_F(Traffic, ThroughAThousandNodesLeaksNothing) {
   }
   EXPECT_LE(openFiles(), files + 5);
   EXPECT_LE(residentMebibytes(), memory + (keepsFreedMemory ? 256 : 8));
+}
+
+// Signals interrupt also those calls of ZeroMQ that do not wait.
+TEST_F(Traffic, IsNotDisturbedBySignals) {
+  static std::atomic<uint64_t> signals;
+  signals = 0;
+  const auto before = std::signal(SIGALRM, [](int) { ++signals; });
+  const itimerval often{.it_interval = {.tv_sec = 0, .tv_usec = 100},
+                        .it_value = {.tv_sec = 0, .tv_usec = 100}};
+  ASSERT_EQ(setitimer(ITIMER_REAL, &often, nullptr), 0);
+  for (const mesh_transport transport : {MESH_TRANSPORT_IPC, MESH_TRANSPORT_INPROC}) {
+    mesh_node_options options = defaults();
+    options.transport = transport;
+    const OpenNode node = open(1, options);
+    uint64_t latest = 0;
+    const auto note = [](const mesh_received* received, void* user) {
+      EXPECT_EQ(received->sequence, ++*static_cast<uint64_t*>(user));
+    };
+    constexpr uint64_t calls = 20'000;
+    for (uint64_t sent = 0; sent < calls; ++sent) {
+      ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
+      ASSERT_GE(mesh_node_receive(node, 0, note, &latest), 0);
+    }
+    const Deadline deadline;
+    while (latest < calls && !deadline.passed()) {
+      ASSERT_GE(mesh_node_receive(node, 10, note, &latest), 0);
+    }
+    EXPECT_EQ(latest, calls);
+    const mesh_node_statistics statistics = statisticsOf(node);
+    EXPECT_EQ(statistics.malformed + statistics.lost_calls + statistics.undelivered_calls, 0u);
+  }
+  const itimerval never{};
+  EXPECT_EQ(setitimer(ITIMER_REAL, &never, nullptr), 0);
+  static_cast<void>(std::signal(SIGALRM, before));
+  EXPECT_GT(signals, 100u);
+}
+
+size_t threadsOfTransport() {
+  size_t count = 0;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::string name;
+    std::getline(std::ifstream(thread.path() / "comm"), name);
+    count += name.starts_with("ZMQbg/IO/") ? 1 : 0;
+  }
+  return count;
+}
+
+TEST_F(Traffic, OverSeveralThreadsOfTheTransportArrivesInOrder) {
+  constexpr uint32_t senders = 8;
+  constexpr uint64_t callsOfEach = 3000;
+  mesh_node_options options = defaults();
+  options.io_threads = 4;
+  const OpenNode receiver = open(100, options);
+  options.io_threads = 1;
+  std::vector<OpenNode> nodes;
+  for (uint32_t sender = 1; sender <= senders; ++sender) {
+    nodes.push_back(open(sender, options));
+  }
+  EXPECT_EQ(threadsOfTransport(), 4u) << "the first open node decides";
+  std::atomic<uint32_t> failures = 0;
+  std::vector<std::thread> threads;
+  for (const OpenNode& node : nodes) {
+    threads.emplace_back([&failures, handle = static_cast<mesh_node*>(node)] {
+      EXPECT_EQ(mesh_node_attach(handle), MESH_OK);
+      for (uint64_t call = 1; call <= callsOfEach; ++call) {
+        failures += sendNotes(100, {"a"}, call) != MESH_OK ? 1 : 0;
+      }
+    });
+  }
+  std::map<uint32_t, uint64_t> latest;
+  const auto note = [](const mesh_received* received, void* user) {
+    uint64_t& before = (*static_cast<std::map<uint32_t, uint64_t>*>(user))[received->source];
+    EXPECT_EQ(received->extra, before + 1);
+    EXPECT_EQ(received->sequence, received->extra);
+    before = received->extra;
+  };
+  const Deadline deadline;
+  for (uint64_t taken = 0; taken < senders * callsOfEach && !deadline.passed();) {
+    const int64_t records = mesh_node_receive(receiver, 1000, note, &latest);
+    ASSERT_GE(records, 0);
+    taken += static_cast<uint64_t>(records);
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(failures, 0u);
+  ASSERT_EQ(latest.size(), senders);
+  for (const auto& [source, sequence] : latest) {
+    EXPECT_EQ(sequence, callsOfEach) << "from node " << source;
+  }
+  EXPECT_EQ(statisticsOf(receiver).lost_calls + statisticsOf(receiver).duplicate_calls, 0u);
 }
 
 }  // namespace

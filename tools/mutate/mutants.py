@@ -181,10 +181,12 @@ def mutants_of(file, source, following):
             add("condition", index, index, "")
         elif token.kind == "number":
             digits = token.text.rstrip("uUlL")
-            suffix, value = token.text[len(digits):], int(digits, 0)
-            add("constant", index, index, f"{value + 1}{suffix}")
+            is_octal = re.fullmatch("0[0-7]+", digits) is not None  # modes of files
+            suffix, value = token.text[len(digits):], int(digits, 8 if is_octal else 0)
+            form = "0{:o}{}" if is_octal else "{}{}"
+            add("constant", index, index, form.format(value + 1, suffix))
             if value > 1:
-                add("constant", index, index, f"{value - 1}{suffix}")
+                add("constant", index, index, form.format(value - 1, suffix))
         elif token.text in ("true", "false"):
             add("constant", index, index, "false" if token.text == "true" else "true")
         elif token.text == "::" and (before.text, found[index + 1].text) in following:

@@ -85,6 +85,16 @@ SUITES = {
                     filter="Endpoint*:AddressBook*:Keys*:RuntimeDirectory*:Tcp*"),),
         shared=("zarnimesh",),
         stages=at_once),
+    "middleware": Suite(
+        sources=tuple(f"platform/workstation/zarnimesh/{folder}/*.[ch]pp"
+                      for folder in ("api", "node", "peers", "transport")),
+        excluded=(),
+        tests=(
+            Test("platform_test", own_processes=True, filter="*-Log*:Memory*:*EndlessMessage*"),
+            Test("platform_scenarios", ("--scenarios", "8", "--over", "ipc")),
+        ),
+        shared=("zarnimesh",),
+        stages=at_once),
     # Precompiled headers hold for the flags that they were made with.
     "reader": Suite(
         sources=tuple(f"tools/mesh-l2vpn/{folder}/*.[ch]pp"

@@ -1,9 +1,10 @@
-// A tcp connection that implements ZeroMQ's protocol (ZMTP 3.0 without security). It can begin a
+// A connection that implements ZeroMQ's protocol (ZMTP 3.0 without security). It can begin a
 // message and never end it, which ZeroMQ's own sockets cannot.
 #pragma once
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -16,19 +17,13 @@ namespace platform_test {
 class RawConnection {
  public:
   explicit RawConnection(uint16_t port) : file_(socket(AF_INET, SOCK_STREAM, 0)) {
-    const sockaddr_in address = loopback(port);
-    if (connect(file_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-      throw std::runtime_error("no listener");
-    }
-    const std::string greeting =
-        std::string("\xFF\0\0\0\0\0\0\0\x01\x7F\x03\0NULL", 16) + std::string(48, '\0');
-    const std::string ready = std::string(
-        "\x05READY\x0BSocket-Type\0\0\0\x06"
-        "DEALER",
-        28);
-    send(greeting + std::string(1, '\x04') + static_cast<char>(ready.size()) + ready);
-    // The other side accepts messages only after its own handshake.
-    awaitBytes(greeting.size() + 2 + ready.size());
+    begin(loopback(port));
+  }
+  // Over a Unix socket.
+  explicit RawConnection(const std::string& path) : file_(socket(AF_UNIX, SOCK_STREAM, 0)) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    begin(address);
   }
   ~RawConnection() { close(file_); }
   RawConnection(const RawConnection&) = delete;
@@ -61,6 +56,22 @@ class RawConnection {
   }
 
  private:
+  template <typename Address>
+  void begin(const Address& address) {
+    if (connect(file_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+      throw std::runtime_error("no listener");
+    }
+    const std::string greeting =
+        std::string("\xFF\0\0\0\0\0\0\0\x01\x7F\x03\0NULL", 16) + std::string(48, '\0');
+    const std::string ready = std::string(
+        "\x05READY\x0BSocket-Type\0\0\0\x06"
+        "DEALER",
+        28);
+    send(greeting + std::string(1, '\x04') + static_cast<char>(ready.size()) + ready);
+    // The other side accepts messages only after its own handshake.
+    awaitBytes(greeting.size() + 2 + ready.size());
+  }
+
   static std::string head(size_t size, bool more) {
     std::string bytes(1, more ? '\x03' : '\x02');
     for (int shift = 56; shift >= 0; shift -= 8) {

@@ -77,7 +77,8 @@ typedef struct mesh_peer_event {
   uint64_t to;
 } mesh_peer_event;
 
-/* Called from the library's own thread, one call at a time. It may send, but not close a node. */
+/* Called from the library's own thread, one call at a time; from mesh_node_close for the last
+ * events. It may send, but not close a node. As in a handler, a send does not wait for room. */
 typedef void (*mesh_peer_hook)(const mesh_peer_event* event, void* user);
 
 /* mesh_node_options_default fills in the defaults (given below). mesh_node_open reads the texts and
@@ -93,8 +94,9 @@ typedef struct mesh_node_options {
   uint32_t receive_queue_calls;  /* 1024: undelivered calls of each sender, from 1 to 2^20 */
   uint32_t connect_timeout_ms;   /* 2000: how long a send waits for a receiver. After a failure it
                                     waits only if there is a sign of one */
-  uint32_t send_timeout_ms;      /* 5000: how long a send waits for room. In a handler it does not
-                                    wait: two nodes that answer each other would wait for ever */
+  uint32_t send_timeout_ms;      /* 5000: how long a send waits for room. In a handler or peer hook
+                                    it does not wait: two nodes that answer each other would wait
+                                    for ever */
   uint32_t linger_ms;            /* 2000: how long closing waits until sent calls have arrived */
   uint32_t payload_limit;        /* 67108864: bytes of one call's tables, sent or received; at
                                     least 1. Nodes that talk need the same limit. A call may have
@@ -103,8 +105,9 @@ typedef struct mesh_node_options {
   void* unknown_user;            /* passed to `unknown` */
   uint32_t queue_bytes;          /* 67108864: bytes of tables in each of these queues. A single call
                                     may exceed it */
-  uint32_t heartbeat_ms; /* 5000: connections over tcp and ipc end when the peer's machine or
-                            process has not answered for three of these times. 0: never */
+  uint32_t heartbeat_ms; /* 5000: a connection to a receiver over tcp or ipc ends when the receiver
+                            has not answered for three of these times; one from a sender over tcp,
+                            when the sender's machine has not. 0: never */
   uint32_t io_threads;   /* 1: of ZeroMQ, from 1 to 64. The process's first open node decides */
   mesh_peer_hook peer;   /* null: nobody is told */
   void* peer_user;       /* passed to `peer` */

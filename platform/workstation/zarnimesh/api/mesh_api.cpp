@@ -12,7 +12,7 @@ using namespace zarnimesh;
 [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
                                uint32_t count, uint64_t extra) {
   return guarded([&] {
-    const std::shared_ptr<Node> node = sendingNode();
+    Node* const node = sendingNode().get();
     if (node == nullptr) {
       return fail(MESH_NOT_OPEN, "no open node to send from");
     }

@@ -66,8 +66,7 @@ void handOut(std::unique_ptr<Tables> tables, mesh_tables& out) {
 // Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
-  explicit ReceiverHold(const std::shared_ptr<Node>& node)
-      : node_(*node), held_(node->takeReceiver(node)) {}
+  explicit ReceiverHold(Node& node) : node_(node), held_(node.takeReceiver()) {}
   ~ReceiverHold() {
     if (held_) {
       node_.giveReceiverBack();
@@ -86,16 +85,15 @@ class ReceiverHold {
 [[nodiscard]] mesh_result receiveAt(mesh_node* handle, int32_t timeoutMs, const Handler& handler,
                                     int64_t& delivered) {
   // A handler may leave by longjmp: nothing on this stack owns anything then.
-  std::shared_ptr<Node> node = findNode(handle);
+  Node* const node = findNode(handle).get();
   if (node == nullptr) {
     return noSuchNode();
   }
-  const ReceiverHold hold(node);
+  const ReceiverHold hold(*node);
   if (!hold) {
     return busy();
   }
   Receiver* const receiver = &node->receiver();
-  node.reset();
   delivered = receiveAny({&receiver, 1}, timeoutMs, handler);
   return MESH_OK;
 }
@@ -113,7 +111,7 @@ class ReceiverHold {
     if (std::find(nodes.begin(), nodes.end() - 1, nodes.back()) != nodes.end() - 1) {
       return fail(MESH_BAD_ARGUMENT, "a node is there twice");
     }
-    if (!holds.emplace_back(nodes.back())) {
+    if (!holds.emplace_back(*nodes.back())) {
       return busy();
     }
     receivers.push_back(&nodes.back()->receiver());
@@ -170,7 +168,7 @@ ZARNIMESH_EXPORT mesh_result mesh_node_close_counted(mesh_node* handle,
     if (node == nullptr) {
       return noSuchNode();
     }
-    if (!node->takeReceiver(node)) {
+    if (!node->takeReceiver()) {
       return busy();
     }
     const bool wasLast = removeNode(*node);
@@ -268,7 +266,7 @@ ZARNIMESH_EXPORT mesh_result mesh_node_send(mesh_node* handle, uint32_t destinat
                                             const mesh_msg_desc* descriptors, uint32_t count,
                                             uint64_t extra, int32_t timeout_ms) {
   return guarded([&] {
-    const std::shared_ptr<Node> node = findNode(handle);
+    Node* const node = findNode(handle).get();
     return node == nullptr ? noSuchNode()
                            : node->send(destination, descriptors, count, extra, timeout_ms);
   });

@@ -1,4 +1,4 @@
-// Whether the calling thread is in a handler of this library.
+// Whether the calling thread is in a handler or a peer hook of this library.
 #pragma once
 
 namespace zarnimesh {
@@ -15,5 +15,19 @@ inline const char*& handlerFrame() {
   const char* const frame = handlerFrame();
   return frame != nullptr && static_cast<const char*>(__builtin_frame_address(0)) < frame;
 }
+
+// Marks the thread while it runs handlers or peer hooks.
+class InHandler {
+ public:
+  [[gnu::always_inline]] InHandler() : outer_(isInHandler() ? handlerFrame() : nullptr) {
+    handlerFrame() = static_cast<const char*>(__builtin_frame_address(0));
+  }
+  ~InHandler() { handlerFrame() = outer_; }
+  InHandler(const InHandler&) = delete;
+  InHandler& operator=(const InHandler&) = delete;
+
+ private:
+  const char* const outer_;
+};
 
 }  // namespace zarnimesh

@@ -22,13 +22,12 @@ mesh_result Node::open(const mesh_node_options& options) {
   return receiver_.open(context);
 }
 
-bool Node::takeReceiver(const std::shared_ptr<Node>& self) {
+bool Node::takeReceiver() {
   const char* const frame = static_cast<const char*>(__builtin_frame_address(0));
   const void* const thread = &handlerFrame();
   const char* holder = nullptr;
   if (receiverFrame_.compare_exchange_strong(holder, frame, std::memory_order_acquire)) {
     receiverThread_.store(thread, std::memory_order_relaxed);
-    self_ = self;
     return true;
   }
   // The stack grows downwards. A call within a handler has a lower frame than the call that runs
@@ -41,7 +40,6 @@ bool Node::takeReceiver(const std::shared_ptr<Node>& self) {
 }
 
 void Node::giveReceiverBack() {
-  const std::shared_ptr<Node> self = std::move(self_);
   receiverThread_.store(nullptr, std::memory_order_relaxed);
   receiverFrame_.store(nullptr, std::memory_order_release);
 }
@@ -54,8 +52,7 @@ mesh_result Node::close(mesh_node_statistics& last) {
   receiver_.close();
   last = statistics_.read();
   last.undelivered_calls = undelivered;
-  self_.reset();
-  events_.deliver();
+  tellOfPeers();
   return result;
 }
 
@@ -72,6 +69,12 @@ mesh_result Node::send(uint32_t destination, const mesh_msg_desc* descriptors, u
 void Node::tend() {
   sender_.tend();
   receiver_.tend();
+  tellOfPeers();
+}
+
+// While a hook waited for room, the thread would look after no node.
+void Node::tellOfPeers() {
+  const InHandler marked;
   events_.deliver();
 }
 

@@ -4,7 +4,6 @@
 #include <poll.h>
 
 #include <atomic>
-#include <memory>
 #include <vector>
 
 #include "zarnimesh/node/receiver.hpp"
@@ -22,9 +21,9 @@ class Node {
   [[nodiscard]] mesh_result open(const mesh_node_options& options);
 
   // Reserves the receiver for the calling thread. False when a thread has it. A thread whose
-  // handler left by longjmp has it no more. A closing thread takes it and keeps it.
-  // The node keeps `self` until then: a handler that leaves by longjmp leaves no reference behind.
-  [[nodiscard]] bool takeReceiver(const std::shared_ptr<Node>& self);
+  // handler left by longjmp has it no more. A closing thread takes it and keeps it: until the
+  // receiver is given back nobody else can close the node.
+  [[nodiscard]] bool takeReceiver();
   void giveReceiverBack();
 
   // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
@@ -44,6 +43,8 @@ class Node {
   PeerTable peers();
 
  private:
+  void tellOfPeers();
+
   Settings settings_;
   Statistics statistics_;
   PeerEvents events_;
@@ -52,7 +53,6 @@ class Node {
   // The stack frame of the call that has the receiver, and its thread.
   std::atomic<const char*> receiverFrame_ = nullptr;
   std::atomic<const void*> receiverThread_ = nullptr;
-  std::shared_ptr<Node> self_;  // while a thread has the receiver
 };
 
 }  // namespace zarnimesh

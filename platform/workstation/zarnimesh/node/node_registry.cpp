@@ -5,15 +5,21 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <unordered_map>
 #include <utility>
-#include <vector>
 
 namespace zarnimesh {
 namespace {
 
 struct Registry {
-  std::mutex mutex;                          // guards nodes
-  std::vector<std::shared_ptr<Node>> nodes;  // in order of opening
+  struct Entry {
+    std::shared_ptr<Node> node;
+    uint64_t number;  // in order of opening
+  };
+
+  std::mutex mutex;  // guards the members below
+  std::unordered_map<const Node*, Entry> nodes;
+  uint64_t latest = 0;
 };
 
 // Never destroyed: a thread may still send while the process exits. Nodes that are still open end
@@ -31,10 +37,8 @@ std::atomic<bool> forkedChild = false;
 
 // Requires the registry's mutex. Null as for findNode.
 std::shared_ptr<Node> findLocked(const Node* wanted) {
-  const auto& nodes = registry().nodes;
-  const auto found = std::find_if(nodes.begin(), nodes.end(),
-                                  [&](const auto& node) { return node.get() == wanted; });
-  return found != nodes.end() ? *found : nullptr;
+  const auto found = registry().nodes.find(wanted);
+  return found != registry().nodes.end() ? found->second.node : nullptr;
 }
 
 // Null as for sendingNode.
@@ -45,20 +49,24 @@ std::shared_ptr<Node> findSending(bool attached, const std::weak_ptr<Node>& atta
     return node == nullptr ? nullptr : findLocked(node.get());
   }
   const auto& nodes = registry().nodes;
-  return nodes.empty() ? nullptr : nodes.front();
+  const auto oldest = std::min_element(
+      nodes.begin(), nodes.end(),
+      [](const auto& a, const auto& b) { return a.second.number < b.second.number; });
+  return oldest != nodes.end() ? oldest->second.node : nullptr;
 }
 
-// What a thread has found.
+// What a thread has found. The references cost a lookup less than weak ones. They keep a node's
+// memory until the thread looks again, but not the node open.
 struct Thread {
   bool attached = false;
   std::weak_ptr<Node> attachment;
 
   uint64_t sendingVersion = 0;
-  std::weak_ptr<Node> sending;
+  std::shared_ptr<Node> sending;
 
   uint64_t foundVersion = 0;
   const mesh_node* handle = nullptr;
-  std::weak_ptr<Node> found;
+  std::shared_ptr<Node> found;
 };
 
 Thread& thisThread() {
@@ -84,12 +92,14 @@ void addNode(std::shared_ptr<Node> node) {
   });
   static_cast<void>(watching);
   const std::lock_guard lock(registry().mutex);
-  registry().nodes.push_back(std::move(node));
+  const Node* const handle = node.get();
+  registry().nodes.emplace(handle,
+                           Registry::Entry{.node = std::move(node), .number = ++registry().latest});
   hasNodes.store(true);
   version.fetch_add(1);
 }
 
-std::shared_ptr<Node> findNode(const mesh_node* handle) {
+const std::shared_ptr<Node>& findNode(const mesh_node* handle) {
   Thread& thread = thisThread();
   const uint64_t current = version.load();
   if (thread.foundVersion != current || thread.handle != handle) {
@@ -98,12 +108,12 @@ std::shared_ptr<Node> findNode(const mesh_node* handle) {
     thread.handle = handle;
     thread.foundVersion = current;
   }
-  return thread.found.lock();
+  return thread.found;
 }
 
 bool removeNode(const Node& node) {
   const std::lock_guard lock(registry().mutex);
-  std::erase_if(registry().nodes, [&](const auto& other) { return other.get() == &node; });
+  registry().nodes.erase(&node);
   version.fetch_add(1);
   hasNodes.store(!registry().nodes.empty());
   return registry().nodes.empty();
@@ -116,14 +126,14 @@ void attachToThread(const std::shared_ptr<Node>& node) {
   thread.sendingVersion = 0;
 }
 
-std::shared_ptr<Node> sendingNode() {
+const std::shared_ptr<Node>& sendingNode() {
   Thread& thread = thisThread();
   const uint64_t current = version.load();
   if (thread.sendingVersion != current) {
     thread.sending = findSending(thread.attached, thread.attachment);
     thread.sendingVersion = current;
   }
-  return thread.sending.lock();
+  return thread.sending;
 }
 
 }  // namespace zarnimesh

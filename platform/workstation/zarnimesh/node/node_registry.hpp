@@ -18,8 +18,9 @@ bool isForkedChild();
 
 void addNode(std::shared_ptr<Node> node);
 
-// The open node of the handle. Null when there is none.
-std::shared_ptr<Node> findNode(const mesh_node* handle);
+// The open node of the handle. Null when there is none. The calling thread remembers what it found:
+// the reference and the node are valid until its next call of this function.
+const std::shared_ptr<Node>& findNode(const mesh_node* handle);
 
 // True when it was the last open node.
 [[nodiscard]] bool removeNode(const Node& node);
@@ -27,7 +28,8 @@ std::shared_ptr<Node> findNode(const mesh_node* handle);
 // Null selects the oldest open node again.
 void attachToThread(const std::shared_ptr<Node>& node);
 
-// The node from which the calling thread sends. Null when there is none or it is closed.
-std::shared_ptr<Node> sendingNode();
+// The node from which the calling thread sends. Null when there is none or it is closed. Valid
+// until the thread's next call of this function.
+const std::shared_ptr<Node>& sendingNode();
 
 }  // namespace zarnimesh

@@ -11,23 +11,6 @@
 #include "zarnimesh/node/in_handler.hpp"
 
 namespace zarnimesh {
-namespace {
-
-// Marks the thread while it runs handlers.
-class InHandler {
- public:
-  [[gnu::always_inline]] InHandler() : outer_(isInHandler() ? handlerFrame() : nullptr) {
-    handlerFrame() = static_cast<const char*>(__builtin_frame_address(0));
-  }
-  ~InHandler() { handlerFrame() = outer_; }
-  InHandler(const InHandler&) = delete;
-  InHandler& operator=(const InHandler&) = delete;
-
- private:
-  const char* const outer_;
-};
-
-}  // namespace
 
 mesh_result Receiver::open(std::shared_ptr<Context> context) {
   const mesh_result result = area_.map();
@@ -35,9 +18,10 @@ mesh_result Receiver::open(std::shared_ptr<Context> context) {
 }
 
 std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
-  if (!delivering_) {
+  size_t current = delivered_.load(std::memory_order_relaxed);
+  if (current == readyCount_) {
     const Lock lock(mutex_);
-    switch (incoming_.take(call_)) {
+    switch (takeReady()) {
       case Incoming::Arrival::Nothing:
         return std::nullopt;
       case Incoming::Arrival::Failed:
@@ -45,16 +29,43 @@ std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
       case Incoming::Arrival::Call:
         break;
     }
-    wakeup_.set(incoming_.waiting() > 0);
-    delivering_ = true;
-    entry_ = 0;
-    table_ = call_.message.data() + headerSize + call_.header.count * indexEntrySize;
+    current = 0;
   }
-  const int64_t delivered = deliver(handler);
-  const Lock lock(mutex_);
+  IncomingCall& call = ready_[current];
+  if (!std::exchange(delivering_, true)) {
+    entry_ = 0;
+    table_ = call.bytes + headerSize + call.header.count * indexEntrySize;
+  }
+  const int64_t delivered = deliver(call, handler);
   delivering_ = false;
-  incoming_.noteDelivered(call_);
+  call.message.clear();
+  delivered_.store(current + 1, std::memory_order_release);
+  if ((call.header.flags & tellFlag) != 0) {
+    const Lock lock(mutex_);
+    noteDelivered();
+  }
   return delivered;
+}
+
+Incoming::Arrival Receiver::takeReady() {
+  noteDelivered();
+  noted_ = 0;
+  delivered_.store(0, std::memory_order_relaxed);
+  readyCount_ = 0;
+  // A thread that has waited takes one call: asking for more would be a system call, mostly in
+  // vain.
+  const std::span<IncomingCall> calls(ready_);
+  const Incoming::Arrival arrival = incoming_.take(idle_ ? calls.first(1) : calls, readyCount_);
+  idle_ = arrival == Incoming::Arrival::Nothing;
+  wakeup_.set(undelivered() > 1);
+  return arrival;
+}
+
+void Receiver::noteDelivered() {
+  const size_t delivered = delivered_.load(std::memory_order_acquire);
+  for (; noted_ < delivered; ++noted_) {
+    incoming_.noteDelivered(ready_[noted_]);
+  }
 }
 
 int Receiver::beginWait() {
@@ -104,12 +115,12 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
   }
 }
 
-int64_t Receiver::deliver(const Handler& handler) {
+int64_t Receiver::deliver(const IncomingCall& call, const Handler& handler) {
   const InHandler marked;
   releaseRecord();
   int64_t delivered = 0;
-  const FrameHeader& header = call_.header;
-  const uint8_t* const index = call_.message.data() + headerSize;
+  const FrameHeader& header = call.header;
+  const uint8_t* const index = call.bytes + headerSize;
   while (entry_ < header.count) {
     const IndexEntry entry = decodeIndexEntry(index + entry_ * indexEntrySize);
     const uint8_t* const table = table_;
@@ -138,7 +149,7 @@ int64_t Receiver::deliver(const Handler& handler) {
                                    .extra = header.extra,
                                    .incarnation = header.incarnation,
                                    .sequence = header.sequence,
-                                   .after_gap = call_.afterGap ? 1u : 0u};
+                                   .after_gap = call.afterGap ? 1u : 0u};
       handler.function(&received, handler.user);
     }
     releaseRecord();
@@ -171,30 +182,33 @@ void Receiver::releaseRecord() {
 
 void Receiver::tend() {
   if (const Lock lock(mutex_, std::try_to_lock); lock && !waiting_) {
+    noteDelivered();
     incoming_.tend();
-    wakeup_.set(incoming_.waiting() > 0);
+    wakeup_.set(undelivered() > 0);
   }
 }
 
 bool Receiver::isBehind() {
   const Lock lock(mutex_, std::try_to_lock);
-  return lock && !waiting_ && incoming_.isBehind();
+  return lock && !waiting_ && (incoming_.isBehind() || noted_ < delivered_);
 }
 
 int Receiver::callersFile() {
   const Lock lock(mutex_);
-  return wakeup_.open(incoming_.file(), incoming_.waiting() > 0);
+  return wakeup_.open(incoming_.file(), undelivered() > 0);
 }
 
 size_t Receiver::waiting() {
   const Lock lock(mutex_);
+  noteDelivered();
   incoming_.tend();
-  wakeup_.set(incoming_.waiting() > 0);
-  return incoming_.waiting();
+  wakeup_.set(undelivered() > 0);
+  return undelivered();
 }
 
 void Receiver::describe(PeerTable& peers) {
   const Lock lock(mutex_);
+  noteDelivered();
   for (const auto& [key, source] : incoming_.sources()) {
     mesh_peer_statistics& peer = peerAt(peers, source.address);
     peer.received_calls += source.calls;
@@ -212,10 +226,10 @@ void Receiver::describe(PeerTable& peers) {
 
 void Receiver::close() {
   const Lock lock(mutex_);
+  noteDelivered();
   if (std::exchange(delivering_, false)) {
     // A handler left the call by longjmp.
     releaseRecord();
-    statistics_.discardedCalls.add(1);
   }
   incoming_.close();
 }

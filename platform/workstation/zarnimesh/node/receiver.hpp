@@ -1,6 +1,8 @@
 // A node's receiver: decodes the tables of calls and passes the records to the handler.
 #pragma once
 
+#include <array>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -60,7 +62,13 @@ class Receiver {
  private:
   using Lock = std::unique_lock<std::mutex>;
 
-  [[nodiscard]] int64_t deliver(const Handler& handler);
+  // Replaces the calls that are ready by those that have arrived. Requires the mutex.
+  [[nodiscard]] Incoming::Arrival takeReady();
+  // Notes the calls that were delivered since this was done last. Requires the mutex.
+  void noteDelivered();
+  // Calls that wait for delivery, as far as is known. Requires the mutex.
+  size_t undelivered() const { return readyCount_ - delivered_ + incoming_.waiting(); }
+  [[nodiscard]] int64_t deliver(const IncomingCall& call, const Handler& handler);
   [[nodiscard]] bool findHook(uint32_t id);
   void releaseRecord();
 
@@ -68,13 +76,20 @@ class Receiver {
   Statistics& statistics_;
   RecordArea area_;
 
-  std::mutex mutex_;  // guards the three members below. Not held during waits and handlers
+  std::mutex mutex_;  // guards the members below. Not held during waits and handlers
   Incoming incoming_;
   bool waiting_ = false;  // a thread waits for the socket, which announces a change only once
   Wakeup wakeup_;
+  size_t noted_ = 0;  // so many of the ready calls are noted as delivered
+
+  // Calls that were taken at once, so that most need no lock. The receiving thread replaces them
+  // under the lock, and raises delivered_ without it. It owns the calls from delivered_ on.
+  std::array<IncomingCall, 16> ready_;
+  size_t readyCount_ = 0;
+  std::atomic<size_t> delivered_ = 0;
 
   // The receiving thread's. They outlive receive(), because a handler may leave it by longjmp.
-  IncomingCall call_;
+  bool idle_ = true;  // nothing had arrived when it looked last
   bool delivering_ = false;
   size_t entry_ = 0;  // of the next table
   const uint8_t* table_ = nullptr;

@@ -11,7 +11,7 @@ void Destination::number(FrameHeader& call) {
   sentBytes_ += call.bytes;
   unconfirmed_.push_back(call.bytes);
   unconfirmedBytes_ += call.bytes;
-  mostUnconfirmed_ = std::max<uint64_t>(mostUnconfirmed_, unconfirmed_.size());
+  mostUnconfirmed_ = std::max(mostUnconfirmed_, unconfirmed());
   ++askedCalls_;
   askedBytes_ += call.bytes;
   if (askedCalls_ >= std::max<size_t>(1, callLimit() / 4) || askedBytes_ >= byteLimit() / 4) {
@@ -56,11 +56,11 @@ bool Destination::note(const FrameHeader& state, uint64_t first) {
 }
 
 std::optional<mesh_peer_change> Destination::newWater() {
-  if (!aboveWater_ && unconfirmed_.size() * 4 >= callLimit() * 3) {
+  if (!aboveWater_ && unconfirmed() * 4 >= callLimit() * 3) {
     aboveWater_ = true;
     return MESH_PEER_HIGH_WATER;
   }
-  if (aboveWater_ && unconfirmed_.size() * 4 <= callLimit()) {
+  if (aboveWater_ && unconfirmed() * 4 <= callLimit()) {
     aboveWater_ = false;
     return MESH_PEER_LOW_WATER;
   }

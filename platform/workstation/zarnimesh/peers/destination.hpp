@@ -26,8 +26,8 @@ class Destination {
   // Whether the receiver's credit and the node's own limits admit a call of `bytes`. One call is
   // always admitted, however large.
   bool hasRoom(uint32_t bytes) const {
-    return unconfirmed_.empty() || (unconfirmed_.size() < callLimit() && bytes <= byteLimit() &&
-                                    unconfirmedBytes_ <= byteLimit() - bytes);
+    return unconfirmed() == 0 || (unconfirmed() < callLimit() && bytes <= byteLimit() &&
+                                  unconfirmedBytes_ <= byteLimit() - bytes);
   }
 
   // Numbers a call of `bytes`, and asks for confirmation when a quarter of the credit is used.

@@ -61,19 +61,20 @@ mesh_result Incoming::open(std::shared_ptr<Context> context) {
   return watch_.open(*context, listener_.socket(), settings_.messageLimit());
 }
 
-Incoming::Arrival Incoming::take(IncomingCall& call) {
-  if (!waiting_.empty()) {
-    call = std::move(waiting_.front());
-    waiting_.pop_front();
-    return Arrival::Call;
+Incoming::Arrival Incoming::take(std::span<IncomingCall> calls, size_t& taken) {
+  now_ = roughlyNow();
+  taken = 0;
+  for (; taken < calls.size() && !waiting_.empty(); waiting_.pop_front()) {
+    calls[taken++] = std::move(waiting_.front());
   }
   bool isCall = false;
-  while (takeMessage(call, isCall)) {
-    if (isCall) {
-      return Arrival::Call;
-    }
+  while (taken < calls.size() && takeMessage(calls[taken], isCall)) {
+    taken += isCall ? 1 : 0;
   }
-  if (zmq_errno() == EAGAIN || zmq_errno() == EINTR) {
+  if (taken > 0) {
+    return Arrival::Call;
+  }
+  if (zmq_errno() == EAGAIN) {
     return Arrival::Nothing;
   }
   static_cast<void>(failFromTransport("receive"));
@@ -81,17 +82,15 @@ Incoming::Arrival Incoming::take(IncomingCall& call) {
 }
 
 bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
-  void* const socket = listener_.socket().handle();
   isCall = false;
-  MessagePart route;
-  drained_ = zmq_msg_recv(route.raw(), socket, ZMQ_DONTWAIT) < 0;
+  drained_ = !takePart(route_, listener_.socket());
   if (drained_) {
     return false;
   }
   // A message arrives whole. Its parts after the first are not ours.
   size_t parts = 0;
-  for (bool more = route.more(); more; more = call.message.more()) {
-    if (zmq_msg_recv(call.message.raw(), socket, ZMQ_DONTWAIT) < 0) {
+  for (bool more = route_.more(); more; more = call.message.more()) {
+    if (!takePart(call.message, listener_.socket())) {
       break;
     }
     ++parts;
@@ -99,7 +98,7 @@ bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
   if (watch_.isOpen()) {
     watch_.noteMessage(call.message);
   }
-  const auto number = readRoute({route.data(), route.size()});
+  const auto number = readRoute({route_.data(), route_.size()});
   if (parts != 1 || !number) {
     statistics_.malformed.add(1);
     return true;
@@ -109,14 +108,17 @@ bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
 }
 
 bool Incoming::accept(uint64_t route, IncomingCall& call) {
-  takeOver(call.message.data());
-  const auto header = decodeHeader(call.message.bytes());
+  const std::span<const uint8_t> message = call.message.bytes();
+  takeOver(message.data());
+  const auto header = decodeHeader(message);
   if (!header) {
     statistics_.malformed.add(1);
     return false;
   }
   call.header = *header;
-  call.source = isWellFormed(call) && isFromItsSource(call) ? book(route, call) : nullptr;
+  call.bytes = message.data();
+  call.source =
+      isWellFormed(*header, message) && isFromItsSource(call) ? book(route, call) : nullptr;
   if (call.source == nullptr) {
     statistics_.malformed.add(1);
     return false;
@@ -143,16 +145,15 @@ bool Incoming::accept(uint64_t route, IncomingCall& call) {
   return true;
 }
 
-bool Incoming::isWellFormed(const IncomingCall& call) const {
-  const FrameHeader& header = call.header;
+bool Incoming::isWellFormed(const FrameHeader& header, std::span<const uint8_t> message) const {
   if (header.destination != address_) {
     return false;
   }
   if (header.kind == Kind::Sync) {
-    return header.count <= 1 && header.bytes == 0 && call.message.size() == headerSize;
+    return header.count <= 1 && header.bytes == 0 && message.size() == headerSize;
   }
   return header.kind == Kind::Call && header.bytes <= settings_.payloadLimit &&
-         header.count <= settings_.countLimit() && lengthsAgree(header, call.message.bytes());
+         header.count <= settings_.countLimit() && lengthsAgree(header, message);
 }
 
 bool Incoming::isFromItsSource(IncomingCall& call) {
@@ -203,7 +204,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
   if (!isConnected) {
     sources_.connect(*source, route);
   }
-  source->heardAt = roughlyNow();
+  source->heardAt = now_;
   if (isNew) {
     tell(*source);
   }
@@ -241,12 +242,10 @@ void Incoming::tellAll() {
 
 // False when the sender is gone.
 bool Incoming::tell(Source& source) {
-  MessagePart route;
   MessagePart message;
-  if (!route.allocate(routeSize) || !message.allocate(stateSize)) {
+  if (!message.allocate(stateSize)) {
     return true;
   }
-  writeRoute(source.route, route.data());
   encodeHeader({.kind = Kind::State,
                 .flags = source.closed ? closingFlag : uint8_t{0},
                 .source = address_,
@@ -260,9 +259,7 @@ bool Incoming::tell(Source& source) {
                message.data());
   encodeFirst(source.first, message.data() + headerSize);
   handOver(message.data());
-  void* const socket = listener_.socket().handle();
-  if (zmq_msg_send(route.raw(), socket, ZMQ_DONTWAIT | ZMQ_SNDMORE) < 0 ||
-      zmq_msg_send(message.raw(), socket, ZMQ_DONTWAIT) < 0) {
+  if (!sendTo(source.route, message, listener_.socket())) {
     return zmq_errno() != EHOSTUNREACH;
   }
   source.told = source.settled;
@@ -270,6 +267,7 @@ bool Incoming::tell(Source& source) {
 }
 
 void Incoming::tend() {
+  now_ = roughlyNow();
   bool isCall = false;
   IncomingCall call;
   int taken = 0;

@@ -19,6 +19,7 @@ namespace zarnimesh {
 struct IncomingCall {
   FrameHeader header;
   MessagePart message;
+  const uint8_t* bytes = nullptr;  // of the message
   Source* source = nullptr;
   bool afterGap = false;
 };
@@ -42,8 +43,8 @@ class Incoming {
     Failed,  // the error text is set
   };
 
-  // Takes the next call. Does not wait.
-  [[nodiscard]] Arrival take(IncomingCall& call);
+  // Fills `calls` from its beginning, as far as calls have arrived. Does not wait.
+  [[nodiscard]] Arrival take(std::span<IncomingCall> calls, size_t& taken);
 
   // The handler has seen the call.
   void noteDelivered(const IncomingCall& call);
@@ -73,7 +74,8 @@ class Incoming {
   // Takes one message. Returns whether there was one; `isCall` tells whether `call` is filled.
   [[nodiscard]] bool takeMessage(IncomingCall& call, bool& isCall);
   [[nodiscard]] bool accept(uint64_t route, IncomingCall& call);
-  [[nodiscard]] bool isWellFormed(const IncomingCall& call) const;
+  [[nodiscard]] bool isWellFormed(const FrameHeader& header,
+                                  std::span<const uint8_t> message) const;
   [[nodiscard]] bool isFromItsSource(IncomingCall& call);
   [[nodiscard]] Source* book(uint64_t route, IncomingCall& call);
   void toldLater(Source& source);
@@ -87,11 +89,13 @@ class Incoming {
   uint64_t incarnation_ = 0;
   Listener listener_;
   ConnectionWatch watch_;
+  MessagePart route_;  // of the latest message
   Sources sources_;
   std::deque<IncomingCall> waiting_;  // taken by tend()
   std::vector<Source*> toBeTold_;
   int file_ = -1;
-  bool drained_ = false;  // the socket had no message when it was asked last
+  bool drained_ = false;     // the socket had no message when it was asked last
+  Clock::time_point now_{};  // roughly
   Clock::time_point nextLook_{};
 };
 

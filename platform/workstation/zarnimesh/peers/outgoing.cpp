@@ -27,11 +27,14 @@ constexpr size_t endpointSize = 256;
 }  // namespace
 
 Destination& Outgoing::destination(uint32_t address) {
-  auto& found = destinations_[address];
-  if (found == nullptr) {
-    found = std::make_unique<Destination>(settings_, address);
+  if (latest_ == nullptr || latest_->address() != address) {
+    auto& found = destinations_[address];
+    if (found == nullptr) {
+      found = std::make_unique<Destination>(settings_, address);
+    }
+    latest_ = found.get();
   }
-  return *found;
+  return *latest_;
 }
 
 mesh_result Outgoing::connect(Destination& destination) {
@@ -144,16 +147,11 @@ mesh_result Outgoing::setKeys(const Destination& destination) {
 }
 
 bool Outgoing::push(Destination& destination, MessagePart& message) {
-  MessagePart route;
-  if (route.allocate(routeSize)) {
-    writeRoute(destination.link.route, route.data());
-    handOver(message.data());
-    // Without a limit of the queue, only a connection that is gone makes these fail.
-    if (zmq_msg_send(route.raw(), socket_.handle(), ZMQ_DONTWAIT | ZMQ_SNDMORE) >= 0 &&
-        zmq_msg_send(message.raw(), socket_.handle(), ZMQ_DONTWAIT) >= 0) {
-      tellWater(destination);
-      return true;
-    }
+  handOver(message.data());
+  // Without a limit of the queue, only a connection that is gone makes this fail.
+  if (sendTo(destination.link.route, message, socket_)) {
+    tellWater(destination);
+    return true;
   }
   disconnect(destination);
   return false;
@@ -193,11 +191,11 @@ void Outgoing::takeStates(std::vector<Destination*>& restarted) {
   for (;;) {
     MessagePart route;
     MessagePart message;
-    if (zmq_msg_recv(route.raw(), socket_.handle(), ZMQ_DONTWAIT) < 0) {
+    if (!takePart(route, socket_)) {
       break;
     }
     bool more = route.more();
-    while (more && zmq_msg_recv(message.raw(), socket_.handle(), ZMQ_DONTWAIT) >= 0) {
+    while (more && takePart(message, socket_)) {
       more = message.more();
     }
     if (const auto number = readRoute({route.data(), route.size()})) {

@@ -80,7 +80,8 @@ class Outgoing {
   int eventFile_ = -1;
   uint64_t latestRoute_ = 0;
   uint64_t inprocVersion_ = 0;
-  Destinations destinations_;
+  Destinations destinations_;      // never removed
+  Destination* latest_ = nullptr;  // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
 };
 

@@ -1,6 +1,10 @@
 #include "zarnimesh/transport/frame.hpp"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <concepts>
+#include <cstring>
 
 namespace zarnimesh {
 namespace {
@@ -8,21 +12,29 @@ namespace {
 constexpr uint32_t magic = 0x48534D5A;
 constexpr uint16_t version = 2;
 
+// The compiler makes one load or store of it only if it is a copy, not byte by byte.
+template <std::unsigned_integral Integer>
+Integer littleEndian(Integer value) {
+  if constexpr (std::endian::native == std::endian::big) {
+    auto bytes = std::bit_cast<std::array<uint8_t, sizeof value>>(value);
+    std::reverse(bytes.begin(), bytes.end());
+    value = std::bit_cast<Integer>(bytes);
+  }
+  return value;
+}
+
 template <std::unsigned_integral Integer>
 uint8_t* put(uint8_t* to, Integer value) {
-  for (size_t i = 0; i < sizeof value; ++i) {
-    to[i] = static_cast<uint8_t>(value >> (8 * i));
-  }
+  value = littleEndian(value);
+  std::memcpy(to, &value, sizeof value);
   return to + sizeof value;
 }
 
 template <std::unsigned_integral Integer>
 Integer get(const uint8_t* from) {
-  uint64_t value = 0;
-  for (size_t i = 0; i < sizeof(Integer); ++i) {
-    value |= uint64_t{from[i]} << (8 * i);
-  }
-  return static_cast<Integer>(value);
+  Integer value;
+  std::memcpy(&value, from, sizeof value);
+  return littleEndian(value);
 }
 
 }  // namespace

@@ -7,6 +7,21 @@
 
 namespace zarnimesh {
 
+namespace {
+
+// A signal makes also those calls of ZeroMQ fail that do not wait. A part that then is missing
+// would make the next message a part of this one.
+template <typename Call>
+int uninterrupted(Call&& call) {
+  int result = 0;
+  do {
+    result = call();
+  } while (result < 0 && zmq_errno() == EINTR);
+  return result;
+}
+
+}  // namespace
+
 mesh_result failFromTransport(const char* what) {
   const int error = zmq_errno();
   mesh_result result = MESH_SYSTEM_ERROR;
@@ -21,6 +36,13 @@ mesh_result failFromTransport(const char* what) {
 bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval) {
   const auto time = static_cast<int>(interval.count());
   return socket.set(ZMQ_HEARTBEAT_IVL, time) && socket.set(ZMQ_HEARTBEAT_TIMEOUT, 2 * time);
+}
+
+bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval) {
+  const auto seconds = static_cast<int>(std::chrono::ceil<std::chrono::seconds>(interval).count());
+  return seconds == 0 ||
+         (socket.set(ZMQ_TCP_KEEPALIVE, 1) && socket.set(ZMQ_TCP_KEEPALIVE_IDLE, seconds) &&
+          socket.set(ZMQ_TCP_KEEPALIVE_INTVL, seconds) && socket.set(ZMQ_TCP_KEEPALIVE_CNT, 2));
 }
 
 Socket watchEvents(void* context, Socket& watched, int events) {
@@ -43,14 +65,11 @@ Socket watchEvents(void* context, Socket& watched, int events) {
 
 std::string routeName(uint64_t route) {
   std::string name(routeSize, '\0');
-  writeRoute(route, reinterpret_cast<uint8_t*>(name.data()));
-  return name;
-}
-
-void writeRoute(uint64_t route, uint8_t* to) {
-  for (size_t i = 0; i < routeSize; ++i) {
-    to[i] = static_cast<uint8_t>(route >> (8 * i));
+  for (char& byte : name) {
+    byte = static_cast<char>(route);
+    route >>= 8;
   }
+  return name;
 }
 
 std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
@@ -64,6 +83,20 @@ std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
   return route;
 }
 
+bool sendTo(uint64_t route, MessagePart& message, Socket& socket) {
+  const std::string name = routeName(route);
+  return uninterrupted([&] {
+           return zmq_send(socket.handle(), name.data(), name.size(), ZMQ_DONTWAIT | ZMQ_SNDMORE);
+         }) >= 0 &&
+         uninterrupted(
+             [&] { return zmq_msg_send(message.raw(), socket.handle(), ZMQ_DONTWAIT); }) >= 0;
+}
+
+bool takePart(MessagePart& part, Socket& socket) {
+  return uninterrupted([&] { return zmq_msg_recv(part.raw(), socket.handle(), ZMQ_DONTWAIT); }) >=
+         0;
+}
+
 void stopWatching(Socket& watched, Socket& watcher) {
   if (watcher) {
     zmq_socket_monitor(watched.handle(), nullptr, 0);
@@ -74,7 +107,7 @@ void stopWatching(Socket& watched, Socket& watcher) {
 std::optional<TransportEvent> nextEvent(Socket& watcher) {
   // An event has two parts: number and value (16 and 32 bits), then the endpoint.
   MessagePart part;
-  if (zmq_msg_recv(part.raw(), watcher.handle(), ZMQ_DONTWAIT) < 0) {
+  if (!takePart(part, watcher)) {
     return std::nullopt;
   }
   TransportEvent event;
@@ -82,7 +115,7 @@ std::optional<TransportEvent> nextEvent(Socket& watcher) {
     std::memcpy(&event.number, part.data(), sizeof event.number);
     std::memcpy(&event.value, part.data() + sizeof event.number, sizeof event.value);
   }
-  while (part.more() && zmq_msg_recv(part.raw(), watcher.handle(), ZMQ_DONTWAIT) >= 0) {
+  while (part.more() && takePart(part, watcher)) {
     event.endpoint.assign(reinterpret_cast<const char*>(part.data()), part.size());
   }
   return event;

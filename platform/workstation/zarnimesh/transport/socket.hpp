@@ -70,6 +70,11 @@ class MessagePart {
     return true;
   }
 
+  void clear() {
+    zmq_msg_close(&message_);
+    zmq_msg_init(&message_);
+  }
+
   uint8_t* data() { return static_cast<uint8_t*>(zmq_msg_data(message())); }
   const uint8_t* data() const { return static_cast<const uint8_t*>(zmq_msg_data(message())); }
   size_t size() const { return zmq_msg_size(&message_); }
@@ -89,11 +94,22 @@ class MessagePart {
 inline constexpr size_t routeSize = 5;
 
 std::string routeName(uint64_t route);
-void writeRoute(uint64_t route, uint8_t* to);
 std::optional<uint64_t> readRoute(std::span<const uint8_t> name);
 
-// Ends connections whose peer has not answered for three times `interval`. 0: never.
+// Sends a message over one connection and empties it. Does not wait. False when that failed; the
+// message is then unchanged.
+[[nodiscard]] bool sendTo(uint64_t route, MessagePart& message, Socket& socket);
+
+// Takes the next part, if there is one. Does not wait.
+[[nodiscard]] bool takePart(MessagePart& part, Socket& socket);
+
+// Ends connections whose peer has not answered for three times `interval`. 0: never. Not for
+// sockets that close while peers send: ZeroMQ ends the process if a heartbeat is due at a
+// connection that its peer has ended and that has not sent its last messages yet.
 [[nodiscard]] bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval);
+
+// As setHeartbeat, for tcp connections whose peer's machine does not answer.
+[[nodiscard]] bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval);
 
 // The result for a failed ZeroMQ call, from its errno.
 [[nodiscard]] mesh_result failFromTransport(const char* what);
