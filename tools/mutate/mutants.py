@@ -1,5 +1,6 @@
 """Every change that breaks a source in one place, found by its tokens."""
 
+import hashlib
 import re
 from dataclasses import dataclass
 
@@ -39,6 +40,8 @@ class Mutant:
     after: str
     # The size of a member, which everything that includes it agrees on.
     is_layout: bool
+    # Of the function, or else the file, and the place in it: a verdict holds while this is the same.
+    context: str
 
     def applied(self, source):
         return source[:self.start] + self.text + source[self.end:]
@@ -118,6 +121,21 @@ def in_function(found, index):
     return False
 
 
+def function_of(found, index):
+    """Where the outermost function around a token begins and ends; nothing outside of functions."""
+    body, parent = None, found[index].parent
+    while parent is not None:
+        body = parent if found[parent].is_body else body
+        parent = found[parent].parent
+    if body is None:
+        return None
+    first = body
+    while first and not (found[first - 1].text in ("{", "}", ";") and (
+            found[first - 1].parent == found[body].parent or first - 1 == found[body].parent)):
+        first -= 1
+    return found[first].start, found[found[body].partner].end
+
+
 def end_of(found, index, stops):
     """The first token from `index` on, in the same brackets, that is one of `stops` or closes them."""
     parent = found[index].parent
@@ -158,8 +176,11 @@ def mutants_of(file, source, following):
         after = collapse(source[line:start] + text + source[end:line_end])
         alike = sum(one.before == whole and one.after.split("  // ")[0] == after for one in result)
         after += f"  // {alike + 1} of this kind" if alike else ""
+        begin, finish = function_of(found, first) or (0, len(source))
+        context = f"{source[begin:start]}\0{source[start:end]}\0{text}\0{source[end:finish]}"
         result.append(Mutant(file, operator, start, end, text, whole, after,
-                             re.fullmatch(r"std::array<.*> \w+(\{\})?;", whole) is not None))
+                             re.fullmatch(r"std::array<.*> \w+(\{\})?;", whole) is not None,
+                             hashlib.sha256(context.encode()).hexdigest()[:16]))
 
     def text_of(first, last):
         return source[found[first].start:found[last].end]
@@ -181,10 +202,12 @@ def mutants_of(file, source, following):
             add("condition", index, index, "")
         elif token.kind == "number":
             digits = token.text.rstrip("uUlL")
-            suffix, value = token.text[len(digits):], int(digits, 0)
-            add("constant", index, index, f"{value + 1}{suffix}")
+            base = 8 if re.fullmatch(r"0\d+", digits) else 0
+            suffix, value = token.text[len(digits):], int(digits, base)
+            write = "0{:o}{}" if base == 8 else "{}{}"
+            add("constant", index, index, write.format(value + 1, suffix))
             if value > 1:
-                add("constant", index, index, f"{value - 1}{suffix}")
+                add("constant", index, index, write.format(value - 1, suffix))
         elif token.text in ("true", "false"):
             add("constant", index, index, "false" if token.text == "true" else "true")
         elif token.text == "::" and (before.text, found[index + 1].text) in following:

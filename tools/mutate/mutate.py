@@ -64,7 +64,7 @@ def selected(candidates, seed):
 
 
 def save(path, verdicts):
-    path.write_text(json.dumps([(one.file, one.before, one.after, verdict.kind, verdict.by)
+    path.write_text(json.dumps([(one.file, one.context, verdict.kind, verdict.by)
                                 for one, verdict in verdicts.items()], indent=0))
 
 
@@ -91,11 +91,12 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--all", action="store_true", help="every mutant")
     parser.add_argument("--survivors", action="store_true", help="those that survived the last run")
-    parser.add_argument("--resume", action="store_true", help="keep what the last run has found, and go on")
+    parser.add_argument("--resume", action="store_true", help="keep the verdicts on functions that are unchanged, and go on")
     parser.add_argument("--list", action="store_true", help="list the mutants, build nothing")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--directory", type=Path, default=ROOT / "build/mutate")
     options = parser.parse_args()
+    options.directory = options.directory.absolute()
 
     suite = SUITES[options.suite]
     files = sorted(path.relative_to(ROOT) for room in suite.sources for path in ROOT.glob(room)
@@ -113,7 +114,7 @@ def main():
     last = options.directory / f"{options.suite}.json"
     earlier = {}
     if options.survivors or options.resume:
-        named = {(one.file, one.before, one.after): one for one in candidates}
+        named = {(one.file, one.context): one for one in candidates}
         earlier = {named[tuple(key)]: Verdict(kind, by) for *key, kind, by in json.loads(last.read_text())
                    if tuple(key) in named}
         order = [one for one in order if one not in earlier]
@@ -125,12 +126,12 @@ def main():
         print(len(order), "mutants")
         return len(stale) > 0
 
-    os.nice(10)
+    os.nice(max(0, 10 - os.nice(0)))
     resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     base = Base(ROOT, options.directory, suite)
-    for target, seconds in base.seconds.items():
-        print(f"{seconds:6.1f} s  {target}", flush=True)
+    for test, seconds in base.seconds.items():
+        print(f"{seconds:6.1f} s  {test.target} {test.script or test.filter}", flush=True)
     kills = collections.defaultdict(collections.Counter)
     lock, results = threading.Lock(), {}
     waiting = iter(enumerate(order))
@@ -148,13 +149,12 @@ def main():
                 return
             seen = kills[mutant.file]
             test, verdict = worker.trial(mutant, texts[mutant.file], options.survivors, lambda tests: sorted(
-                tests, key=lambda test: (-seen[test.target] / (0.5 + base.seconds[test.target]),
-                                         base.seconds[test.target])))
+                tests, key=lambda test: (-seen[test] / (0.5 + base.seconds[test]), base.seconds[test])))
             if (mutant.file, mutant.before, mutant.after) in known:
                 verdict = Verdict("equivalent" if verdict.kind == "survived" else "refuted", verdict.by)
             with lock:
                 if test:
-                    seen[test.target] += 1
+                    seen[test] += 1
                 results[index] = mutant, verdict
                 save(last, {**earlier, **dict(results.values())})
                 print(f"{len(results)} {verdict.kind} {verdict.by}\n  {mutant.file}: {mutant.operator}\n"

@@ -2,9 +2,10 @@
 # The shared object has the probes that docs/observing.md lists, and a debugger stops at one with its
 # arguments. Prints "skipped" where the system lets no debugger run a program.
 #
-#   probes.sh LIBRARY DECODE_FILE KEY_FILE DOCUMENT
+#   probes.sh DECODE_FILE KEY_FILE DOCUMENT
 set -euo pipefail
-library=$1 decode_file=$2 key=$3 document=$4
+decode_file=$1 key=$2 document=$3
+library=$(ldd "$decode_file" | awk '$1 ~ /^libmesh_l2vpn\.so/ { print $3 }')
 documented=$(sed -n 's/^| `\([a-z_]*\)` | .*/\1/p' "$document" | sort -u)
 [ -n "$documented" ]
 found=$(readelf -n "$library" | awk '$1 == "Provider:" { ours = $2 == "mesh_l2vpn" }
