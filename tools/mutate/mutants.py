@@ -22,6 +22,7 @@ RETURNED = {"0": None, "true": None, "false": None, "nullptr": None, "{}": None,
 NOT_DROPPED = re.compile(
     r"(const|constexpr|consteval|auto|static|using|if|for|while|switch|case|default|struct|template|typename"
     r"|else|do|extern|namespace|public|private|inline|enum|alignas)\b|\[\["
+    r"|[\w.]+\.reserve\("
     r"|[\w:]+(<[^;=()]*>)?[*&]* +(const +)?[*&]*\w+ *[=;{(\[,]")
 # Not called, or with arguments whose order does not matter.
 NOT_SWAPPED = {"if", "for", "while", "switch", "sizeof", "decltype", "alignas", "return", "defined",
@@ -96,13 +97,13 @@ def opens_body(found, index):
 
 
 def excluded(found):
-    """Marks tokens of static assertions, attributes and template parameters."""
+    """Marks tokens of static assertions, attributes, template parameters and reserved capacities."""
     marked = [False] * len(found)
     for index, token in enumerate(found):
         following = found[index + 1] if index + 1 < len(found) else None
         if following is None or following.partner is None:
             continue
-        if token.text in ("static_assert", "template") or (token.text == following.text == "["):
+        if token.text in ("static_assert", "template", "reserve") or (token.text == following.text == "["):
             marked[index:following.partner + 1] = [True] * (following.partner + 1 - index)
     return marked
 

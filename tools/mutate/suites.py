@@ -81,7 +81,7 @@ SUITES = {
             Test("differential", ("--executions", "500000")),
             Test("exhaustive_test"),
             Test("exercise", ("read-only", "3")),
-            Test("decode_file", ("examples/key.bin", "docs/observing.md"),
+            Test("probed", ("docs/observing.md",),
                  script="tests/delivered/shared_object/probes.sh"),
         ),
         shared=("mesh_l2vpn",),

@@ -138,7 +138,7 @@ class Base:
             if status != 0:
                 failed = re.findall(r"^\[  FAILED  \] ([\w./]+)", output, re.MULTILINE)
                 started = re.findall(r"^\[ RUN      \] ([\w./]+)", output, re.MULTILINE)
-                at = (failed or started[-1:] or [" ".join((test.target, *test.arguments))])[0]
+                at = (failed or started[-1:] or [test.script or " ".join((test.target, *test.arguments))])[0]
                 return at + (" (timeout)" if status is None else "")
         return ""
 
