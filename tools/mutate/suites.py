@@ -14,7 +14,6 @@ class Suite:
     tests: tuple[Test, ...]
     shared: tuple[str, ...]  # libraries that tests load
     stages: Callable
-    flags: str = "-O0 -g0 -w"  # added to each compilation of a mutant
     helpers: tuple[str, ...] = ()  # programs that scripts use
 
 
@@ -99,7 +98,6 @@ SUITES = {
                     filter="Endpoint*:AddressBook*:Keys*:RuntimeDirectory*:Tcp*"),),
         shared=("zarnimesh",),
         stages=at_once),
-    # Precompiled headers hold for the flags that they were made with.
     "reader": Suite(
         sources=tuple(f"inspect/{folder}/*.[ch]pp"
                       for folder in ("bytes", "reader", "messages", "json")),
@@ -114,6 +112,5 @@ SUITES = {
         ),
         shared=("mesh_l2vpn_inspect",),
         stages=reader_stages,
-        flags="-w",
         helpers=("write_capture",)),
 }
