@@ -1,4 +1,4 @@
-/* Makes every probe of the library fire, in the order that probes.sh expects. Needs no middleware. */
+/* Makes every probe of the library fire, in the order that probes.sh expects. */
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
