@@ -120,13 +120,14 @@ TEST(BoundedMemory, ClearsTheRecordOfALargeFixedImage) {
   std::memset(item->f4, 0x44, sizeof item->f4);
   Buffer image(mesh::wire::fixedLength(schema));
   mesh::wire::writeFixedImage<schema>(image.data(), reinterpret_cast<const uint8_t*>(item.get()));
-  const auto contents = std::ranges::search(image, Buffer(16384, 0x44));
+  const Buffer array(16384, 0x44);
+  const auto contents = std::search(image.begin(), image.end(), array.begin(), array.end());
   const auto read = std::make_unique<l2vpn_cfg_query_dfx_item>();
   for (int round = 0; round < 2; ++round) {  // the first one binds the module
     calls.clear();
     l2vpn_cfg_query_dfx_item__unpack(image.data(), static_cast<uint32_t>(image.size()), read.get());
-    EXPECT_EQ(calls, std::vector<Call>(
-                         {clear(read.get(), 16572), copy(read->f4, &contents.front(), 16384)}));
+    EXPECT_EQ(calls,
+              std::vector<Call>({clear(read.get(), 16572), copy(read->f4, &*contents, 16384)}));
   }
 }
 

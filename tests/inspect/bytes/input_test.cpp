@@ -73,7 +73,7 @@ TEST_F(Input, RejectsACaptureUnlessItIsBinary) {
 
 TEST_F(Input, ReportsSystemErrors) {
   EXPECT_EQ(failure(InputForm::Guessed, Cause::System), path_ + ": No such file or directory");
-  EXPECT_THROW(InputFile(testing::TempDir()), Failure);
+  EXPECT_THROW(readAll(testing::TempDir()), Failure);
 }
 
 TEST_F(Input, LooksAheadWithoutReading) {

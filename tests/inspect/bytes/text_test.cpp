@@ -34,7 +34,7 @@ TEST(Text, AppendsLongBytesAsHex) {
 
 TEST(Text, GrowsUpToTheLimit) {
   const uint64_t before = std::exchange(memoryLimit, 1000);
-  for (const size_t first : {1, 600, 900}) {
+  for (const size_t first : {size_t{1}, size_t{600}, size_t{900}}) {
     Text text(100);
     text.append(first, 'a');
     text.append(900 - first, 'b');
