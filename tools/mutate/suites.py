@@ -54,8 +54,13 @@ def reader_stages(affected, _):
     return [own, [name for name in library if name not in own]]
 
 
-LONG_TESTS = ("Capture.ChangedByteChangesOneTable:Capture.ReadsTruncatedFiles:SchemaDocument.SurvivesDamage"
-              ":Of/RoundTrip.ThroughJson/l2vpn_cfg_query_dfx_*")
+# Of inspect_test: what takes milliseconds, so that a mutant that never ends is found soon.
+BRIEF_TESTS = "Base64*:Hex.*:HexText.Re*Dumps*:HexText.A*:Input*:Interruption*:Text.*:Identification*:RawTable*" \
+    ":Messages*:RecordJson.R*:RecordJson.E*:RecordJson.I*:ReaderTexts*:TableReader*"
+
+
+LONG_TESTS = "Capture.ChangedByteChangesOneTable:Capture.ReadsTruncatedFiles:SchemaDocument.SurvivesDamage" \
+    ":Of/RoundTrip.ThroughJson/l2vpn_cfg_query_dfx_*:HexText.R*Stars:HexText.ReadsL*:HtmlPage.L*"
 
 
 SUITES = {
@@ -103,7 +108,8 @@ SUITES = {
                       for folder in ("bytes", "reader", "messages", "json")),
         excluded=(),
         tests=(
-            Test("inspect_test", filter=f"-{LONG_TESTS}"),
+            Test("inspect_test", filter=BRIEF_TESTS),
+            Test("inspect_test", filter=f"*-{BRIEF_TESTS}:{LONG_TESTS}"),
             Test("inspect_test", filter=LONG_TESTS),
             Test("inspect_interface_test"),
             *(Test("mesh-l2vpn", ("build/release/tests/tool/write_capture",),

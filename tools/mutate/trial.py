@@ -232,7 +232,7 @@ class Worker:
                 self.link(library)
         for test in tests:
             executable = self.link(test.target)
-            seconds = 10 + 20 * self.base.seconds[test]
+            seconds = 5 + 10 * self.base.seconds[test]
             if failed := self.base.failing(test, executable, seconds, self.environment):
                 return test, failed
         return None, ""
