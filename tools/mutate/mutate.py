@@ -47,16 +47,20 @@ def explained(page):
 
 
 def selected(candidates, seed):
-    """Every file and operator in turn."""
+    """Every file and operator in turn, files first."""
     groups = collections.defaultdict(list)
     for mutant in candidates:
         groups[mutant.file, mutant.operator].append(mutant)
     shuffled = random.Random(seed)
     for group in groups.values():
         shuffled.shuffle(group)
-    order = []
+    order, rank = [], collections.Counter()
+    turns = {}
+    for file, operator in shuffled.sample(sorted(groups), len(groups)):
+        turns[file, operator] = rank[file]
+        rank[file] += 1
     while groups:
-        for key in list(groups):
+        for key in sorted(groups, key=turns.get):
             order.append(groups[key].pop())
             if not groups[key]:
                 del groups[key]

@@ -117,6 +117,10 @@ class Base:
             elif line.strip():
                 path = os.path.normpath(self.build / line.strip())
                 held.add(os.path.relpath(path, self.tree))
+        # Of an object with a precompiled header, the compiler lists that instead of what it includes.
+        for held in sources.values():
+            for header in [path for path in held if path.endswith(".gch")]:
+                held |= sources[os.path.relpath(self.tree / header, self.build)]
         return sources
 
     def link_command(self, target):
