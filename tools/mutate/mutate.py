@@ -112,9 +112,8 @@ def main():
     stale = {key for key in known if key[0] in texts} - {(one.file, one.before, one.after) for one in candidates}
     for file, before, after in sorted(stale):
         print(f"{PAGE} explains a mutant that does not exist:\n  {file}\n  - {before}\n  + {after}")
-    if options.files:
-        candidates = [one for one in candidates if one.file.startswith(tuple(options.files))]
-    order = selected(candidates, options.seed)
+    chosen = [one for one in candidates if one.file.startswith(tuple(options.files or [""]))]
+    order = selected(chosen, options.seed)
     last = options.directory / f"{options.suite}.json"
     earlier = {}
     if options.survivors or options.resume:
@@ -123,7 +122,7 @@ def main():
                    if tuple(key) in named}
         order = [one for one in order if one not in earlier]
     if options.survivors:
-        order = [one for one, verdict in earlier.items() if verdict.kind in ("survived", "refuted")]
+        order = [one for one in chosen if earlier.get(one, Verdict("")).kind in ("survived", "refuted")]
     if options.list:
         for one in order:
             print(f"{one.file}: {one.operator}\n  - {one.before}\n  + {one.after}")

@@ -74,6 +74,12 @@ TEST_F(Input, RejectsACaptureUnlessItIsBinary) {
 TEST_F(Input, ReportsSystemErrors) {
   EXPECT_EQ(failure(InputForm::Guessed, Cause::System), path_ + ": No such file or directory");
   EXPECT_THROW(readAll(testing::TempDir()), Failure);
+  // Opens, but nothing is mapped at its beginning.
+  InputFile memory("/proc/self/mem");
+  char byte = 0;
+  EXPECT_EQ(memory.read(&byte, 1), 0u);
+  EXPECT_EQ(memory.error(), EIO);
+  EXPECT_THROW(readAll("/proc/self/mem"), Failure);
 }
 
 TEST_F(Input, LooksAheadWithoutReading) {
