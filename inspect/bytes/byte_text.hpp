@@ -10,10 +10,6 @@ namespace inspect {
 
 enum class ByteText : uint8_t { Hex, Base64 };
 
-inline std::string toText(ByteText form, std::span<const uint8_t> bytes) {
-  return form == ByteText::Base64 ? toBase64(bytes) : toHex(bytes);
-}
-
 inline std::vector<uint8_t> fromText(ByteText form, std::string_view text) {
   return form == ByteText::Base64 ? fromBase64(text) : fromHex(text);
 }

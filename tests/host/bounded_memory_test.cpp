@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "bounded/memory.h"
@@ -111,6 +112,23 @@ TEST(BoundedMemory, CopiesAnItemsLargeArray) {
   EXPECT_EQ(calls, std::vector<Call>(
                        {clear(read.get(), 16572), copy(read->f4, buffer.data() + 238, 16384)}));
   EXPECT_EQ(std::memcmp(read.get(), item.get(), sizeof *item), 0);
+}
+
+TEST(BoundedMemory, ClearsTheRecordOfALargeFixedImage) {
+  constexpr const mesh::wire::Schema& schema = mesh::wire::schemaOf<l2vpn_cfg_query_dfx_item>;
+  const auto item = std::make_unique<l2vpn_cfg_query_dfx_item>();
+  std::memset(item->f4, 0x44, sizeof item->f4);
+  Buffer image(mesh::wire::fixedLength(schema));
+  mesh::wire::writeFixedImage<schema>(image.data(), reinterpret_cast<const uint8_t*>(item.get()));
+  const Buffer array(16384, 0x44);
+  const auto contents = std::search(image.begin(), image.end(), array.begin(), array.end());
+  const auto read = std::make_unique<l2vpn_cfg_query_dfx_item>();
+  for (int round = 0; round < 2; ++round) {  // the first one binds the module
+    calls.clear();
+    l2vpn_cfg_query_dfx_item__unpack(image.data(), static_cast<uint32_t>(image.size()), read.get());
+    EXPECT_EQ(calls,
+              std::vector<Call>({clear(read.get(), 16572), copy(read->f4, &*contents, 16384)}));
+  }
 }
 
 TEST(BoundedMemory, ClearsTheBlockOfItems) {

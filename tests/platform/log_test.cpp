@@ -3,6 +3,9 @@
 #include <regex.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <string>
 #include <thread>
 #include <vector>
@@ -41,6 +44,26 @@ TEST(Log, WritesOneLine) {
       << lines[0];
 }
 
+std::string localTime() {
+  const std::time_t now = std::time(nullptr);
+  char text[32];
+  text[std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&now))] = '\0';
+  return text;
+}
+
+TEST(Log, HasTheLocalTime) {
+  setenv("TZ", "HERE-5:30", 1);
+  tzset();
+  const std::string before = localTime();
+  const auto lines = logged([] { DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "text"); });
+  const std::string after = localTime();
+  unsetenv("TZ");
+  tzset();
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_GE(lines[0].substr(0, before.size()), before);
+  EXPECT_LE(lines[0].substr(0, after.size()), after);
+}
+
 TEST(Log, IncludesTheFile) {
   const auto lines = logged([] { DDM_OsalLogWrite(env, 1, 2, "a.c", 3, "f", "text"); });
   ASSERT_EQ(lines.size(), 1u);
@@ -62,7 +85,7 @@ TEST(Log, CutsALongTextToOneLine) {
   const auto lines = logged([&] { DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "%s", text.c_str()); });
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_NE(lines[0].find("a b cxxx"), std::string::npos);
-  EXPECT_LT(lines[0].size(), 1024u);
+  EXPECT_EQ(lines[0].size(), 1023u) << "and the end of the line";
 }
 
 TEST(Log, KeepsErrno) {
@@ -108,6 +131,23 @@ TEST(Log, RefillsTheLimitOverTime) {
     DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "second");
   });
   EXPECT_EQ(lines.size(), 2u);
+}
+
+// Within a second, one line more than the burst passes at most.
+TEST(Log, PassesNoMoreThanItsRate) {
+  const auto start = std::chrono::steady_clock::now();
+  const auto lines = logged([] {
+    ddm_osal_log_limit(1, 5);
+    for (int i = 0; i < 50; ++i) {
+      DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "line %d", i);
+    }
+    ddm_osal_log_limit(0, 1);
+    DDM_OsalLogWrite(env, 1, 2, "", 3, "f", "the end, after the count of the others");
+  });
+  const auto passed =
+      std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
+  EXPECT_GE(lines.size(), 5u);
+  EXPECT_LE(lines.size(), static_cast<size_t>(2 * (6 + passed.count()))) << "with the counts";
 }
 
 TEST(Log, ReportsSuppressedLinesAtExit) {

@@ -154,6 +154,30 @@ TEST(Memory, ReportsLeaksByOwnerAndCaller) {
   EXPECT_EQ(out, 0u);
 }
 
+TEST(Memory, CountsBlocksOfACallerTogether) {
+  std::vector<void*> blocks;
+  std::string caller(200, 'x');
+  const auto takeHundred = [&] {
+    for (int i = 0; i < 100; ++i) {
+      blocks.push_back(DDM_OsalMemAlloc(1, 0x403, caller.c_str()));
+    }
+  };
+  takeHundred();
+  // As where another library is loaded at the place of an unloaded one.
+  caller.assign(200, 'y');
+  takeHundred();
+  const std::string text = report();
+  for (const char letter : {'x', 'y'}) {
+    const std::string line =
+        "not freed: 100 blocks (100 bytes), owner 0x403, caller " + std::string(71, letter) + '\n';
+    EXPECT_NE(text.find(line), std::string::npos) << line << "is not in\n" << text;
+  }
+  EXPECT_EQ(text.find("other callers"), std::string::npos) << text;
+  for (void* block : blocks) {
+    DDM_OsalMemFree(block, 0x403, "end");
+  }
+}
+
 TEST(Memory, CountsAcrossThreads) {
   const uint64_t decodedBefore = usageOf(12).total_bytes;
   std::vector<std::thread> threads;
@@ -218,10 +242,20 @@ TEST(MemoryLimit, LimitsEachOwnersBytesInUse) {
   EXPECT_EQ(usage.total_blocks, 3u);
   EXPECT_EQ(usage.refusals, 2u);
   EXPECT_EQ(usageOf(0x502).refusals, 0u);
-  EXPECT_NE(report().find("owner 0x501: 2 requests refused at the limit\n"), std::string::npos);
+  const std::string text = report();
+  EXPECT_NE(text.find("owner 0x501: 2 requests refused at the limit\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("owner 0x502: 0 requests"), std::string::npos) << text;
   DDM_OsalMemFree(first, 0x501, "limit");
   DDM_OsalMemFree(second, 0x501, "limit");
   DDM_OsalMemFree(other, 0x502, "limit");
+}
+
+TEST(MemoryLimit, ReportsAnOwnerThatGotNothing) {
+  const OwnerLimit limit(100);
+  EXPECT_EQ(DDM_OsalMemAlloc(101, 0x504, "limit"), nullptr);
+  const std::string text = report();
+  EXPECT_NE(text.find("owner 0x504: 1 requests refused at the limit\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("other owners"), std::string::npos) << text;
 }
 
 TEST(MemoryLimit, HoldsAcrossThreads) {
@@ -274,11 +308,28 @@ TEST(MemoryLimit, ComesFromTheEnvironment) {
   }
 }
 
-TEST(Memory, CountsMoreOwnersAndCallersThanAccounts) {
-  // In a separate process: no account is free afterwards.
-  ChildProcess child(peer({"crowd", "100", "3000"}));
-  const std::string text = child.readAll();
+// What a separate process reports, with a block for each caller: no account is free afterwards.
+std::string crowd(const char* owners, const char* callers) {
+  ChildProcess child(peer({"crowd", owners, callers}));
+  std::string text = child.readAll();
   EXPECT_EQ(child.wait(), 0);
+  EXPECT_NE(text.find("\n0 faults\n"), std::string::npos) << text;
+  return text;
+}
+
+TEST(Memory, CountsEachOf63OwnersAnd500Callers) {
+  EXPECT_EQ(crowd("63", "63").find("other owners"), std::string::npos);
+  EXPECT_NE(crowd("64", "64").find("other owners: 1 blocks"), std::string::npos);
+  const std::string text = crowd("1", "500");
+  for (int caller = 0; caller < 500; ++caller) {
+    const std::string line =
+        "not freed: 1 blocks (1 bytes), owner 0x0, caller caller " + std::to_string(caller) + '\n';
+    EXPECT_NE(text.find(line), std::string::npos) << line << "is not in\n" << text;
+  }
+}
+
+TEST(Memory, CountsMoreOwnersAndCallersThanAccounts) {
+  const std::string text = crowd("100", "3000");
   const size_t end = text.find("all freed\n");
   ASSERT_NE(end, std::string::npos) << text;
   const std::string taken = text.substr(0, end);

@@ -158,7 +158,10 @@ int log(const char* lines, const char* burst) {
 
 void report() {
   const uint64_t out = ddm_osal_memory_report(stdout);
-  std::printf("%" PRIu64 " blocks in use\n", out);
+  ddm_osal_memory_faults faults{};
+  ddm_osal_memory_faults_get(&faults);
+  std::printf("%" PRIu64 " blocks in use\n%" PRIu64 " faults\n", out,
+              faults.wrong_owner + faults.double_free + faults.foreign_free);
 }
 
 int crowd(const char* owners, const char* callers) {

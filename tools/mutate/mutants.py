@@ -1,5 +1,6 @@
 """Every change that breaks a source in one place, found by its tokens."""
 
+import hashlib
 import re
 from dataclasses import dataclass
 
@@ -21,6 +22,7 @@ RETURNED = {"0": None, "true": None, "false": None, "nullptr": None, "{}": None,
 NOT_DROPPED = re.compile(
     r"(const|constexpr|consteval|auto|static|using|if|for|while|switch|case|default|struct|template|typename"
     r"|else|do|extern|namespace|public|private|inline|enum|alignas)\b|\[\["
+    r"|[\w.]+\.reserve\("
     r"|[\w:]+(<[^;=()]*>)?[*&]* +(const +)?[*&]*\w+ *[=;{(\[,]")
 # Not called, or with arguments whose order does not matter.
 NOT_SWAPPED = {"if", "for", "while", "switch", "sizeof", "decltype", "alignas", "return", "defined",
@@ -39,6 +41,8 @@ class Mutant:
     after: str
     # The size of a member, which everything that includes it agrees on.
     is_layout: bool
+    # Of the function, or else the file, and the place in it: a verdict holds while this is the same.
+    context: str
 
     def applied(self, source):
         return source[:self.start] + self.text + source[self.end:]
@@ -93,13 +97,13 @@ def opens_body(found, index):
 
 
 def excluded(found):
-    """Marks tokens of static assertions, attributes and template parameters."""
+    """Marks tokens of static assertions, attributes, template parameters and reserved capacities."""
     marked = [False] * len(found)
     for index, token in enumerate(found):
         following = found[index + 1] if index + 1 < len(found) else None
         if following is None or following.partner is None:
             continue
-        if token.text in ("static_assert", "template") or (token.text == following.text == "["):
+        if token.text in ("static_assert", "template", "reserve") or (token.text == following.text == "["):
             marked[index:following.partner + 1] = [True] * (following.partner + 1 - index)
     return marked
 
@@ -116,6 +120,21 @@ def in_function(found, index):
             return True
         parent = found[parent].parent
     return False
+
+
+def function_of(found, index):
+    """Where the outermost function around a token begins and ends; nothing outside of functions."""
+    body, parent = None, found[index].parent
+    while parent is not None:
+        body = parent if found[parent].is_body else body
+        parent = found[parent].parent
+    if body is None:
+        return None
+    first = body
+    while first and not (found[first - 1].text in ("{", "}", ";") and (
+            found[first - 1].parent == found[body].parent or first - 1 == found[body].parent)):
+        first -= 1
+    return found[first].start, found[found[body].partner].end
 
 
 def end_of(found, index, stops):
@@ -158,8 +177,11 @@ def mutants_of(file, source, following):
         after = collapse(source[line:start] + text + source[end:line_end])
         alike = sum(one.before == whole and one.after.split("  // ")[0] == after for one in result)
         after += f"  // {alike + 1} of this kind" if alike else ""
+        begin, finish = function_of(found, first) or (0, len(source))
+        context = f"{source[begin:start]}\0{source[start:end]}\0{text}\0{source[end:finish]}"
         result.append(Mutant(file, operator, start, end, text, whole, after,
-                             re.fullmatch(r"std::array<.*> \w+(\{\})?;", whole) is not None))
+                             re.fullmatch(r"std::array<.*> \w+(\{\})?;", whole) is not None,
+                             hashlib.sha256(context.encode()).hexdigest()[:16]))
 
     def text_of(first, last):
         return source[found[first].start:found[last].end]
@@ -181,12 +203,12 @@ def mutants_of(file, source, following):
             add("condition", index, index, "")
         elif token.kind == "number":
             digits = token.text.rstrip("uUlL")
-            is_octal = re.fullmatch("0[0-7]+", digits) is not None  # modes of files
-            suffix, value = token.text[len(digits):], int(digits, 8 if is_octal else 0)
-            form = "0{:o}{}" if is_octal else "{}{}"
-            add("constant", index, index, form.format(value + 1, suffix))
+            base = 8 if re.fullmatch(r"0\d+", digits) else 0
+            suffix, value = token.text[len(digits):], int(digits, base)
+            write = "0{:o}{}" if base == 8 else "{}{}"
+            add("constant", index, index, write.format(value + 1, suffix))
             if value > 1:
-                add("constant", index, index, form.format(value - 1, suffix))
+                add("constant", index, index, write.format(value - 1, suffix))
         elif token.text in ("true", "false"):
             add("constant", index, index, "false" if token.text == "true" else "true")
         elif token.text == "::" and (before.text, found[index + 1].text) in following:

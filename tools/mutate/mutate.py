@@ -47,16 +47,20 @@ def explained(page):
 
 
 def selected(candidates, seed):
-    """Every file and operator in turn."""
+    """Every file and operator in turn, files first."""
     groups = collections.defaultdict(list)
     for mutant in candidates:
         groups[mutant.file, mutant.operator].append(mutant)
     shuffled = random.Random(seed)
     for group in groups.values():
         shuffled.shuffle(group)
-    order = []
+    order, rank = [], collections.Counter()
+    turns = {}
+    for file, operator in shuffled.sample(sorted(groups), len(groups)):
+        turns[file, operator] = rank[file]
+        rank[file] += 1
     while groups:
-        for key in list(groups):
+        for key in sorted(groups, key=turns.get):
             order.append(groups[key].pop())
             if not groups[key]:
                 del groups[key]
@@ -64,7 +68,7 @@ def selected(candidates, seed):
 
 
 def save(path, verdicts):
-    path.write_text(json.dumps([(one.file, one.before, one.after, verdict.kind, verdict.by)
+    path.write_text(json.dumps([(one.file, one.context, verdict.kind, verdict.by)
                                 for one, verdict in verdicts.items()], indent=0))
 
 
@@ -91,11 +95,12 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--all", action="store_true", help="every mutant")
     parser.add_argument("--survivors", action="store_true", help="those that survived the last run")
-    parser.add_argument("--resume", action="store_true", help="keep what the last run has found, and go on")
+    parser.add_argument("--resume", action="store_true", help="keep the verdicts on functions that are unchanged, and go on")
     parser.add_argument("--list", action="store_true", help="list the mutants, build nothing")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--directory", type=Path, default=ROOT / "build/mutate")
     options = parser.parse_args()
+    options.directory = options.directory.absolute()
 
     suite = SUITES[options.suite]
     files = sorted(path.relative_to(ROOT) for room in suite.sources for path in ROOT.glob(room)
@@ -107,30 +112,29 @@ def main():
     stale = {key for key in known if key[0] in texts} - {(one.file, one.before, one.after) for one in candidates}
     for file, before, after in sorted(stale):
         print(f"{PAGE} explains a mutant that does not exist:\n  {file}\n  - {before}\n  + {after}")
-    if options.files:
-        candidates = [one for one in candidates if one.file.startswith(tuple(options.files))]
-    order = selected(candidates, options.seed)
+    chosen = [one for one in candidates if one.file.startswith(tuple(options.files or [""]))]
+    order = selected(chosen, options.seed)
     last = options.directory / f"{options.suite}.json"
     earlier = {}
     if options.survivors or options.resume:
-        named = {(one.file, one.before, one.after): one for one in candidates}
+        named = {(one.file, one.context): one for one in candidates}
         earlier = {named[tuple(key)]: Verdict(kind, by) for *key, kind, by in json.loads(last.read_text())
                    if tuple(key) in named}
         order = [one for one in order if one not in earlier]
     if options.survivors:
-        order = [one for one, verdict in earlier.items() if verdict.kind in ("survived", "refuted")]
+        order = [one for one in chosen if earlier.get(one, Verdict("")).kind in ("survived", "refuted")]
     if options.list:
         for one in order:
             print(f"{one.file}: {one.operator}\n  - {one.before}\n  + {one.after}")
         print(len(order), "mutants")
         return len(stale) > 0
 
-    os.nice(10)
+    os.nice(max(0, 10 - os.nice(0)))
     resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     base = Base(ROOT, options.directory, suite)
-    for target, seconds in base.seconds.items():
-        print(f"{seconds:6.1f} s  {target}", flush=True)
+    for test, seconds in base.seconds.items():
+        print(f"{seconds:6.1f} s  {test.target} {test.script or test.filter}", flush=True)
     kills = collections.defaultdict(collections.Counter)
     lock, results = threading.Lock(), {}
     waiting = iter(enumerate(order))
@@ -148,13 +152,12 @@ def main():
                 return
             seen = kills[mutant.file]
             test, verdict = worker.trial(mutant, texts[mutant.file], options.survivors, lambda tests: sorted(
-                tests, key=lambda test: (-seen[test.target] / (0.5 + base.seconds[test.target]),
-                                         base.seconds[test.target])))
+                tests, key=lambda test: (-seen[test] / (0.5 + base.seconds[test]), base.seconds[test])))
             if (mutant.file, mutant.before, mutant.after) in known:
                 verdict = Verdict("equivalent" if verdict.kind == "survived" else "refuted", verdict.by)
             with lock:
                 if test:
-                    seen[test.target] += 1
+                    seen[test] += 1
                 results[index] = mutant, verdict
                 save(last, {**earlier, **dict(results.values())})
                 print(f"{len(results)} {verdict.kind} {verdict.by}\n  {mutant.file}: {mutant.operator}\n"

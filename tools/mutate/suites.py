@@ -14,7 +14,7 @@ class Suite:
     tests: tuple[Test, ...]
     shared: tuple[str, ...]  # libraries that tests load
     stages: Callable
-    flags: str = "-O0 -g0 -w"  # added to each compilation of a mutant
+    helpers: tuple[str, ...] = ()  # programs that scripts use
 
 
 # Tests that instantiate the engine's templates themselves. Others call operations; they include the
@@ -47,6 +47,22 @@ def at_once(affected, _):
     return [[name for name in affected if not name.startswith("tests/")]]
 
 
+def reader_stages(affected, _):
+    """The mutated folders; then what else the library has of them."""
+    library = [name for name in affected if name.startswith("inspect/")]
+    own = [name for name in library if re.search(r"\.dir/(bytes|reader|messages|json)/", name)]
+    return [own, [name for name in library if name not in own]]
+
+
+# Of inspect_test: what takes milliseconds, so that a mutant that never ends is found soon.
+BRIEF_TESTS = "Base64*:Hex.*:HexText.Re*Dumps*:HexText.A*:Input*:Interruption*:Text.*:Identification*:RawTable*" \
+    ":Messages*:RecordJson.R*:RecordJson.E*:RecordJson.I*:ReaderTexts*:TableReader*"
+
+
+LONG_TESTS = "Capture.ChangedByteChangesOneTable:Capture.ReadsTruncatedFiles:SchemaDocument.SurvivesDamage" \
+    ":Of/RoundTrip.ThroughJson/l2vpn_cfg_query_dfx_*:HexText.R*Stars:HexText.ReadsL*:HtmlPage.L*"
+
+
 SUITES = {
     "engine": Suite(
         sources=("host/*.[ch]pp", "wire/*.[ch]pp", "msg/*.[ch]pp"),
@@ -69,6 +85,8 @@ SUITES = {
             Test("differential", ("--executions", "500000")),
             Test("exhaustive_test"),
             Test("exercise", ("read-only", "3")),
+            Test("probed", ("docs/observing.md",),
+                 script="tests/delivered/shared_object/probes.sh"),
         ),
         shared=("mesh_l2vpn",),
         stages=engine_stages),
@@ -95,13 +113,20 @@ SUITES = {
         ),
         shared=("zarnimesh",),
         stages=at_once),
-    # Precompiled headers hold for the flags that they were made with.
     "reader": Suite(
-        sources=tuple(f"tools/mesh-l2vpn/{folder}/*.[ch]pp"
+        sources=tuple(f"inspect/{folder}/*.[ch]pp"
                       for folder in ("bytes", "reader", "messages", "json")),
         excluded=(),
-        tests=(Test("tool_test"),),
-        shared=(),
-        stages=at_once,
-        flags="-w"),
+        tests=(
+            Test("inspect_test", filter=BRIEF_TESTS),
+            Test("inspect_test", filter=f"*-{BRIEF_TESTS}:{LONG_TESTS}"),
+            Test("inspect_test", filter=LONG_TESTS),
+            Test("inspect_interface_test"),
+            *(Test("mesh-l2vpn", ("build/release/tests/tool/write_capture",),
+                   script=f"tests/tool/commands/{script}.sh")
+              for script in ("commands", "differences", "input_output")),
+        ),
+        shared=("mesh_l2vpn_inspect",),
+        stages=reader_stages,
+        helpers=("write_capture",)),
 }

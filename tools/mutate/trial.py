@@ -17,6 +17,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 COMPILE_SECONDS = 120
+FLAGS = "-O0 -g0 -w"  # added to each compilation of a mutant
 # Slower tests run once, when everything is compiled, on what has survived all others.
 SLOW_SECONDS = 6
 # What the compiler says where a proof, or a plan made at compile time, does not hold.
@@ -26,13 +27,14 @@ PROOF = re.compile(r"error: (static assertion failed|non-constant condition for 
                    r"|overflow in constant expression|.constexpr. (loop|evaluation)))")
 
 
-@dataclass
+@dataclass(frozen=True)
 class Test:
     target: str
-    arguments: tuple = ()  # of a program that is not GoogleTest's
+    arguments: tuple = ()  # of a program that is not GoogleTest's, or of the script
     filter: str = "*"
     own_processes: bool = False  # each test in a process of its own
     environment: tuple = ()
+    script: str = ""  # runs the program; both are relative to the tree, as the script's arguments
 
 
 @dataclass
@@ -84,7 +86,8 @@ class Base:
         copy_tree(root, self.tree)
         environment = dict(os.environ, CCACHE_BASEDIR=str(self.tree))
         for command in (["cmake", "--preset", "release"],
-                        ["ninja", "-C", str(self.build), "-j2", *(test.target for test in suite.tests)]):
+                        ["ninja", "-C", str(self.build), "-j2", *{test.target for test in suite.tests},
+                         *suite.helpers]):
             status, output = run(command, self.tree, None, environment)
             if status != 0:
                 raise SystemExit(output)
@@ -98,13 +101,13 @@ class Base:
         for test in suite.tests:
             executable = self.executable(test.target)
             if test.own_processes:
-                self.names[test.target] = listed(executable, test.filter)
+                self.names[test] = listed(executable, test.filter)
             start = resource.getrusage(resource.RUSAGE_CHILDREN)
             failed = self.failing(test, executable, 600, os.environ)
             if failed:
                 raise SystemExit(f"{failed} fails without a mutant")
             end = resource.getrusage(resource.RUSAGE_CHILDREN)
-            self.seconds[test.target] = end.ru_utime + end.ru_stime - start.ru_utime - start.ru_stime
+            self.seconds[test] = end.ru_utime + end.ru_stime - start.ru_utime - start.ru_stime
 
     def read_dependencies(self):
         sources = {}
@@ -114,6 +117,10 @@ class Base:
             elif line.strip():
                 path = os.path.normpath(self.build / line.strip())
                 held.add(os.path.relpath(path, self.tree))
+        # Of an object with a precompiled header, the compiler lists that instead of what it includes.
+        for held in sources.values():
+            for header in [path for path in held if path.endswith(".gch")]:
+                held |= sources[os.path.relpath(self.tree / header, self.build)]
         return sources
 
     def link_command(self, target):
@@ -129,13 +136,15 @@ class Base:
     def failing(self, test, executable, seconds, environment):
         """The first test that fails, or nothing."""
         environment = dict(environment, **dict(test.environment))
-        for name in self.names.get(test.target, [test.filter]):
-            arguments = test.arguments or ("--gtest_fail_fast", f"--gtest_filter={name}")
-            status, output = run([str(executable), *arguments], self.build, seconds, environment)
+        for name in self.names.get(test, [test.filter]):
+            command = [executable, *(test.arguments or ("--gtest_fail_fast", f"--gtest_filter={name}"))]
+            if test.script:
+                command = [self.tree / test.script, executable, *(self.tree / one for one in test.arguments)]
+            status, output = run(list(map(str, command)), self.build, seconds, environment)
             if status != 0:
                 failed = re.findall(r"^\[  FAILED  \] ([\w./]+)", output, re.MULTILINE)
                 started = re.findall(r"^\[ RUN      \] ([\w./]+)", output, re.MULTILINE)
-                at = (failed or started[-1:] or [" ".join((test.target, *test.arguments))])[0]
+                at = (failed or started[-1:] or [test.script or " ".join((test.target, *test.arguments))])[0]
                 return at + (" (timeout)" if status is None else "")
         return ""
 
@@ -176,8 +185,14 @@ class Worker:
     def compile(self, name):
         """Nothing, or the verdict that ends the trial."""
         command = re.sub(f"{re.escape(str(self.base.tree))}(?!/build)", str(self.tree), self.base.commands[name])
+        # Precompiled headers have no mutant. The library's sources do without them; the tests need what
+        # they include, and the compiler takes one only as the very first.
+        header = re.search(r"-include \S*/cmake_pch\.hxx", command)
+        if header:
+            is_test = name.startswith("tests/")
+            command = command.replace(header[0], f"-include stddef.h {header[0]}" if is_test else "")
         (self.objects / name).parent.mkdir(parents=True, exist_ok=True)
-        status, output = run(shlex.split(f"{command} {self.base.suite.flags}"), self.objects,
+        status, output = run(shlex.split(f"{command} {FLAGS}"), self.objects,
                              COMPILE_SECONDS, self.environment)
         if status == 0:
             self.built.append(name)
@@ -221,7 +236,7 @@ class Worker:
                 self.link(library)
         for test in tests:
             executable = self.link(test.target)
-            seconds = 10 + 20 * self.base.seconds[test.target]
+            seconds = 5 + 10 * self.base.seconds[test]
             if failed := self.base.failing(test, executable, seconds, self.environment):
                 return test, failed
         return None, ""
@@ -247,9 +262,9 @@ class Worker:
                 if verdict := self.compile(name):
                     return None, verdict
             tests = [test for test in order(self.base.suite.tests) if self.concerns(test, stage)
-                     and self.base.seconds[test.target] < SLOW_SECONDS
+                     and self.base.seconds[test] < SLOW_SECONDS
                      or stage is stages[-1] and with_slow_tests
-                     and self.base.seconds[test.target] >= SLOW_SECONDS]
+                     and self.base.seconds[test] >= SLOW_SECONDS]
             if tests:
                 test, failed = self.try_tests(tests)
                 if failed:

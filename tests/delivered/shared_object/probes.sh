@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# The shared object has the probes that docs/observing.md lists, and a debugger stops at one with its
+# The shared object has the probes that docs/observing.md lists, and a debugger stops at each with its
 # arguments. Prints "skipped" where the system lets no debugger run a program.
 #
-#   probes.sh LIBRARY DECODE_FILE KEY_FILE DOCUMENT
+#   probes.sh PROBED DOCUMENT
 set -euo pipefail
-library=$1 decode_file=$2 key=$3 document=$4
+probed=$1 document=$2
+library=$(ldd "$probed" | awk '$1 ~ /^libmesh_l2vpn\.so/ { print $3 }')
 documented=$(sed -n 's/^| `\([a-z_]*\)` | .*/\1/p' "$document" | sort -u)
 [ -n "$documented" ]
 found=$(readelf -n "$library" | awk '$1 == "Provider:" { ours = $2 == "mesh_l2vpn" }
@@ -12,14 +13,29 @@ found=$(readelf -n "$library" | awk '$1 == "Provider:" { ours = $2 == "mesh_l2vp
 diff <(echo "$documented") <(echo "$found")
 
 command -v gdb >/dev/null || { echo "skipped: gdb is missing"; exit 77; }
-cut=$(mktemp)
-trap 'rm -f "$cut"' EXIT
-head -c 30 "$key" >"$cut"
-said=$(gdb -batch -nx -ex 'set breakpoint pending on' -ex 'break -probe-stap mesh_l2vpn:rejected' \
-  -ex run -ex 'printf "0x%X at %d, slot %d\n", $_probe_arg0, $_probe_arg1, $_probe_arg2' \
-  --args "$decode_file" "$cut" 2>&1) || true
+said=$(gdb -batch -nx -x "$(dirname "$0")/probes.gdb" "$probed" 2>&1) || true
 if grep -qi 'ptrace' <<<"$said"; then
   echo "skipped: no debugger may run a program here"
   exit 77
 fi
-grep -qF '0xFEB5D38D at 28, slot 3' <<<"$said" || { echo "$said"; exit 1; }
+# The log has the receiving module's address.
+receiving=$(sed -n 's/^log //p' <<<"$said" | sort -u)
+sending=$(sed -n 's/^bound \(.*\) codec$/\1/p' <<<"$said" | head -1)
+[ "$receiving" != "$sending" ]
+diff - <(grep -E "^($(paste -sd '|' <<<"$documented")) " <<<"$said") <<END
+bound $sending codec
+bound $receiving host
+rejected 0xFEB5D38D at 255, slot -1
+bound $receiving codec
+rejected 0xFEB5D38D at 28, slot 3
+allocation_refused dbginfo_key_l2vpn_unpack 4
+allocation_refused dbginfo_para_l2vpn_unpack_non_root 3
+rejected 0x8B614502 at 70, slot -1
+bound $sending host
+send_failed 0x77B787DC 0xFFFFFFFF
+send_failed 0x345542C5 0xFFFFFFFF
+send_failed 0x494B03FB 0xFFFFFFFF
+send_failed 0xFEB5D38D 0xFFFFFFFF
+send_failed 0xDC5527DE 0xFFFFFFFF
+send_failed 0xF5550D12 0xFFFFFFFF
+END

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex.hpp"
 
@@ -20,10 +22,39 @@ TEST(Hex, ReadsBothCases) {
   EXPECT_EQ(fromHex("1000ABff"), four);
 }
 
+TEST(Hex, ReadsEveryByte) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const Bytes bytes{static_cast<uint8_t>(byte)};
+    char upper[8];
+    std::snprintf(upper, sizeof upper, "%02X", byte);
+    EXPECT_EQ(fromHex(upper), bytes);
+    EXPECT_EQ(fromHex(toHex(bytes)), bytes);
+  }
+}
+
+TEST(Hex, KnowsItsDigits) {
+  const std::string_view digits = "0123456789abcdefABCDEF";
+  for (int code = 0; code < 256; ++code) {
+    const auto letter = static_cast<char>(code);
+    EXPECT_EQ(isHexDigit(letter), digits.find(letter) != std::string_view::npos) << code;
+  }
+}
+
+std::string failureOf(std::string_view digits) {
+  try {
+    fromHex(digits);
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.cause(), Cause::BadInput);
+    return failure.what();
+  }
+  return "";
+}
+
 TEST(Hex, RejectsInvalidText) {
-  EXPECT_THROW(fromHex("100"), Failure);
-  EXPECT_THROW(fromHex("1g"), Failure);
-  EXPECT_THROW(fromHex("10 0"), Failure);
+  EXPECT_EQ(failureOf("100"), "an odd number of hexadecimal digits");
+  EXPECT_EQ(failureOf("1g"), "not a hexadecimal digit at character 1");
+  EXPECT_EQ(failureOf("10 0"), "not a hexadecimal digit at character 2");
+  EXPECT_EQ(failureOf("100x"), "not a hexadecimal digit at character 3");
 }
 
 }  // namespace

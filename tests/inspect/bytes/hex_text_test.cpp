@@ -147,6 +147,8 @@ TEST(HexText, RejectsInvalidStars) {
 }
 
 TEST(HexText, RejectsOtherText) {
+  EXPECT_REJECTED(std::string(40, 'x'), ": '" + std::string(40, 'x') + "' is not");
+  EXPECT_REJECTED(std::string(41, 'x'), ": '" + std::string(40, 'x') + "...' is not");
   EXPECT_REJECTED("hello", "line 1 is not hexadecimal text: 'hello'");
   EXPECT_REJECTED("10 0", "whole bytes");
   EXPECT_REJECTED("10 00 # zero\nunsigned char x[] = {", "line 2");

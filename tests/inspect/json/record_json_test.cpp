@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "inspect/bytes/failure.hpp"
+#include "inspect/json/json_check.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/reading.hpp"
 
@@ -121,9 +122,78 @@ TEST(RecordJson, LimitsMembersAndValues) {
   EXPECT_EQ(failureOf("dbginfo_key_l2vpn", (values + "]").c_str()), "more than 1000000 values");
 }
 
+TEST(RecordJson, AcceptsUpToTheLimits) {
+  const std::string levels(64, '[');
+  EXPECT_EQ(checkJson(levels + std::string(64, ']')), 64u);
+  std::string members;
+  for (int member = 0; member < 100; ++member) {
+    members.append(member == 0 ? "" : ",").append("\"a" + std::to_string(member) + "\":0");
+  }
+  EXPECT_EQ(checkJson('{' + members + '}'), 101u);
+  // With the array itself a million.
+  std::string values = "[0";
+  for (int value = 1; value < 999'999; ++value) {
+    values += ",0";
+  }
+  EXPECT_EQ(checkJson(values + "]"), 1'000'000u);
+  EXPECT_THROW(checkJson(values + ",0]"), Failure);
+  EXPECT_EQ(checkJson(R"([null, true, -1, 1, 1.5, "text", {}, []])"), 9u);
+}
+
+TEST(RecordJson, ErrorsShortenReasons) {
+  EXPECT_EQ(failureOf("dbginfo_key_l2vpn", "{"),
+            "invalid JSON at byte 2: syntax error while parsing object key - unexpected end of "
+            "input; expected string literal");
+  const std::string text = failureOf("dbginfo_key_l2vpn", ("{\"" + std::string(300, 'a')).c_str());
+  const std::string before = "invalid JSON at byte 303: ";
+  EXPECT_EQ(text.substr(0, before.size()), before);
+  EXPECT_EQ(text.size(), before.size() + 200 + 3);
+  EXPECT_TRUE(text.ends_with("..."));
+}
+
+// The text, with its names, takes 160 bytes for each value at most.
+TEST(RecordJson, CountsTheMemoryOfValues) {
+  uint64_t memory = 7;
+  parseJson("[1, 2]", memory);
+  EXPECT_EQ(memory, 7u + 6 + 3 * 160);
+  memory = memoryLimit - 6 - 3 * 160;
+  EXPECT_NO_THROW(parseJson("[1, 2]", memory));
+  memory = memoryLimit - 6 - 3 * 160 + 1;
+  EXPECT_THROW(parseJson("[1, 2]", memory), Failure);
+}
+
+TEST(RecordJson, IndentsEachLevel) {
+  const KnownMessage& list = messageNamed("l2vpn_cfg_query_dfx_rec");
+  const OwnedRecord empty(list);
+  Text text;
+  writeRecord(text, list.schema(), empty.data(), {.indent = 2});
+  EXPECT_EQ(text.view(),
+            "{\n  \"f0\": {\n    \"f0\": 0,\n    \"f1\": 0,\n    \"f2\": 0,\n    \"f3\": \"\",\n"
+            "    \"f4\": 0\n  },\n  \"f1\": []\n}");
+  const OwnedRecord full =
+      fromJson(messageNamed("dbginfo_key_l2vpn"), parseJson(R"({"f3": "01"})"));
+  Text lines;
+  writeRecord(lines, full.message().schema(), full.data(),
+              {.byteText = ByteText::Base64, .indent = 0});
+  EXPECT_EQ(lines.view(), "{\n\"f0\": 0,\n\"f1\": 0,\n\"f2\": 0,\n\"f3\": \"AQ==\"\n}");
+}
+
 TEST(RecordJson, RejectsFixedEncodingOfCompactMessage) {
   const OwnedRecord record = fromJson(messageNamed("dbginfo_key_l2vpn"), Json::object());
   EXPECT_THROW(encodeFixed(record), Failure);
+}
+
+TEST(RecordJson, RejectsARecordTooLargeToEncode) {
+  OwnedRecord record(messageNamed("dbginfo_key_l2vpn"));
+  const mesh::wire::Slot& slot = record.message().schema().slots[3];
+  storeAs(record.data() + slot.recordOffset, record.data());
+  storeAs(record.data() + slot.countOffset, UINT32_MAX);
+  try {
+    encodedSize(record.message(), record.data(), Form::Compact);
+    ADD_FAILURE();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "this dbginfo_key_l2vpn is too large to encode");
+  }
 }
 
 }  // namespace

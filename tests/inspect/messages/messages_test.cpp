@@ -38,6 +38,37 @@ TEST(Messages, SuggestsSimilarNames) {
   EXPECT_TRUE(nearestNames("nothing like it at all").empty());
 }
 
+TEST(Messages, SuggestsTheBestThree) {
+  EXPECT_EQ(nearestNames("sync_stp"),
+            (std::vector<std::string_view>{"l2vpn_sync_stp", "l2vpn_sync_stp_update",
+                                           "l2vpn_sync_stp_delete"}));
+  EXPECT_EQ(nearestNames("vpls_vsi").size(), 3u);
+  // Parts of less than three characters match too much.
+  EXPECT_TRUE(nearestNames("ac").empty());
+}
+
+std::string failureOf(std::string_view name) {
+  try {
+    messageNamed(name);
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.cause(), Cause::Usage);
+    return failure.what();
+  }
+  return "";
+}
+
+TEST(Messages, ErrorTellsNamesFromIdentifiers) {
+  EXPECT_EQ(failureOf("0x1"), "unknown identifier 0x1");
+  EXPECT_EQ(failureOf("12"), "unknown identifier 12");
+  EXPECT_EQ(failureOf("12x"), "unknown message '12x'");
+  EXPECT_EQ(failureOf("4294967296"), "unknown message '4294967296'");
+  EXPECT_EQ(failureOf("5EED5F0D"), "unknown message '5EED5F0D'; did you mean 0x5EED5F0D");
+  EXPECT_EQ(failureOf("l2vpn_sync_stp_updat"),
+            "unknown message 'l2vpn_sync_stp_updat'; did you mean l2vpn_sync_stp_update, "
+            "l2vpn_sync_subpw_update, l2vpn_sync_stp_delete");
+  EXPECT_EQ(messageNamed("0X5eed5f0d").name, "l2vpn_sync_vpls_ac_update");
+}
+
 TEST(Messages, ErrorSuggestsName) {
   try {
     messageNamed("l2vpn_sync_stq");

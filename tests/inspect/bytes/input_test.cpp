@@ -1,0 +1,131 @@
+// Files of a message: bytes, or text with hexadecimal digits.
+
+#include "inspect/bytes/input.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <numeric>
+
+#include "inspect/bytes/failure.hpp"
+
+namespace inspect {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+class Input : public testing::Test {
+ protected:
+  void TearDown() override { std::remove(path_.c_str()); }
+
+  void write(const std::string& contents) const {
+    std::ofstream(path_, std::ios::binary) << contents;
+  }
+
+  // The error of reading the file; empty if there is none.
+  [[nodiscard]] std::string failure(InputForm form, Cause cause = Cause::BadInput) const {
+    try {
+      readBytes(path_, form);
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.cause(), cause);
+      return failure.what();
+    }
+    return "";
+  }
+
+  const std::string path_ =
+      testing::TempDir() + "input_" + testing::UnitTest::GetInstance()->current_test_info()->name();
+};
+
+TEST_F(Input, IsTextWithoutControlCharacters) {
+  for (int code = 0; code < 256; ++code) {
+    const auto letter = static_cast<char>(code);
+    write(std::string("# ") + letter + '\n');
+    const bool isControl = (code < 0x20 && (code < '\t' || code > '\r')) || code == 0x7F;
+    const Bytes comment;
+    const Bytes bytes{'#', ' ', static_cast<uint8_t>(code), '\n'};
+    EXPECT_EQ(readBytes(path_, InputForm::Guessed), isControl ? bytes : comment) << code;
+    EXPECT_EQ(readBytes(path_, InputForm::Binary), bytes) << code;
+  }
+}
+
+TEST_F(Input, HasTheFormThatIsAskedFor) {
+  write("0102");
+  EXPECT_EQ(readBytes(path_, InputForm::Guessed), (Bytes{1, 2}));
+  EXPECT_EQ(readBytes(path_, InputForm::Hex), (Bytes{1, 2}));
+  EXPECT_EQ(readBytes(path_, InputForm::Binary), (Bytes{'0', '1', '0', '2'}));
+  write("words");
+  const std::string reason =
+      "line 1 is not hexadecimal text: 'words' is not hexadecimal digits of whole bytes";
+  EXPECT_EQ(failure(InputForm::Hex), path_ + ": " + reason);
+  EXPECT_EQ(failure(InputForm::Guessed),
+            path_ + ": looks like text, but " + reason + "; use --binary for bytes");
+}
+
+TEST_F(Input, RejectsACaptureUnlessItIsBinary) {
+  const std::string capture = "\x0A\x0D\x0D\x0A and more";
+  write(capture);
+  EXPECT_EQ(failure(InputForm::Guessed), path_ + ": this is a capture; use decode");
+  EXPECT_EQ(failure(InputForm::Hex), path_ + ": this is a capture; use decode");
+  EXPECT_EQ(readBytes(path_, InputForm::Binary), Bytes(capture.begin(), capture.end()));
+}
+
+TEST_F(Input, ReportsSystemErrors) {
+  EXPECT_EQ(failure(InputForm::Guessed, Cause::System), path_ + ": No such file or directory");
+  EXPECT_THROW(readAll(testing::TempDir()), Failure);
+  // Opens, but nothing is mapped at its beginning.
+  InputFile memory("/proc/self/mem");
+  char byte = 0;
+  EXPECT_EQ(memory.read(&byte, 1), 0u);
+  EXPECT_EQ(memory.error(), EIO);
+  EXPECT_THROW(readAll("/proc/self/mem"), Failure);
+}
+
+TEST_F(Input, LooksAheadWithoutReading) {
+  write("abcdef");
+  InputFile file(path_);
+  EXPECT_TRUE(file.goesOnWith("abc"));
+  EXPECT_FALSE(file.goesOnWith("abd"));
+  EXPECT_FALSE(file.goesOnWith("abcdefg"));
+  char text[8] = {};
+  EXPECT_EQ(file.read(text, 4), 4u);
+  EXPECT_STREQ(text, "abcd");
+  EXPECT_TRUE(file.goesOnWith("ef"));
+  EXPECT_EQ(file.read(text, 4), 2u);
+  EXPECT_EQ(file.read(text, 4), 0u);
+  EXPECT_EQ(file.error(), 0);
+  EXPECT_EQ(file.name(), path_);
+}
+
+// In pieces that do not divide the buffer, with a look ahead of each.
+TEST_F(Input, ReadsFilesLargerThanTheBuffer) {
+  std::string contents(200'003, ' ');
+  std::iota(contents.begin(), contents.end(), '\0');
+  write(contents);
+  EXPECT_EQ(readAll(path_), contents);
+  InputFile file(path_);
+  std::string taken;
+  char part[777];
+  do {
+    EXPECT_TRUE(file.goesOnWith(std::string_view(contents).substr(taken.size(), 999)));
+    taken.append(part, file.read(part, sizeof part));
+  } while (taken.size() < contents.size());
+  EXPECT_EQ(taken, contents);
+}
+
+TEST_F(Input, ClosesItsFile) {
+  write("");
+  const auto lowestDescriptor = [this] {
+    std::FILE* const file = std::fopen(path_.c_str(), "r");
+    const int descriptor = fileno(file);
+    std::fclose(file);
+    return descriptor;
+  };
+  const int before = lowestDescriptor();
+  readAll(path_);
+  EXPECT_EQ(lowestDescriptor(), before);
+}
+
+}  // namespace
+}  // namespace inspect
