@@ -14,6 +14,7 @@
 #include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/acceptance.hpp"
+#include "inspect/reader/identification.hpp"
 #include "inspect/texts/explanation.hpp"
 #include "inspect/texts/html_page.hpp"
 #include "tests/inspect/bytes/dumps.hpp"
@@ -86,8 +87,9 @@ void readUnknown(std::span<const uint8_t> bytes) {
     return;
   }
   for (const inspect::Candidate& candidate : inspect::candidatesFor(bytes)) {
-    expect(inspect::readTable(*candidate.message, bytes).isAccepted(), *candidate.message,
-           "named as what the bytes could be, but it rejects them");
+    expect(inspect::judge(*candidate.message, bytes).isAccepted() ==
+               (candidate.fit != inspect::Fit::Rejected),
+           *candidate.message, "named with a fit that is not that of the bytes");
   }
 }
 
@@ -124,7 +126,9 @@ void readCapture(std::span<const uint8_t> bytes) {
   while (const auto table = reader.next()) {
     const KnownMessage* const message = inspect::findById(table->id);
     if (message == nullptr || inspect::readTable(*message, table->bytes).memory <= largestMemory) {
-      inspect::tableJson(*table);
+      inspect::Text line;
+      inspect::writeTable(line, *table);
+      inspect::parseJson(line.view());
       inspect::isAccepted(*table);
     }
   }

@@ -12,21 +12,26 @@
 #include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex_text.hpp"
 #include "inspect/bytes/interruption.hpp"
+#include "inspect/bytes/memory_limit.hpp"
 
 namespace inspect {
 namespace {
 
 constexpr size_t bufferSize = 65536;
-// The largest message in the longest dump format.
-constexpr size_t largestInput = size_t{512} << 20;
 
-std::string readAll(InputFile& file) {
-  std::string contents;
-  char part[bufferSize];
+// While it grows, a container holds half of its contents twice, and bytes take half of their text.
+size_t largestInput() {
+  return memoryLimit / 2;
+}
+
+template <typename Contents>
+Contents readAll(InputFile& file) {
+  Contents contents;
+  typename Contents::value_type part[bufferSize];
   while (const size_t count = file.read(part, sizeof part)) {
-    contents.append(part, count);
-    if (contents.size() > largestInput) {
-      throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
+    contents.insert(contents.end(), part, part + count);
+    if (contents.size() > largestInput()) {
+      throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput()) +
                                          " bytes are too long for a message");
     }
   }
@@ -117,7 +122,7 @@ size_t InputFile::read(void* to, size_t size) {
 
 std::string readAll(const std::string& file) {
   InputFile opened(file);
-  return readAll(opened);
+  return readAll<std::string>(opened);
 }
 
 bool isCapture(InputFile& file) {
@@ -129,11 +134,12 @@ std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
     throw Failure(Cause::BadInput, file.name() + ": this is a capture; use decode");
   }
-  const std::string contents = readAll(file);
-  if (form == InputForm::Hex || (form == InputForm::Guessed && isText(contents))) {
-    return fromText(file.name(), contents, form);
+  auto contents = readAll<std::vector<uint8_t>>(file);
+  const std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());
+  if (form == InputForm::Hex || (form == InputForm::Guessed && isText(text))) {
+    return fromText(file.name(), text, form);
   }
-  return {contents.begin(), contents.end()};
+  return contents;
 }
 
 std::vector<uint8_t> readBytes(const std::string& file, InputForm form) {

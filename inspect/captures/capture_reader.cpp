@@ -5,6 +5,7 @@
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/captures/capture_format.hpp"
 #include "inspect/captures/saturation.hpp"
+#include "inspect/messages/release.hpp"
 
 namespace inspect {
 namespace {

@@ -6,6 +6,7 @@
 #include "inspect/bytes/failure.hpp"
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/captures/capture_format.hpp"
+#include "inspect/messages/release.hpp"
 
 namespace inspect {
 namespace {

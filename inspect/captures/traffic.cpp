@@ -5,38 +5,74 @@
 #include <ctime>
 
 #include "inspect/bytes/hex.hpp"
-#include "inspect/messages/codec.hpp"
+#include "inspect/json/record_json.hpp"
 #include "inspect/reader/acceptance.hpp"
-#include "inspect/reader/own_encoding.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/schema/facts.hpp"
+#include "inspect/texts/fault_texts.hpp"
 
 namespace inspect {
 namespace {
 
 constexpr uint64_t second = 1'000'000'000;
 
-// Adds the record, or why there is none.
-void addContents(Json& json, const KnownMessage& message, std::span<const uint8_t> bytes,
-                 ByteText form) {
-  if (isOwnEncoding(message, bytes)) {
-    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
-    return;
+void member(Text& text, std::string_view name) {
+  text.append(",\"");
+  text.append(name);
+  text.append("\":");
+}
+
+void numberMember(Text& text, std::string_view name, uint64_t value) {
+  member(text, name);
+  text.appendNumber(value);
+}
+
+// A string that may need escapes.
+void appendString(Text& text, const std::string& string) {
+  text.append(Json(string).dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+std::string cutText(const Table& table) {
+  const size_t held = table.bytes.size();
+  return "the capture holds " + std::to_string(held) + " of its " +
+         std::to_string(held + table.cutOff) + " bytes";
+}
+
+// The faults of a table; `isShown` if its record can be shown anyway.
+std::vector<std::string> faultsOf(const KnownMessage& message, const Table& table,
+                                  const JsonStyle& style, bool& isShown) {
+  std::vector<std::string> faults;
+  isShown = true;
+  // A schema of a capture may have tables that share tables without end.
+  if (table.message != nullptr ||
+      acceptanceOf(message.schema(), table.bytes) != Acceptance::Accepted) {
+    const Verdict verdict = judge(message, table.bytes);
+    faults = faultTexts(verdict, style.isWhole);
+    isShown = verdict.isAccepted();
   }
-  const Verdict verdict = judge(message, bytes);
-  for (const Fault& fault : verdict.faults) {
-    json["faults"].push_back(faultText(fault));
-  }
-  if (verdict.isAccepted()) {
+  if (isShown) {
     try {
-      refuseTooMuchMemory(verdict);
-      json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
-      return;
+      refuseLongText(message.schema(), table.bytes, style);
     } catch (const Failure& failure) {
-      json["faults"].push_back(failure.what());
+      faults.emplace_back(failure.what());
+      isShown = false;
     }
   }
-  json["bytes"] = toHex(bytes);
+  if (table.cutOff != 0) {
+    faults.push_back(cutText(table));
+  }
+  return faults;
+}
+
+void writeFaults(Text& text, const std::vector<std::string>& faults) {
+  member(text, "faults");
+  char before = '[';
+  for (const std::string& fault : faults) {
+    text.append(before);
+    appendString(text, fault);
+    before = ',';
+  }
+  text.append(']');
 }
 
 }  // namespace
@@ -58,28 +94,57 @@ std::string timeText(uint64_t nanoseconds) {
   return text;
 }
 
-Json tableJson(const Table& table, ByteText form) {
-  const KnownMessage* const message = findById(table.id);
-  Json json = {{"time", timeText(table.time)},
-               {"source", table.source},
-               {"destination", table.destination},
-               {"message", message == nullptr ? Json() : Json(message->name)},
-               {"identifier", hex(table.id)},
-               {"extra", table.extra},
-               {"length", table.bytes.size()}};
-  if (table.missedBefore != 0) {
-    json["missedBefore"] = table.missedBefore;
-  }
-  if (message != nullptr) {
-    addContents(json, *message, table.bytes, form);
+bool writeTable(Text& text, const Table& table, const JsonStyle& style) {
+  const KnownMessage* const message = messageOf(table);
+  text.append("{\"time\":\"");
+  text.append(timeText(table.time));
+  text.append('"');
+  numberMember(text, "source", table.source);
+  numberMember(text, "destination", table.destination);
+  member(text, "message");
+  if (message == nullptr) {
+    text.append("null");
   } else {
-    json["bytes"] = toHex(table.bytes);
+    appendString(text, std::string(message->name));
   }
-  return json;
+  member(text, "identifier");
+  text.append('"');
+  text.append(hex(table.id));
+  text.append('"');
+  numberMember(text, "extra", table.extra);
+  numberMember(text, "length", table.bytes.size());
+  if (table.missedBefore != 0) {
+    numberMember(text, "missedBefore", table.missedBefore);
+  }
+  bool isShown = false;
+  std::vector<std::string> faults;
+  if (message != nullptr) {
+    faults = faultsOf(*message, table, style, isShown);
+  } else if (table.cutOff != 0) {
+    faults.push_back(cutText(table));
+  }
+  if (!faults.empty()) {
+    writeFaults(text, faults);
+  }
+  if (isShown) {
+    member(text, "record");
+    writeMessage(text, message->schema(), table.bytes, style);
+  } else {
+    member(text, "bytes");
+    text.append('"');
+    text.appendHex(table.bytes);
+    text.append('"');
+  }
+  text.append("}\n");
+  return isShown && faults.empty();
+}
+
+const KnownMessage* messageOf(const Table& table) {
+  return table.message != nullptr ? table.message : findById(table.id);
 }
 
 bool isAccepted(const Table& table) {
-  const KnownMessage* const message = findById(table.id);
+  const KnownMessage* const message = messageOf(table);
   return message != nullptr && acceptanceOf(message->schema(), table.bytes) != Acceptance::Rejected;
 }
 

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <span>
 
-#include "inspect/json/record_json.hpp"
+#include "inspect/json/message_text.hpp"
+#include "inspect/messages/messages.hpp"
 
 namespace inspect {
 
@@ -17,6 +18,8 @@ struct Table {
   std::span<const uint8_t> bytes;
   uint64_t missedBefore = 0;  // calls missed since the previous table
   uint32_t cutOff = 0;        // bytes missing at its end in a capture
+  // The message as the capture describes it. Null: as this program knows it, if it does.
+  const KnownMessage* message = nullptr;
 };
 
 uint64_t nowInNanoseconds();
@@ -24,9 +27,12 @@ uint64_t nowInNanoseconds();
 // "2026-11-21T09:28:00.123456789Z"
 std::string timeText(uint64_t nanoseconds);
 
-// A table as one JSON object: time, addresses, message, and the record. If there are faults, also
-// the faults; if there is no record, the bytes in hexadecimal.
-Json tableJson(const Table& table, ByteText form = ByteText::Hex);
+const KnownMessage* messageOf(const Table& table);
+
+// Writes a table as one line of JSON: time, addresses, message, and the record. If there are
+// faults, also the faults; if there is no record, the bytes in hexadecimal. Returns whether the
+// record is there and has no fault.
+bool writeTable(Text& text, const Table& table, const JsonStyle& style = {});
 
 // Whether receivers know the message and accept the table.
 bool isAccepted(const Table& table);

@@ -3,58 +3,9 @@
 #include <algorithm>
 
 #include "inspect/bytes/failure.hpp"
-#include "inspect/reader/own_encoding.hpp"
-#include "inspect/reader/table_reader.hpp"
+#include "inspect/reader/identification.hpp"
 
 namespace inspect {
-namespace {
-
-uint32_t entryCount(const Json& table) {
-  const auto length = table["vtableLength"].get<uint32_t>();
-  return length < 4 ? 0 : (length - 4) / 2;
-}
-
-}  // namespace
-
-std::vector<Candidate> candidatesFor(std::span<const uint8_t> bytes) {
-  const uint32_t entries = entryCount(rawTable(bytes));
-  std::vector<Candidate> candidates;
-  for (const KnownMessage& message : messages()) {
-    const Verdict verdict = judge(message, bytes);
-    if (!verdict.isAccepted()) {
-      continue;
-    }
-    const bool isSame = entries == message.schema().slots.size();
-    const bool isSound = verdict.faults.empty();
-    const bool isExact = isSame && isSound && isOwnEncoding(message, bytes);
-    candidates.push_back({&message, isExact             ? Fit::Exact
-                                    : isSame && isSound ? Fit::Same
-                                    : isSame            ? Fit::Damaged
-                                                        : Fit::Reads});
-  }
-  if (!candidates.empty()) {
-    const Fit best = std::ranges::min(candidates, {}, &Candidate::fit).fit;
-    std::erase_if(candidates, [best](const Candidate& candidate) { return candidate.fit != best; });
-  }
-  return candidates;
-}
-
-Choice chooseMessage(const std::string& named, std::span<const uint8_t> bytes) {
-  if (!named.empty()) {
-    return {messageNamed(named), ""};
-  }
-  const std::vector<Candidate> candidates = candidatesFor(bytes);
-  if (candidates.empty()) {
-    throw Failure(Cause::BadInput, "no message fits these bytes; name one with --message");
-  }
-  const KnownMessage& chosen = *candidates.front().message;
-  if (candidates.size() == 1 && candidates.front().fit == Fit::Exact) {
-    return {chosen, ""};
-  }
-  return {chosen, "taken for " + std::string(chosen.name) + ", the first of " +
-                      std::to_string(candidates.size()) + " that fit; --message selects another"};
-}
-
 Json rawTable(std::span<const uint8_t> bytes) {
   const auto fail = [](uint64_t at, const std::string& text) {
     throw Failure(Cause::BadInput, "byte " + std::to_string(at) + ": " + text);
@@ -91,12 +42,14 @@ Json rawTable(std::span<const uint8_t> bytes) {
 }
 
 Json identification(std::span<const uint8_t> bytes) {
-  static constexpr const char* fits[] = {"exact", "same slots", "damaged", "reads"};
+  static constexpr const char* fits[] = {"exact", "same slots", "damaged", "reads", "rejected"};
   Json json = rawTable(bytes);
   Json fitting = Json::array();
   for (const Candidate& candidate : candidatesFor(bytes)) {
-    fitting.push_back(
-        {{"message", candidate.message->name}, {"fit", fits[static_cast<int>(candidate.fit)]}});
+    fitting.push_back({{"message", candidate.message->name},
+                       {"fit", fits[static_cast<int>(candidate.fit)]},
+                       {"group", candidate.group},
+                       {"faults", candidate.faults}});
   }
   json["couldBe"] = std::move(fitting);
   return json;

@@ -24,11 +24,16 @@ class RecordFiller {
   RecordFiller(OwnedRecord& owner, ByteText form, uint64_t& memory)
       : owner_(owner), form_(form), memory_(memory) {}
 
-  void fill(const Schema& schema, const Json& json, uint8_t* record, const std::string& path) {
+  // An item of a vector may have the member "times".
+  void fill(const Schema& schema, const Json& json, uint8_t* record, const std::string& path,
+            bool isItem = false) {
     if (!json.is_object()) {
       fail(path, std::string("expected an object, not ") + json.type_name());
     }
     for (const auto& [name, value] : json.items()) {
+      if (isItem && name == timesName) {
+        continue;
+      }
       const Slot* const slot = find(schema, name);
       const std::string member = path.empty() ? name : path + '.' + name;
       if (slot == nullptr) {
@@ -40,6 +45,8 @@ class RecordFiller {
   }
 
  private:
+  static constexpr const char* timesName = "times";
+
   [[noreturn]] static void fail(const std::string& path, const std::string& text) {
     throw Failure(Cause::BadInput, (path.empty() ? "the record" : path) + ": " + text);
   }
@@ -109,13 +116,41 @@ class RecordFiller {
     if (json.empty()) {
       return;
     }
-    uint8_t* const items = addBlock(uint64_t{json.size()} * slot.size, path);
-    storeAs(record + slot.countOffset, static_cast<uint32_t>(json.size()));
+    const auto pathOf = [&](size_t item) { return path + '[' + std::to_string(item) + ']'; };
+    uint64_t count = 0;
+    for (size_t item = 0; item < json.size(); ++item) {
+      count += timesOf(json[item], pathOf(item));
+      if (count > UINT32_MAX) {
+        fail(path, "more than " + std::to_string(UINT32_MAX) + " items");
+      }
+    }
+    uint8_t* items = addBlock(count * slot.size, path);
+    storeAs(record + slot.countOffset, static_cast<uint32_t>(count));
     storeAs(record + slot.recordOffset, items);
     for (size_t item = 0; item < json.size(); ++item) {
-      fill(*slot.nested, json[item], items + item * slot.size,
-           path + '[' + std::to_string(item) + ']');
+      fill(*slot.nested, json[item], items, pathOf(item), true);
+      const uint8_t* const filled = items;
+      items += slot.size;
+      for (uint64_t times = timesOf(json[item], path); times > 1; --times) {
+        // The record's blocks belong to the whole, so that items may share them.
+        std::copy_n(filled, slot.size, items);
+        items += slot.size;
+      }
     }
+  }
+
+  // For how many equal items an item stands.
+  static uint64_t timesOf(const Json& item, const std::string& path) {
+    if (!item.is_object() || !item.contains(timesName)) {
+      return 1;
+    }
+    const Json& times = item.at(timesName);
+    if (!times.is_number_unsigned() || times.get<uint64_t>() == 0 ||
+        times.get<uint64_t>() > UINT32_MAX) {
+      fail(path + '.' + timesName, "expected a whole number from 1 to " +
+                                       std::to_string(UINT32_MAX) + ", not " + shortText(times));
+    }
+    return times.get<uint64_t>();
   }
 
   [[nodiscard]] std::vector<uint8_t> parseBytes(const Json& json, const std::string& path) const {
@@ -179,6 +214,14 @@ OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText for
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
   uint64_t memory = 0;
   return fromJson(message, json, form, memory);
+}
+
+std::vector<uint8_t> encodeJson(const KnownMessage& message, std::string_view json, ByteText form,
+                                Form arrangement) {
+  uint64_t memory = 0;
+  const Json parsed = parseJson(json, memory);
+  const OwnedRecord record = fromJson(message, parsed, form, memory);
+  return encode(record, arrangement, memory);
 }
 
 Json parseJson(std::string_view text) {

@@ -1,16 +1,18 @@
 // Between a record and JSON: an object with a member for each slot.
 //
 //   scalar           an integer of up to 64 bits; fromJson also accepts a string with 0x
-//   bytes, bytes[N]  a string of hexadecimal digits, or of base64
+//   bytes, bytes[N]  a string of hexadecimal digits, or of base64; fromJson also accepts
+//                    "00*16384" for that many equal bytes
 //   table            an object
-//   vector           an array of objects
+//   vector           an array of objects; fromJson also accepts the member "times" in them, for
+//                    that many equal items
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "inspect/json/record_text.hpp"
-#include "inspect/messages/owned_record.hpp"
+#include "inspect/messages/codec.hpp"
 
 namespace inspect {
 
@@ -26,6 +28,10 @@ Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText fo
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form,
                      uint64_t& memory);
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
+
+// The message of a record in JSON.
+std::vector<uint8_t> encodeJson(const KnownMessage& message, std::string_view json, ByteText form,
+                                Form arrangement);
 
 // Parses one JSON value. Fails for invalid JSON and duplicate members.
 Json parseJson(std::string_view text);

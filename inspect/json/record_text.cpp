@@ -11,20 +11,18 @@ using mesh::wire::Slot;
 
 class RecordWriter {
  public:
-  RecordWriter(Text& text, const JsonStyle& style) : text_(text), style_(style) {}
+  RecordWriter(Text& text, const JsonStyle& style) : text_(text), layout_(text, style) {}
 
   void write(const Schema& schema, const uint8_t* record) {
-    open('{');
+    layout_.open('{');
     bool isFirst = true;
     for (const Slot& slot : schema.slots) {
-      next(isFirst);
+      layout_.next(isFirst);
       isFirst = false;
-      text_.append('"');
-      text_.append(std::string_view(slot.name.data()));
-      text_.append(style_.indent < 0 ? std::string_view("\":") : std::string_view("\": "));
+      layout_.name(slot.name.data());
       writeSlot(slot, record);
     }
-    close('}', isFirst);
+    layout_.close('}', isFirst);
   }
 
  private:
@@ -37,11 +35,11 @@ class RecordWriter {
         return text_.appendNumber(value);
       }
       case Kind::Array:
-        return writeBytes({field, slot.size});
+        return layout_.bytes({field, slot.size});
       case Kind::Bytes: {
         const auto* const bytes = loadAs<const uint8_t*>(field);
         const auto length = loadAs<uint32_t>(record + slot.countOffset);
-        return writeBytes({bytes, bytes == nullptr ? 0 : length});
+        return layout_.bytes({bytes, bytes == nullptr ? 0 : length});
       }
       case Kind::Table:
         return write(*slot.nested, field);
@@ -53,56 +51,17 @@ class RecordWriter {
     }
   }
 
-  void writeBytes(std::span<const uint8_t> bytes) {
-    text_.append('"');
-    if (style_.byteText == ByteText::Hex) {
-      text_.appendHex(bytes);
-    } else {
-      text_.append(toBase64(bytes));
-    }
-    text_.append('"');
-  }
-
   void writeItems(const Slot& slot, const uint8_t* items, uint64_t count) {
-    open('[');
+    layout_.open('[');
     for (uint64_t item = 0; item < count; ++item) {
-      next(item == 0);
+      layout_.next(item == 0);
       write(*slot.nested, items + item * slot.size);
     }
-    close(']', count == 0);
-  }
-
-  void open(char bracket) {
-    text_.append(bracket);
-    ++depth_;
-  }
-
-  // Before a member or an item.
-  void next(bool isFirst) {
-    if (!isFirst) {
-      text_.append(',');
-    }
-    breakLine();
-  }
-
-  void close(char bracket, bool isEmpty) {
-    --depth_;
-    if (!isEmpty) {
-      breakLine();
-    }
-    text_.append(bracket);
-  }
-
-  void breakLine() {
-    if (style_.indent >= 0) {
-      text_.append('\n');
-      text_.append(static_cast<size_t>(style_.indent) * depth_, ' ');
-    }
+    layout_.close(']', count == 0);
   }
 
   Text& text_;
-  const JsonStyle style_;
-  size_t depth_ = 0;
+  JsonLayout<Text> layout_;
 };
 
 }  // namespace

@@ -52,8 +52,12 @@ void encodeInto(uint8_t* buffer, const KnownMessage& message, const uint8_t* rec
   }
 }
 
-Bytes encode(const OwnedRecord& record, Form form) {
-  Bytes bytes(encodedSize(record.message(), record.data(), form));
+Bytes encode(const OwnedRecord& record, Form form, uint64_t taken) {
+  const uint32_t size = encodedSize(record.message(), record.data(), form);
+  if (taken + size > memoryLimit) {
+    failForMemory("this message", taken + size);
+  }
+  Bytes bytes(size);
   encodeInto(bytes.data(), record.message(), record.data(), form);
   return bytes;
 }

@@ -23,7 +23,8 @@ uint32_t encodedSize(const KnownMessage& message, const uint8_t* record, Form fo
 // `buffer` has room for encodedSize() bytes, and holds zeros.
 void encodeInto(uint8_t* buffer, const KnownMessage& message, const uint8_t* record, Form form);
 
-Bytes encode(const OwnedRecord& record, Form form);
+// `taken`: what the call has taken of its memory before.
+Bytes encode(const OwnedRecord& record, Form form, uint64_t taken = 0);
 inline Bytes encodeCompact(const OwnedRecord& record) {
   return encode(record, Form::Compact);
 }

@@ -46,13 +46,24 @@ Json recordOf(const Schema& schema) {
       {"slots", std::move(slots)}};
 }
 
-Json bytesOf(const std::string& count) {
-  return {{"type", "string"},
-          {"pattern", std::string("^([0-9a-fA-F]{2})").append(count).append("$")}};
+Json bytesOf(const std::string& count, const std::string& repeated) {
+  return {
+      {"type", "string"},
+      {"pattern",
+       std::string("^(([0-9a-fA-F]{2})").append(count).append("|").append(repeated).append(")$")}};
 }
 
 Json reference(const Schema& schema) {
   return {{"$ref", std::string("#/$defs/") + schema.name}};
+}
+
+Json definitionOf(const Schema& schema);
+
+// Its member "times" counts equal items.
+Json itemOf(const Schema& schema) {
+  Json item = definitionOf(schema);
+  item["properties"]["times"] = {{"type", "integer"}, {"minimum", 1}, {"maximum", UINT32_MAX}};
+  return item;
 }
 
 // What parsing accepts for a slot.
@@ -67,13 +78,14 @@ Json valueOf(const Slot& slot) {
                  {"pattern", std::string("^0x0*[0-9a-fA-F]{1,").append(digits).append("}$")}}}}};
     }
     case Kind::Array:
-      return bytesOf(std::to_string(slot.size).insert(0, 1, '{').append("}"));
+      return bytesOf('{' + std::to_string(slot.size) + '}',
+                     "[0-9a-fA-F]{2}\\*" + std::to_string(slot.size));
     case Kind::Bytes:
-      return bytesOf("*");
+      return bytesOf("*", "[0-9a-fA-F]{2}\\*[0-9]+");
     case Kind::Table:
       return reference(*slot.nested);
     case Kind::Vector:
-      return {{"type", "array"}, {"items", reference(*slot.nested)}};
+      return {{"type", "array"}, {"items", itemOf(*slot.nested)}};
   }
   return {};
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "inspect/bytes/hex.hpp"
+#include "inspect/json/message_text.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/range_walk.hpp"
 #include "inspect/reader/table_reader.hpp"
@@ -17,14 +18,15 @@ class Comparison {
     const Json* const any = one != nullptr ? one : other;
     if (any->is_object()) {
       for (const auto& [name, value] : any->items()) {
+        if (name == "times") {
+          continue;
+        }
         compare(member(one, name), member(other, name), path.empty() ? name : path + '.' + name);
       }
     } else if (any->is_array()) {
-      const size_t count = std::max(size(one), size(other));
-      for (size_t item = 0; item < count; ++item) {
-        compare(element(one, item), element(other, item), path + '[' + std::to_string(item) + ']');
-      }
-    } else if (one == nullptr || other == nullptr || *one != *other) {
+      compareItems(Items(one), Items(other), path);
+    } else if ((one == nullptr || other == nullptr || *one != *other) &&
+               found.size() < mostDifferences) {
       found.push_back({path, text(one), text(other)});
     }
   }
@@ -32,13 +34,54 @@ class Comparison {
   std::vector<FieldDifference> found;
 
  private:
+  // Walks the items of an array, of which one may stand for many.
+  class Items {
+   public:
+    explicit Items(const Json* array) : array_(array) { take(); }
+
+    [[nodiscard]] const Json* item() const { return left_ == 0 ? nullptr : &array_->at(index_); }
+    // How many items are equal to this one, itself included; 0 at the end.
+    [[nodiscard]] uint64_t left() const { return left_; }
+
+    void skip(uint64_t count) {
+      left_ -= std::min(left_, count);
+      if (left_ == 0 && array_ != nullptr && index_ < array_->size()) {
+        ++index_;
+        take();
+      }
+    }
+
+   private:
+    void take() {
+      if (array_ != nullptr && index_ < array_->size()) {
+        left_ = array_->at(index_).value("times", uint64_t{1});
+      }
+    }
+
+    const Json* array_;
+    size_t index_ = 0;
+    uint64_t left_ = 0;
+  };
+
+  void compareItems(Items one, Items other, const std::string& path) {
+    for (uint64_t index = 0; one.left() != 0 || other.left() != 0;) {
+      const uint64_t count = one.left() == 0     ? other.left()
+                             : other.left() == 0 ? one.left()
+                                                 : std::min(one.left(), other.left());
+      std::string number = std::to_string(index);
+      if (count > 1) {
+        number.append("..").append(std::to_string(index + count - 1));
+      }
+      compare(one.item(), other.item(), path + '[' + number + ']');
+      one.skip(count);
+      other.skip(count);
+      index += count;
+    }
+  }
+
   static const Json* member(const Json* json, const std::string& name) {
     return json == nullptr ? nullptr : &json->at(name);
   }
-  static const Json* element(const Json* json, size_t index) {
-    return json == nullptr || index >= json->size() ? nullptr : &json->at(index);
-  }
-  static size_t size(const Json* json) { return json == nullptr ? 0 : json->size(); }
   static std::string text(const Json* json) { return json == nullptr ? "" : json->dump(); }
 };
 
@@ -50,13 +93,22 @@ std::vector<FieldDifference> fieldDifferences(const Json& one, const Json& other
   return comparison.found;
 }
 
+Json recordJson(const KnownMessage& message, std::span<const uint8_t> bytes, bool isWhole,
+                uint64_t& memory) {
+  const JsonStyle style{.isWhole = isWhole};
+  refuseLongText(message.schema(), bytes, style);
+  Text text(memory);
+  writeMessage(text, message.schema(), bytes, style);
+  return parseJson(text.view(), memory);
+}
+
 std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
                                             std::span<const uint8_t> other,
                                             const Reading& readingOfOne) {
   std::vector<ByteDifference> found;
   const auto length = static_cast<uint32_t>(std::min(one.size(), other.size()));
   RangeWalk ranges(readingOfOne.ranges);
-  for (uint32_t at = 0; at < length;) {
+  for (uint32_t at = 0; at < length && found.size() < mostDifferences;) {
     if (one[at] == other[at]) {
       ++at;
       continue;
@@ -102,14 +154,9 @@ Json differenceJson(const std::vector<FieldDifference>& fields,
 
 Json differenceJson(const KnownMessage& message, std::span<const uint8_t> one,
                     std::span<const uint8_t> other) {
-  // A short member becomes values, a difference and its JSON, each of about a hundred bytes.
-  const uint64_t forText = memoryLimit / 64;
-  const auto record = [&](std::span<const uint8_t> bytes) {
-    return toJson(message.schema(), decode(message, bytes).data(), ByteText::Hex,
-                  memoryLimit - forText);
-  };
-  const Json first = record(one);
-  const Json second = record(other);
+  uint64_t memory = memoryLimit / 2;
+  const Json first = recordJson(message, one, true, memory);
+  const Json second = recordJson(message, other, true, memory);
   return differenceJson(fieldDifferences(first, second),
                         byteDifferences(one, other, readTable(message, one)), one.size(),
                         other.size());

@@ -16,7 +16,14 @@ struct FieldDifference {
   std::string other;
 };
 
+// The JSON is that of writeMessage(). Where equal items differ alike, they share one path, as
+// "f1[3..9].f0".
 std::vector<FieldDifference> fieldDifferences(const Json& one, const Json& other);
+
+// The record in a message that receivers accept. `memory` is what the call has taken of its memory;
+// what the values and their differences take is added.
+Json recordJson(const KnownMessage& message, std::span<const uint8_t> bytes, bool isWhole,
+                uint64_t& memory);
 
 // A run of differing bytes inside one range of the first message.
 struct ByteDifference {
@@ -30,6 +37,9 @@ struct ByteDifference {
 std::vector<ByteDifference> byteDifferences(std::span<const uint8_t> one,
                                             std::span<const uint8_t> other,
                                             const Reading& readingOfOne);
+
+// More differences are not listed.
+inline constexpr size_t mostDifferences = 20'000;
 
 // Both as one JSON object: "firstLength", "secondLength", "fields", "bytes".
 Json differenceJson(const std::vector<FieldDifference>& fields,

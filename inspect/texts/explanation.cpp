@@ -10,6 +10,10 @@ namespace {
 constexpr uint32_t bytesOnALine = 8;
 constexpr uint32_t linesOfContents = 4;
 
+// Of ranges that are alike, so many are shown before the others are counted.
+constexpr size_t shownRepeated = 4;
+constexpr size_t mostRepeated = 8;
+
 Ink inkOf(Part part) {
   switch (part) {
     case Part::Root:
@@ -56,6 +60,11 @@ class Explainer {
     const std::vector<Range>& ranges = reading_.ranges;
     for (size_t index = 0; index < ranges.size(); ++index) {
       const Range& range = ranges[index];
+      if (const size_t count = isWhole ? 0 : repetitions(index); count > mostRepeated) {
+        writeRepetitions(ranges[index], ranges[index + count - 1], count);
+        index += count - 1;
+        continue;
+      }
       write(range, isWhole);
       shownEnd_ = std::max(shownEnd_, range.at + range.size);
       markFaultsBefore(
@@ -65,6 +74,47 @@ class Explainer {
   }
 
  private:
+  // Whether two ranges differ in nothing but their place, their value and the numbers of items.
+  static bool areAlike(const Range& one, const Range& other) {
+    if (one.part != other.part || one.size != other.size || one.meaning != other.meaning) {
+      return false;
+    }
+    size_t a = 0;
+    size_t b = 0;
+    for (; a < one.path.size() && b < other.path.size() && one.path[a] == other.path[b]; ++a, ++b) {
+      if (one.path[a] == '[') {
+        a = one.path.find(']', a) - 1;
+        b = other.path.find(']', b) - 1;
+      }
+    }
+    return a == one.path.size() && b == other.path.size();
+  }
+
+  // How many ranges from this one on, without a fault, are like the ones before it.
+  [[nodiscard]] size_t repetitions(size_t index) const {
+    const std::vector<Range>& ranges = reading_.ranges;
+    const uint32_t end = marked_ < faults_.size() ? faults_[marked_]->at : UINT32_MAX;
+    size_t count = 0;
+    while (index >= shownRepeated && index + count < ranges.size() &&
+           ranges[index + count].at < end &&
+           areAlike(ranges[index + count - 1], ranges[index + count]) &&
+           (count != 0 || areAlike(ranges[index - shownRepeated], ranges[index]))) {
+      ++count;
+    }
+    return count;
+  }
+
+  void writeRepetitions(const Range& first, const Range& last, size_t count) {
+    out_.append(positionWidth_ + 2, ' ');
+    out_.append("... ");
+    out_.appendNumber(count);
+    out_.append(" more like it, from byte ");
+    out_.appendNumber(first.at);
+    out_.append(", " + first.path + ", to byte ");
+    out_.appendNumber(last.at);
+    out_.append(", " + last.path + "\n");
+  }
+
   void write(const Range& range, bool isWhole) {
     const uint32_t lines = (range.size + bytesOnALine - 1) / bytesOnALine;
     const uint32_t head = std::min(lines, linesOfContents);

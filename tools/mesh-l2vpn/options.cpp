@@ -71,6 +71,7 @@ void addCodec(CLI::App& app, Session& session) {
   addInput(decode, decodeOptions);
   addByteText(decode, decodeOptions.byteText);
   decode.add_flag("--line", decodeOptions.isOnOneLine, "Print JSON on one line");
+  addWhole(decode, decodeOptions.isWhole);
   decode
       .add_flag("--capture", decodeOptions.isCapture,
                 "The input is a capture; print one line of JSON per table")
@@ -104,7 +105,7 @@ void addExplanations(CLI::App& app, Session& session) {
       add(app, session, "explain", "Explain a message byte by byte, with every fault", &runExplain);
   addInput(explain, explainOptions);
   explain.add_flag("--html", explainOptions.isHtml, "Write a web page");
-  explain.add_flag("--all", explainOptions.isWhole, "Show long contents in full");
+  addWhole(explain, explainOptions.isWhole);
   explain.footer(
       "Exit status 1 if there is a fault.\n\n"
       "Examples:\n  mesh-l2vpn explain -m l2vpn_sync_vpls_ac_update captured.bin\n"
@@ -117,6 +118,7 @@ void addExplanations(CLI::App& app, Session& session) {
   diff.add_option("SECOND", diffOptions.second, "Bytes or hexadecimal text")->required();
   addInputForm(diff, diffOptions.form);
   addJson(diff, diffOptions.isJson);
+  addWhole(diff, diffOptions.isWhole);
   diff.footer(
       "Exit status 0 if the messages are equal, even with faults; 1 if they differ or receivers\n"
       "reject one. --json does not shorten long values.\n\n"
@@ -139,6 +141,7 @@ void addTalk(CLI::App& app, Session& session) {
           &runListen);
   addReceiver(listen, listenOptions);
   addByteText(listen, listenOptions.byteText);
+  addWhole(listen, listenOptions.isWhole);
   listen.footer("Examples:\n  mesh-l2vpn listen 2\n  mesh-l2vpn listen 2 --count 10 | jq .record");
 }
 

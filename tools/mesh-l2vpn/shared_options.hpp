@@ -46,6 +46,10 @@ inline void addJson(CLI::App& command, bool& isJson,
   command.add_flag("--json", isJson, description);
 }
 
+inline void addWhole(CLI::App& command, bool& isWhole) {
+  command.add_flag("--all", isWhole, "Show what is long or repeated in full");
+}
+
 inline void addByteText(CLI::App& command, ByteText& form) {
   command.add_flag_callback(
       "--base64", [&form] { form = ByteText::Base64; },

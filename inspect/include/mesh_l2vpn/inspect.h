@@ -141,8 +141,10 @@ MESH_L2VPN_INSPECT_API int mesh_l2vpn_difference(const mesh_l2vpn_message* messa
                                                  const void* second, size_t second_length,
                                                  char** json);
 
-/** What unknown bytes could be: their root table, and in "couldBe" the messages that fit best.
- * EBADMSG for bytes without a table. */
+/** What unknown bytes could be: their root table, and in "couldBe" the messages that fit best, best
+ * first: "message", "fit" ("exact", "same slots", "damaged", "reads", "rejected"), "group" (the
+ * same for messages of one layout, which no bytes tell apart), "faults". All exact ones, or else
+ * those of three groups. EBADMSG with the reason for bytes whose root table cannot be read. */
 MESH_L2VPN_INSPECT_API int mesh_l2vpn_identify(const void* data, size_t length, char** json);
 
 /** Everything about a message, or about all of them for null, as a JSON document: "messages",

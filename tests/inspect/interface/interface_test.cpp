@@ -215,7 +215,8 @@ TEST(Identify, NamesWhatBytesCouldBe) {
   const Bytes bytes = fromJson(named("dbginfo_endata_l2vpn"), R"({"f0": 1})", MESH_L2VPN_AS_SENT);
   char* text = nullptr;
   const int result = mesh_l2vpn_identify(bytes.data(), bytes.size(), &text);
-  EXPECT_NE(taken(result, text).find(R"({"message":"dbginfo_endata_l2vpn","fit":"exact"})"),
+  EXPECT_NE(taken(result, text)
+                .find(R"({"message":"dbginfo_endata_l2vpn","fit":"exact","group":1,"faults":0})"),
             std::string::npos);
   text = nullptr;
   EXPECT_EQ(mesh_l2vpn_identify("none of it", 10, &text), EBADMSG);

@@ -62,4 +62,28 @@ inline Bytes itemsOfOneText(uint32_t items, uint32_t size, uint8_t byte) {
   return bytes;
 }
 
+// Every other item has the same f4; the others have no slot.
+inline Bytes itemsOfOneTextInTurn(uint32_t items) {
+  constexpr uint32_t size = 16'384;
+  Bytes bytes = listOf(items);
+  const uint32_t full = static_cast<uint32_t>(bytes.size()) + 4 * items;
+  const uint32_t tables = full + 16;
+  const uint32_t empty = tables + 8 * items + 4 + size;
+  for (uint32_t item = 0; item < items; ++item) {
+    put<uint32_t>(bytes, 4 * items + 16);
+  }
+  putAll<uint16_t>(bytes, {14, 4, 0, 0, 0, 0, static_cast<uint16_t>(4 * items), 0});
+  for (uint32_t item = 0; item < items; ++item) {
+    put<uint32_t>(bytes, tables + 4 * item - (item % 2 == 0 ? full : empty));
+  }
+  for (uint32_t item = 0; item < items; ++item) {
+    put<uint32_t>(bytes, 4 * (items - item));
+  }
+  put(bytes, size);
+  bytes.resize(bytes.size() + size - 1, 'a');
+  put<uint8_t>(bytes, 'b');
+  putAll<uint16_t>(bytes, {4, 0});
+  return bytes;
+}
+
 }  // namespace inspect

@@ -90,7 +90,7 @@ def main():
             subprocess.run([write_capture, capture, count, *damage], check=True)
             with open(script, "w", encoding="utf-8") as file:
                 file.write(run(tool, "dissector").stdout)
-            tables = [json.loads(line) for line in run(tool, "-q", "decode", capture).stdout.splitlines()]
+            tables = [json.loads(line) for line in run(tool, "-q", "decode", "--all", capture).stdout.splitlines()]
             shown = run("tshark", "-X", f"lua_script:{script}", "-r", capture, "-V").stdout
             packets = re.split(r"^Frame \d+:", shown, flags=re.M)[1:]
             if len(packets) != len(tables) or len(tables) != int(count):

@@ -26,7 +26,19 @@ for digit in 1 2; do
   echo "{\"f1\": [{\"f4\": \"$long\"}]}" | "$tool" encode -m $list >$digit.bin
 done
 expect_exit 1 "$tool" diff -m $list 1.bin 2.bin
+expect_text out 'f1[0].f4  "11*16384"  "22*16384"'
+expect_exit 1 "$tool" diff --all -m $list 1.bin 2.bin
 expect_text out '... (32770 characters)'
 [ "$(wc -L <out)" -le 200 ] || fail "a line of $(wc -L <out) characters"
-expect_exit 1 "$tool" diff --json -m $list 1.bin 2.bin
+expect_exit 1 "$tool" diff --json --all -m $list 1.bin 2.bin
 expect_text out "$long"
+
+# Equal items that differ alike share a line.
+echo '{"f1": [{"f1": 7, "times": 30}, {"f1": 8}]}' | "$tool" encode -m $list >1.bin
+echo '{"f1": [{"f1": 7, "times": 9}, {"f1": 9, "times": 11}, {"f1": 7, "times": 11}]}' |
+  "$tool" encode -m $list >2.bin
+expect_exit 1 "$tool" diff -m $list 1.bin 2.bin
+expect_text out "f1[9..19].f1  7      9"
+expect_text out "f1[30].f1     8      7"
+expect_exit 1 "$tool" diff --all -m $list 1.bin 2.bin
+expect_text out "f1[19].f1  7      9"

@@ -41,6 +41,7 @@ struct InputOptions {
   std::string message;
   std::string file = "-";
   InputForm form = InputForm::Guessed;
+  bool isWhole = false;
 };
 
 struct DecodeOptions : InputOptions {
@@ -62,7 +63,6 @@ void runEncode(const EncodeOptions& options, Session& session);
 
 struct ExplainOptions : InputOptions {
   bool isHtml = false;
-  bool isWhole = false;
 };
 void runExplain(const ExplainOptions& options, Session& session);
 
@@ -104,6 +104,7 @@ struct ReceiverOptions {
 
 struct ListenOptions : ReceiverOptions {
   ByteText byteText = ByteText::Hex;
+  bool isWhole = false;
 };
 void runListen(const ListenOptions& options, Session& session);
 

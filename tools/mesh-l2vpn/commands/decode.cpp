@@ -5,9 +5,9 @@
 #include "commands/commands.hpp"
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/json/raw_table.hpp"
-#include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/table_reader.hpp"
+#include "inspect/texts/fault_texts.hpp"
 #include "progress.hpp"
 
 namespace tool {
@@ -20,25 +20,19 @@ int indentOf(const DecodeOptions& options) {
 void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptions& options,
               Session& session) {
   const Verdict reading = judge(message, bytes);
-  for (const Fault& fault : reading.faults) {
-    session.say(faultText(fault));
+  for (const std::string& fault : faultTexts(reading, options.isWhole)) {
+    session.say(fault);
     session.result = Exit::BadInput;
   }
   if (!reading.isAccepted()) {
     throw Failure(Cause::BadInput, "receivers reject this " + std::string(message.name));
   }
-  refuseTooMuchMemory(reading);
-  const OwnedRecord record = decode(message, bytes);
+  const JsonStyle style{options.byteText, indentOf(options), options.isWhole};
+  refuseLongText(message.schema(), bytes, style);
   Text text(std::cout);
-  writeRecord(text, message.schema(), record.data(), {options.byteText, indentOf(options)});
+  writeMessage(text, message.schema(), bytes, style);
   text.append('\n');
   text.flush();
-}
-
-std::string cutText(const Table& table) {
-  const size_t held = table.bytes.size();
-  return "the capture holds " + std::to_string(held) + " of its " +
-         std::to_string(held + table.cutOff) + " bytes";
 }
 
 // Table by table: takes the memory of one table.
@@ -49,19 +43,17 @@ void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options
       options.message.empty() ? nullptr : &messageNamed(options.message);
   {
     Progress progress(session, "tables");
+    Text text(std::cout);
     while (const auto table = reader.next()) {
       if (wanted != nullptr && table->id != wanted->id()) {
         continue;
       }
-      Json json = tableJson(*table, options.byteText);
-      if (table->cutOff != 0) {
-        json["faults"].push_back(cutText(*table));
+      if (!writeTable(text, *table, {options.byteText, -1, options.isWhole})) {
+        session.result = Exit::BadInput;
       }
-      std::cout << json.dump() << '\n';
-      session.result =
-          json.contains("record") && !json.contains("faults") ? session.result : Exit::BadInput;
       progress.add();
     }
+    text.flush();
   }
   reader.throwFault();
 }

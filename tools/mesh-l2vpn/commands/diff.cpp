@@ -3,32 +3,26 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "inspect/json/raw_table.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/reader/identification.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/texts/difference.hpp"
+#include "inspect/texts/fault_texts.hpp"
 #include "inspect/texts/text_table.hpp"
 
 namespace tool {
 namespace {
 
-struct Side {
-  Bytes bytes;
-  Reading reading;
-  Json record;
-};
-
-Side readSide(const std::string& file, const KnownMessage& message, Bytes bytes, Session& session) {
-  Reading reading = readTable(message, bytes);
-  for (const Fault& fault : reading.faults) {
-    session.say(file + ": " + faultText(fault));
+// Fails if receivers reject the message.
+void judgeSide(const std::string& file, const KnownMessage& message, const Bytes& bytes,
+               bool isWhole, const Session& session) {
+  const Verdict reading = judge(message, bytes);
+  for (const std::string& fault : faultTexts(reading, isWhole)) {
+    session.say(file + ": " + fault);
   }
   if (!reading.isAccepted()) {
     throw Failure(Cause::BadInput, file + ": receivers reject this " + std::string(message.name));
   }
-  refuseTooMuchMemory(reading);
-  Json record = toJson(message.schema(), decode(message, bytes).data());
-  return {std::move(bytes), std::move(reading), std::move(record)};
 }
 
 // Shortens a value to fit a column.
@@ -66,25 +60,30 @@ void runDiff(const DiffOptions& options, Session& session) {
   if (options.file == "-" && options.second == "-") {
     throw Failure(Cause::Usage, "the standard input cannot be both messages");
   }
-  Bytes first = readBytes(options.file, options.form);
-  Bytes second = readBytes(options.second, options.form);
+  const Bytes first = readBytes(options.file, options.form);
+  const Bytes second = readBytes(options.second, options.form);
   const auto [message, note] = chooseMessage(options.message, first);
   session.say(note);
-  const Side one = readSide(options.file, message, std::move(first), session);
-  const Side other = readSide(options.second, message, std::move(second), session);
-  const auto fields = fieldDifferences(one.record, other.record);
-  const auto bytes = byteDifferences(one.bytes, other.bytes, one.reading);
+  judgeSide(options.file, message, first, options.isWhole, session);
+  judgeSide(options.second, message, second, options.isWhole, session);
+  uint64_t memory = first.size() + second.size();
+  const Json one = recordJson(message, first, options.isWhole, memory);
+  const Json other = recordJson(message, second, options.isWhole, memory);
+  const auto fields = fieldDifferences(one, other);
+  const auto bytes = byteDifferences(first, second, readTable(message, first));
   if (options.isJson) {
-    std::cout << differenceJson(fields, bytes, one.bytes.size(), other.bytes.size()).dump(2)
-              << '\n';
+    std::cout << differenceJson(fields, bytes, first.size(), second.size()).dump(2) << '\n';
   } else {
     print(fields, bytes, session);
   }
-  if (one.bytes.size() != other.bytes.size()) {
-    session.say(std::to_string(one.bytes.size()) + " bytes in the first, " +
-                std::to_string(other.bytes.size()) + " in the second");
+  if (first.size() != second.size()) {
+    session.say(std::to_string(first.size()) + " bytes in the first, " +
+                std::to_string(second.size()) + " in the second");
   }
-  const bool isSame = fields.empty() && bytes.empty() && one.bytes.size() == other.bytes.size();
+  if (fields.size() == mostDifferences || bytes.size() == mostDifferences) {
+    session.say("only the first " + std::to_string(mostDifferences) + " differences are shown");
+  }
+  const bool isSame = fields.empty() && bytes.empty() && first.size() == second.size();
   session.result = isSame ? Exit::Success : Exit::BadInput;
 }
 

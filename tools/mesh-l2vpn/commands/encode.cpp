@@ -14,11 +14,10 @@ namespace tool {
 namespace {
 
 Bytes encode(const EncodeOptions& options) {
-  const KnownMessage& message = messageNamed(options.message);
-  const OwnedRecord record = fromJson(message, parseJson(readAll(options.file)), options.byteText);
-  return encode(record, options.isFixed     ? Form::Fixed
-                        : options.isCompact ? Form::Compact
-                                            : Form::AsSent);
+  return encodeJson(messageNamed(options.message), readAll(options.file), options.byteText,
+                    options.isFixed     ? Form::Fixed
+                    : options.isCompact ? Form::Compact
+                                        : Form::AsSent);
 }
 
 }  // namespace

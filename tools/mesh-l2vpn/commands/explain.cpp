@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
-#include "inspect/json/raw_table.hpp"
+#include "inspect/reader/identification.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/texts/explanation.hpp"
 #include "inspect/texts/html_page.hpp"

@@ -12,11 +12,13 @@ void runListen(const ListenOptions& options, Session& session) {
   catchInterruptions();
   Node node(options.middleware, options.address);
   session.say("node " + std::to_string(options.address) + " listens");
+  Text text(std::cout);
   receiveAll(node, options, [&](const Table& table) {
-    // Flushes each line, for a reader of a pipe.
-    const std::string line = tableJson(table, options.byteText).dump();
     try {
-      std::cout << line << std::endl;
+      writeTable(text, table, {options.byteText, -1, options.isWhole});
+      // Flushes each line, for a reader of a pipe.
+      text.flush();
+      std::cout.flush();
     } catch (const std::ios::failure&) {
       throw outputFailure();  // while errno is that of the output
     }

@@ -10,8 +10,7 @@ namespace tool {
 
 void runSend(const SendOptions& options, Session& session) {
   const KnownMessage& message = messageNamed(options.message);
-  const Bytes bytes =
-      encodeAsSent(fromJson(message, parseJson(readAll(options.file)), options.byteText));
+  const Bytes bytes = encodeJson(message, readAll(options.file), options.byteText, Form::AsSent);
   const uint32_t to = options.to.value();
   Node node(options.middleware, sendingAddress(options.from));
   node.send(to, message.id(), bytes, options.extra);

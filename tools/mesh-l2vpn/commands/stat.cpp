@@ -5,6 +5,7 @@
 #include "commands/commands.hpp"
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/captures/statistics.hpp"
+#include "inspect/json/record_json.hpp"
 #include "inspect/texts/text_table.hpp"
 #include "progress.hpp"
 
