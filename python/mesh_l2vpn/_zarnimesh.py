@@ -5,6 +5,7 @@ from typing import Any, Optional
 
 from . import node_errors
 from ._inspect import load
+from .errors import LibraryMissing
 from .node_errors import NodeError
 
 VARIABLE = "MESH_L2VPN_MIDDLEWARE"
@@ -83,7 +84,9 @@ def library() -> Any:
 
 def _declare(loaded: ctypes.CDLL) -> None:
     def declare(name: str, result: Any, *parameters: Any) -> None:
-        function = getattr(loaded, name)
+        function = getattr(loaded, name, None)
+        if function is None:
+            raise LibraryMissing(f"{loaded._name} has no {name}: it is older than this package")
         function.restype = result
         function.argtypes = parameters
 
