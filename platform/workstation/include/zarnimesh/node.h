@@ -23,7 +23,10 @@
  *    no more than the receiver has room for. Calls that go missing are counted: see
  *    undelivered_calls and lost_calls. A call is never delivered twice.
  * 9. A thread of the library looks after all nodes every 20 ms: it takes what arrives at nodes that
- *    are not receiving, answers senders, and makes the calls of mesh_peer_hook. */
+ *    are not receiving, answers senders, and makes the calls of mesh_peer_hook.
+ * 10. A tcp connection whose peer sends an endless message is ended. Over ipc such a peer, a
+ * program of the same user, can make the receiver take 64 bytes for each 2 bytes that it sends.
+ * They are freed when the message or the connection ends. */
 #ifndef ZARNIMESH_NODE_H
 #define ZARNIMESH_NODE_H
 
