@@ -118,10 +118,11 @@ class Base:
             elif line.strip():
                 path = os.path.normpath(self.build / line.strip())
                 held.add(os.path.relpath(path, self.tree))
-        # Of an object with a precompiled header, the compiler lists that instead of what it includes.
-        for held in sources.values():
-            for header in [path for path in held if path.endswith(".gch")]:
-                held |= sources[os.path.relpath(self.tree / header, self.build)]
+        # The compiler does not list what came from a precompiled header.
+        for name, command in self.commands.items():
+            header = re.search(r"-include (\S*/cmake_pch\.hxx)", command)
+            if header and name in sources:
+                sources[name] |= sources[os.path.relpath(f"{header[1]}.gch", self.build)]
         return sources
 
     def link_command(self, target):
