@@ -19,7 +19,7 @@ from pathlib import Path
 COMPILE_SECONDS = 120
 FLAGS = "-O0 -g0 -w"  # added to each compilation of a mutant
 # Slower tests run once, when everything is compiled, on what has survived all others.
-SLOW_SECONDS = 6
+SLOW_SECONDS = 9
 # What the compiler says where a proof, or a plan made at compile time, does not hold.
 PROOF = re.compile(r"error: (static assertion failed|non-constant condition for static assertion"
                    r"|.*is not a constant expression|call to non-.constexpr. function"
@@ -34,6 +34,7 @@ class Test:
     filter: str = "*"
     own_processes: bool = False  # each test in a process of its own
     environment: tuple = ()
+    is_slow: bool = False  # also where it is quick on the unchanged tree
     script: str = ""  # runs the program; both are relative to the tree, as the script's arguments
 
 
@@ -117,10 +118,11 @@ class Base:
             elif line.strip():
                 path = os.path.normpath(self.build / line.strip())
                 held.add(os.path.relpath(path, self.tree))
-        # Of an object with a precompiled header, the compiler lists that instead of what it includes.
-        for held in sources.values():
-            for header in [path for path in held if path.endswith(".gch")]:
-                held |= sources[os.path.relpath(self.tree / header, self.build)]
+        # The compiler does not list what came from a precompiled header.
+        for name, command in self.commands.items():
+            header = re.search(r"-include (\S*/cmake_pch\.hxx)", command)
+            if header and name in sources:
+                sources[name] |= sources[os.path.relpath(f"{header[1]}.gch", self.build)]
         return sources
 
     def link_command(self, target):
@@ -261,10 +263,12 @@ class Worker:
             for name in stage:
                 if verdict := self.compile(name):
                     return None, verdict
-            tests = [test for test in order(self.base.suite.tests) if self.concerns(test, stage)
-                     and self.base.seconds[test] < SLOW_SECONDS
-                     or stage is stages[-1] and with_slow_tests
-                     and self.base.seconds[test] >= SLOW_SECONDS]
+            def takes_part(test):
+                if test.is_slow or self.base.seconds[test] >= SLOW_SECONDS:
+                    return with_slow_tests and stage is stages[-1]
+                return self.concerns(test, stage)
+
+            tests = list(filter(takes_part, order(self.base.suite.tests)))
             if tests:
                 test, failed = self.try_tests(tests)
                 if failed:
