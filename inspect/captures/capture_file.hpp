@@ -9,17 +9,21 @@
 //    8  u32 source, u32 destination, u32 identifier, u32 zero
 //   24  u64 extra, as passed to the send operation
 //
+// Blocks with the messages' schemas stand between the packets: see capture_schemas.hpp.
+//
 // The option epb_dropcount of a packet counts the calls missed before it.
 #pragma once
 
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/input.hpp"
+#include "inspect/captures/capture_schemas.hpp"
 #include "inspect/captures/traffic.hpp"
 
 namespace inspect {
@@ -29,27 +33,38 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// Writes a capture. Each write() passes its table to the system, so a crash of this program loses
-// none.
+// Writes a capture. Passes tables on to the system in pieces; a crash of this program loses what
+// was not flushed.
 class CaptureWriter {
  public:
   // Truncates an existing file. "-" is the standard output.
   explicit CaptureWriter(const std::string& file);
+  // Passes on what is left, without telling whether it succeeds.
+  ~CaptureWriter();
+  CaptureWriter(const CaptureWriter&) = delete;
+  CaptureWriter& operator=(const CaptureWriter&) = delete;
 
+  // The first table of a message comes with the message's schema.
   void write(const Table& table);
 
   // Writes the last block: the numbers of received tables and lost calls.
   void writeStatistics(uint64_t received, uint64_t lost);
+
+  // Passes on what was written so far.
+  void flush();
 
   // Fails if the system reports a delayed error. Nothing can be written afterwards.
   void close();
 
  private:
   [[noreturn]] void fail() const;
-  void writeBlock(uint32_t type, const std::vector<uint8_t>& body);
+  template <typename AppendBody>
+  void addBlock(uint32_t type, AppendBody appendBody);
 
   std::string name_;
   File file_;
+  std::vector<uint8_t> blocks_;   // to be written
+  std::set<uint32_t> described_;  // identifiers whose schemas are written
 };
 
 // Reads a capture. Holds one block at a time.
@@ -69,6 +84,8 @@ class CaptureReader {
   void throwFault() const;
   // Calls that the recorder missed. A killed recorder does not report those after its last table.
   [[nodiscard]] uint64_t lost() const;
+  // What differs between the capture's schemas and this program's.
+  [[nodiscard]] const std::vector<std::string>& schemaNotes() const { return schemas_.notes(); }
   // Packets that are not tables.
   [[nodiscard]] uint64_t otherPackets() const { return otherPackets_; }
   [[nodiscard]] uint64_t position() const { return position_; }
@@ -101,6 +118,7 @@ class CaptureReader {
   bool isSwapped_ = false;
   bool hasSection_ = false;
   std::vector<Interface> interfaces_;
+  CaptureSchemas schemas_;
   std::string fault_;
   Cause faultCause_ = Cause::BadInput;
   uint64_t position_ = 0;  // of the block being read

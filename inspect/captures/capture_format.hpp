@@ -12,6 +12,8 @@ inline constexpr uint32_t obsoletePacket = 2;
 inline constexpr uint32_t simplePacket = 3;
 inline constexpr uint32_t interfaceStatistics = 5;
 inline constexpr uint32_t enhancedPacket = 6;
+// Of local use, as the highest bit says.
+inline constexpr uint32_t schemaDescription = 0x80004D45;
 
 inline constexpr uint32_t byteOrderMagic = 0x1A2B3C4D;
 inline constexpr uint16_t linkTypeUser0 = 147;
@@ -25,6 +27,7 @@ inline constexpr uint16_t droppedPackets = 5;
 // Before each table.
 inline constexpr std::array<uint8_t, 4> tableMagic{'M', 'E', 'S', 'H'};
 inline constexpr uint16_t tableVersion = 1;
+inline constexpr uint16_t schemaVersion = 1;
 inline constexpr uint16_t tableHeaderLength = 32;
 
 // A table has at most 64 MiB by default.

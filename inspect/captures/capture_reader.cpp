@@ -170,6 +170,7 @@ void CaptureReader::takeSection() {
   lostBefore_ = lost();
   lostByPackets_ = 0;
   interfaces_.clear();
+  schemas_.clear();
 }
 
 bool CaptureReader::takeStatistics() {
@@ -224,7 +225,8 @@ bool CaptureReader::takePacket(std::optional<Table>& table) {
                 loadAs<uint64_t>(packet + 24),
                 {packet + headerLength, length - headerLength},
                 countOption(20 + size_t{padded(length)}, dropCount).value_or(0),
-                original - length};
+                original - length,
+                schemas_.find(loadAs<uint32_t>(packet + 16))};
   lostByPackets_ = addSaturating(lostByPackets_, table->missedBefore);
   return true;
 }
@@ -236,6 +238,8 @@ std::optional<Table> CaptureReader::next() {
       takeInterface();
     } else if (type_ == interfaceStatistics) {
       takeStatistics();
+    } else if (type_ == schemaDescription) {
+      schemas_.take(block_);
     } else if (type_ == enhancedPacket) {
       takePacket(table);
     } else if (type_ == simplePacket || type_ == obsoletePacket) {

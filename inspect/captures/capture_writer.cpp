@@ -14,6 +14,7 @@ namespace {
 using namespace pcapng;
 
 constexpr uint8_t nanoseconds = 9;  // a power of ten
+constexpr size_t mostUnwritten = 65536;
 
 template <typename Integer>
 void append(std::vector<uint8_t>& bytes, Integer value) {
@@ -48,79 +49,102 @@ std::span<const uint8_t> bytesOf(const char* text) {
 
 }  // namespace
 
+template <typename AppendBody>
+void CaptureWriter::addBlock(uint32_t type, AppendBody appendBody) {
+  const size_t begin = blocks_.size();
+  append(blocks_, type);
+  append(blocks_, uint32_t{0});
+  appendBody();
+  const auto length = static_cast<uint32_t>(blocks_.size() - begin + 4);
+  append(blocks_, length);
+  storeAs(blocks_.data() + begin + 4, length);
+}
+
 CaptureWriter::CaptureWriter(const std::string& file)
     : name_(file),
       file_(file == "-" ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(file.c_str(), "wb")) {
   if (!file_) {
     fail();
   }
-  std::vector<uint8_t> section;
-  append(section, byteOrderMagic);
-  append(section, uint16_t{1});  // version 1.0
-  append(section, uint16_t{0});
-  append(section, UINT64_MAX);  // of unknown length
-  appendOption(section, userApplication, bytesOf("mesh-l2vpn"));
-  append(section, uint32_t{0});
-  writeBlock(sectionHeader, section);
+  // This class has its own buffer.
+  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  addBlock(sectionHeader, [&] {
+    append(blocks_, byteOrderMagic);
+    append(blocks_, uint16_t{1});  // version 1.0
+    append(blocks_, uint16_t{0});
+    append(blocks_, UINT64_MAX);  // of unknown length
+    appendOption(blocks_, userApplication, bytesOf("mesh-l2vpn"));
+    append(blocks_, uint32_t{0});
+  });
+  addBlock(interfaceDescription, [&] {
+    append(blocks_, linkTypeUser0);
+    append(blocks_, uint16_t{0});
+    append(blocks_, uint32_t{0});  // nothing is cut off
+    appendOption(blocks_, timestampResolution, {&nanoseconds, 1});
+    append(blocks_, uint32_t{0});
+  });
+  flush();
+}
 
-  std::vector<uint8_t> interface;
-  append(interface, linkTypeUser0);
-  append(interface, uint16_t{0});
-  append(interface, uint32_t{0});  // nothing is cut off
-  appendOption(interface, timestampResolution, {&nanoseconds, 1});
-  append(interface, uint32_t{0});
-  writeBlock(interfaceDescription, interface);
+CaptureWriter::~CaptureWriter() {
+  if (file_) {
+    std::fwrite(blocks_.data(), 1, blocks_.size(), file_.get());
+  }
 }
 
 void CaptureWriter::write(const Table& table) {
-  const auto length = static_cast<uint32_t>(tableHeaderLength + table.bytes.size());
-  std::vector<uint8_t> packet;
-  packet.reserve(20 + padded(length) + 16);
-  append(packet, uint32_t{0});  // the interface
-  appendTime(packet, table.time);
-  append(packet, length);
-  append(packet, length);
-  appendBytes(packet, tableMagic);
-  append(packet, tableVersion);
-  append(packet, tableHeaderLength);
-  append(packet, table.source);
-  append(packet, table.destination);
-  append(packet, table.id);
-  append(packet, uint32_t{0});
-  append(packet, table.extra);
-  appendBytes(packet, table.bytes);
-  if (table.missedBefore != 0) {
-    appendCount(packet, dropCount, table.missedBefore);
-    append(packet, uint32_t{0});
+  if (described_.insert(table.id).second) {
+    if (const KnownMessage* const message = messageOf(table)) {
+      addBlock(schemaDescription, [&] { appendBytes(blocks_, schemaBlock(*message)); });
+    }
   }
-  writeBlock(enhancedPacket, packet);
+  addBlock(enhancedPacket, [&] {
+    const auto length = static_cast<uint32_t>(tableHeaderLength + table.bytes.size());
+    append(blocks_, uint32_t{0});  // the interface
+    appendTime(blocks_, table.time);
+    append(blocks_, length);
+    append(blocks_, length);
+    appendBytes(blocks_, tableMagic);
+    append(blocks_, tableVersion);
+    append(blocks_, tableHeaderLength);
+    append(blocks_, table.source);
+    append(blocks_, table.destination);
+    append(blocks_, table.id);
+    append(blocks_, uint32_t{0});
+    append(blocks_, table.extra);
+    appendBytes(blocks_, table.bytes);
+    if (table.missedBefore != 0) {
+      appendCount(blocks_, dropCount, table.missedBefore);
+      append(blocks_, uint32_t{0});
+    }
+  });
+  if (blocks_.size() >= mostUnwritten) {
+    flush();
+  }
 }
 
 void CaptureWriter::writeStatistics(uint64_t received, uint64_t lost) {
-  std::vector<uint8_t> statistics;
-  append(statistics, uint32_t{0});
-  appendTime(statistics, nowInNanoseconds());
-  appendCount(statistics, receivedPackets, received);
-  appendCount(statistics, droppedPackets, lost);
-  append(statistics, uint32_t{0});
-  writeBlock(interfaceStatistics, statistics);
+  addBlock(interfaceStatistics, [&] {
+    append(blocks_, uint32_t{0});
+    appendTime(blocks_, nowInNanoseconds());
+    appendCount(blocks_, receivedPackets, received);
+    appendCount(blocks_, droppedPackets, lost);
+    append(blocks_, uint32_t{0});
+  });
+  flush();
 }
 
-void CaptureWriter::writeBlock(uint32_t type, const std::vector<uint8_t>& body) {
-  const auto length = static_cast<uint32_t>(12 + body.size());
-  std::vector<uint8_t> block;
-  block.reserve(length);
-  append(block, type);
-  append(block, length);
-  block.insert(block.end(), body.begin(), body.end());
-  append(block, length);
-  if (std::fwrite(block.data(), 1, block.size(), file_.get()) != block.size() ||
-      std::fflush(file_.get()) != 0) {
+void CaptureWriter::flush() {
+  const bool isWritten =
+      std::fwrite(blocks_.data(), 1, blocks_.size(), file_.get()) == blocks_.size();
+  blocks_.clear();
+  if (!isWritten) {
     fail();
   }
 }
 
 void CaptureWriter::close() {
+  flush();
   if (std::fclose(file_.release()) != 0) {
     fail();
   }

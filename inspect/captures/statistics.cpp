@@ -41,6 +41,9 @@ void Gaps::add(uint64_t missed) {
 void Statistics::add(const Table& table) {
   const size_t size = table.bytes.size();
   const Count one{1, size, isAccepted(table) ? 0U : 1U, size, size};
+  if (table.message != nullptr && names_.size() < mostToldApart) {
+    names_.try_emplace(table.id, table.message->name);
+  }
   const bool isKnown = findById(table.id) != nullptr;
   (isKnown ? known_[table.id] : entryOf(table.id, unknown_, otherUnknown_)).add(one);
   if (table.missedBefore != 0) {
@@ -63,7 +66,8 @@ std::vector<std::pair<std::string, Count>> Statistics::ranking() const {
   }
   if (unknown_.size() <= mostShown) {
     for (const auto& [id, count] : unknown_) {
-      rows.emplace_back("unknown " + hex(id), count);
+      const auto name = names_.find(id);
+      rows.emplace_back(name != names_.end() ? name->second : "unknown " + hex(id), count);
     }
   } else {
     Count count = otherUnknown_;

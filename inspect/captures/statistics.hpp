@@ -49,8 +49,9 @@ struct Statistics {
   [[nodiscard]] std::vector<std::pair<std::string, Count>> ranking() const;
 
  private:
-  std::map<uint32_t, Count> known_;    // by identifier
-  std::map<uint32_t, Count> unknown_;  // of the first 1000 identifiers
+  std::map<uint32_t, Count> known_;        // by identifier
+  std::map<uint32_t, std::string> names_;  // of messages that only the capture describes
+  std::map<uint32_t, Count> unknown_;      // of the first 1000 identifiers
   Count otherUnknown_;
   uint64_t previous_ = 0;
 };

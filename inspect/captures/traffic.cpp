@@ -145,7 +145,11 @@ const KnownMessage* messageOf(const Table& table) {
 
 bool isAccepted(const Table& table) {
   const KnownMessage* const message = messageOf(table);
-  return message != nullptr && acceptanceOf(message->schema(), table.bytes) != Acceptance::Rejected;
+  // See faultsOf().
+  return table.message != nullptr
+             ? judge(*message, table.bytes).isAccepted()
+             : message != nullptr &&
+                   acceptanceOf(message->schema(), table.bytes) != Acceptance::Rejected;
 }
 
 }  // namespace inspect

@@ -198,8 +198,8 @@ class RecordFiller {
 
 }  // namespace
 
-Json toJson(const Schema& schema, const uint8_t* record, ByteText form, uint64_t taken) {
-  Text text(taken);
+Json toJson(const Schema& schema, const uint8_t* record, ByteText form) {
+  Text text;
   writeRecord(text, schema, record, {form});
   return Json::parse(text.view());
 }

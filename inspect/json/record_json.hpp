@@ -18,10 +18,8 @@ namespace inspect {
 
 using Json = nlohmann::ordered_json;
 
-// For whoever goes on with the values; writeRecord() is quicker. `taken`: what the call has taken
-// of its memory, which bounds the text.
-Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex,
-            uint64_t taken = 0);
+// For whoever goes on with the values; writeRecord() is quicker.
+Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex);
 
 // Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
 // lengths. `memory` is what the call has taken of its memory; what the record takes is added.

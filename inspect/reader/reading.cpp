@@ -40,12 +40,6 @@ uint64_t mostRanges() {
   return memoryLimit / 2 / rangeSize;
 }
 
-void refuseTooMuchMemory(const Verdict& verdict) {
-  if (verdict.memory > memoryLimit) {
-    failForMemory("decoding this message", verdict.memory);
-  }
-}
-
 std::string faultCountText(const Verdict& verdict) {
   const size_t count = verdict.faults.size();
   if (count == 0) {

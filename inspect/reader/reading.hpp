@@ -67,9 +67,6 @@ struct Reading : Verdict {
 inline constexpr uint64_t rangeSize = 256;
 uint64_t mostRanges();
 
-// A small message can ask for nearly 4 GiB.
-void refuseTooMuchMemory(const Verdict& verdict);
-
 // "2 faults"
 std::string faultCountText(const Verdict& verdict);
 

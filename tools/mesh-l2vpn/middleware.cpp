@@ -117,7 +117,7 @@ void Node::send(uint32_t destination, uint32_t id, std::span<const uint8_t> tabl
   }
 }
 
-void Node::receive(int timeoutMs, const std::function<void(const Table&)>& handler) {
+bool Node::receive(int timeoutMs, const std::function<void(const Table&)>& handler) {
   handler_ = &handler;
   const int64_t count = functions_->receive(node_, timeoutMs, &takeRecord, this);
   handler_ = nullptr;
@@ -127,6 +127,7 @@ void Node::receive(int timeoutMs, const std::function<void(const Table&)>& handl
   if (count < 0) {
     functions_->fail("receiving", static_cast<uint32_t>(-count));
   }
+  return count > 0;
 }
 
 mesh_node_statistics Node::statistics() const {

@@ -28,8 +28,8 @@ class Node {
   void send(uint32_t destination, uint32_t id, std::span<const uint8_t> table, uint64_t extra);
 
   // Waits for the tables of one call and passes each to the handler, not decoded. The first table
-  // after missed calls tells their number.
-  void receive(int timeoutMs, const std::function<void(const Table&)>& handler);
+  // after missed calls tells their number. Returns whether a call came.
+  bool receive(int timeoutMs, const std::function<void(const Table&)>& handler);
 
   [[nodiscard]] mesh_node_statistics statistics() const;
   // Calls to this node that did not arrive, including those before a sender's first call that did.

@@ -9,6 +9,10 @@
 #include <tuple>
 
 #include "inspect/bytes/input.hpp"
+#include "inspect/captures/statistics.hpp"
+#include "inspect/json/record_json.hpp"
+#include "inspect/schema/document.hpp"
+#include "inspect/schema/facts.hpp"
 
 namespace inspect {
 namespace {
@@ -126,9 +130,9 @@ TEST_F(Capture, ReadsTruncatedFiles) {
     EXPECT_TRUE(std::equal(sizes.begin(), sizes.end(), all.begin()));
     sound += fault_.empty() ? 1 : 0;
   }
-  // A file truncated between two blocks has no fault: after the section, the interface, and each of
-  // the three packets.
-  EXPECT_EQ(sound, 5u);
+  // A file truncated between two blocks has no fault: after the section, the interface, the schema,
+  // and each of the three packets.
+  EXPECT_EQ(sound, 6u);
 }
 
 // A table of a capture, without its time.
@@ -295,6 +299,108 @@ TEST_F(Capture, ReportsSystemErrors) {
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.cause(), Cause::System);
   }
+}
+
+// The schema of l2vpn_sync_stp in a version that had only its first `slots` slots.
+Json olderSchema(size_t slots) {
+  Json document = schemaDocument({&messageNamed("l2vpn_sync_stp"), 1});
+  Json& record = document["records"].back();
+  Json kept = Json::array();
+  for (size_t index = 0; index < slots; ++index) {
+    kept.push_back(record["slots"][index]);
+  }
+  record["slots"] = kept;
+  record["size"] = 4 * slots;
+  return document;
+}
+
+std::string lineOf(const Table& table) {
+  Text text;
+  writeTable(text, table);
+  return std::string(text.view());
+}
+
+TEST_F(Capture, DescribesEachMessageOnce) {
+  {
+    CaptureWriter writer(path_);
+    for (int round = 0; round < 3; ++round) {
+      for (const char* name : {"l2vpn_sync_stp", "l2vpn_sync_vpls_ac"}) {
+        writer.write({1, 7, 8, messageNamed(name).id(), 0, {}});
+      }
+      writer.write({1, 7, 8, 9, 0, {}});
+    }
+  }
+  const std::string contents = readAll(path_);
+  size_t documents = 0;
+  for (size_t at = 0; (at = contents.find(R"({"format":1)", at)) != std::string::npos; ++at) {
+    ++documents;
+  }
+  EXPECT_EQ(documents, 2u);
+  CaptureReader reader(path_);
+  size_t tables = 0;
+  while (const auto table = reader.next()) {
+    EXPECT_EQ(table->message, nullptr) << "as this program knows it";
+    ++tables;
+  }
+  EXPECT_EQ(tables, 9u);
+  EXPECT_EQ(reader.otherPackets(), 0u);
+  EXPECT_TRUE(reader.schemaNotes().empty());
+}
+
+TEST_F(Capture, IsReadByItsOwnSchema) {
+  const LoadedSchema old(olderSchema(2));
+  const KnownMessage& message = old.messages().front();
+  OwnedRecord record(message);
+  storeAs<uint32_t>(record.data(), 5);
+  storeAs<uint32_t>(record.data() + 4, 6);
+  const Bytes bytes = encodeFixed(record);
+  {
+    CaptureWriter writer(path_);
+    writer.write({1, 7, 8, message.id(), 0, bytes, 0, 0, &message});
+  }
+  CaptureReader reader(path_);
+  Statistics statistics;
+  auto table = reader.next();
+  ASSERT_TRUE(table);
+  ASSERT_NE(table->message, nullptr);
+  EXPECT_EQ(fingerprint(*table->message->message), fingerprint(*message.message));
+  statistics.add(*table);
+  EXPECT_EQ(statistics.all.rejected, 0u);
+  EXPECT_NE(lineOf(*table).find(R"("record":{"f0":5,"f1":6}})"), std::string::npos)
+      << lineOf(*table);
+  ASSERT_EQ(reader.schemaNotes().size(), 1u);
+  EXPECT_EQ(
+      reader.schemaNotes()[0],
+      "l2vpn_sync_stp: recorded by another schema, shown by it; this version: compatible with "
+      "losses (f2: the writer does not send it, it is read as absent, ...)");
+  // The next section does not have the schema.
+  const std::string recorded = readAll(path_);
+  write(recorded + recorded.substr(0, recorded.find("MESH") - 8));
+  CaptureReader both(path_);
+  EXPECT_TRUE(both.next());
+}
+
+TEST_F(Capture, IgnoresDamagedSchemas) {
+  writeThree();
+  const std::string whole = readAll(path_);
+  const size_t begin = whole.find("MESH");
+  const size_t end = whole.rfind("\"slots\"");
+  size_t noted = 0;
+  for (size_t at = begin; at < end; at += 3) {
+    std::string damaged = whole;
+    damaged[at] = static_cast<char>(damaged[at] ^ 0x11);
+    write(damaged);
+    CaptureReader reader(path_);
+    size_t tables = 0;
+    while (const auto table = reader.next()) {
+      EXPECT_EQ(table->message, nullptr) << at;
+      ++tables;
+    }
+    EXPECT_EQ(tables, 3u);
+    EXPECT_EQ(reader.fault(), "");
+    noted += reader.schemaNotes().size();
+  }
+  EXPECT_GT(noted, 50u);
 }
 
 }  // namespace

@@ -74,8 +74,8 @@ TEST(HostileMessage, LimitsFaults) {
 }
 
 TEST(HostileMessage, LimitsMemory) {
-  EXPECT_NO_THROW(refuseTooMuchMemory(judge(list(), itemsOfOneVtable(4049, 4))));
-  EXPECT_THROW(refuseTooMuchMemory(judge(list(), itemsOfOneVtable(4050, 4))), Failure);
+  EXPECT_NO_THROW(decode(list(), itemsOfOneVtable(4049, 4)));
+  EXPECT_THROW(decode(list(), itemsOfOneVtable(4050, 4)), Failure);
 }
 
 }  // namespace

@@ -22,8 +22,8 @@ Bytes randomMessage(const KnownMessage& message, std::mt19937_64& random) {
   const oracle::Description& type = oracle::descriptionOf(std::string(message.name));
   const auto density = static_cast<oracle::Density>(random() % 3);
   // Byte strings of length 0 come without a pointer.
-  const oracle::RecordImage image(
-      type, oracle::asReceived(oracle::randomValue(type, random, density)));
+  const oracle::RecordImage image(type,
+                                  oracle::asReceived(oracle::randomValue(type, random, density)));
   OwnedRecord record(message);
   std::memcpy(record.data(), image.data(), message.schema().size);
   return random() % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);

@@ -13,16 +13,25 @@ void runListen(const ListenOptions& options, Session& session) {
   Node node(options.middleware, options.address);
   session.say("node " + std::to_string(options.address) + " listens");
   Text text(std::cout);
-  receiveAll(node, options, [&](const Table& table) {
+  const auto print = [&](auto write) {
     try {
-      writeTable(text, table, {options.byteText, -1, options.isWhole});
-      // Flushes each line, for a reader of a pipe.
-      text.flush();
-      std::cout.flush();
+      write();
     } catch (const std::ios::failure&) {
       throw outputFailure();  // while errno is that of the output
     }
-  });
+  };
+  receiveAll(
+      node, options,
+      [&](const Table& table) {
+        print([&] { writeTable(text, table, {options.byteText, -1, options.isWhole}); });
+      },
+      [&] {
+        print([&] {
+          text.flush();
+          std::cout.flush();
+        });
+      });
+  print([&] { text.flush(); });
   const mesh_node_statistics statistics = node.statistics();
   session.say(std::to_string(statistics.received_records + statistics.unknown_identifiers) +
               " tables in " + std::to_string(statistics.received_calls) + " calls; lost calls " +

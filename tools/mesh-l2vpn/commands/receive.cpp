@@ -13,7 +13,8 @@ constexpr int patienceMs = 200;
 }  // namespace
 
 void receiveAll(Node& node, const ReceiverOptions& options,
-                const std::function<void(const Table&)>& handler) {
+                const std::function<void(const Table&)>& handler,
+                const std::function<void()>& whenIdle) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   uint64_t received = 0;
@@ -22,8 +23,11 @@ void receiveAll(Node& node, const ReceiverOptions& options,
            (options.seconds > 0 &&
             std::chrono::duration<double>(Clock::now() - start).count() >= options.seconds);
   };
-  while (!isOver()) {
-    node.receive(patienceMs, [&](const Table& table) {
+  for (bool isBusy = false; !isOver();) {
+    if (!isBusy) {
+      whenIdle();
+    }
+    isBusy = node.receive(isBusy ? 0 : patienceMs, [&](const Table& table) {
       // One call may bring more tables than --count asks for.
       if (options.count == 0 || received < options.count) {
         ++received;

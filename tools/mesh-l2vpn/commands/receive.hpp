@@ -8,9 +8,10 @@
 
 namespace tool {
 
-// Hands over each table that arrives, until the options or the user end it. The caller catches
-// interruptions before.
+// Hands over each table that arrives, until the options or the user end it. Calls whenIdle() before
+// it waits for more. The caller catches interruptions before.
 void receiveAll(Node& node, const ReceiverOptions& options,
-                const std::function<void(const Table&)>& handler);
+                const std::function<void(const Table&)>& handler,
+                const std::function<void()>& whenIdle);
 
 }  // namespace tool

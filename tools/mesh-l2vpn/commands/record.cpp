@@ -17,11 +17,14 @@ void runRecord(const RecordOptions& options, Session& session) {
   uint64_t written = 0;
   {
     Progress progress(session, "tables");
-    receiveAll(node, options, [&](const Table& table) {
-      writer.write(table);
-      ++written;
-      progress.add();
-    });
+    receiveAll(
+        node, options,
+        [&](const Table& table) {
+          writer.write(table);
+          ++written;
+          progress.add();
+        },
+        [&] { writer.flush(); });
   }
   writer.writeStatistics(written, node.missedCalls());
   writer.close();

@@ -6,6 +6,7 @@
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/captures/statistics.hpp"
 #include "inspect/json/record_json.hpp"
+#include "inspect/texts/printable.hpp"
 #include "inspect/texts/text_table.hpp"
 #include "progress.hpp"
 
@@ -77,6 +78,9 @@ void printText(const Statistics& statistics, const CaptureReader& reader, const 
               << gapsText(statistics.gapsOfOthers) << '\n';
   }
   std::cout << "other packets: " << reader.otherPackets() << '\n';
+  for (const std::string& note : reader.schemaNotes()) {
+    std::cout << "schema of " << printable(note) << '\n';
+  }
 }
 
 void printJson(const Statistics& statistics, const CaptureReader& reader) {
@@ -101,6 +105,7 @@ void printJson(const Statistics& statistics, const CaptureReader& reader) {
     json["missedOf"]["others"] = jsonOf(statistics.gapsOfOthers);
   }
   json["otherPackets"] = reader.otherPackets();
+  json["schemas"] = reader.schemaNotes();
   json["fault"] = reader.fault().empty() ? Json() : Json(reader.fault());
   std::cout << json.dump(2) << '\n';
 }
