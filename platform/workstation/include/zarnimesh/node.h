@@ -25,8 +25,8 @@
  * 9. A thread of the library looks after all nodes every 20 ms: it takes what arrives at nodes that
  *    are not receiving, answers senders, and makes the calls of mesh_peer_hook.
  * 10. A tcp connection whose peer sends an endless message is ended. Over ipc such a peer, a
- * program of the same user, can make the receiver take 64 bytes for each 2 bytes that it sends.
- * They are freed when the message or the connection ends. */
+ *     program of the same user, can make the receiver take 64 bytes for each 2 bytes that it sends.
+ *     They are freed when the message or the connection ends. */
 #ifndef ZARNIMESH_NODE_H
 #define ZARNIMESH_NODE_H
 
@@ -108,9 +108,8 @@ typedef struct mesh_node_options {
   void* unknown_user;            /* passed to `unknown` */
   uint32_t queue_bytes;          /* 67108864: bytes of tables in each of these queues. A single call
                                     may exceed it */
-  uint32_t heartbeat_ms; /* 5000: a connection to a receiver over tcp or ipc ends when the receiver
-                            has not answered for three of these times; one from a sender over tcp,
-                            when the sender's machine has not. 0: never */
+  uint32_t heartbeat_ms; /* 5000: connections over tcp and ipc end when the peer's machine or
+                            process has not answered for three of these times. 0: never */
   uint32_t io_threads;   /* 1: of ZeroMQ, from 1 to 64. The process's first open node decides */
   mesh_peer_hook peer;   /* null: nobody is told */
   void* peer_user;       /* passed to `peer` */

@@ -38,13 +38,6 @@ bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval) {
   return socket.set(ZMQ_HEARTBEAT_IVL, time) && socket.set(ZMQ_HEARTBEAT_TIMEOUT, 2 * time);
 }
 
-bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval) {
-  const auto seconds = static_cast<int>(std::chrono::ceil<std::chrono::seconds>(interval).count());
-  return seconds == 0 ||
-         (socket.set(ZMQ_TCP_KEEPALIVE, 1) && socket.set(ZMQ_TCP_KEEPALIVE_IDLE, seconds) &&
-          socket.set(ZMQ_TCP_KEEPALIVE_INTVL, seconds) && socket.set(ZMQ_TCP_KEEPALIVE_CNT, 2));
-}
-
 Socket watchEvents(void* context, Socket& watched, int events) {
   static std::atomic<uint64_t> counter = 0;
   char endpoint[64];

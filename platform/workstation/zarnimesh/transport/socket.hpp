@@ -103,13 +103,8 @@ std::optional<uint64_t> readRoute(std::span<const uint8_t> name);
 // Takes the next part, if there is one. Does not wait.
 [[nodiscard]] bool takePart(MessagePart& part, Socket& socket);
 
-// Ends connections whose peer has not answered for three times `interval`. 0: never. Not for
-// sockets that close while peers send: ZeroMQ ends the process if a heartbeat is due at a
-// connection that its peer has ended and that has not sent its last messages yet.
+// Ends connections whose peer has not answered for three times `interval`. 0: never.
 [[nodiscard]] bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval);
-
-// As setHeartbeat, for tcp connections whose peer's machine does not answer.
-[[nodiscard]] bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval);
 
 // The result for a failed ZeroMQ call, from its errno.
 [[nodiscard]] mesh_result failFromTransport(const char* what);
