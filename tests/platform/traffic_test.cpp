@@ -235,6 +235,10 @@ TEST_F(Traffic, OverSeveralThreadsOfTheTransportArrivesInOrder) {
   for (uint32_t sender = 1; sender <= senders; ++sender) {
     nodes.push_back(open(sender, options));
   }
+  const Deadline named;  // each thread names itself
+  while (threadsOfTransport() < 4 && !named.passed()) {
+    std::this_thread::yield();
+  }
   EXPECT_EQ(threadsOfTransport(), 4u) << "the first open node decides";
   std::atomic<uint32_t> failures = 0;
   std::vector<std::thread> threads;

@@ -31,7 +31,7 @@ for signal in KILL TERM; do
   expect_exit 0 "$tool" decode $signal.pcapng
   [ "$(grep -o '"missedBefore":[0-9]*' out | tr '\n' ' ')" = \
     '"missedBefore":2 "missedBefore":3 "missedBefore":1 ' ] || fail "gaps of others: $(cat out)"
-  [ "$(sed -n '/"missedBefore"/=' out | tr '\n' ' ')" = '3 5 7 ' ] || fail "gaps elsewhere"
+  [ "$(sed -n '/"missedBefore"/=' out | tr '\n' ' ')" = '3 5 7 ' ] || fail "gaps elsewhere: $(cat out)"
   expect_exit 0 "$tool" stat $signal.pcapng
   expect_text out "missed calls: 6, in 3 gaps"
   expect_text out "  from node 98: 2, in 1 gap"

@@ -18,10 +18,9 @@ mesh_result Receiver::open(std::shared_ptr<Context> context) {
 }
 
 std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
-  size_t current = delivered_.load(std::memory_order_relaxed);
-  if (current == readyCount_) {
+  if (stage_.load(std::memory_order_relaxed) != Stage::Taken) {
     const Lock lock(mutex_);
-    switch (takeReady()) {
+    switch (takeNext()) {
       case Incoming::Arrival::Nothing:
         return std::nullopt;
       case Incoming::Arrival::Failed:
@@ -29,43 +28,41 @@ std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
       case Incoming::Arrival::Call:
         break;
     }
-    current = 0;
   }
-  IncomingCall& call = ready_[current];
   if (!std::exchange(delivering_, true)) {
     entry_ = 0;
-    table_ = call.bytes + headerSize + call.header.count * indexEntrySize;
+    table_ = call_.bytes + headerSize + call_.header.count * indexEntrySize;
   }
-  const int64_t delivered = deliver(call, handler);
+  const int64_t delivered = deliver(handler);
   delivering_ = false;
-  call.message.clear();
-  delivered_.store(current + 1, std::memory_order_release);
-  if ((call.header.flags & tellFlag) != 0) {
+  call_.message.clear();
+  stage_.store(Stage::Delivered, std::memory_order_release);
+  if ((call_.header.flags & tellFlag) != 0) {
     const Lock lock(mutex_);
     noteDelivered();
   }
   return delivered;
 }
 
-Incoming::Arrival Receiver::takeReady() {
+Incoming::Arrival Receiver::takeNext() {
   noteDelivered();
-  noted_ = 0;
-  delivered_.store(0, std::memory_order_relaxed);
-  readyCount_ = 0;
-  // A thread that has waited takes one call: asking for more would be a system call, mostly in
-  // vain.
-  const std::span<IncomingCall> calls(ready_);
-  const Incoming::Arrival arrival = incoming_.take(idle_ ? calls.first(1) : calls, readyCount_);
-  idle_ = arrival == Incoming::Arrival::Nothing;
-  wakeup_.set(undelivered() > 1);
+  const Incoming::Arrival arrival = incoming_.take(call_);
+  if (arrival == Incoming::Arrival::Call) {
+    stage_.store(Stage::Taken, std::memory_order_relaxed);
+  }
+  wakeup_.set(incoming_.waiting() > 0);
   return arrival;
 }
 
 void Receiver::noteDelivered() {
-  const size_t delivered = delivered_.load(std::memory_order_acquire);
-  for (; noted_ < delivered; ++noted_) {
-    incoming_.noteDelivered(ready_[noted_]);
+  if (stage_.load(std::memory_order_acquire) == Stage::Delivered) {
+    incoming_.noteDelivered(call_);
+    stage_.store(Stage::Noted, std::memory_order_relaxed);
   }
+}
+
+size_t Receiver::undelivered() const {
+  return (stage_.load(std::memory_order_relaxed) == Stage::Taken ? 1 : 0) + incoming_.waiting();
 }
 
 int Receiver::beginWait() {
@@ -115,12 +112,12 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
   }
 }
 
-int64_t Receiver::deliver(const IncomingCall& call, const Handler& handler) {
+int64_t Receiver::deliver(const Handler& handler) {
   const InHandler marked;
   releaseRecord();
   int64_t delivered = 0;
-  const FrameHeader& header = call.header;
-  const uint8_t* const index = call.bytes + headerSize;
+  const FrameHeader& header = call_.header;
+  const uint8_t* const index = call_.bytes + headerSize;
   while (entry_ < header.count) {
     const IndexEntry entry = decodeIndexEntry(index + entry_ * indexEntrySize);
     const uint8_t* const table = table_;
@@ -149,7 +146,7 @@ int64_t Receiver::deliver(const IncomingCall& call, const Handler& handler) {
                                    .extra = header.extra,
                                    .incarnation = header.incarnation,
                                    .sequence = header.sequence,
-                                   .after_gap = call.afterGap ? 1u : 0u};
+                                   .after_gap = call_.afterGap ? 1u : 0u};
       handler.function(&received, handler.user);
     }
     releaseRecord();
@@ -190,7 +187,7 @@ void Receiver::tend() {
 
 bool Receiver::isBehind() {
   const Lock lock(mutex_, std::try_to_lock);
-  return lock && !waiting_ && (incoming_.isBehind() || noted_ < delivered_);
+  return lock && !waiting_ && (incoming_.isBehind() || stage_ == Stage::Delivered);
 }
 
 int Receiver::callersFile() {

@@ -1,7 +1,6 @@
 // A node's receiver: decodes the tables of calls and passes the records to the handler.
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -62,13 +61,13 @@ class Receiver {
  private:
   using Lock = std::unique_lock<std::mutex>;
 
-  // Replaces the calls that are ready by those that have arrived. Requires the mutex.
-  [[nodiscard]] Incoming::Arrival takeReady();
-  // Notes the calls that were delivered since this was done last. Requires the mutex.
+  // Takes the next call. Requires the mutex.
+  [[nodiscard]] Incoming::Arrival takeNext();
+  // Notes the call if it was delivered since. Requires the mutex.
   void noteDelivered();
   // Calls that wait for delivery, as far as is known. Requires the mutex.
-  size_t undelivered() const { return readyCount_ - delivered_ + incoming_.waiting(); }
-  [[nodiscard]] int64_t deliver(const IncomingCall& call, const Handler& handler);
+  size_t undelivered() const;
+  [[nodiscard]] int64_t deliver(const Handler& handler);
   [[nodiscard]] bool findHook(uint32_t id);
   void releaseRecord();
 
@@ -80,16 +79,14 @@ class Receiver {
   Incoming incoming_;
   bool waiting_ = false;  // a thread waits for the socket, which announces a change only once
   Wakeup wakeup_;
-  size_t noted_ = 0;  // so many of the ready calls are noted as delivered
 
-  // Calls that were taken at once, so that most need no lock. The receiving thread replaces them
-  // under the lock, and raises delivered_ without it. It owns the calls from delivered_ on.
-  std::array<IncomingCall, 16> ready_;
-  size_t readyCount_ = 0;
-  std::atomic<size_t> delivered_ = 0;
+  // The receiving thread replaces the call under the lock. It says without the lock that the call
+  // was delivered, so that most calls need the lock once.
+  enum class Stage : uint8_t { Taken, Delivered, Noted };
+  IncomingCall call_;
+  std::atomic<Stage> stage_ = Stage::Noted;
 
   // The receiving thread's. They outlive receive(), because a handler may leave it by longjmp.
-  bool idle_ = true;  // nothing had arrived when it looked last
   bool delivering_ = false;
   size_t entry_ = 0;  // of the next table
   const uint8_t* table_ = nullptr;

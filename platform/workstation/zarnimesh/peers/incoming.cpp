@@ -61,18 +61,18 @@ mesh_result Incoming::open(std::shared_ptr<Context> context) {
   return watch_.open(*context, listener_.socket(), settings_.messageLimit());
 }
 
-Incoming::Arrival Incoming::take(std::span<IncomingCall> calls, size_t& taken) {
-  now_ = roughlyNow();
-  taken = 0;
-  for (; taken < calls.size() && !waiting_.empty(); waiting_.pop_front()) {
-    calls[taken++] = std::move(waiting_.front());
-  }
-  bool isCall = false;
-  while (taken < calls.size() && takeMessage(calls[taken], isCall)) {
-    taken += isCall ? 1 : 0;
-  }
-  if (taken > 0) {
+Incoming::Arrival Incoming::take(IncomingCall& call) {
+  if (!waiting_.empty()) {
+    call = std::move(waiting_.front());
+    waiting_.pop_front();
     return Arrival::Call;
+  }
+  now_ = roughlyNow();
+  bool isCall = false;
+  while (takeMessage(call, isCall)) {
+    if (isCall) {
+      return Arrival::Call;
+    }
   }
   if (zmq_errno() == EAGAIN) {
     return Arrival::Nothing;

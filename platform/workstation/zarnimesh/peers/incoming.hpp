@@ -43,8 +43,8 @@ class Incoming {
     Failed,  // the error text is set
   };
 
-  // Fills `calls` from its beginning, as far as calls have arrived. Does not wait.
-  [[nodiscard]] Arrival take(std::span<IncomingCall> calls, size_t& taken);
+  // Takes the next call. Does not wait.
+  [[nodiscard]] Arrival take(IncomingCall& call);
 
   // The handler has seen the call.
   void noteDelivered(const IncomingCall& call);
