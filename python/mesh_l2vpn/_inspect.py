@@ -45,14 +45,14 @@ def load(variable: str, soname: str, package: str) -> ctypes.CDLL:
         ) from None
 
 
-library = load("MESH_L2VPN_INSPECT", SONAME, "libmesh-l2vpn-inspect1")
+loaded = load("MESH_L2VPN_INSPECT", SONAME, "libmesh-l2vpn-inspect1")
 
 
 # The same, with the interpreter's lock kept: for calls shorter than giving it back and taking it.
-_quick = ctypes.PyDLL(library._name)
+_quick = ctypes.PyDLL(loaded._name)
 
 
-def _declare(name, result, *parameters, of=library):
+def _declare(name, result, *parameters, of=loaded):
     function = getattr(of, "mesh_l2vpn_" + name)
     function.restype = result
     function.argtypes = parameters

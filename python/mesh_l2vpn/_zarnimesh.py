@@ -72,21 +72,21 @@ _EXCEPTIONS = {
 _library: Optional[ctypes.CDLL] = None
 
 
-def library() -> Any:
+def loaded() -> Any:
     """Loaded with the first node, so that programs without nodes need no middleware."""
     global _library
     if _library is None:
-        loaded = load(VARIABLE, LIBRARY, "mesh-l2vpn-workstation")
-        _declare(loaded)
-        _library = loaded
+        library = load(VARIABLE, LIBRARY, "mesh-l2vpn-workstation")
+        _declare(library)
+        _library = library
     return _library
 
 
-def _declare(loaded: ctypes.CDLL) -> None:
+def _declare(library: ctypes.CDLL) -> None:
     def declare(name: str, result: Any, *parameters: Any) -> None:
-        function = getattr(loaded, name, None)
+        function = getattr(library, name, None)
         if function is None:
-            raise LibraryMissing(f"{loaded._name} has no {name}: it is older than this package")
+            raise LibraryMissing(f"{library._name} has no {name}: it is older than this package")
         function.restype = result
         function.argtypes = parameters
 
@@ -108,7 +108,7 @@ def _declare(loaded: ctypes.CDLL) -> None:
 
 def failure(result: int, what: str) -> NodeError:
     """The exception of a mesh_result, with the calling thread's latest error text."""
-    loaded = library()
-    text = loaded.mesh_node_last_error() or loaded.mesh_result_text(result)
+    functions = loaded()
+    text = functions.mesh_node_last_error() or functions.mesh_result_text(result)
     error = _EXCEPTIONS.get(result, NodeError)
     return error(f"{what}: {text.decode('utf-8', 'replace')}")

@@ -58,7 +58,7 @@ class Received(Table):
 def _close(handle: ctypes.c_void_p, address: int, last: Any, _hook: Any) -> int:
     """Closes a node that nobody closed. `_hook` lives until then."""
     warnings.warn(f"node {address} was not closed", ResourceWarning, stacklevel=2)
-    return int(_zarnimesh.library().mesh_node_close_counted(handle, last))
+    return int(_zarnimesh.loaded().mesh_node_close_counted(handle, last))
 
 
 class Node:
@@ -88,7 +88,7 @@ class Node:
         on_peer: Optional[Callable[[PeerEvent], None]] = None,
     ) -> None:
         self.address = whole("address", address, 0, 2**32 - 1)
-        self._library = _zarnimesh.library()
+        self._library = _zarnimesh.loaded()
         options = _zarnimesh.Options()
         self._library.mesh_node_options_default(ctypes.byref(options))
         for field, name, value, check in (
