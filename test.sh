@@ -41,7 +41,7 @@ done
 
 if [ "$1" = --all ]; then
   echo "== packages"
-  tools/make-packages.sh
+  tools/make-packages.sh build/release
   echo "== reference"
   tools/make-reference.sh
   echo "== aarch64"

@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
-# Builds the Debian packages in build/packages, checks them with lintian, and runs the Python package from
-# what they unpack to.
+# Makes the Debian packages, checks them with lintian, and runs the Python package from what they
+# unpack to.
 #
-#   tools/make-packages.sh
+#   tools/make-packages.sh            builds everything in build/packages
+#   tools/make-packages.sh BUILD      of an optimised build with g++ that is there, in its directory
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/setup.sh g++ cmake ninja-build libzmq3-dev libcli11-dev nlohmann-json3-dev dpkg-dev file lintian \
   systemtap-sdt-dev
 
-build=build/packages
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF \
-  -DMESH_L2VPN_EXAMPLES=OFF -DCMAKE_INSTALL_PREFIX=/usr >/dev/null
+build=${1:-build/packages}
+options=()
+[ $# -gt 0 ] || options=(-G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF -DMESH_L2VPN_EXAMPLES=OFF)
+cmake -S . -B "$build" "${options[@]}" -DCMAKE_INSTALL_PREFIX=/usr >/dev/null
 cmake --build "$build"
 rm -f "$build"/*.deb
 (cd "$build" && cpack >/dev/null)
