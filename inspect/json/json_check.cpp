@@ -91,6 +91,10 @@ class Check final : public nlohmann::json_sax<Json> {
 }  // namespace
 
 size_t checkJson(std::string_view text) {
+  // The parser takes it for the end of the text.
+  if (const size_t zero = text.find('\0'); zero != std::string_view::npos) {
+    fail("not JSON: byte " + std::to_string(zero) + " is zero");
+  }
   Check check;
   Json::sax_parse(text, &check);
   return check.values();

@@ -131,7 +131,7 @@ void addTalk(CLI::App& app, Session& session) {
   addJsonInput(send, sendOptions.file);
   addByteText(send, sendOptions.byteText);
   send.add_option("--extra", sendOptions.extra, "Integer that travels with the message")
-      ->check(notOctal());
+      ->check(wholeNumber(0, UINT64_MAX));
   send.footer("Example:\n  echo '{\"f0\": 7}' | mesh-l2vpn send --to 2 -m l2vpn_sync_stp");
 
   const auto [listen, listenOptions] =

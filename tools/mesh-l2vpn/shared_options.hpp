@@ -13,12 +13,21 @@ inline CLI::Validator notEmpty() {
   return {[](std::string& text) { return text.empty() ? "is empty" : std::string(); }, ""};
 }
 
-// CLI11 reads 010 as octal.
-inline CLI::Validator notOctal() {
-  return {[](std::string& text) {
-            return text.size() > 1 && text[0] == '0' && text[1] >= '0' && text[1] <= '9'
-                       ? text + " has a leading zero; hexadecimal numbers begin with 0x"
-                       : std::string();
+// CLI11 wraps -1, saturates large numbers, takes '' for 0 and reads 010 as octal.
+inline CLI::Validator wholeNumber(uint64_t least, uint64_t most) {
+  return {[least, most](std::string& text) {
+            const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+            const char* const begin = text.data() + (isHex ? 2 : 0);
+            const char* const end = text.data() + text.size();
+            uint64_t value = 0;
+            const auto [stop, error] = std::from_chars(begin, end, value, isHex ? 16 : 10);
+            if (!isHex && text.size() > 1 && text[0] == '0' && stop == end) {
+              return "'" + text + "' has a leading zero; hexadecimal numbers begin with 0x";
+            }
+            return error == std::errc{} && stop == end && value >= least && value <= most
+                       ? std::string()
+                       : "'" + text + "' is not a whole number from " + std::to_string(least) +
+                             " to " + std::to_string(most);
           },
           ""};
 }
@@ -82,21 +91,17 @@ inline CLI::Option* addSender(CLI::App& command, SenderOptions& options,
   addMiddleware(command, options.middleware);
   command
       .add_option("--from", options.from, "Address of the sending node; default: a temporary one")
-      ->check(notOctal());
-  return command
-      .add_option_function<uint64_t>(
-          "--to", [&options](uint64_t to) { options.to = static_cast<uint32_t>(to); },
-          toDescription)
-      ->check(notOctal())
-      ->check(CLI::Range(uint64_t{0}, uint64_t{UINT32_MAX}));
+      ->check(wholeNumber(1, UINT32_MAX));
+  return command.add_option("--to", options.to, toDescription)->check(wholeNumber(0, UINT32_MAX));
 }
 
 inline void addReceiver(CLI::App& command, ReceiverOptions& options) {
   addMiddleware(command, options.middleware);
   command.add_option("ADDRESS", options.address, "Address of this node")
       ->required()
-      ->check(notOctal());
-  command.add_option("--count", options.count, "Stop after this many tables")->check(notOctal());
+      ->check(wholeNumber(0, UINT32_MAX));
+  command.add_option("--count", options.count, "Stop after this many tables")
+      ->check(wholeNumber(1, UINT64_MAX));
   command.add_option("--seconds", options.seconds, "Stop after this many seconds")
       ->check(positive());
 }
