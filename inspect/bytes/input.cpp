@@ -22,9 +22,9 @@ constexpr size_t largestInput = size_t{512} << 20;
 
 std::string readAll(InputFile& file) {
   std::string contents;
-  char part[bufferSize];
-  while (const size_t count = file.read(part, sizeof part)) {
-    contents.append(part, count);
+  for (auto part = file.peek(bufferSize); !part.empty(); part = file.peek(bufferSize)) {
+    contents.append(part.begin(), part.end());
+    file.skip(part.size());
     if (contents.size() > largestInput) {
       throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
                                          " bytes are too long for a message");
@@ -34,6 +34,10 @@ std::string readAll(InputFile& file) {
     throw Failure(Cause::System, file.name() + ": " + std::strerror(file.error()));
   }
   return contents;
+}
+
+bool startsWith(InputFile& file, std::initializer_list<uint8_t> bytes) {
+  return std::ranges::equal(file.peek(bytes.size()), bytes);
 }
 
 // Text has no control characters except white space.
@@ -83,10 +87,19 @@ InputFile::~InputFile() {
 
 // Appends bytes to the buffer. False if there are none.
 bool InputFile::fill() {
-  std::copy(buffer_.begin() + static_cast<ptrdiff_t>(begin_),
-            buffer_.begin() + static_cast<ptrdiff_t>(end_), buffer_.begin());
-  end_ -= begin_;
-  begin_ = 0;
+  if (begin_ == end_) {
+    begin_ = end_ = 0;
+  }
+  if (end_ == buffer_.size()) {
+    // Moving less than half of a full buffer costs no more than reading it did.
+    if (begin_ > buffer_.size() / 2) {
+      std::copy(buffer_.begin() + static_cast<ptrdiff_t>(begin_), buffer_.end(), buffer_.begin());
+      end_ -= begin_;
+      begin_ = 0;
+    } else {
+      buffer_.resize(2 * buffer_.size());
+    }
+  }
   while (error_ == 0 && !isInterrupted()) {
     const ssize_t count = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
     if (count >= 0) {
@@ -98,21 +111,10 @@ bool InputFile::fill() {
   return false;
 }
 
-bool InputFile::goesOnWith(std::string_view bytes) {
-  while (end_ - begin_ < bytes.size() && fill()) {
+std::span<const uint8_t> InputFile::peek(size_t size) {
+  while (end_ - begin_ < size && fill()) {
   }
-  return std::string_view(buffer_.data() + begin_, end_ - begin_).starts_with(bytes);
-}
-
-size_t InputFile::read(void* to, size_t size) {
-  size_t taken = 0;
-  while (taken < size && (begin_ < end_ || fill())) {
-    const size_t count = std::min(size - taken, end_ - begin_);
-    std::memcpy(static_cast<char*>(to) + taken, buffer_.data() + begin_, count);
-    begin_ += count;
-    taken += count;
-  }
-  return taken;
+  return std::span(buffer_).subspan(begin_, std::min(size, end_ - begin_));
 }
 
 std::string readAll(const std::string& file) {
@@ -122,12 +124,26 @@ std::string readAll(const std::string& file) {
 
 bool isCapture(InputFile& file) {
   // The same in both byte orders.
-  return file.goesOnWith("\x0A\x0D\x0D\x0A");
+  return startsWith(file, {0x0A, 0x0D, 0x0D, 0x0A}) || !foreignFormat(file).empty();
+}
+
+std::string foreignFormat(InputFile& file) {
+  if (startsWith(file, {0x1F, 0x8B, 0x08})) {
+    return "a gzip file; unpack it with gunzip";
+  }
+  // Of microseconds and nanoseconds.
+  if (startsWith(file, {0xD4, 0xC3, 0xB2, 0xA1}) || startsWith(file, {0xA1, 0xB2, 0xC3, 0xD4}) ||
+      startsWith(file, {0x4D, 0x3C, 0xB2, 0xA1}) || startsWith(file, {0xA1, 0xB2, 0x3C, 0x4D})) {
+    return "a pcap file of the classic format; convert it with editcap -F pcapng";
+  }
+  return "";
 }
 
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
-    throw Failure(Cause::BadInput, file.name() + ": this is a capture; use decode");
+    const std::string foreign = foreignFormat(file);
+    throw Failure(Cause::BadInput, file.name() + ": this is " +
+                                       (foreign.empty() ? "a capture; use decode" : foreign));
   }
   const std::string contents = readAll(file);
   if (form == InputForm::Hex || (form == InputForm::Guessed && isText(contents))) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,12 +25,12 @@ class InputFile {
 
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  // Whether these bytes come next. Does not consume them.
-  bool goesOnWith(std::string_view bytes);
+  // The next bytes; valid until the next call. Fewer than asked for at the end, after an error and
+  // after an interruption. Does not consume them.
+  std::span<const uint8_t> peek(size_t size);
 
-  // Returns how many bytes it read: fewer than asked for at the end, after an error and after an
-  // interruption.
-  size_t read(void* to, size_t size);
+  // Consumes bytes that peek() has returned.
+  void skip(size_t size) { begin_ += size; }
 
   // errno of the first error, or 0.
   [[nodiscard]] int error() const { return error_; }
@@ -40,7 +41,7 @@ class InputFile {
   std::string name_;
   int descriptor_;
   int error_ = 0;
-  std::vector<char> buffer_;
+  std::vector<uint8_t> buffer_;
   size_t begin_ = 0;  // of the unread bytes
   size_t end_ = 0;
 };
@@ -48,8 +49,11 @@ class InputFile {
 // The whole of a file, or of the standard input for "-".
 std::string readAll(const std::string& file);
 
-// Whether a file begins as a capture (pcapng) does.
+// Whether a file begins as a capture does, also one of a format that is not read.
 bool isCapture(InputFile& file);
+
+// For a capture of such a format: what it is, and what to do with it. Else empty.
+std::string foreignFormat(InputFile& file);
 
 // A message's bytes from a file. Fails for a capture, unless the form is Binary.
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form);
