@@ -18,7 +18,7 @@ using Json = nlohmann::ordered_json;
 
 // For whoever goes on with the values; writeRecord() is quicker. `taken`: what the call has taken
 // of its memory, which bounds the text.
-Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex,
+Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, const JsonStyle& style = {},
             uint64_t taken = 0);
 
 // Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
@@ -26,6 +26,10 @@ Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText fo
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form,
                      uint64_t& memory);
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
+
+// Whether the value is a whole number from 0, or the decimal or (with 0x) hexadecimal text of one:
+// programs that compute with doubles do not keep 64 bits.
+bool parseNumber(const Json& json, uint64_t& value);
 
 // Parses one JSON value. Fails for invalid JSON and duplicate members.
 Json parseJson(std::string_view text);

@@ -34,7 +34,7 @@ class RecordWriter {
       case Kind::Scalar: {
         uint64_t value = 0;
         std::memcpy(&value, field, slot.size);
-        return text_.appendNumber(value);
+        return writeNumber(value, style_.isBigText && slot.size == sizeof value);
       }
       case Kind::Array:
         return writeBytes({field, slot.size});
@@ -51,6 +51,13 @@ class RecordWriter {
         return writeItems(slot, items, items == nullptr ? 0 : count);
       }
     }
+  }
+
+  void writeNumber(uint64_t value, bool isText) {
+    const std::string_view quote = isText ? "\"" : "";
+    text_.append(quote);
+    text_.appendNumber(value);
+    text_.append(quote);
   }
 
   void writeBytes(std::span<const uint8_t> bytes) {

@@ -8,8 +8,11 @@
 namespace inspect {
 
 struct JsonStyle {
-  ByteText byteText = ByteText::Hex;
-  int indent = -1;  // blanks for each level; -1: all on one line
+  JsonStyle(ByteText text = ByteText::Hex, int blanks = -1) : byteText(text), indent(blanks) {}
+
+  ByteText byteText;
+  int indent;              // blanks for each level; -1: all on one line
+  bool isBigText = false;  // 64-bit numbers are strings
 };
 
 void writeRecord(Text& text, const mesh::wire::Schema& schema, const uint8_t* record,
