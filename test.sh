@@ -28,7 +28,7 @@ END
   exit 0
 fi
 
-tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh xxd bsdextrautils tshark chromium \
+tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh fish xxd bsdextrautils tshark chromium \
   chromium-driver python3-selenium python3-jsonschema gdb systemtap-sdt-dev
 presets=("$@")
 [ "$1" != --all ] || presets=(release asan tsan-threads msan)

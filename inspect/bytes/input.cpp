@@ -20,19 +20,27 @@ constexpr size_t bufferSize = 65536;
 // The largest message in the longest dump format.
 constexpr size_t largestInput = size_t{512} << 20;
 
-std::string readAll(InputFile& file) {
-  std::string contents;
-  for (auto part = file.peek(bufferSize); !part.empty(); part = file.peek(bufferSize)) {
-    contents.append(part.begin(), part.end());
-    file.skip(part.size());
-    if (contents.size() > largestInput) {
-      throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
-                                         " bytes are too long for a message");
-    }
+void refuseTooLong(const InputFile& file, size_t size) {
+  if (size > largestInput) {
+    throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput) +
+                                       " bytes are too long for a message");
   }
+}
+
+void failForError(const InputFile& file) {
   if (file.error() != 0) {
     throw Failure(Cause::System, file.name() + ": " + std::strerror(file.error()));
   }
+}
+
+std::string readAll(InputFile& file) {
+  std::string contents;
+  for (auto part = file.available(); !part.empty(); part = file.available()) {
+    contents.append(part.begin(), part.end());
+    file.skip(part.size());
+    refuseTooLong(file, contents.size());
+  }
+  failForError(file);
   return contents;
 }
 
@@ -69,20 +77,29 @@ InputFile::InputFile(std::string name)
     error_ = errno;
   }
   struct stat status {};
-  if (error_ == 0 && fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode)) {
-    error_ = EISDIR;
+  if (error_ == 0 && fstat(descriptor_, &status) == 0) {
+    error_ = S_ISDIR(status.st_mode) ? EISDIR : 0;
+    size_ = S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
   }
-  // Opening a pipe waits for its writer; the user may interrupt that.
-  if (error_ != 0 && !(error_ == EINTR && isInterrupted())) {
+  // Opening a pipe waits for its writer; an interruption ends that with EINTR.
+  if (error_ != 0) {
     throw Failure(Cause::System, name_ + ": " + std::strerror(error_));
   }
-  error_ = 0;
 }
 
 InputFile::~InputFile() {
   if (descriptor_ > STDIN_FILENO) {
     close(descriptor_);
   }
+}
+
+std::span<const uint8_t> InputFile::available() {
+  return peek(1).empty() ? std::span<const uint8_t>()
+                         : std::span(buffer_).subspan(begin_, end_ - begin_);
+}
+
+double InputFile::progress() const {
+  return size_ == 0 ? 0 : static_cast<double>(consumed_) / static_cast<double>(size_);
 }
 
 // Appends bytes to the buffer. False if there are none.
@@ -100,6 +117,7 @@ bool InputFile::fill() {
       buffer_.resize(2 * buffer_.size());
     }
   }
+  beforeWaiting_();
   while (error_ == 0 && !isInterrupted()) {
     const ssize_t count = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
     if (count >= 0) {
@@ -115,6 +133,22 @@ std::span<const uint8_t> InputFile::peek(size_t size) {
   while (end_ - begin_ < size && fill()) {
   }
   return std::span(buffer_).subspan(begin_, std::min(size, end_ - begin_));
+}
+
+std::optional<std::string> readLine(InputFile& file) {
+  std::string line;
+  for (auto part = file.available(); !part.empty(); part = file.available()) {
+    const auto end = std::ranges::find(part, '\n');
+    line.append(part.begin(), end);
+    refuseTooLong(file, line.size());
+    const bool isWhole = end != part.end();
+    file.skip(static_cast<size_t>(end - part.begin()) + (isWhole ? 1 : 0));
+    if (isWhole) {
+      return line;
+    }
+  }
+  failForError(file);
+  return line.empty() ? std::nullopt : std::optional(line);
 }
 
 std::string readAll(const std::string& file) {
@@ -142,8 +176,11 @@ std::string foreignFormat(InputFile& file) {
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
     const std::string foreign = foreignFormat(file);
-    throw Failure(Cause::BadInput, file.name() + ": this is " +
-                                       (foreign.empty() ? "a capture; use decode" : foreign));
+    throw Failure(
+        Cause::BadInput,
+        file.name() + ": this is " +
+            (foreign.empty() ? "a capture; use decode, or --packet N for one of its packets"
+                             : foreign));
   }
   const std::string contents = readAll(file);
   if (form == InputForm::Hex || (form == InputForm::Guessed && isText(contents))) {

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace inspect {
@@ -29,8 +32,20 @@ class InputFile {
   // after an interruption. Does not consume them.
   std::span<const uint8_t> peek(size_t size);
 
+  // The bytes that have arrived, at least one; none where peek() returns none.
+  std::span<const uint8_t> available();
+
+  // Called before each wait for more bytes: for output that must not wait with it.
+  void setBeforeWaiting(std::function<void()> call) { beforeWaiting_ = std::move(call); }
+
+  // How much of the file is consumed, from 0 to 1; 0 for a pipe.
+  [[nodiscard]] double progress() const;
+
   // Consumes bytes that peek() has returned.
-  void skip(size_t size) { begin_ += size; }
+  void skip(size_t size) {
+    begin_ += size;
+    consumed_ += size;
+  }
 
   // errno of the first error, or 0.
   [[nodiscard]] int error() const { return error_; }
@@ -41,10 +56,17 @@ class InputFile {
   std::string name_;
   int descriptor_;
   int error_ = 0;
+  uint64_t size_ = 0;  // of a regular file
+  uint64_t consumed_ = 0;
+  std::function<void()> beforeWaiting_ = [] {};
   std::vector<uint8_t> buffer_;
   size_t begin_ = 0;  // of the unread bytes
   size_t end_ = 0;
 };
+
+// The next line, without its end. None at the end of the file. Fails for a line that is too long
+// for a message.
+std::optional<std::string> readLine(InputFile& file);
 
 // The whole of a file, or of the standard input for "-".
 std::string readAll(const std::string& file);

@@ -12,7 +12,6 @@
 // The option epb_dropcount of a packet counts the calls missed before it.
 #pragma once
 
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,17 +23,17 @@
 
 namespace inspect {
 
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
+enum class Existing { Kept, Overwritten };
 
 // Writes a capture. Each write() passes its table to the system, so a crash of this program loses
-// none.
+// none. A block that cannot be written as a whole is taken back: the file stays a sound capture.
 class CaptureWriter {
  public:
-  // Truncates an existing file. "-" is the standard output.
-  explicit CaptureWriter(const std::string& file);
+  // "-" is the standard output. Fails for an existing regular file that is to be kept.
+  explicit CaptureWriter(const std::string& file, Existing existing = Existing::Overwritten);
+  ~CaptureWriter();
+  CaptureWriter(const CaptureWriter&) = delete;
+  CaptureWriter& operator=(const CaptureWriter&) = delete;
 
   void write(const Table& table);
 
@@ -47,9 +46,10 @@ class CaptureWriter {
  private:
   [[noreturn]] void fail() const;
   void writeBlock(uint32_t type, const std::vector<uint8_t>& body);
+  void takeBack(size_t size) const;
 
   std::string name_;
-  File file_;
+  int file_ = -1;
 };
 
 // Reads a capture. Holds one block at a time.
@@ -70,8 +70,12 @@ class CaptureReader {
   void throwFault() const;
   // Calls that the recorder missed. A killed recorder does not report those after its last table.
   [[nodiscard]] uint64_t lost() const;
+  // Packets so far, also those that are no tables.
+  [[nodiscard]] uint64_t packets() const { return packets_; }
   // Packets that are not tables.
   [[nodiscard]] uint64_t otherPackets() const { return otherPackets_; }
+  // How much of the file is read, from 0 to 1; 0 for a pipe.
+  [[nodiscard]] double progress() const { return file_->progress(); }
 
  private:
   struct Interface {
@@ -117,6 +121,7 @@ class CaptureReader {
   uint64_t lostBefore_ = 0;     // in the sections before
   uint64_t lostByPackets_ = 0;  // in this one
   uint64_t tables_ = 0;
+  uint64_t packets_ = 0;
   uint64_t otherPackets_ = 0;
   std::string foreignness_;  // of the last of them
 };

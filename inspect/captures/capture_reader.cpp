@@ -284,6 +284,7 @@ std::string CaptureReader::foreignness(const Interface& interface,
 }
 
 void CaptureReader::takePacket(std::optional<Table>& table) {
+  ++packets_;
   if (block_.size() < 20) {
     return fail("a packet without a header");
   }
@@ -315,7 +316,8 @@ void CaptureReader::takePacket(std::optional<Table>& table) {
                 loadAs<uint64_t>(packet.data() + 24),
                 packet.subspan(loadAs<uint16_t>(packet.data() + 6)),
                 numberOption(20 + size_t{padded(length)}, dropCount).value_or(0),
-                original - length};
+                original - length,
+                packets_};
   lostByPackets_ = addSaturating(lostByPackets_, table->missedBefore);
 }
 
@@ -331,6 +333,7 @@ std::optional<Table> CaptureReader::next() {
     } else if (type_ == enhancedPacket) {
       takePacket(table);
     } else if (type_ == simplePacket || type_ == obsoletePacket) {
+      ++packets_;
       ++otherPackets_;
       foreignness_ = "in a block without address or time";
     }

@@ -1,7 +1,10 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "inspect/bytes/failure.hpp"
 #include "inspect/captures/capture_file.hpp"
@@ -47,10 +50,17 @@ std::span<const uint8_t> bytesOf(const char* text) {
 
 }  // namespace
 
-CaptureWriter::CaptureWriter(const std::string& file)
-    : name_(file),
-      file_(file == "-" ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(file.c_str(), "wb")) {
-  if (!file_) {
+CaptureWriter::CaptureWriter(const std::string& file, Existing existing) : name_(file) {
+  constexpr mode_t mode = 0666;
+  constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC;
+  const char* const path = file.c_str();
+  file_ = file == "-" ? dup(STDOUT_FILENO)
+                      : open(path, flags | (existing == Existing::Kept ? O_EXCL : O_TRUNC), mode);
+  struct stat status {};
+  if (file_ < 0 && errno == EEXIST && stat(path, &status) == 0 && !S_ISREG(status.st_mode)) {
+    file_ = open(path, flags, mode);
+  }
+  if (file_ < 0) {
     fail();
   }
   std::vector<uint8_t> section;
@@ -113,14 +123,35 @@ void CaptureWriter::writeBlock(uint32_t type, const std::vector<uint8_t>& body) 
   append(block, length);
   block.insert(block.end(), body.begin(), body.end());
   append(block, length);
-  if (std::fwrite(block.data(), 1, block.size(), file_.get()) != block.size() ||
-      std::fflush(file_.get()) != 0) {
-    fail();
+  for (std::span<const uint8_t> left = block; !left.empty();) {
+    const ssize_t count = ::write(file_, left.data(), left.size());
+    if (count >= 0) {
+      left = left.subspan(static_cast<size_t>(count));
+    } else if (errno != EINTR) {
+      takeBack(block.size() - left.size());
+      fail();
+    }
+  }
+}
+
+// Shortens a regular file by what was written last. errno stays as it is.
+void CaptureWriter::takeBack(size_t size) const {
+  const int error = errno;
+  const off_t end = lseek(file_, 0, SEEK_CUR);
+  if (size != 0 && end >= 0 && ftruncate(file_, end - static_cast<off_t>(size)) == 0) {
+    lseek(file_, end - static_cast<off_t>(size), SEEK_SET);
+  }
+  errno = error;
+}
+
+CaptureWriter::~CaptureWriter() {
+  if (file_ >= 0) {
+    ::close(file_);
   }
 }
 
 void CaptureWriter::close() {
-  if (std::fclose(file_.release()) != 0) {
+  if (::close(std::exchange(file_, -1)) != 0) {
     fail();
   }
 }

@@ -1,6 +1,7 @@
 #include "inspect/captures/traffic.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <ctime>
 
@@ -18,9 +19,9 @@ constexpr uint64_t second = 1'000'000'000;
 
 // Adds the record, or why there is none.
 void addContents(Json& json, const KnownMessage& message, std::span<const uint8_t> bytes,
-                 ByteText form) {
+                 const JsonStyle& style) {
   if (isOwnEncoding(message, bytes)) {
-    json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
+    json["record"] = toJson(message.schema(), decode(message, bytes).data(), style);
     return;
   }
   const Verdict verdict = judge(message, bytes);
@@ -30,13 +31,45 @@ void addContents(Json& json, const KnownMessage& message, std::span<const uint8_
   if (verdict.isAccepted()) {
     try {
       refuseTooMuchMemory(verdict);
-      json["record"] = toJson(message.schema(), decode(message, bytes).data(), form);
+      json["record"] = toJson(message.schema(), decode(message, bytes).data(), style);
       return;
     } catch (const Failure& failure) {
       json["faults"].push_back(failure.what());
     }
   }
   json["bytes"] = toHex(bytes);
+}
+
+[[noreturn]] uint64_t failAt(const std::string& path, const std::string& text) {
+  throw Failure(Cause::BadInput, path + ": " + text);
+}
+
+uint64_t numberOf(const Json& json, uint64_t most, const std::string& path) {
+  uint64_t value = 0;
+  return parseNumber(json, value) && value <= most
+             ? value
+             : failAt(path, "expected a whole number from 0 to " + std::to_string(most));
+}
+
+// The message of a table, of which "message" or "identifier" may be missing. Null for an identifier
+// that no message has.
+const KnownMessage* messageOf(const Json& json, uint32_t& id) {
+  const bool isNamed = json.contains("message") && !json["message"].is_null();
+  const bool hasId = json.contains("identifier");
+  if (!isNamed && !hasId) {
+    failAt("the table", "neither a message nor an identifier");
+  }
+  if (isNamed && !json["message"].is_string()) {
+    failAt("message", "expected a name");
+  }
+  const KnownMessage* const message =
+      isNamed ? &messageNamed(json["message"].get_ref<const std::string&>()) : nullptr;
+  id = hasId ? static_cast<uint32_t>(numberOf(json["identifier"], UINT32_MAX, "identifier"))
+             : message->id();
+  if (message != nullptr && message->id() != id) {
+    failAt("identifier", "another one than that of " + std::string(message->name));
+  }
+  return findById(id);
 }
 
 }  // namespace
@@ -58,24 +91,95 @@ std::string timeText(uint64_t nanoseconds) {
   return text;
 }
 
-Json tableJson(const Table& table, ByteText form) {
+std::optional<uint64_t> timeFromText(const std::string& text) {
+  tm parts{};
+  const char* rest = strptime(text.c_str(), "%Y-%m-%d", &parts);
+  for (const char* const part : {"T%H:%M", ":%S"}) {
+    const char* const next = rest == nullptr ? nullptr : strptime(rest, part, &parts);
+    rest = next == nullptr ? rest : next;
+  }
+  if (rest == nullptr || parts.tm_year < 70) {
+    return std::nullopt;
+  }
+  uint64_t fraction = 0;
+  if (*rest == '.') {
+    uint64_t digit = second / 10;
+    for (++rest; *rest >= '0' && *rest <= '9' && digit != 0; ++rest, digit /= 10) {
+      fraction += digit * static_cast<uint64_t>(*rest - '0');
+    }
+  }
+  rest += *rest == 'Z' ? 1 : 0;
+  uint64_t time = 0;
+  return *rest != '\0' ||
+                 __builtin_mul_overflow(static_cast<uint64_t>(timegm(&parts)), second, &time) ||
+                 __builtin_add_overflow(time, fraction, &time)
+             ? std::nullopt
+             : std::optional(time);
+}
+
+Json tableJson(const Table& table, const JsonStyle& style) {
   const KnownMessage* const message = findById(table.id);
-  Json json = {{"time", timeText(table.time)},
+  Json json = Json::object();
+  if (table.packet != 0) {
+    json["packet"] = table.packet;
+  }
+  json.update({{"time", timeText(table.time)},
                {"source", table.source},
                {"destination", table.destination},
                {"message", message == nullptr ? Json() : Json(message->name)},
                {"identifier", hex(table.id)},
-               {"extra", table.extra},
-               {"length", table.bytes.size()}};
+               {"extra", style.isBigText ? Json(std::to_string(table.extra)) : Json(table.extra)},
+               {"length", table.bytes.size()}});
   if (table.missedBefore != 0) {
     json["missedBefore"] = table.missedBefore;
   }
   if (message != nullptr) {
-    addContents(json, *message, table.bytes, form);
+    addContents(json, *message, table.bytes, style);
   } else {
     json["bytes"] = toHex(table.bytes);
   }
   return json;
+}
+
+OwnedTable tableFromJson(const Json& json, ByteText form) {
+  static constexpr std::array ignored{"packet", "message", "identifier", "length",
+                                      "record", "bytes",   "faults"};
+  if (!json.is_object()) {
+    failAt("the table", std::string("expected an object, not ") + json.type_name());
+  }
+  OwnedTable owned{};
+  Table& table = owned.table;
+  for (const auto& [name, value] : json.items()) {
+    if (name == "time") {
+      const auto time = value.is_string() ? timeFromText(value.get<std::string>()) : std::nullopt;
+      table.time = time ? *time : failAt(name, "expected a time as 2026-11-21T09:28:00.123Z");
+    } else if (name == "source") {
+      table.source = static_cast<uint32_t>(numberOf(value, UINT32_MAX, name));
+    } else if (name == "destination") {
+      table.destination = static_cast<uint32_t>(numberOf(value, UINT32_MAX, name));
+    } else if (name == "extra") {
+      table.extra = numberOf(value, UINT64_MAX, name);
+    } else if (name == "missedBefore") {
+      table.missedBefore = numberOf(value, UINT64_MAX, name);
+    } else if (std::ranges::find(ignored, name) == ignored.end()) {
+      failAt(name, "a table has no such member");
+    }
+  }
+  const KnownMessage* const message = messageOf(json, table.id);
+  if (json.contains("record") && message != nullptr) {
+    const OwnedRecord record = fromJson(*message, json["record"], form);
+    owned.bytes = encodeAsSent(record);
+    if (message->isSentFixed() && json.contains("length") && json["length"] != owned.bytes.size()) {
+      Bytes compact = encodeCompact(record);
+      owned.bytes = json["length"] == compact.size() ? std::move(compact) : std::move(owned.bytes);
+    }
+  } else if (json.contains("bytes") && json["bytes"].is_string()) {
+    owned.bytes = fromHex(json["bytes"].get_ref<const std::string&>());
+  } else {
+    failAt("the table", "neither a record of a known message nor bytes");
+  }
+  table.bytes = owned.bytes;
+  return owned;
 }
 
 bool isAccepted(const Table& table) {

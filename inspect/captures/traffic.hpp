@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <vector>
 
 #include "inspect/json/record_json.hpp"
 
@@ -17,16 +19,28 @@ struct Table {
   std::span<const uint8_t> bytes;
   uint64_t missedBefore = 0;  // calls missed since the previous table
   uint32_t cutOff = 0;        // bytes missing at its end in a capture
+  uint64_t packet = 0;        // its number among all packets of a capture, from 1
 };
 
 uint64_t nowInNanoseconds();
 
 // "2026-11-21T09:28:00.123456789Z"
 std::string timeText(uint64_t nanoseconds);
+// Also without the end of the time: "2026-11-21T09:28". None for other text.
+std::optional<uint64_t> timeFromText(const std::string& text);
 
 // A table as one JSON object: time, addresses, message, and the record. If there are faults, also
 // the faults; if there is no record, the bytes in hexadecimal.
-Json tableJson(const Table& table, ByteText form = ByteText::Hex);
+Json tableJson(const Table& table, const JsonStyle& style = {});
+
+// A table from such an object, whose record may have been edited: it is encoded in the arrangement
+// that has the object's length, else as sent. Without a record the bytes are taken. Missing
+// addresses and times are zero. Fails for unknown members.
+struct OwnedTable {
+  Table table;
+  std::vector<uint8_t> bytes;  // of the table
+};
+OwnedTable tableFromJson(const Json& json, ByteText form = ByteText::Hex);
 
 // Whether receivers know the message and accept the table.
 bool isAccepted(const Table& table);

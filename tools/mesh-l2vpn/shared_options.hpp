@@ -47,7 +47,7 @@ inline CLI::Validator positive() {
 }
 
 inline CLI::Option* addMessage(CLI::App& command, std::string& message) {
-  return command.add_option("-m,--message", message, "Name or identifier");
+  return command.add_option("-m,--message", message, "Name or identifier")->check(notEmpty());
 }
 
 inline void addJson(CLI::App& command, bool& isJson,
@@ -55,10 +55,38 @@ inline void addJson(CLI::App& command, bool& isJson,
   command.add_flag("--json", isJson, description);
 }
 
+// Of JSON that is read; JSON that is written has more.
 inline void addByteText(CLI::App& command, ByteText& form) {
   command.add_flag_callback(
       "--base64", [&form] { form = ByteText::Base64; },
       "Byte strings in JSON are base64, not hexadecimal");
+}
+
+inline void addStyle(CLI::App& command, JsonStyle& style) {
+  addByteText(command, style.byteText);
+  command.add_flag("--big-as-text", style.isBigText,
+                   "64-bit numbers in JSON are strings: jq 1.6 and JavaScript round numbers");
+}
+
+inline void addPacket(CLI::App& command, std::optional<uint64_t>& packet) {
+  command.add_option("--packet", packet, "Only this packet of a capture, from 1")
+      ->check(wholeNumber(1, UINT64_MAX));
+}
+
+inline void addSelection(CLI::App& command, SelectionOptions& options) {
+  addPacket(command, options.packet);
+  command.add_option("--source", options.source, "Only tables from this node")
+      ->check(wholeNumber(0, UINT32_MAX));
+  command.add_option("--destination", options.destination, "Only tables to this node")
+      ->check(wholeNumber(0, UINT32_MAX));
+  command.add_option("--since", options.since, "Only from this time on: 2026-11-21T09:28:00Z")
+      ->check(notEmpty());
+  command.add_option("--until", options.until, "Only up to this time")->check(notEmpty());
+  command
+      .add_option("--where", options.where,
+                  "Only where this holds: 'f1.f0 == 42'; several: where all hold")
+      ->expected(1)
+      ->take_all();
 }
 
 inline void addInputForm(CLI::App& command, InputForm& form) {
@@ -71,7 +99,7 @@ inline void addInputForm(CLI::App& command, InputForm& form) {
 }
 
 inline void addInput(CLI::App& command, InputOptions& options) {
-  addMessage(command, options.message)->check(notEmpty());
+  addMessage(command, options.message);
   command.add_option("FILE", options.file, "Bytes or hexadecimal text; - for the standard input")
       ->capture_default_str();
   addInputForm(command, options.form);

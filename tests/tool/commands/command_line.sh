@@ -37,3 +37,25 @@ to 4294967296
 for address in '' 4294967296 10x; do
   expect_refused "ADDRESS: '$address' " listen "$address"
 done
+
+# A command that does not exist is named with its neighbours; options stand as they were written.
+expect_refused "mesh-l2vpn: unknown command 'decod'; did you mean decode, record; see mesh-l2vpn --help" decod x
+expect_refused "mesh-l2vpn: unknown command 'nothing'; see mesh-l2vpn --help" --quiet nothing
+expect_refused "mesh-l2vpn: a command is required; see mesh-l2vpn --help"
+expect_refused "mesh-l2vpn: not expected: --colr; see" --colr
+expect_refused "mesh-l2vpn: decode: not expected: --foo --bar; see mesh-l2vpn decode --help" decode --foo --bar x
+expect_refused "mesh-l2vpn: decode: --hex --binary: these exclude each other; see" decode --hex --binary x
+expect_refused "mesh-l2vpn: decode: --binary --hex: these exclude each other; see" decode --binary --hex x
+expect_refused "mesh-l2vpn: --color needs a value; see mesh-l2vpn --help" --color
+expect_refused "mesh-l2vpn: diff: SECOND is required; see mesh-l2vpn diff --help" diff first.bin
+[ "$(wc -l <err)" -eq 1 ] || fail "an error of the command line has $(wc -l <err) lines"
+
+expect_exit 0 "$tool" --help
+cp out general
+expect_exit 0 "$tool" help
+cmp out general || fail "help is not --help"
+expect_exit 0 "$tool" decode --help
+cp out decode
+expect_exit 0 "$tool" help decode
+cmp out decode || fail "help decode is not decode --help"
+expect_refused "unknown command 'decod'; did you mean decode" help decod

@@ -90,7 +90,7 @@ for command in "stat" "decode --capture" "decode" "replay" "explain" "encode -m 
 done
 expect_exit 1 "$tool" explain small.pcapng
 expect_text err "small.pcapng: this is a capture; use decode"
-expect_exit 1 "$tool" diff small.pcapng small.pcapng
+expect_exit 1 "$tool" diff small.pcapng update.bin
 expect_text err "this is a capture"
 expect_exit 2 "$tool" decode --binary --capture small.pcapng
 

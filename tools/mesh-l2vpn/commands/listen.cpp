@@ -14,7 +14,7 @@ void runListen(const ListenOptions& options, Session& session) {
   session.say("node " + std::to_string(options.address) + " listens");
   receiveAll(node, options, [&](const Table& table) {
     // Flushes each line, for a reader of a pipe.
-    const std::string line = tableJson(table, options.byteText).dump();
+    const std::string line = tableJson(table, options.style).dump();
     try {
       std::cout << line << std::endl;
     } catch (const std::ios::failure&) {

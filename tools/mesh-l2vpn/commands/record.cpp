@@ -10,22 +10,28 @@ namespace tool {
 
 void runRecord(const RecordOptions& options, Session& session) {
   catchInterruptions();
-  // First, so that an existing capture is truncated only after the node has opened.
+  // First, so that no file is made or truncated before the node has opened.
   Node node(options.middleware, options.address);
-  CaptureWriter writer(options.file);
+  CaptureWriter writer(options.file,
+                       options.isOverwriting ? Existing::Overwritten : Existing::Kept);
   session.say("node " + std::to_string(options.address) + " records");
   uint64_t written = 0;
-  {
+  const auto recorded = [&written] { return std::to_string(written) + " tables recorded"; };
+  try {
     Progress progress(session, "tables");
     receiveAll(node, options, [&](const Table& table) {
       writer.write(table);
       ++written;
-      progress.add();
+      progress.add(options.count == 0
+                       ? 0
+                       : static_cast<double>(written) / static_cast<double>(options.count));
     });
+    writer.writeStatistics(written, node.missedCalls());
+    writer.close();
+  } catch (const Failure& failure) {
+    throw Failure(failure.cause(), failure.what() + std::string("; ") + recorded());
   }
-  writer.writeStatistics(written, node.missedCalls());
-  writer.close();
-  session.say(std::to_string(written) + " tables recorded");
+  session.say(recorded());
 }
 
 }  // namespace tool
