@@ -41,11 +41,14 @@ Step takeStep(std::string_view& path) {
   return {name, isItem};
 }
 
-std::optional<size_t> indexOf(std::string_view digits) {
-  size_t index = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, index);
-  return error == std::errc{} && stop == end ? std::optional(index) : std::nullopt;
+// Decimal or, with 0x, hexadecimal.
+std::optional<uint64_t> numberIn(std::string_view text) {
+  const bool isHex = text.starts_with("0x");
+  uint64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] =
+      std::from_chars(text.data() + (isHex ? 2 : 0), end, number, isHex ? 16 : 10);
+  return error == std::errc{} && stop == end ? std::optional(number) : std::nullopt;
 }
 
 bool isOfRecord(std::string_view path) {
@@ -61,7 +64,7 @@ bool hasField(const Schema& schema, std::string_view path) {
   }
   if (slot->kind == mesh::wire::Kind::Vector) {
     const Step item = takeStep(path);
-    return item.isItem && (item.name.empty() || indexOf(item.name)) && !path.empty() &&
+    return item.isItem && (item.name.empty() || numberIn(item.name)) && !path.empty() &&
            hasField(*slot->nested, path);
   }
   return slot->nested == nullptr ? path.empty() : !path.empty() && hasField(*slot->nested, path);
@@ -84,8 +87,8 @@ Condition::Condition(const std::string& text) {
   value_ = trimmed(rest.substr(found->size()));
   if (value_.size() > 1 && value_.front() == '"' && value_.back() == '"') {
     value_ = value_.substr(1, value_.size() - 2);
-  } else if (uint64_t number = 0; parseNumber(value_, number)) {
-    number_ = number;
+  } else {
+    number_ = numberIn(value_);
   }
   if (value_.empty()) {
     throw Failure(Cause::Usage, "'" + text + "' compares with nothing");
@@ -138,7 +141,7 @@ bool Condition::holdsFor(const Json& json, std::string_view rest) const {
   if (step.name.empty()) {
     return std::ranges::any_of(json, [&](const Json& item) { return holdsFor(item, rest); });
   }
-  const std::optional<size_t> index = indexOf(step.name);
+  const std::optional<uint64_t> index = numberIn(step.name);
   return index && *index < json.size() && holdsFor(json[*index], rest);
 }
 

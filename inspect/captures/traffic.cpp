@@ -94,12 +94,15 @@ std::string timeText(uint64_t nanoseconds) {
 std::optional<uint64_t> timeFromText(const std::string& text) {
   tm parts{};
   const char* rest = strptime(text.c_str(), "%Y-%m-%d", &parts);
-  for (const char* const part : {"T%H:%M", ":%S"}) {
-    const char* const next = rest == nullptr ? nullptr : strptime(rest, part, &parts);
-    rest = next == nullptr ? rest : next;
-  }
   if (rest == nullptr || parts.tm_year < 70) {
     return std::nullopt;
+  }
+  for (const char* const part : {"T%H:%M", ":%S"}) {
+    const char* const next = strptime(rest, part, &parts);
+    if (next == nullptr) {
+      break;
+    }
+    rest = next;
   }
   uint64_t fraction = 0;
   if (*rest == '.') {
@@ -128,7 +131,7 @@ Json tableJson(const Table& table, const JsonStyle& style) {
                {"destination", table.destination},
                {"message", message == nullptr ? Json() : Json(message->name)},
                {"identifier", hex(table.id)},
-               {"extra", style.isBigText ? Json(std::to_string(table.extra)) : Json(table.extra)},
+               {"extra", style.isBigText ? Json(hex(table.extra)) : Json(table.extra)},
                {"length", table.bytes.size()}});
   if (table.missedBefore != 0) {
     json["missedBefore"] = table.missedBefore;

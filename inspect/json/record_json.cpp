@@ -155,10 +155,11 @@ bool parseNumber(const Json& json, uint64_t& value) {
            (json.is_number_integer() && json.get<int64_t>() == 0);  // -0
   }
   const auto& text = json.get_ref<const std::string&>();
-  const bool isHex = text.starts_with("0x");
   const char* const end = text.data() + text.size();
-  const auto [stop, error] =
-      std::from_chars(text.data() + (isHex ? 2 : 0), end, value, isHex ? 16 : 10);
+  if (!text.starts_with("0x")) {
+    return false;
+  }
+  const auto [stop, error] = std::from_chars(text.data() + 2, end, value, 16);
   return error == std::errc{} && stop == end;
 }
 

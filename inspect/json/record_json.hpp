@@ -27,8 +27,8 @@ OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText for
                      uint64_t& memory);
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
 
-// Whether the value is a whole number from 0, or the decimal or (with 0x) hexadecimal text of one:
-// programs that compute with doubles do not keep 64 bits.
+// Whether the value is a whole number from 0, or the hexadecimal text of one, with 0x: programs
+// that compute with doubles do not keep 64 bits.
 bool parseNumber(const Json& json, uint64_t& value);
 
 // Parses one JSON value. Fails for invalid JSON and duplicate members.

@@ -1,6 +1,7 @@
 #include "inspect/json/record_text.hpp"
 
 #include "inspect/messages/release.hpp"
+#include "inspect/schema/facts.hpp"
 
 namespace inspect {
 namespace {
@@ -34,7 +35,10 @@ class RecordWriter {
       case Kind::Scalar: {
         uint64_t value = 0;
         std::memcpy(&value, field, slot.size);
-        return writeNumber(value, style_.isBigText && slot.size == sizeof value);
+        if (style_.isBigText && slot.size == sizeof value) {
+          return text_.append('"' + hex(value) + '"');
+        }
+        return text_.appendNumber(value);
       }
       case Kind::Array:
         return writeBytes({field, slot.size});
@@ -51,13 +55,6 @@ class RecordWriter {
         return writeItems(slot, items, items == nullptr ? 0 : count);
       }
     }
-  }
-
-  void writeNumber(uint64_t value, bool isText) {
-    const std::string_view quote = isText ? "\"" : "";
-    text_.append(quote);
-    text_.appendNumber(value);
-    text_.append(quote);
   }
 
   void writeBytes(std::span<const uint8_t> bytes) {

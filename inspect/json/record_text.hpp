@@ -12,7 +12,7 @@ struct JsonStyle {
 
   ByteText byteText;
   int indent;              // blanks for each level; -1: all on one line
-  bool isBigText = false;  // 64-bit numbers are strings
+  bool isBigText = false;  // 64-bit numbers are strings of 0x and 16 digits, which sort as numbers
 };
 
 void writeRecord(Text& text, const mesh::wire::Schema& schema, const uint8_t* record,

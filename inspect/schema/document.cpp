@@ -55,35 +55,16 @@ Json reference(const Schema& schema) {
   return {{"$ref", std::string("#/$defs/") + schema.name}};
 }
 
-// A pattern of the numbers from 0 to this one.
-std::string decimalUpTo(uint64_t largest) {
-  const std::string digits = std::to_string(largest);
-  std::string pattern = "0*([0-9]{1," + std::to_string(digits.size() - 1) + "}|" + digits;
-  for (size_t at = 0; at < digits.size(); ++at) {
-    if (digits[at] > (at == 0 ? '1' : '0')) {
-      pattern.append("|").append(digits, 0, at).append("[").append(at == 0 ? "1" : "0").append("-");
-      pattern.append(1, static_cast<char>(digits[at] - 1)).append("][0-9]{");
-      pattern.append(std::to_string(digits.size() - at - 1)).append("}");
-    }
-  }
-  return pattern + ")";
-}
-
 // What parsing accepts for a slot.
 Json valueOf(const Slot& slot) {
   switch (slot.kind) {
     case Kind::Scalar: {
       const uint64_t largest = UINT64_MAX >> (64 - 8 * slot.size);
       const std::string digits = std::to_string(2 * slot.size);
-      const std::string hex = std::string("0x0*[0-9a-fA-F]{1,").append(digits).append("}");
       return {{"anyOf",
                {{{"type", "integer"}, {"minimum", 0}, {"maximum", largest}},
                 {{"type", "string"},
-                 {"pattern", std::string("^(")
-                                 .append(hex)
-                                 .append("|")
-                                 .append(decimalUpTo(largest))
-                                 .append(")$")}}}}};
+                 {"pattern", std::string("^0x0*[0-9a-fA-F]{1,").append(digits).append("}$")}}}}};
     }
     case Kind::Array:
       return bytesOf(std::to_string(slot.size).insert(0, 1, '{').append("}"));

@@ -64,8 +64,9 @@ inline void addByteText(CLI::App& command, ByteText& form) {
 
 inline void addStyle(CLI::App& command, JsonStyle& style) {
   addByteText(command, style.byteText);
-  command.add_flag("--big-as-text", style.isBigText,
-                   "64-bit numbers in JSON are strings: jq 1.6 and JavaScript round numbers");
+  command.add_flag(
+      "--big-as-text", style.isBigText,
+      "64-bit numbers in JSON are strings with 0x: jq 1.6 and JavaScript round numbers");
 }
 
 inline void addPacket(CLI::App& command, std::optional<uint64_t>& packet) {
