@@ -146,10 +146,9 @@ void Node::takeRecord(const mesh_received* received, void* self) {
                                  {received->table, received->table_length}, received->extra);
 }
 
-// The middleware does not pass on `extra` with an unknown table.
 void Node::takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
-                       void* self) {
-  static_cast<Node*>(self)->take(source, id, {data, length}, 0);
+                       uint64_t extra, void* self) {
+  static_cast<Node*>(self)->take(source, id, {data, length}, extra);
 }
 
 // Exceptions must not pass through the middleware: receive() throws this one again.

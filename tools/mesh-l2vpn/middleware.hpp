@@ -43,7 +43,7 @@ class Node {
 
   static void takeRecord(const mesh_received* received, void* self);
   static void takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
-                          void* self);
+                          uint64_t extra, void* self);
   void take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra);
 
   std::unique_ptr<Functions> functions_;
