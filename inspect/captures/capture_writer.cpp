@@ -102,10 +102,9 @@ CaptureWriter::~CaptureWriter() {
 }
 
 void CaptureWriter::write(const Table& table) {
-  if (described_.insert(table.id).second) {
-    if (const KnownMessage* const message = messageOf(table)) {
-      addBlock(schemaDescription, [&] { appendBytes(blocks_, schemaBlock(*message)); });
-    }
+  const KnownMessage* const message = messageOf(table);
+  if (message != nullptr && described_.insert(table.id).second) {
+    addBlock(schemaDescription, [&] { appendBytes(blocks_, schemaBlock(*message)); });
   }
   addBlock(enhancedPacket, [&] {
     const auto length = static_cast<uint32_t>(tableHeaderLength + table.bytes.size());

@@ -3,8 +3,10 @@
 #include "inspect/captures/capture_file.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
+#include <csignal>
 #include <fstream>
 #include <tuple>
 
@@ -448,7 +450,34 @@ TEST_F(Capture, IsReadByItsOwnSchema) {
   const std::string recorded = readAll(path_);
   write(recorded + recorded.substr(0, recorded.find("MESH") - 8));
   CaptureReader both(path_);
-  EXPECT_TRUE(both.next());
+  const auto kept = both.next();
+  ASSERT_TRUE(kept);
+  EXPECT_FALSE(both.next());
+  EXPECT_EQ(kept->message->name, "l2vpn_sync_stp") << "a kept table loses its message";
+}
+
+// The disk is full in the middle of a table.
+TEST_F(Capture, EndsWithAWholeTableOnAFullDisk) {
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{3001, limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  uint64_t passed = 0;
+  {
+    CaptureWriter writer(path_);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    for (int round = 0; round < 100; ++round) {
+      writer.write({1, 7, 8, 9, 0, {}});
+    }
+    EXPECT_THROW(writer.flush(), Failure);
+    passed = writer.tables();
+  }
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(read().size(), passed);
+  EXPECT_EQ(fault_, "");
+  EXPECT_GT(passed, 30u);
+  EXPECT_LT(passed, 50u);
 }
 
 TEST_F(Capture, IgnoresDamagedSchemas) {

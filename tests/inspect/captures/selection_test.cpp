@@ -40,6 +40,13 @@ TEST(Condition, ReachesItems) {
   EXPECT_FALSE(holds("f1[.f0 == 2", table));
 }
 
+TEST(Condition, CountsItemsThatStandForSeveral) {
+  const char* const table = R"({"record": {"f1": [{"f0": 1, "times": 3}, {"f0": 2}]}})";
+  EXPECT_TRUE(holds("f1[2].f0 == 1", table));
+  EXPECT_TRUE(holds("f1[3].f0 == 2", table));
+  EXPECT_FALSE(holds("f1[4].f0 == 2", table));
+}
+
 TEST(Condition, RejectsWhatIsNoComparison) {
   for (const char* const text : {"", "f0", "f0 = 1", "f0 ! 1", "== 1", "f0 ==", " == "}) {
     EXPECT_THROW(Condition{text}, Failure) << text;
