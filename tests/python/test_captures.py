@@ -130,7 +130,7 @@ class TestWritten:
 class TestRead:
     def test_capture_of_the_tool_has_the_same_messages(self, samples):
         path = samples(1000)
-        lines = subprocess.run([TOOL, "decode", path], capture_output=True, text=True).stdout
+        lines = subprocess.run([TOOL, "decode", "--all", path], capture_output=True, text=True).stdout
         shown = [json.loads(line) for line in lines.splitlines()]
         read = list(m.read_capture(path))
         assert len(read) == len(shown) == 1000

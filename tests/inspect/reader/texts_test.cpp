@@ -5,7 +5,6 @@
 #include "inspect/bytes/memory_limit.hpp"
 #include "inspect/json/record_json.hpp"
 #include "inspect/reader/table_reader.hpp"
-#include "inspect/texts/difference.hpp"
 #include "tests/inspect/reader/hostile.hpp"
 
 namespace inspect {
@@ -228,18 +227,6 @@ TEST(ReaderTexts, KeepAHundredNotes) {
   EXPECT_EQ(noteCount(10), 10u + 5 + 1) << "and that the shared lengths are read again";
   EXPECT_EQ(noteCount(100), 100u + 5 + 1);
   EXPECT_EQ(noteCount(101), 100u + 5 + 1);
-}
-
-// Two captures may describe the same message differently.
-TEST(Differences, OfOtherMembers) {
-  Lines lines;
-  for (const FieldDifference& each :
-       fieldDifferences(parseJson(R"({"f0": 1, "f1": {"f0": 2}, "f2": [{"f0": 3}], "f3": 4})"),
-                        parseJson(R"({"f0": 1, "f1": 5, "f2": [{"f1": 6}], "f4": 7})"))) {
-    lines.push_back(each.path + ": " + each.one + " / " + each.other);
-  }
-  EXPECT_EQ(lines, (Lines{R"(f1: {"f0":2} / 5)", "f2[0].f0: 3 / ", "f2[0].f1:  / 6", "f3: 4 / ",
-                          "f4:  / 7"}));
 }
 
 }  // namespace
