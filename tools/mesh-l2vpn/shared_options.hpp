@@ -92,6 +92,7 @@ inline void addSelection(CLI::App& command, SelectionOptions& options) {
       .add_option("--where", options.where,
                   "Only where this holds: 'f1.f0 == 42'; several: where all hold")
       ->expected(1)
+      ->allow_extra_args(false)
       ->take_all();
 }
 

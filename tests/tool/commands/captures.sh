@@ -88,6 +88,7 @@ lines() { "$tool" --quiet decode select.pcapng "$@" | wc -l; }
 [ "$(lines --source 2)" -eq 0 ] || fail "--source takes another source"
 [ "$(lines --since 2023-11-14T22:13:20.1Z --until 2023-11-14T22:13:20.109Z)" -eq 10 ] || fail "other times are taken"
 [ "$(lines --where 'extra >= 290')" -eq 10 ] || fail "--where of a number"
+[ "$("$tool" --quiet decode --where 'extra >= 290' select.pcapng | wc -l)" -eq 10 ] || fail "--where takes the file"
 [ "$(lines --where 'extra >= 0x122' --where 'message == l2vpn_sync_stp')" -eq 3 ] || fail "--where twice"
 "$tool" decode select.pcapng >all.lines
 for field in f0 f1.f6; do
