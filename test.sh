@@ -29,7 +29,7 @@ END
   exit 0
 fi
 
-tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh xxd bsdextrautils tshark chromium \
+tools/setup.sh clang libclang-rt-dev llvm libbenchmark-dev zsh fish xxd bsdextrautils tshark chromium \
   chromium-driver python3-selenium python3-jsonschema gdb systemtap-sdt-dev python3-pytest \
   python3-hypothesis mypy python3-numpy
 presets=("$@")

@@ -20,25 +20,34 @@ namespace {
 constexpr size_t bufferSize = 65536;
 
 // While it grows, a container holds half of its contents twice, and bytes take half of their text.
-size_t largestInput() {
-  return memoryLimit / 2;
+void refuseTooLong(const InputFile& file, size_t size) {
+  const uint64_t largest = memoryLimit / 2;
+  if (size > largest) {
+    throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largest) +
+                                       " bytes are too long for a message");
+  }
+}
+
+void failForError(const InputFile& file) {
+  if (file.error() != 0) {
+    throw Failure(Cause::System, file.name() + ": " + std::strerror(file.error()));
+  }
 }
 
 template <typename Contents>
 Contents readAll(InputFile& file) {
   Contents contents;
-  typename Contents::value_type part[bufferSize];
-  while (const size_t count = file.read(part, sizeof part)) {
-    contents.insert(contents.end(), part, part + count);
-    if (contents.size() > largestInput()) {
-      throw Failure(Cause::BadInput, file.name() + ": more than " + std::to_string(largestInput()) +
-                                         " bytes are too long for a message");
-    }
+  for (auto part = file.available(); !part.empty(); part = file.available()) {
+    contents.insert(contents.end(), part.begin(), part.end());
+    file.skip(part.size());
+    refuseTooLong(file, contents.size());
   }
-  if (file.error() != 0) {
-    throw Failure(Cause::System, file.name() + ": " + std::strerror(file.error()));
-  }
+  failForError(file);
   return contents;
+}
+
+bool startsWith(InputFile& file, std::initializer_list<uint8_t> bytes) {
+  return std::ranges::equal(file.peek(bytes.size()), bytes);
 }
 
 // Text has no control characters except white space.
@@ -70,14 +79,14 @@ InputFile::InputFile(std::string name)
     error_ = errno;
   }
   struct stat status {};
-  if (error_ == 0 && fstat(descriptor_, &status) == 0 && S_ISDIR(status.st_mode)) {
-    error_ = EISDIR;
+  if (error_ == 0 && fstat(descriptor_, &status) == 0) {
+    error_ = S_ISDIR(status.st_mode) ? EISDIR : 0;
+    size_ = S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
   }
-  // Opening a pipe waits for its writer; the user may interrupt that.
-  if (error_ != 0 && !(error_ == EINTR && isInterrupted())) {
+  // Opening a pipe waits for its writer; an interruption ends that with EINTR.
+  if (error_ != 0) {
     throw Failure(Cause::System, name_ + ": " + std::strerror(error_));
   }
-  error_ = 0;
 }
 
 InputFile::~InputFile() {
@@ -86,12 +95,31 @@ InputFile::~InputFile() {
   }
 }
 
+std::span<const uint8_t> InputFile::available() {
+  return peek(1).empty() ? std::span<const uint8_t>()
+                         : std::span(buffer_).subspan(begin_, end_ - begin_);
+}
+
+double InputFile::progress() const {
+  return size_ == 0 ? 0 : static_cast<double>(consumed_) / static_cast<double>(size_);
+}
+
 // Appends bytes to the buffer. False if there are none.
 bool InputFile::fill() {
-  std::copy(buffer_.begin() + static_cast<ptrdiff_t>(begin_),
-            buffer_.begin() + static_cast<ptrdiff_t>(end_), buffer_.begin());
-  end_ -= begin_;
-  begin_ = 0;
+  if (begin_ == end_) {
+    begin_ = end_ = 0;
+  }
+  if (end_ == buffer_.size()) {
+    // Moving less than half of a full buffer costs no more than reading it did.
+    if (begin_ > buffer_.size() / 2) {
+      std::copy(buffer_.begin() + static_cast<ptrdiff_t>(begin_), buffer_.end(), buffer_.begin());
+      end_ -= begin_;
+      begin_ = 0;
+    } else {
+      buffer_.resize(2 * buffer_.size());
+    }
+  }
+  beforeWaiting_();
   while (error_ == 0 && !isInterrupted()) {
     const ssize_t count = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
     if (count >= 0) {
@@ -103,21 +131,26 @@ bool InputFile::fill() {
   return false;
 }
 
-bool InputFile::goesOnWith(std::string_view bytes) {
-  while (end_ - begin_ < bytes.size() && fill()) {
+std::span<const uint8_t> InputFile::peek(size_t size) {
+  while (end_ - begin_ < size && fill()) {
   }
-  return std::string_view(buffer_.data() + begin_, end_ - begin_).starts_with(bytes);
+  return std::span(buffer_).subspan(begin_, std::min(size, end_ - begin_));
 }
 
-size_t InputFile::read(void* to, size_t size) {
-  size_t taken = 0;
-  while (taken < size && (begin_ < end_ || fill())) {
-    const size_t count = std::min(size - taken, end_ - begin_);
-    std::memcpy(static_cast<char*>(to) + taken, buffer_.data() + begin_, count);
-    begin_ += count;
-    taken += count;
+std::optional<std::string> readLine(InputFile& file) {
+  std::string line;
+  for (auto part = file.available(); !part.empty(); part = file.available()) {
+    const auto end = std::ranges::find(part, '\n');
+    line.append(part.begin(), end);
+    refuseTooLong(file, line.size());
+    const bool isWhole = end != part.end();
+    file.skip(static_cast<size_t>(end - part.begin()) + (isWhole ? 1 : 0));
+    if (isWhole) {
+      return line;
+    }
   }
-  return taken;
+  failForError(file);
+  return line.empty() ? std::nullopt : std::optional(line);
 }
 
 std::string readAll(const std::string& file) {
@@ -127,12 +160,29 @@ std::string readAll(const std::string& file) {
 
 bool isCapture(InputFile& file) {
   // The same in both byte orders.
-  return file.goesOnWith("\x0A\x0D\x0D\x0A");
+  return startsWith(file, {0x0A, 0x0D, 0x0D, 0x0A}) || !foreignFormat(file).empty();
+}
+
+std::string foreignFormat(InputFile& file) {
+  if (startsWith(file, {0x1F, 0x8B, 0x08})) {
+    return "a gzip file; unpack it with gunzip";
+  }
+  // Of microseconds and nanoseconds.
+  if (startsWith(file, {0xD4, 0xC3, 0xB2, 0xA1}) || startsWith(file, {0xA1, 0xB2, 0xC3, 0xD4}) ||
+      startsWith(file, {0x4D, 0x3C, 0xB2, 0xA1}) || startsWith(file, {0xA1, 0xB2, 0x3C, 0x4D})) {
+    return "a pcap file of the classic format; convert it with editcap -F pcapng";
+  }
+  return "";
 }
 
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form) {
   if (form != InputForm::Binary && isCapture(file)) {
-    throw Failure(Cause::BadInput, file.name() + ": this is a capture; use decode");
+    const std::string foreign = foreignFormat(file);
+    throw Failure(
+        Cause::BadInput,
+        file.name() + ": this is " +
+            (foreign.empty() ? "a capture; use decode, or --packet N for one of its packets"
+                             : foreign));
   }
   auto contents = readAll<std::vector<uint8_t>>(file);
   const std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());

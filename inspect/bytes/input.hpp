@@ -2,8 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace inspect {
@@ -24,12 +28,24 @@ class InputFile {
 
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  // Whether these bytes come next. Does not consume them.
-  bool goesOnWith(std::string_view bytes);
+  // The next bytes; valid until the next call. Fewer than asked for at the end, after an error and
+  // after an interruption. Does not consume them.
+  std::span<const uint8_t> peek(size_t size);
 
-  // Returns how many bytes it read: fewer than asked for at the end, after an error and after an
-  // interruption.
-  size_t read(void* to, size_t size);
+  // The bytes that have arrived, at least one; none where peek() returns none.
+  std::span<const uint8_t> available();
+
+  // Called before each wait for more bytes: for output that must not wait with it.
+  void setBeforeWaiting(std::function<void()> call) { beforeWaiting_ = std::move(call); }
+
+  // How much of the file is consumed, from 0 to 1; 0 for a pipe.
+  [[nodiscard]] double progress() const;
+
+  // Consumes bytes that peek() has returned.
+  void skip(size_t size) {
+    begin_ += size;
+    consumed_ += size;
+  }
 
   // errno of the first error, or 0.
   [[nodiscard]] int error() const { return error_; }
@@ -40,16 +56,26 @@ class InputFile {
   std::string name_;
   int descriptor_;
   int error_ = 0;
-  std::vector<char> buffer_;
+  uint64_t size_ = 0;  // of a regular file
+  uint64_t consumed_ = 0;
+  std::function<void()> beforeWaiting_ = [] {};
+  std::vector<uint8_t> buffer_;
   size_t begin_ = 0;  // of the unread bytes
   size_t end_ = 0;
 };
 
+// The next line, without its end. None at the end of the file. Fails for a line that is too long
+// for a message.
+std::optional<std::string> readLine(InputFile& file);
+
 // The whole of a file, or of the standard input for "-".
 std::string readAll(const std::string& file);
 
-// Whether a file begins as a capture (pcapng) does.
+// Whether a file begins as a capture does, also one of a format that is not read.
 bool isCapture(InputFile& file);
+
+// For a capture of such a format: what it is, and what to do with it. Else empty.
+std::string foreignFormat(InputFile& file);
 
 // A message's bytes from a file. Fails for a capture, unless the form is Binary.
 std::vector<uint8_t> readBytes(InputFile& file, InputForm form);

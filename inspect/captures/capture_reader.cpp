@@ -13,8 +13,9 @@ namespace {
 using namespace pcapng;
 
 constexpr uint64_t second = 1'000'000'000;
-constexpr size_t largestPiece = size_t{1} << 20;
 constexpr size_t mostInterfaces = 65536;
+constexpr uint32_t shortestBlock = 12;
+constexpr uint32_t shortestSection = 28;
 
 template <typename Integer>
 Integer reversed(Integer value) {
@@ -24,36 +25,63 @@ Integer reversed(Integer value) {
 }
 
 // None if the time does not fit 64 bits.
-std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond) {
+std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond, int64_t offset) {
   const auto rest = static_cast<long double>(units % unitsPerSecond);
   const auto fraction =
       static_cast<uint64_t>(rest * second / static_cast<long double>(unitsPerSecond));
+  uint64_t seconds = units / unitsPerSecond;
   uint64_t time = 0;
-  return __builtin_mul_overflow(units / unitsPerSecond, second, &time) ||
+  return __builtin_add_overflow(seconds, offset, &seconds) ||
+                 __builtin_mul_overflow(seconds, second, &time) ||
                  __builtin_add_overflow(time, fraction, &time)
              ? std::nullopt
              : std::optional(time);
 }
 
+bool isKnownType(uint32_t type) {
+  switch (type) {
+    case sectionHeader:
+    case interfaceDescription:
+    case obsoletePacket:
+    case simplePacket:
+    case nameResolution:
+    case interfaceStatistics:
+    case enhancedPacket:
+    case customBlock:
+    case customBlockToCopy:
+    case schemaDescription:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
-bool CaptureReader::fail(const std::string& text, Cause cause) {
-  fault_ = "byte " + std::to_string(position_) + ": " + text;
-  faultCause_ = cause;
-  return false;
+// A failure of the system outweighs earlier faults.
+void CaptureReader::fail(const std::string& text, Cause cause) {
+  if (faults_++ == 0 || cause == Cause::System) {
+    fault_ = "byte " + std::to_string(position_) + ": " + text;
+    faultCause_ = cause;
+  }
 }
 
 // For missing bytes: a read error, an interruption, or a truncated file.
-bool CaptureReader::failReading(const std::string& text) {
+void CaptureReader::failReading(const std::string& text) {
   if (file_->error() != 0) {
-    return fail(std::strerror(file_->error()), Cause::System);
+    fail(std::strerror(file_->error()), Cause::System);
+  } else if (!isInterrupted()) {
+    fail(text);
   }
-  return !isInterrupted() && fail(text);
+}
+
+std::string CaptureReader::fault() const {
+  return faults_ < 2 ? fault_ : fault_ + "; faults: " + std::to_string(faults_);
 }
 
 void CaptureReader::throwFault() const {
-  if (!fault_.empty()) {
-    throw Failure(faultCause_, file_->name() + ": " + fault_);
+  if (faults_ != 0) {
+    throw Failure(faultCause_, file_->name() + ": " + fault());
   }
 }
 
@@ -63,58 +91,103 @@ Integer CaptureReader::load(size_t at) const {
   return isSwapped_ ? reversed(value) : value;
 }
 
-// Reads the next block into block_. False at the end and at a fault.
+// Makes the next sound block the current one. False at the end.
 bool CaptureReader::readBlock() {
-  position_ = nextPosition_;
-  uint32_t head[3] = {};  // type, length; for a section its byte order
-  const size_t got = file_->read(head, 8);
-  if (got == 0 && file_->error() == 0) {
-    return !hasSection_ && failReading("an empty file is not a capture");
-  }
-  if (got != 8) {
-    return failReading("truncated inside a block");
-  }
-  if (head[0] == sectionHeader) {
-    if (file_->read(&head[2], 4) != 4) {
-      return failReading("truncated inside a block");
+  while (!isAtEnd_) {
+    file_->skip(length_);
+    position_ += length_;
+    length_ = 0;
+    const Opening opening = openBlock();
+    if (opening == Opening::Sound) {
+      return true;
     }
-    if (head[2] != byteOrderMagic && head[2] != reversed(byteOrderMagic)) {
-      return fail("a section without a byte-order magic");
+    isAtEnd_ = opening == Opening::Over || !findBlock();
+  }
+  return false;
+}
+
+CaptureReader::Opening CaptureReader::openBlock() {
+  block_ = file_->peek(shortestBlock);
+  const bool isSection = block_.size() >= 4 && loadAs<uint32_t>(block_.data()) == sectionHeader;
+  if (!hasSection_ && !isSection) {
+    const std::string foreign = foreignFormat(*file_);
+    failReading(block_.empty()    ? "an empty file is not a capture"
+                : foreign.empty() ? "not a pcapng file"
+                                  : "this is " + foreign);
+    return Opening::Over;
+  }
+  if (block_.size() < shortestBlock) {
+    if (!block_.empty() || file_->error() != 0) {
+      failReading("truncated inside a block");
     }
-    isSwapped_ = head[2] != byteOrderMagic;
-    takeSection();
-  } else if (!hasSection_) {
-    return fail("not a pcapng file");
+    return Opening::Over;
   }
-  type_ = isSwapped_ ? reversed(head[0]) : head[0];
-  const uint32_t length = isSwapped_ ? reversed(head[1]) : head[1];
-  const uint32_t read = head[0] == sectionHeader ? 12 : 8;
-  if (length % 4 != 0 || length < read + 4 || length > largestBlock) {
-    return fail("a block of " + std::to_string(length) + " bytes");
+  const Opening damaged = hasSection_ ? Opening::Damaged : Opening::Over;
+  const bool wasSwapped = isSwapped_;
+  if (isSection) {
+    const auto magic = loadAs<uint32_t>(block_.data() + 8);
+    if (magic != byteOrderMagic && magic != reversed(byteOrderMagic)) {
+      fail("a section without a byte-order magic");
+      return damaged;
+    }
+    isSwapped_ = magic != byteOrderMagic;
   }
-  block_.resize(read - 8);
-  std::memcpy(block_.data(), &head[2], block_.size());
-  if (!readBody(length - 8)) {
-    return failReading("truncated inside a block of " + std::to_string(length) + " bytes");
+  const auto length = load<uint32_t>(4);
+  const auto failBlock = [&](const std::string& text) {
+    isSwapped_ = wasSwapped;
+    failReading(text);
+    return file_->error() != 0 || isInterrupted() ? Opening::Over : damaged;
+  };
+  if (length % 4 != 0 || length > largestBlock ||
+      length < (isSection ? shortestSection : shortestBlock)) {
+    return failBlock("a block of " + std::to_string(length) + " bytes");
   }
-  if (load<uint32_t>(block_.size() - 4) != length) {
-    return fail("a block whose two lengths differ");
+  block_ = file_->peek(length);
+  if (block_.size() < length) {
+    return failBlock("truncated inside a block of " + std::to_string(length) + " bytes");
   }
-  block_.resize(block_.size() - 4);
-  nextPosition_ = position_ + length;
+  if (load<uint32_t>(length - 4) != length) {
+    return failBlock("a block whose two lengths differ");
+  }
+  if (isSection && load<uint16_t>(12) != majorVersion) {
+    fail("a section of pcapng version " + std::to_string(load<uint16_t>(12)) +
+         "; this program reads version " + std::to_string(majorVersion));
+    return Opening::Over;
+  }
+  type_ = load<uint32_t>(0);
+  length_ = length;
+  block_ = block_.subspan(8, length - shortestBlock);
+  return Opening::Sound;
+}
+
+// Behind a damaged block: moves on to the next sound one.
+bool CaptureReader::findBlock() {
+  do {
+    file_->skip(1);
+    ++position_;
+    block_ = file_->peek(shortestBlock);
+    if (block_.size() < shortestBlock) {
+      return false;
+    }
+  } while (!startsBlock());
+  if (faults_ == 1) {
+    fault_ += "; reading continues at byte " + std::to_string(position_);
+  }
   return true;
 }
 
-// Piece by piece: a block may claim to be longer than the file.
-bool CaptureReader::readBody(size_t length) {
-  while (block_.size() < length) {
-    const size_t before = block_.size();
-    block_.resize(std::min(length, before + largestPiece));
-    if (file_->read(block_.data() + before, block_.size() - before) != block_.size() - before) {
-      return false;
-    }
+bool CaptureReader::startsBlock() {
+  const auto length = load<uint32_t>(4);
+  if (loadAs<uint32_t>(block_.data()) == sectionHeader) {
+    const auto magic = loadAs<uint32_t>(block_.data() + 8);
+    return magic == byteOrderMagic || magic == reversed(byteOrderMagic);
   }
-  return true;
+  if (!isKnownType(load<uint32_t>(0)) || length % 4 != 0 || length < shortestBlock ||
+      length > largestBlock) {
+    return false;
+  }
+  block_ = file_->peek(length);
+  return block_.size() == length && load<uint32_t>(length - 4) == length;
 }
 
 std::span<const uint8_t> CaptureReader::option(size_t at, uint16_t code) const {
@@ -125,30 +198,31 @@ std::span<const uint8_t> CaptureReader::option(size_t at, uint16_t code) const {
       break;
     }
     if (found == code) {
-      return std::span(block_).subspan(at + 4, length);
+      return block_.subspan(at + 4, length);
     }
     at += 4 + padded(length);
   }
   return {};
 }
 
-std::optional<uint64_t> CaptureReader::countOption(size_t at, uint16_t code) const {
+std::optional<uint64_t> CaptureReader::numberOption(size_t at, uint16_t code) const {
   const auto value = option(at, code);
   if (value.size() != sizeof(uint64_t)) {
     return std::nullopt;
   }
-  const auto count = loadAs<uint64_t>(value.data());
-  return isSwapped_ ? reversed(count) : count;
+  const auto number = loadAs<uint64_t>(value.data());
+  return isSwapped_ ? reversed(number) : number;
 }
 
-bool CaptureReader::takeInterface() {
-  if (block_.size() < 8) {
-    return fail("an interface without a link type");
-  }
+// A damaged interface has a number like any other.
+void CaptureReader::takeInterface() {
   if (interfaces_.size() == mostInterfaces) {
     return fail("more than " + std::to_string(mostInterfaces) + " interfaces");
   }
-  uint64_t unitsPerSecond = 1'000'000;
+  Interface& interface = interfaces_.emplace_back();
+  if (block_.size() < 8) {
+    return fail("an interface without a link type");
+  }
   const auto resolution = option(8, timestampResolution);
   if (!resolution.empty()) {
     const unsigned exponent = resolution[0] & 0x7F;
@@ -156,13 +230,13 @@ bool CaptureReader::takeInterface() {
     if (exponent > (isBinary ? 63U : 18U)) {
       return fail("an interface with a timestamp resolution of " + std::to_string(exponent));
     }
-    unitsPerSecond = 1;
+    interface.unitsPerSecond = 1;
     for (unsigned power = 0; power < exponent; ++power) {
-      unitsPerSecond *= isBinary ? 2 : 10;
+      interface.unitsPerSecond *= isBinary ? 2 : 10;
     }
   }
-  interfaces_.push_back({load<uint16_t>(0) == linkTypeUser0, unitsPerSecond});
-  return true;
+  interface.offset = static_cast<int64_t>(numberOption(8, timestampOffset).value_or(0));
+  interface.linkType = load<uint16_t>(0);
 }
 
 void CaptureReader::takeSection() {
@@ -173,68 +247,90 @@ void CaptureReader::takeSection() {
   schemas_.clear();
 }
 
-bool CaptureReader::takeStatistics() {
+void CaptureReader::takeStatistics() {
   if (block_.size() < 12 || load<uint32_t>(0) >= interfaces_.size()) {
     return fail("statistics of an unknown interface");
   }
   Interface& interface = interfaces_[load<uint32_t>(0)];
-  interface.lost = countOption(12, droppedPackets).value_or(interface.lost);
-  return true;
+  interface.lost = numberOption(12, droppedPackets).value_or(interface.lost);
 }
 
 // The statistics include what the packets count, and calls missed after the last packet.
 uint64_t CaptureReader::lost() const {
   uint64_t byStatistics = 0;
   for (const Interface& interface : interfaces_) {
-    byStatistics = addSaturating(byStatistics, interface.isOurs ? interface.lost : 0);
+    byStatistics =
+        addSaturating(byStatistics, interface.linkType == linkTypeUser0 ? interface.lost : 0);
   }
   return addSaturating(lostBefore_, std::max(byStatistics, lostByPackets_));
 }
 
-bool CaptureReader::takePacket(std::optional<Table>& table) {
+std::string CaptureReader::foreignness(const Interface& interface,
+                                       std::span<const uint8_t> packet) {
+  if (interface.linkType != linkTypeUser0) {
+    return "of link type " + std::to_string(interface.linkType) + ", tables are of " +
+           std::to_string(linkTypeUser0);
+  }
+  if (packet.size() < tableHeaderLength ||
+      !std::ranges::equal(packet.first(tableMagic.size()), tableMagic)) {
+    return "without the header that tables have";
+  }
+  const auto version = loadAs<uint16_t>(packet.data() + 4);
+  const auto headerLength = loadAs<uint16_t>(packet.data() + 6);
+  if (version != tableVersion) {
+    return "of version " + std::to_string(version) + ", this program reads version " +
+           std::to_string(tableVersion);
+  }
+  return headerLength < tableHeaderLength || headerLength > packet.size()
+             ? "with a header of " + std::to_string(headerLength) + " bytes"
+             : "";
+}
+
+void CaptureReader::takePacket(std::optional<Table>& table) {
+  ++packets_;
   if (block_.size() < 20) {
     return fail("a packet without a header");
   }
-  const auto interface = load<uint32_t>(0);
+  const auto number = load<uint32_t>(0);
   const auto length = load<uint32_t>(12);
-  if (interface >= interfaces_.size()) {
+  if (number >= interfaces_.size()) {
     return fail("a packet of an unknown interface");
   }
   if (length > block_.size() - 20) {
     return fail("a packet longer than its block");
   }
-  const uint8_t* const packet = block_.data() + 20;
-  const bool isTable = interfaces_[interface].isOurs && length >= tableHeaderLength &&
-                       std::equal(tableMagic.begin(), tableMagic.end(), packet) &&
-                       loadAs<uint16_t>(packet + 4) == tableVersion;
-  const uint16_t headerLength = isTable ? loadAs<uint16_t>(packet + 6) : uint16_t{0};
-  if (!isTable || headerLength < tableHeaderLength || headerLength > length) {
+  const Interface& interface = interfaces_[number];
+  const auto packet = block_.subspan(20, length);
+  foreignness_ = foreignness(interface, packet);
+  if (!foreignness_.empty()) {
     ++otherPackets_;
-    return true;
+    return;
   }
   const auto time = toNanoseconds(uint64_t{load<uint32_t>(4)} << 32 | load<uint32_t>(8),
-                                  interfaces_[interface].unitsPerSecond);
+                                  interface.unitsPerSecond, interface.offset);
   if (!time) {
-    return fail("a packet with a time after the year 2554");
+    return fail("a packet with a time before 1970 or after the year 2554");
   }
   const uint32_t original = std::max(length, load<uint32_t>(16));
   table = Table{*time,
-                loadAs<uint32_t>(packet + 8),
-                loadAs<uint32_t>(packet + 12),
-                loadAs<uint32_t>(packet + 16),
-                loadAs<uint64_t>(packet + 24),
-                {packet + headerLength, length - headerLength},
-                countOption(20 + size_t{padded(length)}, dropCount).value_or(0),
+                loadAs<uint32_t>(packet.data() + 8),
+                loadAs<uint32_t>(packet.data() + 12),
+                loadAs<uint32_t>(packet.data() + 16),
+                loadAs<uint64_t>(packet.data() + 24),
+                packet.subspan(loadAs<uint16_t>(packet.data() + 6)),
+                numberOption(20 + size_t{padded(length)}, dropCount).value_or(0),
                 original - length,
-                schemas_.find(loadAs<uint32_t>(packet + 16))};
+                packets_,
+                schemas_.find(loadAs<uint32_t>(packet.data() + 16))};
   lostByPackets_ = addSaturating(lostByPackets_, table->missedBefore);
-  return true;
 }
 
 std::optional<Table> CaptureReader::next() {
   std::optional<Table> table;
-  while (fault_.empty() && !table && readBlock()) {
-    if (type_ == interfaceDescription) {
+  while (!table && readBlock()) {
+    if (type_ == sectionHeader) {
+      takeSection();
+    } else if (type_ == interfaceDescription) {
       takeInterface();
     } else if (type_ == interfaceStatistics) {
       takeStatistics();
@@ -243,8 +339,17 @@ std::optional<Table> CaptureReader::next() {
     } else if (type_ == enhancedPacket) {
       takePacket(table);
     } else if (type_ == simplePacket || type_ == obsoletePacket) {
+      ++packets_;
       ++otherPackets_;
+      foreignness_ = "in a block without address or time";
     }
+  }
+  if (table) {
+    ++tables_;
+  } else if (tables_ == 0 && otherPackets_ != 0 && faults_ == 0) {
+    faults_ = 1;
+    fault_ = "no tables, other packets: " + std::to_string(otherPackets_) + "; the last is " +
+             foreignness_ + "; record captures with mesh-l2vpn record";
   }
   return table;
 }

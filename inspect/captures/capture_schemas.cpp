@@ -85,11 +85,12 @@ void CaptureSchemas::add(std::string_view document) {
   }
   const KnownMessage* const own = findById(message.id());
   if (own != nullptr && fingerprint(*own->message) == recorded) {
-    schemas_.erase(message.id());
+    messages_.erase(message.id());
     return;
   }
   note(differenceText(message));
-  schemas_.insert_or_assign(message.id(), std::move(loaded));
+  messages_[message.id()] = &message;
+  schemas_.push_back(std::move(loaded));
 }
 
 void CaptureSchemas::note(const std::string& text) {

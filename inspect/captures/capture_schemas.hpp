@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "inspect/schema/loaded_schema.hpp"
 
@@ -23,21 +24,23 @@ class CaptureSchemas {
   // The message as the capture describes it; null if this program knows it so, or the capture does
   // not.
   [[nodiscard]] const KnownMessage* find(uint32_t id) const {
-    const auto found = schemas_.find(id);
-    return found == schemas_.end() ? nullptr : found->second->find(id);
+    const auto found = messages_.find(id);
+    return found == messages_.end() ? nullptr : found->second;
   }
 
   // One text for each message of another schema, and for each damaged block.
   [[nodiscard]] const std::vector<std::string>& notes() const { return notes_; }
 
-  // At the next section, which describes its own tables. The notes stay.
-  void clear() { schemas_.clear(); }
+  // At the next section, which describes its own tables. The notes stay, and the messages of tables
+  // that the caller has kept.
+  void clear() { messages_.clear(); }
 
  private:
   void add(std::string_view document);
   void note(const std::string& text);
 
-  std::map<uint32_t, std::unique_ptr<LoadedSchema>> schemas_;
+  std::map<uint32_t, const KnownMessage*> messages_;
+  std::vector<std::unique_ptr<LoadedSchema>> schemas_;
   std::vector<std::string> notes_;
   uint64_t taken_ = 0;  // bytes of documents
 };

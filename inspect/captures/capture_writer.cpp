@@ -1,7 +1,10 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "inspect/bytes/failure.hpp"
 #include "inspect/captures/capture_file.hpp"
@@ -60,14 +63,19 @@ void CaptureWriter::addBlock(uint32_t type, AppendBody appendBody) {
   storeAs(blocks_.data() + begin + 4, length);
 }
 
-CaptureWriter::CaptureWriter(const std::string& file)
-    : name_(file),
-      file_(file == "-" ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(file.c_str(), "wb")) {
-  if (!file_) {
+CaptureWriter::CaptureWriter(const std::string& file, Existing existing) : name_(file) {
+  constexpr mode_t mode = 0666;
+  constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC;
+  const char* const path = file.c_str();
+  file_ = file == "-" ? dup(STDOUT_FILENO)
+                      : open(path, flags | (existing == Existing::Kept ? O_EXCL : O_TRUNC), mode);
+  struct stat status {};
+  if (file_ < 0 && errno == EEXIST && stat(path, &status) == 0 && !S_ISREG(status.st_mode)) {
+    file_ = open(path, flags, mode);
+  }
+  if (file_ < 0) {
     fail();
   }
-  // This class has its own buffer.
-  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
   addBlock(sectionHeader, [&] {
     append(blocks_, byteOrderMagic);
     append(blocks_, uint16_t{1});  // version 1.0
@@ -87,16 +95,16 @@ CaptureWriter::CaptureWriter(const std::string& file)
 }
 
 CaptureWriter::~CaptureWriter() {
-  if (file_) {
-    std::fwrite(blocks_.data(), 1, blocks_.size(), file_.get());
+  if (file_ >= 0) {
+    passOn();
+    ::close(file_);
   }
 }
 
 void CaptureWriter::write(const Table& table) {
-  if (described_.insert(table.id).second) {
-    if (const KnownMessage* const message = messageOf(table)) {
-      addBlock(schemaDescription, [&] { appendBytes(blocks_, schemaBlock(*message)); });
-    }
+  const KnownMessage* const message = messageOf(table);
+  if (message != nullptr && described_.insert(table.id).second) {
+    addBlock(schemaDescription, [&] { appendBytes(blocks_, schemaBlock(*message)); });
   }
   addBlock(enhancedPacket, [&] {
     const auto length = static_cast<uint32_t>(tableHeaderLength + table.bytes.size());
@@ -135,17 +143,50 @@ void CaptureWriter::writeStatistics(uint64_t received, uint64_t lost) {
 }
 
 void CaptureWriter::flush() {
-  const bool isWritten =
-      std::fwrite(blocks_.data(), 1, blocks_.size(), file_.get()) == blocks_.size();
-  blocks_.clear();
-  if (!isWritten) {
+  if (!passOn()) {
     fail();
   }
 }
 
+// Writes the blocks, and forgets them. False for an error, which errno tells: then a regular file
+// ends with the last whole block.
+bool CaptureWriter::passOn() {
+  size_t done = 0;
+  ssize_t count = 0;
+  while (done < blocks_.size() && (count >= 0 || errno == EINTR)) {
+    count = ::write(file_, blocks_.data() + done, blocks_.size() - done);
+    done += count < 0 ? 0 : static_cast<size_t>(count);
+  }
+  size_t whole = 0;
+  while (whole < done) {
+    const auto length = loadAs<uint32_t>(blocks_.data() + whole + 4);
+    if (length > done - whole) {
+      break;
+    }
+    tables_ += loadAs<uint32_t>(blocks_.data() + whole) == enhancedPacket ? 1 : 0;
+    whole += length;
+  }
+  const bool isWhole = done == blocks_.size();
+  blocks_.clear();
+  if (!isWhole) {
+    takeBack(done - whole);
+  }
+  return isWhole;
+}
+
+// Shortens a regular file by what was written last. errno stays as it is.
+void CaptureWriter::takeBack(size_t size) const {
+  const int error = errno;
+  const off_t end = lseek(file_, 0, SEEK_CUR);
+  if (size != 0 && end >= 0 && ftruncate(file_, end - static_cast<off_t>(size)) == 0) {
+    lseek(file_, end - static_cast<off_t>(size), SEEK_SET);
+  }
+  errno = error;
+}
+
 void CaptureWriter::close() {
   flush();
-  if (std::fclose(file_.release()) != 0) {
+  if (::close(std::exchange(file_, -1)) != 0) {
     fail();
   }
 }

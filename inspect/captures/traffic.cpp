@@ -1,11 +1,12 @@
 #include "inspect/captures/traffic.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <ctime>
 
 #include "inspect/bytes/hex.hpp"
-#include "inspect/json/record_json.hpp"
+#include "inspect/json/message_text.hpp"
 #include "inspect/reader/acceptance.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/schema/facts.hpp"
@@ -75,6 +76,38 @@ void writeFaults(Text& text, const std::vector<std::string>& faults) {
   text.append(']');
 }
 
+[[noreturn]] uint64_t failAt(const std::string& path, const std::string& text) {
+  throw Failure(Cause::BadInput, path + ": " + text);
+}
+
+uint64_t numberOf(const Json& json, uint64_t most, const std::string& path) {
+  uint64_t value = 0;
+  return parseNumber(json, value) && value <= most
+             ? value
+             : failAt(path, "expected a whole number from 0 to " + std::to_string(most));
+}
+
+// The message of a table, of which "message" or "identifier" may be missing. Null for an identifier
+// that no message has.
+const KnownMessage* messageOf(const Json& json, uint32_t& id) {
+  const bool isNamed = json.contains("message") && !json["message"].is_null();
+  const bool hasId = json.contains("identifier");
+  if (!isNamed && !hasId) {
+    failAt("the table", "neither a message nor an identifier");
+  }
+  if (isNamed && !json["message"].is_string()) {
+    failAt("message", "expected a name");
+  }
+  const KnownMessage* const message =
+      isNamed ? &messageNamed(json["message"].get_ref<const std::string&>()) : nullptr;
+  id = hasId ? static_cast<uint32_t>(numberOf(json["identifier"], UINT32_MAX, "identifier"))
+             : message->id();
+  if (message != nullptr && message->id() != id) {
+    failAt("identifier", "another one than that of " + std::string(message->name));
+  }
+  return findById(id);
+}
+
 }  // namespace
 
 uint64_t nowInNanoseconds() {
@@ -94,9 +127,44 @@ std::string timeText(uint64_t nanoseconds) {
   return text;
 }
 
+std::optional<uint64_t> timeFromText(const std::string& text) {
+  tm parts{};
+  const char* rest = strptime(text.c_str(), "%Y-%m-%d", &parts);
+  if (rest == nullptr || parts.tm_year < 70) {
+    return std::nullopt;
+  }
+  for (const char* const part : {"T%H:%M", ":%S"}) {
+    const char* const next = strptime(rest, part, &parts);
+    if (next == nullptr) {
+      break;
+    }
+    rest = next;
+  }
+  uint64_t fraction = 0;
+  if (*rest == '.') {
+    uint64_t digit = second / 10;
+    for (++rest; *rest >= '0' && *rest <= '9' && digit != 0; ++rest, digit /= 10) {
+      fraction += digit * static_cast<uint64_t>(*rest - '0');
+    }
+  }
+  rest += *rest == 'Z' ? 1 : 0;
+  uint64_t time = 0;
+  return *rest != '\0' ||
+                 __builtin_mul_overflow(static_cast<uint64_t>(timegm(&parts)), second, &time) ||
+                 __builtin_add_overflow(time, fraction, &time)
+             ? std::nullopt
+             : std::optional(time);
+}
+
 bool writeTable(Text& text, const Table& table, const JsonStyle& style) {
   const KnownMessage* const message = messageOf(table);
-  text.append("{\"time\":\"");
+  text.append("{");
+  if (table.packet != 0) {
+    text.append("\"packet\":");
+    text.appendNumber(table.packet);
+    text.append(',');
+  }
+  text.append("\"time\":\"");
   text.append(timeText(table.time));
   text.append('"');
   numberMember(text, "source", table.source);
@@ -111,7 +179,8 @@ bool writeTable(Text& text, const Table& table, const JsonStyle& style) {
   text.append('"');
   text.append(hex(table.id));
   text.append('"');
-  numberMember(text, "extra", table.extra);
+  member(text, "extra");
+  JsonLayout<Text>(text, style).number(table.extra, sizeof table.extra);
   numberMember(text, "length", table.bytes.size());
   if (table.missedBefore != 0) {
     numberMember(text, "missedBefore", table.missedBefore);
@@ -141,6 +210,54 @@ bool writeTable(Text& text, const Table& table, const JsonStyle& style) {
 
 const KnownMessage* messageOf(const Table& table) {
   return table.message != nullptr ? table.message : findById(table.id);
+}
+
+Json tableJson(const Table& table, const JsonStyle& style) {
+  Text text;
+  writeTable(text, table, style);
+  uint64_t memory = 0;
+  return parseJson(text.view(), memory);
+}
+
+OwnedTable tableFromJson(const Json& json, ByteText form, uint64_t memory) {
+  static constexpr std::array ignored{"packet", "message", "identifier", "length",
+                                      "record", "bytes",   "faults"};
+  if (!json.is_object()) {
+    failAt("the table", std::string("expected an object, not ") + json.type_name());
+  }
+  OwnedTable owned{};
+  Table& table = owned.table;
+  for (const auto& [name, value] : json.items()) {
+    if (name == "time") {
+      const auto time = value.is_string() ? timeFromText(value.get<std::string>()) : std::nullopt;
+      table.time = time ? *time : failAt(name, "expected a time as 2026-11-21T09:28:00.123Z");
+    } else if (name == "source") {
+      table.source = static_cast<uint32_t>(numberOf(value, UINT32_MAX, name));
+    } else if (name == "destination") {
+      table.destination = static_cast<uint32_t>(numberOf(value, UINT32_MAX, name));
+    } else if (name == "extra") {
+      table.extra = numberOf(value, UINT64_MAX, name);
+    } else if (name == "missedBefore") {
+      table.missedBefore = numberOf(value, UINT64_MAX, name);
+    } else if (std::ranges::find(ignored, name) == ignored.end()) {
+      failAt(name, "a table has no such member");
+    }
+  }
+  const KnownMessage* const message = messageOf(json, table.id);
+  if (json.contains("record") && message != nullptr) {
+    const OwnedRecord record = fromJson(*message, json["record"], form, memory);
+    owned.bytes = encode(record, Form::AsSent, memory);
+    if (message->isSentFixed() && json.contains("length") && json["length"] != owned.bytes.size()) {
+      Bytes compact = encode(record, Form::Compact, memory);
+      owned.bytes = json["length"] == compact.size() ? std::move(compact) : std::move(owned.bytes);
+    }
+  } else if (json.contains("bytes") && json["bytes"].is_string()) {
+    owned.bytes = fromHex(json["bytes"].get_ref<const std::string&>());
+  } else {
+    failAt("the table", "neither a record of a known message nor bytes");
+  }
+  table.bytes = owned.bytes;
+  return owned;
 }
 
 bool isAccepted(const Table& table) {

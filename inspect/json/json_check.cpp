@@ -31,7 +31,7 @@ std::string reasonOf(std::string_view text) {
   return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
 }
 
-// Keeps only the names of the open objects' members.
+// Keeps only the names of the open objects' members, and where it is.
 class Check final : public nlohmann::json_sax<Json> {
  public:
   bool null() override { return count(); }
@@ -41,16 +41,18 @@ class Check final : public nlohmann::json_sax<Json> {
   bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return count(); }
   bool string(string_t& /*value*/) override { return count(); }
   bool binary(binary_t& /*value*/) override { return count(); }
-  bool start_object(std::size_t /*size*/) override { return open(); }
+  bool start_object(std::size_t /*size*/) override { return open(false); }
   bool end_object() override { return close(); }
-  bool start_array(std::size_t /*size*/) override { return open(); }
+  bool start_array(std::size_t /*size*/) override { return open(true); }
   bool end_array() override { return close(); }
 
   bool key(string_t& name) override {
-    if (!members_.back().insert(name).second) {
-      fail("duplicate member '" + name + "'");
+    Level& level = levels_.back();
+    level.member = name;
+    if (!level.members.insert(name).second) {
+      fail("duplicate member '" + path() + "'");
     }
-    if (members_.back().size() > mostMembers) {
+    if (level.members.size() > mostMembers) {
       fail("an object with more than " + std::to_string(mostMembers) + " members");
     }
     return true;
@@ -64,33 +66,61 @@ class Check final : public nlohmann::json_sax<Json> {
   [[nodiscard]] size_t values() const { return values_; }
 
  private:
+  // An open object or array.
+  struct Level {
+    bool isArray;
+    size_t items = 0;    // begun
+    std::string member;  // the last
+    std::set<std::string> members;
+  };
+
+  [[nodiscard]] std::string path() const {
+    std::string text;
+    for (const Level& level : levels_) {
+      if (level.isArray) {
+        text.append("[").append(std::to_string(level.items - 1)).append("]");
+      } else {
+        text.append(text.empty() ? "" : ".").append(level.member);
+      }
+    }
+    return text;
+  }
+
   bool count() {
+    if (!levels_.empty()) {
+      ++levels_.back().items;
+    }
     if (++values_ > mostValues) {
       fail("more than " + std::to_string(mostValues) + " values");
     }
     return true;
   }
 
-  bool open() {
-    members_.emplace_back();
-    if (members_.size() > deepest) {
+  bool open(bool isArray) {
+    count();
+    levels_.push_back({.isArray = isArray, .member = "", .members = {}});
+    if (levels_.size() > deepest) {
       fail("more than " + std::to_string(deepest) + " levels of nesting");
     }
-    return count();
-  }
-
-  bool close() {
-    members_.pop_back();
     return true;
   }
 
-  std::vector<std::set<std::string>> members_;
+  bool close() {
+    levels_.pop_back();
+    return true;
+  }
+
+  std::vector<Level> levels_;
   size_t values_ = 0;
 };
 
 }  // namespace
 
 size_t checkJson(std::string_view text) {
+  // The parser takes it for the end of the text.
+  if (const size_t zero = text.find('\0'); zero != std::string_view::npos) {
+    fail("not JSON: byte " + std::to_string(zero) + " is zero");
+  }
   Check check;
   Json::sax_parse(text, &check);
   return check.values();

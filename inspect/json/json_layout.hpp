@@ -3,13 +3,15 @@
 
 #include "inspect/bytes/byte_text.hpp"
 #include "inspect/bytes/text.hpp"
+#include "inspect/schema/facts.hpp"
 
 namespace inspect {
 
 struct JsonStyle {
   ByteText byteText = ByteText::Hex;
-  int indent = -1;      // blanks for each level; -1: all on one line
-  bool isWhole = true;  // else a message's repeated items and bytes stand once, with their count
+  int indent = -1;         // blanks for each level; -1: all on one line
+  bool isWhole = true;     // else a message's repeated items and bytes stand once, with their count
+  bool isBigText = false;  // 64-bit numbers are strings of 0x and 16 digits, which sort as numbers
 };
 
 // Sink: Text, or what only counts.
@@ -44,6 +46,17 @@ class JsonLayout {
       breakLine();
     }
     out_.append(bracket);
+  }
+
+  // `size`: of the number's type.
+  void number(uint64_t value, size_t size) {
+    if (style_.isBigText && size == sizeof value) {
+      out_.append('"');
+      out_.append(hex(value));
+      out_.append('"');
+    } else {
+      out_.appendNumber(value);
+    }
   }
 
   void zeros(size_t size) {

@@ -105,7 +105,7 @@ class MessageWriter {
   bool writeAbsent(const Slot& slot) {
     switch (slot.kind) {
       case Kind::Scalar:
-        out_.append('0');
+        layout_.number(0, slot.size);
         break;
       case Kind::Array:
         writeZeros(slot.size);
@@ -132,7 +132,7 @@ class MessageWriter {
       case Kind::Scalar: {
         uint64_t value = 0;
         std::memcpy(&value, buffer_.data + at, slot.size);
-        out_.appendNumber(value);
+        layout_.number(value, slot.size);
         return true;
       }
       case Kind::Array:

@@ -169,26 +169,11 @@ class RecordFiller {
   static uint64_t parseScalar(const Slot& slot, const Json& json, const std::string& path) {
     const uint64_t largest = UINT64_MAX >> (64 - 8 * slot.size);
     uint64_t value = 0;
-    if (!(json.is_number_unsigned() ? (value = json.get<uint64_t>(), true)
-                                    : parseHexNumber(json, value)) ||
-        value > largest) {
+    if (!parseNumber(json, value) || value > largest) {
       fail(path, "expected a whole number from 0 to " + std::to_string(largest) + ", not " +
                      shortText(json));
     }
     return value;
-  }
-
-  static bool parseHexNumber(const Json& json, uint64_t& value) {
-    if (!json.is_string()) {
-      return false;
-    }
-    const auto& text = json.get_ref<const std::string&>();
-    const char* const end = text.data() + text.size();
-    if (!text.starts_with("0x")) {
-      return false;
-    }
-    const auto [stop, error] = std::from_chars(text.data() + 2, end, value, 16);
-    return error == std::errc{} && stop == end;
   }
 
   OwnedRecord& owner_;
@@ -198,9 +183,24 @@ class RecordFiller {
 
 }  // namespace
 
-Json toJson(const Schema& schema, const uint8_t* record, ByteText form) {
+bool parseNumber(const Json& json, uint64_t& value) {
+  if (!json.is_string()) {
+    value = json.is_number_unsigned() ? json.get<uint64_t>() : 0;
+    return json.is_number_unsigned() ||
+           (json.is_number_integer() && json.get<int64_t>() == 0);  // -0
+  }
+  const auto& text = json.get_ref<const std::string&>();
+  const char* const end = text.data() + text.size();
+  if (!text.starts_with("0x")) {
+    return false;
+  }
+  const auto [stop, error] = std::from_chars(text.data() + 2, end, value, 16);
+  return error == std::errc{} && stop == end;
+}
+
+Json toJson(const Schema& schema, const uint8_t* record, const JsonStyle& style) {
   Text text;
-  writeRecord(text, schema, record, {form});
+  writeRecord(text, schema, record, style);
   return Json::parse(text.view());
 }
 

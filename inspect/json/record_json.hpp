@@ -19,7 +19,7 @@ namespace inspect {
 using Json = nlohmann::ordered_json;
 
 // For whoever goes on with the values; writeRecord() is quicker.
-Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, ByteText form = ByteText::Hex);
+Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, const JsonStyle& style = {});
 
 // Missing members are zero. Fails with the path for unknown members, numbers out of range and wrong
 // lengths. `memory` is what the call has taken of its memory; what the record takes is added.
@@ -30,6 +30,10 @@ OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText for
 // The message of a record in JSON.
 std::vector<uint8_t> encodeJson(const KnownMessage& message, std::string_view json, ByteText form,
                                 Form arrangement);
+
+// Whether the value is a whole number from 0, or the hexadecimal text of one, with 0x: programs
+// that compute with doubles do not keep 64 bits.
+bool parseNumber(const Json& json, uint64_t& value);
 
 // Parses one JSON value. Fails for invalid JSON and duplicate members.
 Json parseJson(std::string_view text);

@@ -11,7 +11,7 @@ using mesh::wire::Slot;
 
 class RecordWriter {
  public:
-  RecordWriter(Text& text, const JsonStyle& style) : text_(text), layout_(text, style) {}
+  RecordWriter(Text& text, const JsonStyle& style) : layout_(text, style) {}
 
   void write(const Schema& schema, const uint8_t* record) {
     layout_.open('{');
@@ -32,7 +32,7 @@ class RecordWriter {
       case Kind::Scalar: {
         uint64_t value = 0;
         std::memcpy(&value, field, slot.size);
-        return text_.appendNumber(value);
+        return layout_.number(value, slot.size);
       }
       case Kind::Array:
         return layout_.bytes({field, slot.size});
@@ -60,7 +60,6 @@ class RecordWriter {
     layout_.close(']', count == 0);
   }
 
-  Text& text_;
   JsonLayout<Text> layout_;
 };
 

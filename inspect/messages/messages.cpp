@@ -73,30 +73,37 @@ const KnownMessage* findByName(std::string_view name) {
   return orNull(std::ranges::find(all, name, &KnownMessage::name));
 }
 
-std::vector<std::string_view> nearestNames(std::string_view name) {
+std::string didYouMean(std::string_view name, std::span<const std::string_view> names) {
   struct Candidate {
     size_t distance;
     std::string_view name;
   };
   std::vector<Candidate> candidates;
-  for (const KnownMessage& message : messages()) {
+  for (const std::string_view each : names) {
     // A substring matches: users drop the prefix.
-    const bool isPart = name.size() >= 3 && message.name.find(name) != std::string_view::npos;
-    const size_t distance = isPart ? 0 : editDistance(name, message.name);
+    const bool isPart = name.size() >= 3 && each.find(name) != std::string_view::npos;
+    const size_t distance = isPart ? 0 : editDistance(name, each);
     if (distance <= std::max<size_t>(2, name.size() / 4)) {
-      candidates.push_back({distance, message.name});
+      candidates.push_back({distance, each});
     }
   }
   std::ranges::stable_sort(candidates, {}, [](const Candidate& candidate) {
     return std::pair{candidate.distance, candidate.name.size()};
   });
-  std::vector<std::string_view> names;
-  for (const Candidate& candidate : candidates) {
-    if (names.size() < 3) {
-      names.push_back(candidate.name);
-    }
+  std::string text;
+  for (const Candidate& candidate :
+       std::span(candidates).first(std::min<size_t>(3, candidates.size()))) {
+    text.append(text.empty() ? "; did you mean " : ", ").append(candidate.name);
   }
-  return names;
+  return text;
+}
+
+std::string didYouMean(std::string_view name) {
+  std::vector<std::string_view> names;
+  for (const KnownMessage& message : messages()) {
+    names.push_back(message.name);
+  }
+  return didYouMean(name, names);
 }
 
 const KnownMessage& messageNamed(std::string_view nameOrId) {
@@ -110,17 +117,10 @@ const KnownMessage& messageNamed(std::string_view nameOrId) {
     }
   }
   const std::string wanted(nameOrId);
-  std::string text =
+  const std::string text =
       parseId(nameOrId, id) ? "unknown identifier " + wanted : "unknown message '" + wanted + "'";
-  const char* before = "; did you mean ";
-  if (isHexId(nameOrId)) {
-    throw Failure(Cause::Usage, text + before + "0x" + wanted);
-  }
-  for (const std::string_view name : nearestNames(nameOrId)) {
-    text.append(before).append(name);
-    before = ", ";
-  }
-  throw Failure(Cause::Usage, text);
+  throw Failure(Cause::Usage,
+                text + (isHexId(nameOrId) ? "; did you mean 0x" + wanted : didYouMean(nameOrId)));
 }
 
 }  // namespace inspect

@@ -36,7 +36,9 @@ const KnownMessage* findByName(std::string_view name);
 // similar names.
 const KnownMessage& messageNamed(std::string_view nameOrId);
 
-// The names most similar to one that does not exist: best first, at most three.
-std::vector<std::string_view> nearestNames(std::string_view name);
+// "; did you mean ...": the names most similar to one that does not exist, best first, at most
+// three. Empty if none is similar.
+std::string didYouMean(std::string_view name, std::span<const std::string_view> names);
+std::string didYouMean(std::string_view name);  // a message
 
 }  // namespace inspect

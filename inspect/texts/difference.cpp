@@ -16,14 +16,12 @@ class Comparison {
  public:
   void compare(const Json* one, const Json* other, const std::string& path) {
     const Json* const any = one != nullptr ? one : other;
-    if (any->is_object()) {
-      for (const auto& [name, value] : any->items()) {
-        if (name == "times") {
-          continue;
-        }
-        compare(member(one, name), member(other, name), path.empty() ? name : path + '.' + name);
-      }
-    } else if (any->is_array()) {
+    const bool areAlike =
+        one == nullptr || other == nullptr ||
+        (one->is_object() == other->is_object() && one->is_array() == other->is_array());
+    if (areAlike && any->is_object()) {
+      compareMembers(one, other, path);
+    } else if (areAlike && any->is_array()) {
       compareItems(Items(one), Items(other), path);
     } else if ((one == nullptr || other == nullptr || *one != *other) &&
                found.size() < mostDifferences) {
@@ -63,6 +61,25 @@ class Comparison {
     uint64_t left_ = 0;
   };
 
+  // The members are the same ones, unless two schemas describe the message.
+  void compareMembers(const Json* one, const Json* other, const std::string& path) {
+    const auto pathOf = [&path](const std::string& name) {
+      return path.empty() ? name : path + '.' + name;
+    };
+    for (const auto& [name, value] : (one != nullptr ? one : other)->items()) {
+      if (name != "times") {
+        compare(member(one, name), member(other, name), pathOf(name));
+      }
+    }
+    if (one != nullptr && other != nullptr) {
+      for (const auto& [name, value] : other->items()) {
+        if (name != "times" && !one->contains(name)) {
+          compare(nullptr, &value, pathOf(name));
+        }
+      }
+    }
+  }
+
   void compareItems(Items one, Items other, const std::string& path) {
     for (uint64_t index = 0; one.left() != 0 || other.left() != 0;) {
       const uint64_t count = one.left() == 0     ? other.left()
@@ -80,7 +97,8 @@ class Comparison {
   }
 
   static const Json* member(const Json* json, const std::string& name) {
-    return json == nullptr ? nullptr : &json->at(name);
+    const bool isThere = json != nullptr && json->contains(name);
+    return isThere ? &json->at(name) : nullptr;
   }
   static std::string text(const Json* json) { return json == nullptr ? "" : json->dump(); }
 };

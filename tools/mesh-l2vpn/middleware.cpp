@@ -3,10 +3,10 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "inspect/bytes/failure.hpp"
-#include "inspect/messages/messages.hpp"
 
 namespace tool {
 namespace {
@@ -32,23 +32,15 @@ void* load(const std::string& library) {
   return handle;
 }
 
-// The commands need the table, not the record.
-uint32_t unpackNothing(const uint8_t* /*data*/, uint32_t /*length*/, void* /*record*/) {
-  return 0;
-}
-
-void freeNothing(void* /*record*/) {}
-
 }  // namespace
 
 struct Node::Functions {
   explicit Functions(void* handle) {
     find(handle, "MESH_SendToMsg", send);
-    find(handle, "MESH_RegIDLFuncHook", registerHook);
-    find(handle, "mesh_node_options_default", defaults);
     find(handle, "mesh_node_open", open);
     find(handle, "mesh_node_close", close);
-    find(handle, "mesh_node_receive", receive);
+    find(handle, "mesh_node_receive_tables", receiveTables);
+    find(handle, "mesh_node_free_tables", freeTables);
     find(handle, "mesh_node_stats", stats);
     find(handle, "mesh_result_text", resultText);
     find(handle, "mesh_node_last_error", lastError);
@@ -69,11 +61,10 @@ struct Node::Functions {
   }
 
   decltype(&MESH_SendToMsg) send = nullptr;
-  decltype(&MESH_RegIDLFuncHook) registerHook = nullptr;
-  decltype(&mesh_node_options_default) defaults = nullptr;
   decltype(&mesh_node_open) open = nullptr;
   decltype(&mesh_node_close) close = nullptr;
-  decltype(&mesh_node_receive) receive = nullptr;
+  decltype(&mesh_node_receive_tables) receiveTables = nullptr;
+  decltype(&mesh_node_free_tables) freeTables = nullptr;
   decltype(&mesh_node_stats) stats = nullptr;
   decltype(&mesh_result_text) resultText = nullptr;
   decltype(&mesh_node_last_error) lastError = nullptr;
@@ -81,14 +72,7 @@ struct Node::Functions {
 
 Node::Node(const std::string& library, uint32_t address)
     : functions_(std::make_unique<Functions>(load(library))), address_(address) {
-  for (const KnownMessage& message : messages()) {
-    functions_->registerHook(message.id(), &unpackNothing, &freeNothing);
-  }
-  mesh_node_options options;
-  functions_->defaults(&options);
-  options.unknown = &takeUnknown;
-  options.unknown_user = this;
-  const uint32_t result = functions_->open(address, &options, &node_);
+  const uint32_t result = functions_->open(address, nullptr, &node_);
   if (result != MESH_OK) {
     functions_->fail("node " + std::to_string(address), result);
   }
@@ -118,16 +102,45 @@ void Node::send(uint32_t destination, uint32_t id, std::span<const uint8_t> tabl
 }
 
 bool Node::receive(int timeoutMs, const std::function<void(const Table&)>& handler) {
-  handler_ = &handler;
-  const int64_t count = functions_->receive(node_, timeoutMs, &takeRecord, this);
-  handler_ = nullptr;
-  if (!failure_.empty()) {
-    throw Failure(Cause::System, failure_);
+  mesh_tables tables{};
+  const int64_t count = functions_->receiveTables(node_, timeoutMs, &tables);
+  const std::unique_ptr<mesh_tables, decltype(&mesh_node_free_tables)> owner(
+      &tables, functions_->freeTables);
+  for (const mesh_received& received : std::span(tables.received, tables.count)) {
+    handler({nowInNanoseconds(),
+             received.source,
+             address_,
+             received.msg_id,
+             received.extra,
+             {received.table, received.table_length},
+             missedBefore(received)});
   }
   if (count < 0) {
     functions_->fail("receiving", static_cast<uint32_t>(-count));
   }
   return count > 0;
+}
+
+// The node's counters include calls that it has taken and not yet handed over. Only the numbers of
+// the calls tell where a gap is. What was missed before a sender's first call only the counters
+// tell.
+uint64_t Node::missedBefore(const mesh_received& received) {
+  if (senders_.size() == mostSenders && !senders_.contains(received.source)) {
+    senders_.clear();
+  }
+  Sender& sender = senders_[received.source];
+  uint64_t missed = 0;
+  if (received.after_gap != 0 && received.incarnation != sender.incarnation) {
+    const uint64_t all = statistics().missed_before_first;
+    missed = all - std::min(all, missedBeforeFirst_);
+    missedBeforeFirst_ = all;
+  } else if (received.after_gap != 0 && received.sequence > sender.sequence) {
+    missed = received.sequence - sender.sequence - 1;
+  }
+  sender = {received.incarnation, received.incarnation == sender.incarnation
+                                      ? std::max(sender.sequence, received.sequence)
+                                      : received.sequence};
+  return missed;
 }
 
 mesh_node_statistics Node::statistics() const {
@@ -139,31 +152,6 @@ mesh_node_statistics Node::statistics() const {
 uint64_t Node::missedCalls() const {
   const mesh_node_statistics counted = statistics();
   return counted.lost_calls + counted.missed_before_first;
-}
-
-void Node::takeRecord(const mesh_received* received, void* self) {
-  static_cast<Node*>(self)->take(received->source, received->msg_id,
-                                 {received->table, received->table_length}, received->extra);
-}
-
-// The middleware does not pass on `extra` with an unknown table.
-void Node::takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
-                       void* self) {
-  static_cast<Node*>(self)->take(source, id, {data, length}, 0);
-}
-
-// Exceptions must not pass through the middleware: receive() throws this one again.
-void Node::take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra) {
-  if (!failure_.empty() || handler_ == nullptr) {
-    return;
-  }
-  try {
-    const uint64_t missed = missedCalls();
-    (*handler_)({nowInNanoseconds(), source, address_, id, extra, bytes, missed - missedSoFar_});
-    missedSoFar_ = missed;
-  } catch (const std::exception& error) {
-    failure_ = error.what();
-  }
 }
 
 uint32_t sendingAddress(uint32_t wanted) {

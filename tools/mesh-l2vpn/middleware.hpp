@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -41,17 +42,20 @@ class Node {
  private:
   struct Functions;
 
-  static void takeRecord(const mesh_received* received, void* self);
-  static void takeUnknown(uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
-                          void* self);
-  void take(uint32_t source, uint32_t id, std::span<const uint8_t> bytes, uint64_t extra);
+  // The latest call of a sender.
+  struct Sender {
+    uint64_t incarnation = 0;
+    uint64_t sequence = 0;
+  };
+  static constexpr size_t mostSenders = 65536;
+
+  uint64_t missedBefore(const mesh_received& received);
 
   std::unique_ptr<Functions> functions_;
   uint32_t address_;
   mesh_node* node_ = nullptr;
-  const std::function<void(const Table&)>* handler_ = nullptr;
-  std::string failure_;
-  uint64_t missedSoFar_ = 0;
+  std::map<uint32_t, Sender> senders_;  // by address
+  uint64_t missedBeforeFirst_ = 0;
 };
 
 // The address of a node that only sends: the wanted one; for 0 one that differs in every process.

@@ -1,12 +1,13 @@
 #include "options.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
-#include <sstream>
+#include <span>
 
 #include "commands/commands.hpp"
 #include "inspect/captures/dissector.hpp"
-#include "inspect/texts/printable.hpp"
+#include "inspect/messages/messages.hpp"
 #include "shared_options.hpp"
 
 namespace tool {
@@ -37,11 +38,18 @@ void addCatalogue(CLI::App& app, Session& session) {
   list.footer("Examples:\n  mesh-l2vpn list --service l2vpn_cfg\n  mesh-l2vpn list --json");
 
   const auto [show, showOptions] =
-      add(app, session, "show", "Show one message: identifier, sizes, slots", &runShow);
+      add(app, session, "show", "Show one message: identifier, sizes, all fields", &runShow);
   show.add_option("MESSAGE", showOptions.message, "Name or identifier")->required();
   addJson(show, showOptions.isJson);
   show.footer(
       "Examples:\n  mesh-l2vpn show l2vpn_sync_vpls_ac\n  mesh-l2vpn show 0x5EED5F0D --json");
+}
+
+void addTemplate(CLI::App& app, Session& session) {
+  const auto [command, options] = add(
+      app, session, "template", "Write a record of a message as JSON, to fill in", &runTemplate);
+  command.add_option("MESSAGE", options.message, "Name or identifier")->required();
+  command.footer("Example:\n  mesh-l2vpn template l2vpn_sync_stp > stp.json");
 }
 
 void addSchemas(CLI::App& app, Session& session) {
@@ -49,7 +57,11 @@ void addSchemas(CLI::App& app, Session& session) {
       add(app, session, "schema", "Write a schema document (JSON) of all messages, or of one",
           &runSchema);
   schema.add_option("MESSAGE", schemaOptions.message, "Name or identifier")->check(notEmpty());
-  schema.footer("Example:\n  mesh-l2vpn schema > 1.0.json");
+  schema.add_flag("--json-schema", schemaOptions.isJsonSchema,
+                  "Only the JSON Schema (draft 2020-12) of records in JSON");
+  schema.footer(
+      "Examples:\n  mesh-l2vpn schema > 1.0.json\n"
+      "  mesh-l2vpn schema --json-schema l2vpn_sync_stp > stp.schema.json");
 
   const auto [compat, compatOptions] =
       add(app, session, "compat", "Compare two schema documents: who can read whose messages",
@@ -69,9 +81,9 @@ void addCodec(CLI::App& app, Session& session) {
       add(app, session, "decode", "Convert bytes to JSON; without -m show which messages fit",
           &runDecode);
   addInput(decode, decodeOptions);
-  addByteText(decode, decodeOptions.byteText);
+  addStyle(decode, decodeOptions.style);
+  addSelection(decode, decodeOptions);
   decode.add_flag("--line", decodeOptions.isOnOneLine, "Print JSON on one line");
-  addWhole(decode, decodeOptions.isWhole);
   decode
       .add_flag("--capture", decodeOptions.isCapture,
                 "The input is a capture; print one line of JSON per table")
@@ -79,11 +91,11 @@ void addCodec(CLI::App& app, Session& session) {
   decode.footer(
       "Examples:\n  mesh-l2vpn decode -m l2vpn_sync_vpls_ac_update update.bin\n"
       "  xxd -p update.bin | mesh-l2vpn decode -m 0x5EED5F0D -\n  mesh-l2vpn decode unknown.bin\n"
-      "  mesh-l2vpn decode night.pcapng | jq 'select(.faults)'");
+      "  mesh-l2vpn decode night.pcapng --where 'f1.f0 == 42' --source 7");
 
   const auto [encode, encodeOptions] =
       add(app, session, "encode", "Convert JSON to bytes; missing members are 0", &runEncode);
-  addMessage(encode, encodeOptions.message)->required();
+  CLI::Option* const message = addMessage(encode, encodeOptions.message);
   addJsonInput(encode, encodeOptions.file);
   CLI::Option* const fixed =
       encode.add_flag("--fixed", encodeOptions.isFixed, "Use the fixed arrangement");
@@ -92,18 +104,28 @@ void addCodec(CLI::App& app, Session& session) {
   addByteText(encode, encodeOptions.byteText);
   encode.add_flag("--hex", encodeOptions.isHex,
                   "Print hexadecimal text, the default on a terminal");
+  CLI::Option* const capture =
+      encode
+          .add_flag("--capture", encodeOptions.isCapture,
+                    "Write a capture; the input is JSON lines, as decode and listen print them")
+          ->excludes(message, fixed, "--compact", "--hex");
+  addPacket(encode, encodeOptions.packet);
+  encode.get_option("--packet")->excludes(message, capture, fixed, "--compact", "--base64");
   encode.footer(
       "The default is the arrangement in which the message is sent.\n\n"
       "Examples:\n"
       "  echo '{\"f0\": 7, \"f1\": {\"f0\": 42}}' |\n"
       "    mesh-l2vpn encode -m l2vpn_sync_vpls_ac_update > update.bin\n"
-      "  mesh-l2vpn encode -m dbginfo_key_l2vpn --hex key.json");
+      "  mesh-l2vpn encode -m dbginfo_key_l2vpn --hex key.json\n"
+      "  mesh-l2vpn decode night.pcapng | mesh-l2vpn encode --capture > copy.pcapng\n"
+      "  mesh-l2vpn encode --packet 7 night.pcapng > table.bin");
 }
 
 void addExplanations(CLI::App& app, Session& session) {
   const auto [explain, explainOptions] =
       add(app, session, "explain", "Explain a message byte by byte, with every fault", &runExplain);
   addInput(explain, explainOptions);
+  addPacket(explain, explainOptions.packet);
   explain.add_flag("--html", explainOptions.isHtml, "Write a web page");
   addWhole(explain, explainOptions.isWhole);
   explain.footer(
@@ -112,36 +134,41 @@ void addExplanations(CLI::App& app, Session& session) {
       "  mesh-l2vpn explain --html -m 0x5EED5F0D captured.bin > captured.html");
 
   const auto [diff, diffOptions] =
-      add(app, session, "diff", "Compare two messages by field and by byte", &runDiff);
-  addMessage(diff, diffOptions.message)->check(notEmpty());
-  diff.add_option("FIRST", diffOptions.file, "Bytes or hexadecimal text")->required();
-  diff.add_option("SECOND", diffOptions.second, "Bytes or hexadecimal text")->required();
+      add(app, session, "diff", "Compare two messages, or the tables of two captures", &runDiff);
+  addMessage(diff, diffOptions.message);
+  diff.add_option("FIRST", diffOptions.file, "Bytes, hexadecimal text or capture")->required();
+  diff.add_option("SECOND", diffOptions.second, "Bytes, hexadecimal text or capture")->required();
+  addSelection(diff, diffOptions);
   addInputForm(diff, diffOptions.form);
   addJson(diff, diffOptions.isJson);
   addWhole(diff, diffOptions.isWhole);
   diff.footer(
       "Exit status 0 if the messages are equal, even with faults; 1 if they differ or receivers\n"
       "reject one. --json does not shorten long values.\n\n"
-      "Example:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin");
+      "Examples:\n  mesh-l2vpn diff -m l2vpn_sync_vpls_ac before.bin after.bin\n"
+      "  mesh-l2vpn diff --packet 7 monday.pcapng tuesday.pcapng\n"
+      "  mesh-l2vpn diff monday.pcapng tuesday.pcapng");
 }
 
 void addTalk(CLI::App& app, Session& session) {
   const auto [send, sendOptions] =
-      add(app, session, "send", "Send one message from JSON to a node", &runSend);
-  addSender(send, sendOptions, "Address of the receiving node")->required();
-  addMessage(send, sendOptions.message)->required();
+      add(app, session, "send", "Send messages from JSON to a node", &runSend);
+  addSender(send, sendOptions, "Address of the receiving node; default: that of each JSON line");
+  addMessage(send, sendOptions.message);
   addJsonInput(send, sendOptions.file);
   addByteText(send, sendOptions.byteText);
   send.add_option("--extra", sendOptions.extra, "Integer that travels with the message")
-      ->check(notOctal());
-  send.footer("Example:\n  echo '{\"f0\": 7}' | mesh-l2vpn send --to 2 -m l2vpn_sync_stp");
+      ->check(wholeNumber(0, UINT64_MAX));
+  send.footer(
+      "Without -m the input is JSON lines, as decode and listen print them.\n\n"
+      "Examples:\n  echo '{\"f0\": 7}' | mesh-l2vpn send --to 2 -m l2vpn_sync_stp\n"
+      "  mesh-l2vpn decode night.pcapng | mesh-l2vpn send --to 2");
 
   const auto [listen, listenOptions] =
       add(app, session, "listen", "Receive as a node and print JSON lines, until interrupted",
           &runListen);
   addReceiver(listen, listenOptions);
-  addByteText(listen, listenOptions.byteText);
-  addWhole(listen, listenOptions.isWhole);
+  addStyle(listen, listenOptions.style);
   listen.footer("Examples:\n  mesh-l2vpn listen 2\n  mesh-l2vpn listen 2 --count 10 | jq .record");
 }
 
@@ -152,12 +179,15 @@ void addCaptures(CLI::App& app, Session& session) {
   addReceiver(record, recordOptions);
   record.add_option("FILE", recordOptions.file, "File to write; - for the standard output")
       ->required();
+  record.add_flag("--overwrite", recordOptions.isOverwriting, "Replace an existing file");
   record.footer("Example:\n  mesh-l2vpn record 2 night.pcapng");
 
   const auto [replay, replayOptions] =
       add(app, session, "replay", "Send the tables of a capture again", &runReplay);
   addSender(replay, replayOptions, "Address of the receiving node; default: the recorded one");
   addCaptureInput(replay, replayOptions.file);
+  addMessage(replay, replayOptions.message);
+  addSelection(replay, replayOptions);
   CLI::Option* const speed =
       replay.add_option("--speed", replayOptions.speed, "Multiple of the recorded pace")
           ->check(positive());
@@ -175,6 +205,8 @@ void addCaptures(CLI::App& app, Session& session) {
       add(app, session, "stat", "Summarise a capture by message: counts, bytes, rates, rejects",
           &runStat);
   addCaptureInput(stat, statOptions.file);
+  addMessage(stat, statOptions.message);
+  addSelection(stat, statOptions);
   addJson(stat, statOptions.isJson);
   stat.footer("Example:\n  mesh-l2vpn stat night.pcapng");
 
@@ -182,34 +214,112 @@ void addCaptures(CLI::App& app, Session& session) {
       app.add_subcommand("dissector", "Write a Wireshark plugin (Lua) for captures");
   dissectorCommand->footer(
       "Example:\n"
+      "  mkdir -p ~/.local/lib/wireshark/plugins\n"
       "  mesh-l2vpn dissector > ~/.local/lib/wireshark/plugins/mesh_l2vpn.lua");
   dissectorCommand->callback([] { std::cout << dissector(); });
 }
 
-std::string longNames(const CLI::App& command, const char* separator, int leastValues) {
-  std::string names;
+std::vector<CompletionOptions::Option> optionsOf(const CLI::App& command, bool isProgram) {
+  std::vector<CompletionOptions::Option> options;
   for (const CLI::Option* const option : command.get_options()) {
-    for (const std::string& name : option->get_lnames()) {
-      if (option->get_items_expected_min() >= leastValues) {
-        names.append(names.empty() ? "--" : separator).append(name);
+    // Every command has it; the program's own stands for them.
+    if (isProgram || option != command.get_help_ptr()) {
+      for (const std::string& name : option->get_lnames()) {
+        options.push_back({name, option->get_description(), option->get_items_expected_min() > 0});
       }
     }
   }
-  return names;
+  return options;
 }
 
 void addCompletion(CLI::App& app, Session& session) {
   const auto [command, options] =
       add(app, session, "completion", "Write a completion script for the shell", &runCompletion);
-  command.add_option("SHELL", options.shell, "bash or zsh")
+  command.add_option("SHELL", options.shell, "bash, fish or zsh")
       ->required()
-      ->check(CLI::IsMember({"bash", "zsh"}));
-  command.footer("Example:\n  source <(mesh-l2vpn completion bash)");
-  options.options = longNames(app, " --", 0);
-  options.optionsWithValue = longNames(app, "|--", 1);
+      ->check(CLI::IsMember({"bash", "fish", "zsh"}));
+  command.footer(
+      "The package installs the scripts of all three.\n\n"
+      "Example:\n  source <(mesh-l2vpn completion bash)");
+  options.options = optionsOf(app, true);
   for (const CLI::App* const each : app.get_subcommands({})) {
-    options.commands.push_back({each->get_name(), longNames(*each, " --", 0)});
+    options.commands.push_back(
+        {each->get_name(), each->get_description(), optionsOf(*each, false)});
   }
+}
+
+std::string unknownCommand(const CLI::App& app, const std::string& name) {
+  std::vector<std::string_view> names;
+  for (const CLI::App* const each : app.get_subcommands({})) {
+    names.push_back(each->get_name());
+  }
+  return "unknown command '" + name + "'" + didYouMean(name, names);
+}
+
+void addHelp(CLI::App& app) {
+  CLI::App* const help = app.add_subcommand("help", "Print help on the program or on a command");
+  const auto name = std::make_shared<std::string>();
+  help->add_option("COMMAND", *name, "Command");
+  help->footer("Example:\n  mesh-l2vpn help decode");
+  help->callback([&app, name] {
+    const auto found =
+        app.get_subcommands([&name](const CLI::App* each) { return each->get_name() == *name; });
+    if (!name->empty() && found.empty()) {
+      throw Failure(Cause::Usage, unknownCommand(app, *name));
+    }
+    const std::string program = app.get_name();
+    std::cout << app.get_formatter()->make_help(
+        name->empty() ? &app : found.front(),
+        name->empty() ? program : program + ' ' + found.front()->get_name(),
+        CLI::AppFormatMode::Normal);
+  });
+}
+
+// Whether a word of the command line gives this option, or is this word.
+bool isNamed(std::string_view word, const std::string& name) {
+  const bool isShort = word.size() > 1 && word[0] == '-' && word[1] != '-';
+  return word == name || word.starts_with(name + '=') ||
+         (isShort && name.starts_with("--") && name[2] == word[1]);
+}
+
+// These words as the user wrote them, in the same order.
+std::string asWritten(const std::vector<std::string>& names, std::span<char* const> words) {
+  std::string text;
+  for (const std::string_view word : words) {
+    if (std::ranges::any_of(names,
+                            [word](const std::string& name) { return isNamed(word, name); })) {
+      text.append(text.empty() ? "" : " ").append(word);
+    }
+  }
+  return text;
+}
+
+// What is wrong with the command line, on one line.
+std::string textOf(const CLI::App& app, const CLI::ParseError& error,
+                   std::span<char* const> words) {
+  const std::string text = error.what();
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  const std::string command = chosen.empty() ? "" : chosen.front()->get_name();
+  const std::string before = command.empty() ? "" : command + ": ";
+  const std::string after = "; see mesh-l2vpn " + command + (command.empty() ? "" : " ") + "--help";
+  const std::vector<std::string> surplus = app.remaining(true);
+  const auto word =
+      std::ranges::find_if(surplus, [](const std::string& each) { return !each.starts_with('-'); });
+  if (command.empty() && word != surplus.end()) {
+    return unknownCommand(app, *word) + after;
+  }
+  if (!surplus.empty()) {
+    return before + "not expected: " + asWritten(surplus, words) + after;
+  }
+  constexpr std::string_view excludes = " excludes ";
+  if (const size_t at = text.find(excludes); at != std::string::npos) {
+    return before + asWritten({text.substr(0, at), text.substr(at + excludes.size())}, words) +
+           ": these exclude each other" + after;
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    return before + text.substr(0, text.find(':')) + " needs a value" + after;
+  }
+  return before + (command.empty() && words.size() < 2 ? "a command is required" : text) + after;
 }
 
 }  // namespace
@@ -232,22 +342,23 @@ Exit runCommandLine(int count, char** words) {
       "  mesh-l2vpn decode -m 0x5EED5F0D captured.bin\n"
       "  mesh-l2vpn COMMAND --help");
   addCatalogue(app, session);
+  addTemplate(app, session);
   addSchemas(app, session);
   addCodec(app, session);
   addExplanations(app, session);
   addTalk(app, session);
   addCaptures(app, session);
+  addHelp(app);
   addCompletion(app, session);
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
-    std::ostringstream text;
-    const bool isHelp = app.exit(error, std::cout, text) == 0;
-    std::istringstream lines(text.str());
-    for (std::string line; std::getline(lines, line);) {
-      std::cerr << printable(line) << '\n';
+    if (error.get_exit_code() == 0) {  // --help and --version
+      app.exit(error);
+      return Exit::Success;
     }
-    return isHelp ? Exit::Success : Exit::Usage;
+    complain(textOf(app, error, {words, static_cast<size_t>(count)}));
+    return Exit::Usage;
   }
   return session.result;
 }

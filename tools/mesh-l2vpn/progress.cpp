@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <iostream>
 
 namespace tool {
@@ -16,7 +17,8 @@ constexpr uint64_t stride = 64;
 Progress::Progress(const Session& session, std::string what)
     : isShown_(!session.isQuiet && isatty(STDERR_FILENO) != 0),
       what_(std::move(what)),
-      next_(std::chrono::steady_clock::now() + interval) {}
+      start_(std::chrono::steady_clock::now()),
+      next_(start_ + interval) {}
 
 Progress::~Progress() {
   if (isDirty_) {
@@ -24,15 +26,21 @@ Progress::~Progress() {
   }
 }
 
-void Progress::add() {
+void Progress::add(double share) {
   if (isShown_ && ++count_ % stride == 0 && std::chrono::steady_clock::now() >= next_) {
-    show();
+    show(share);
   }
 }
 
-void Progress::show() {
-  next_ = std::chrono::steady_clock::now() + interval;
-  std::cerr << '\r' << count_ << ' ' << what_ << std::flush;
+void Progress::show(double share) {
+  const auto now = std::chrono::steady_clock::now();
+  next_ = now + interval;
+  std::cerr << "\r\033[K" << count_ << ' ' << what_;
+  if (share > 0) {
+    const double left = std::chrono::duration<double>(now - start_).count() * (1 - share) / share;
+    std::cerr << ", " << std::lround(100 * share) << " %, " << std::lround(left) << " s left";
+  }
+  std::cerr << std::flush;
   isDirty_ = true;
 }
 

@@ -19,14 +19,16 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  void add();
+  // One more is done. `share` of the whole is done now, from 0 to 1; 0 if unknown.
+  void add(double share);
 
  private:
-  void show();
+  void show(double share);
 
   bool isShown_;
   std::string what_;
   uint64_t count_ = 0;
+  std::chrono::steady_clock::time_point start_;
   std::chrono::steady_clock::time_point next_;
   bool isDirty_ = false;
 };

@@ -83,7 +83,7 @@ TEST(Base64, EncodesRecordBytes) {
   const Json json = parseJson(R"({"f0":0,"f1":0,"f2":0,"f3":"Zm9vYg=="})");
   const OwnedRecord record = fromJson(message, json, ByteText::Base64);
   EXPECT_EQ(toJson(message.schema(), record.data())["f3"], "666f6f62");
-  EXPECT_EQ(toJson(message.schema(), record.data(), ByteText::Base64), json);
+  EXPECT_EQ(toJson(message.schema(), record.data(), {.byteText = ByteText::Base64}), json);
 }
 
 TEST(Base64, ErrorsGivePath) {

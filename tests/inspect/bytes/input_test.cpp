@@ -38,6 +38,10 @@ class Input : public testing::Test {
       testing::TempDir() + "input_" + testing::UnitTest::GetInstance()->current_test_info()->name();
 };
 
+std::string_view textOf(std::span<const uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 TEST_F(Input, IsTextWithoutControlCharacters) {
   for (int code = 0; code < 256; ++code) {
     const auto letter = static_cast<char>(code);
@@ -66,8 +70,10 @@ TEST_F(Input, HasTheFormThatIsAskedFor) {
 TEST_F(Input, RejectsACaptureUnlessItIsBinary) {
   const std::string capture = "\x0A\x0D\x0D\x0A and more";
   write(capture);
-  EXPECT_EQ(failure(InputForm::Guessed), path_ + ": this is a capture; use decode");
-  EXPECT_EQ(failure(InputForm::Hex), path_ + ": this is a capture; use decode");
+  const std::string refusal =
+      path_ + ": this is a capture; use decode, or --packet N for one of its packets";
+  EXPECT_EQ(failure(InputForm::Guessed), refusal);
+  EXPECT_EQ(failure(InputForm::Hex), refusal);
   EXPECT_EQ(readBytes(path_, InputForm::Binary), Bytes(capture.begin(), capture.end()));
 }
 
@@ -76,8 +82,7 @@ TEST_F(Input, ReportsSystemErrors) {
   EXPECT_THROW(readAll(testing::TempDir()), Failure);
   // Opens, but nothing is mapped at its beginning.
   InputFile memory("/proc/self/mem");
-  char byte = 0;
-  EXPECT_EQ(memory.read(&byte, 1), 0u);
+  EXPECT_TRUE(memory.available().empty());
   EXPECT_EQ(memory.error(), EIO);
   EXPECT_THROW(readAll("/proc/self/mem"), Failure);
 }
@@ -85,15 +90,15 @@ TEST_F(Input, ReportsSystemErrors) {
 TEST_F(Input, LooksAheadWithoutReading) {
   write("abcdef");
   InputFile file(path_);
-  EXPECT_TRUE(file.goesOnWith("abc"));
-  EXPECT_FALSE(file.goesOnWith("abd"));
-  EXPECT_FALSE(file.goesOnWith("abcdefg"));
-  char text[8] = {};
-  EXPECT_EQ(file.read(text, 4), 4u);
-  EXPECT_STREQ(text, "abcd");
-  EXPECT_TRUE(file.goesOnWith("ef"));
-  EXPECT_EQ(file.read(text, 4), 2u);
-  EXPECT_EQ(file.read(text, 4), 0u);
+  EXPECT_EQ(textOf(file.peek(3)), "abc");
+  EXPECT_EQ(textOf(file.peek(7)), "abcdef");
+  EXPECT_EQ(textOf(file.available()), "abcdef");
+  file.skip(4);
+  EXPECT_EQ(textOf(file.peek(2)), "ef");
+  EXPECT_EQ(file.progress(), 4.0 / 6);
+  file.skip(2);
+  EXPECT_TRUE(file.peek(1).empty());
+  EXPECT_TRUE(file.available().empty());
   EXPECT_EQ(file.error(), 0);
   EXPECT_EQ(file.name(), path_);
 }
@@ -106,10 +111,11 @@ TEST_F(Input, ReadsFilesLargerThanTheBuffer) {
   EXPECT_EQ(readAll(path_), contents);
   InputFile file(path_);
   std::string taken;
-  char part[777];
   do {
-    EXPECT_TRUE(file.goesOnWith(std::string_view(contents).substr(taken.size(), 999)));
-    taken.append(part, file.read(part, sizeof part));
+    EXPECT_EQ(textOf(file.peek(999)), std::string_view(contents).substr(taken.size(), 999));
+    const auto part = file.peek(777);
+    taken.append(part.begin(), part.end());
+    file.skip(part.size());
   } while (taken.size() < contents.size());
   EXPECT_EQ(taken, contents);
 }

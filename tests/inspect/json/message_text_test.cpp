@@ -56,7 +56,8 @@ void forAcceptedMessages(Check check) {
 TEST(MessageText, IsThatOfTheDecodedRecord) {
   forAcceptedMessages([](const KnownMessage& message, const Bytes& bytes) {
     for (const JsonStyle& style :
-         {JsonStyle{}, JsonStyle{.indent = 2}, JsonStyle{.byteText = ByteText::Base64}}) {
+         {JsonStyle{}, JsonStyle{.indent = 2}, JsonStyle{.byteText = ByteText::Base64},
+          JsonStyle{.isBigText = true}}) {
       ASSERT_EQ(textOf(message, bytes, style), recordTextOf(message, bytes, style))
           << message.name << ' ' << toHex(bytes);
     }

@@ -6,6 +6,7 @@
 
 #include "inspect/bytes/failure.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/reader/identification.hpp"
 #include "tests/inspect/reader/hostile.hpp"
 
 namespace inspect {
@@ -109,8 +110,23 @@ TEST(Identification, NamesTheBestFits) {
   putAll<uint16_t>(wide, {2 * 102, 4});
   wide.resize(4 + 2 * 102);
   put<uint32_t>(wide, 2 * 102);
-  EXPECT_NE(couldBe(wide).find("dbginfo_endata_l2vpn: reads\n"), std::string::npos)
-      << couldBe(wide);
+  const std::vector<Candidate> readers = candidatesFor(wide);
+  EXPECT_EQ(readers.back().group, 3u);
+  EXPECT_TRUE(std::ranges::all_of(
+      readers, [](const Candidate& candidate) { return candidate.fit == Fit::Reads; }));
+}
+
+TEST(Identification, ChoosesTheFirstOfTheBest) {
+  const Bytes key = encodeCompact(
+      fromJson(messageNamed("dbginfo_key_l2vpn"), parseJson(R"({"f0": 1, "f3": "616263"})")));
+  const std::vector<Candidate> candidates = candidatesFor(key);
+  ASSERT_EQ(candidates.size(), 1u);
+  const Choice choice = chooseMessage("", key);
+  EXPECT_EQ(&choice.message, candidates.front().message);
+  EXPECT_EQ(choice.note, "taken for dbginfo_key_l2vpn, the only message that is encoded like this");
+  // A name is taken as it is.
+  EXPECT_EQ(chooseMessage("l2vpn_sync_stp", key).message.name, "l2vpn_sync_stp");
+  EXPECT_EQ(chooseMessage("l2vpn_sync_stp", key).note, "");
 }
 
 }  // namespace

@@ -74,6 +74,11 @@ TEST(RecordJson, RejectsOtherTypes) {
   EXPECT_EQ(failureOf("dbginfo_key_l2vpn", "[]"), "the record: expected an object, not array");
   EXPECT_NE(failureOf("dbginfo_key_l2vpn", "{"), "");
   EXPECT_EQ(failureOf("dbginfo_key_l2vpn", R"({"f0": 1, "f0": 2})"), "duplicate member 'f0'");
+  EXPECT_EQ(
+      failureOf("l2vpn_sync_vpls_ac_update", R"({"f0": 1, "f1": {"f0": 1, "f2": 3, "f0": 2}})"),
+      "duplicate member 'f1.f0'");
+  EXPECT_EQ(failureOf("l2vpn_cfg_query_dfx_rec", R"({"f1": [{}, {"f0": "", "f1": 2, "f1": 3}]})"),
+            "duplicate member 'f1[1].f1'");
 }
 
 TEST(RecordJson, RejectsNumberOverflow) {

@@ -32,19 +32,21 @@ TEST(Messages, RejectsUnknown) {
 }
 
 TEST(Messages, SuggestsSimilarNames) {
-  EXPECT_EQ(nearestNames("l2vpn_sync_vpls_acc").front(), "l2vpn_sync_vpls_ac");
-  EXPECT_EQ(nearestNames("dbginfo_key_l2vnp").front(), "dbginfo_key_l2vpn");
-  EXPECT_EQ(nearestNames("vpls_vsimac").front(), "l2vpn_sync_vpls_vsimac");
-  EXPECT_TRUE(nearestNames("nothing like it at all").empty());
+  const auto isFirst = [](std::string_view name, std::string_view wanted) {
+    return (didYouMean(wanted) + ',').starts_with("; did you mean " + std::string(name) + ',');
+  };
+  EXPECT_TRUE(isFirst("l2vpn_sync_vpls_ac", "l2vpn_sync_vpls_acc"));
+  EXPECT_TRUE(isFirst("dbginfo_key_l2vpn", "dbginfo_key_l2vnp"));
+  EXPECT_TRUE(isFirst("l2vpn_sync_vpls_vsimac", "vpls_vsimac"));
+  EXPECT_EQ(didYouMean("nothing like it at all"), "");
 }
 
 TEST(Messages, SuggestsTheBestThree) {
-  EXPECT_EQ(nearestNames("sync_stp"),
-            (std::vector<std::string_view>{"l2vpn_sync_stp", "l2vpn_sync_stp_update",
-                                           "l2vpn_sync_stp_delete"}));
-  EXPECT_EQ(nearestNames("vpls_vsi").size(), 3u);
+  EXPECT_EQ(didYouMean("sync_stp"),
+            "; did you mean l2vpn_sync_stp, l2vpn_sync_stp_update, l2vpn_sync_stp_delete");
+  EXPECT_EQ(std::ranges::count(didYouMean("vpls_vsi"), ','), 2);
   // Parts of less than three characters match too much.
-  EXPECT_TRUE(nearestNames("ac").empty());
+  EXPECT_EQ(didYouMean("ac"), "");
 }
 
 std::string failureOf(std::string_view name) {

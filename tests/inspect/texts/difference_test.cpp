@@ -1,4 +1,4 @@
-// Finds the range of each byte, however ranges overlap.
+// Finds the range of each byte, however ranges overlap; differences of fields and bytes.
 
 #include "inspect/texts/difference.hpp"
 
@@ -43,6 +43,18 @@ TEST(ByteDifferences, SplitAtRanges) {
   EXPECT_EQ(found[1].at, 4u);
   EXPECT_EQ(found[1].meaning, "f0 value");
   EXPECT_EQ(found[2].at, 7u);
+}
+
+// Two captures may describe the same message differently.
+TEST(FieldDifferences, OfOtherMembers) {
+  std::vector<std::string> lines;
+  for (const FieldDifference& each :
+       fieldDifferences(parseJson(R"({"f0": 1, "f1": {"f0": 2}, "f2": [{"f0": 3}], "f3": 4})"),
+                        parseJson(R"({"f0": 1, "f1": 5, "f2": [{"f1": 6}], "f4": 7})"))) {
+    lines.push_back(each.path + ": " + each.one + " / " + each.other);
+  }
+  EXPECT_EQ(lines, (std::vector<std::string>{R"(f1: {"f0":2} / 5)", "f2[0].f0: 3 / ",
+                                             "f2[0].f1:  / 6", "f3: 4 / ", "f4:  / 7"}));
 }
 
 }  // namespace

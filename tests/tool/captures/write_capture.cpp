@@ -1,7 +1,8 @@
 // Writes a capture of random records of every message, in both arrangements in turn.
 //
-//   write_capture FILE COUNT [damaged [MESSAGE...]]    damaged: mutates half of the tables
-//                                                      MESSAGE...: writes these messages alone
+//   write_capture FILE COUNT [damaged|sound [MESSAGE...]]    damaged: mutates half of the tables
+//                                                            MESSAGE...: writes these messages
+//                                                            alone
 
 #include <algorithm>
 #include <cstdlib>
@@ -58,6 +59,7 @@ int main(int count, char** words) {
     return 2;
   }
   const std::set<std::string_view> of(words + std::min(count, 4), words + count);
-  inspect::write(words[1], std::strtoull(words[2], nullptr, 10), count >= 4, of);
+  inspect::write(words[1], std::strtoull(words[2], nullptr, 10),
+                 count >= 4 && words[3] == std::string_view("damaged"), of);
   return 0;
 }

@@ -141,9 +141,60 @@ bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode -m l2vpn_sync_stp); COMP_CWORD=3
 bash -c '. ./out; COMP_WORDS=(mesh-l2vpn --color always dec); COMP_CWORD=3; _mesh_l2vpn
          [ "${COMPREPLY[*]}" = decode ]' || fail "decode is not completed after an option"
 
+# completes EXPECTED WORD...: the words before and at the cursor, as bash takes them apart.
+completes() {
+  local expected=$1
+  shift
+  bash -c '. "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _mesh_l2vpn
+           printf "%s\n" "${COMPREPLY[@]}"' "$work/out" mesh-l2vpn "$@" >completed
+  diff completed <(printf -- "$expected") || fail "completion of $*"
+}
+touch 'name with blanks.bin' 'name.bin'
+completes 'name with blanks.bin\nname.bin\n' decode name
+completes 'l2vpn_sync_stp_update\n' decode --message = l2vpn_sync_stp_u
+[ "$(bash -c '. ./out; COMP_WORDS=(mesh-l2vpn decode --message =); COMP_CWORD=3; _mesh_l2vpn
+              echo ${#COMPREPLY[@]}')" -eq "$(wc -l <"$announced")" ] || fail "no messages after --message="
+completes '--help\n' decode --hel
+completes 'template\n' help temp
+completes 'fish\n' completion f
+expect_exit 0 "$tool" completion fish
+if command -v fish >/dev/null; then
+  cp out completion.fish
+  expect_exit 0 env HOME="$work" fish -c 'source completion.fish; complete -C "mesh-l2vpn exp"'
+  expect_text out "explain"
+  expect_exit 0 env HOME="$work" fish -c 'source completion.fish; complete -C "mesh-l2vpn decode --big"'
+  expect_text out "--big-as-text"
+  expect_exit 0 env HOME="$work" fish -c 'source completion.fish; complete -C "mesh-l2vpn show l2vpn_sync_st"'
+  expect_text out "l2vpn_sync_stp"
+else
+  echo "not tried, fish is missing (Debian: fish)"
+fi
+
+# What template writes is what encode reads; show has every field of nested tables.
+for each in $("$tool" list | sed 1d | cut -d' ' -f1); do
+  "$tool" template "$each" >template.json
+  expect_exit 0 "$tool" encode -m "$each" --compact template.json
+done
+expect_exit 0 "$tool" show $message
+expect_text out "6     f1.f6  u16 "
+expect_exit 0 "$tool" show l2vpn_cfg_query_dfx_rec
+expect_text out "f1[].f0"
+expect_exit 0 "$tool" schema --json-schema $message
+expect_text out '"$ref": "#/$defs/l2vpn_sync_vpls_ac_update"'
+
+# decode names the message that has exactly these bytes, and the file at fault.
+expect_exit 0 "$tool" decode -m l2vpn_sync_stp compact.bin
+expect_text err "compact.bin: fits better: "
+expect_text err "$message"
+expect_exit 0 "$tool" decode -m $message compact.bin
+[ ! -s err ] || fail "a message that fits is said not to"
+: >nothing.bin
+expect_exit 1 "$tool" decode --binary nothing.bin
+expect_text err "nothing.bin: byte 0: 0 bytes are too short for a table"
+
 expect_exit 2 "$tool"
 expect_exit 2 "$tool" nonsense
-for command in list show decode encode explain diff send listen record replay stat dissector completion; do
+for command in help list show template schema compat decode encode explain diff send listen record replay stat dissector completion; do
   expect_exit 0 "$tool" $command --help
   expect_text out "Example"
 done

@@ -55,4 +55,15 @@ completes 'mesh-l2vpn decode -m l2vpn_sync_vpls_ac_macdraw_d' 'l2vpn_sync_vpls_a
 completes 'mesh-l2vpn decode --capt' '--capture'
 completes 'mesh-l2vpn --qui' '--quiet'
 completes 'mesh-l2vpn --color always expl' 'always explain'
-print "8 lines are completed"
+completes 'mesh-l2vpn decode --message=l2vpn_sync_vpls_macping_u' 'message=l2vpn_sync_vpls_macping_update'
+zpty -d shell
+
+# Installed, the script is a function that zsh loads at the first Tab.
+mkdir $work/functions
+cp $work/completion $work/functions/_mesh-l2vpn
+zpty shell "cd $work; HOME=$work TERM=dumb zsh -f -i"
+zpty -w shell 'PS1=; fpath=(./functions $fpath); autoload -Uz compinit && compinit -u -D; print re''ady'
+await '*ready*'
+completes 'mesh-l2vpn exp' 'mesh-l2vpn explain'
+completes 'mesh-l2vpn compl' 'mesh-l2vpn completion'
+print "11 lines are completed"

@@ -45,3 +45,8 @@ expect_text() {
     fail "'$2' is not in the ${1##*/}put above"
   }
 }
+
+# last_table CAPTURE: where the header of its last table begins.
+last_table() {
+  LC_ALL=C grep -obUa MESH "$1" | tail -1 | cut -d: -f1
+}

@@ -90,7 +90,7 @@ for command in "stat" "decode --capture" "decode" "replay" "explain" "encode -m 
 done
 expect_exit 1 "$tool" explain small.pcapng
 expect_text err "small.pcapng: this is a capture; use decode"
-expect_exit 1 "$tool" diff small.pcapng small.pcapng
+expect_exit 1 "$tool" diff small.pcapng update.bin
 expect_text err "this is a capture"
 expect_exit 2 "$tool" decode --binary --capture small.pcapng
 
@@ -104,6 +104,14 @@ expect_text err "more than 64 levels of nesting"
 echo '{"f\u001b[31m0": 1}' >escape.json
 expect_exit 1 "$tool" encode -m $message escape.json
 expect_text err 'f\x1b[31m0: '
+# Nothing behind a zero byte is lost: the parser would end there.
+printf '{"f0": 7}\0{"f0": 8}' >two.json
+printf '0\0\0\0' >bytes.json
+for file in two.json bytes.json; do
+  expect_exit 1 "$tool" encode -m $message $file
+  expect_text err "is zero"
+  [ ! -s out ] || fail "$file is encoded"
+done
 
 # Failing outputs are reported.
 for command in list "decode -m $message update.bin" "decode big.pcapng" "encode -m $message update.json" \

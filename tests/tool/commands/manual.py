@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The manual page has every command and every long option that --help prints, and no others.
+"""The manual page has every command and every long option that --help prints, and no others. It explains
+every option.
 
     manual.py MESH-L2VPN MANUAL
 """
@@ -55,6 +56,8 @@ def main():
         missing, surplus = printed - written - shared, written - printed
         if missing or surplus:
             sys.exit(f"{command}: not in the page {sorted(missing)}, not in the program {sorted(surplus)}")
+        if printed - explained:
+            sys.exit(f"{command}: not explained in the page {sorted(printed - explained)}")
         count += len(printed)
     missing = (options_of(general) | shared) - explained
     if missing or count < 30:

@@ -41,6 +41,20 @@ expect_text err "5 tables sent"
 wait $listener || fail "listen did not end well"
 [ "$(grep -o '"record":{"f0":[0-9]' heard | tr -dc '1-5')" = 12345 ] || fail "replayed in disorder"
 
+# `extra` of an identifier that no message has.
+"$tool" record 3 known.pcapng --count 1 --seconds 30 2>recorder &
+recorder=$!
+until_said "node 3 records" recorder
+echo '{}' | "$tool" --quiet send --to 3 --extra 18446744073709551615 -m l2vpn_sync_stp
+wait $recorder || fail "record did not end well"
+printf '\1\2\3\4' | dd of=known.pcapng bs=1 seek=$(($(last_table known.pcapng) + 16)) conv=notrunc status=none
+"$tool" listen 3 --count 1 --seconds 30 >heard 2>listener &
+listener=$!
+until_said "node 3 listens" listener
+expect_exit 0 "$tool" replay known.pcapng
+wait $listener || fail "listen did not end well"
+expect_text heard '"identifier":"0x04030201","extra":18446744073709551615,'
+
 head -c -10 night.pcapng | head -c 500 >cut.pcapng
 expect_exit 1 "$tool" stat cut.pcapng
 expect_text err "truncated inside a block"
@@ -76,8 +90,26 @@ cp night.pcapng old.pcapng
 expect_exit 3 "$tool" record --middleware ./no.so 2 old.pcapng
 cmp night.pcapng old.pcapng || fail "a capture was destroyed"
 
+# An existing capture is kept unless told otherwise. JSON lines are sent as they were received.
+"$tool" decode night.pcapng >night.lines
+expect_exit 3 "$tool" record 4 night.pcapng --count 1
+expect_text err "night.pcapng: File exists"
+"$tool" decode night.pcapng | cmp - night.lines || fail "a capture was destroyed"
+"$tool" record 4 old.pcapng --overwrite --count 5 --seconds 30 2>overwriter &
+recorder=$!
+until_said "node 4 records" overwriter
+expect_exit 0 "$tool" send --to 4 --from 6 night.lines
+expect_text err "5 tables sent"
+wait $recorder || fail "record --overwrite did not end well"
+members='s/.*"source":\([0-9]*\).*"identifier"/\1/'
+diff <("$tool" decode old.pcapng | sed "$members") <(sed "$members" night.lines) || fail "other tables were sent"
+printf '\n%s\n' '{"message": 5}' >bad.lines
+expect_exit 1 "$tool" send --to 4 bad.lines
+expect_text err "bad.lines: line 2: message: expected a name; 0 tables sent"
+expect_exit 2 "$tool" send -m l2vpn_sync_stp night.lines
+
 # A recorder whose terminal closes succeeds.
-"$tool" record 4 ended.pcapng 2>hung_up &
+"$tool" record 4 ended.pcapng --overwrite 2>hung_up &
 recorder=$!
 until_said "node 4 records" hung_up
 kill -HUP $recorder

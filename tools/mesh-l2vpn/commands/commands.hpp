@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "inspect/bytes/byte_text.hpp"
 #include "inspect/bytes/input.hpp"
+#include "inspect/captures/selection.hpp"
 #include "session.hpp"
 
 namespace tool {
@@ -23,8 +23,14 @@ struct ShowOptions {
 };
 void runShow(const ShowOptions& options, Session& session);
 
+struct TemplateOptions {
+  std::string message;
+};
+void runTemplate(const TemplateOptions& options, Session& session);
+
 struct SchemaOptions {
   std::string message;
+  bool isJsonSchema = false;
 };
 void runSchema(const SchemaOptions& options, Session& session);
 
@@ -36,16 +42,31 @@ struct CompatOptions {
 };
 void runCompat(const CompatOptions& options, Session& session);
 
+// Which tables of a capture.
+struct SelectionOptions {
+  std::optional<uint64_t> packet;
+  std::optional<uint32_t> source;
+  std::optional<uint32_t> destination;
+  std::string since;
+  std::string until;
+  std::vector<std::string> where;
+
+  [[nodiscard]] bool isEmpty() const {
+    return !packet && !source && !destination && since.empty() && until.empty() && where.empty();
+  }
+};
+// `message` may be empty. Fails for a wrong option.
+Selection selectionOf(const SelectionOptions& options, const std::string& message);
+
 // Of every command that reads one message.
-struct InputOptions {
+struct InputOptions : SelectionOptions {
   std::string message;
   std::string file = "-";
   InputForm form = InputForm::Guessed;
-  bool isWhole = false;
 };
 
 struct DecodeOptions : InputOptions {
-  ByteText byteText = ByteText::Hex;
+  JsonStyle style{.isWhole = false};
   bool isOnOneLine = false;
   bool isCapture = false;
 };
@@ -58,17 +79,21 @@ struct EncodeOptions {
   bool isFixed = false;
   bool isCompact = false;
   bool isHex = false;
+  bool isCapture = false;
+  std::optional<uint64_t> packet;
 };
 void runEncode(const EncodeOptions& options, Session& session);
 
 struct ExplainOptions : InputOptions {
   bool isHtml = false;
+  bool isWhole = false;
 };
 void runExplain(const ExplainOptions& options, Session& session);
 
 struct DiffOptions : InputOptions {
   std::string second;
   bool isJson = false;
+  bool isWhole = false;
 };
 void runDiff(const DiffOptions& options, Session& session);
 
@@ -83,11 +108,12 @@ struct SenderOptions {
 struct SendOptions : SenderOptions {
   std::string message;
   ByteText byteText = ByteText::Hex;
-  uint64_t extra = 0;
+  std::optional<uint64_t> extra;
 };
 void runSend(const SendOptions& options, Session& session);
 
-struct ReplayOptions : SenderOptions {
+struct ReplayOptions : SenderOptions, SelectionOptions {
+  std::string message;
   double speed = 1;
   double rate = 0;
   bool isAtOnce = false;
@@ -103,17 +129,18 @@ struct ReceiverOptions {
 };
 
 struct ListenOptions : ReceiverOptions {
-  ByteText byteText = ByteText::Hex;
-  bool isWhole = false;
+  JsonStyle style{.isWhole = false};
 };
 void runListen(const ListenOptions& options, Session& session);
 
 struct RecordOptions : ReceiverOptions {
   std::string file;
+  bool isOverwriting = false;
 };
 void runRecord(const RecordOptions& options, Session& session);
 
-struct StatOptions {
+struct StatOptions : SelectionOptions {
+  std::string message;
   std::string file;
   bool isJson = false;
 };
@@ -121,15 +148,20 @@ void runStat(const StatOptions& options, Session& session);
 
 // The words that a shell completes.
 struct CompletionOptions {
+  struct Option {
+    std::string name;
+    std::string description;
+    bool takesValue;
+  };
   struct Command {
     std::string name;
-    std::string options;
+    std::string description;
+    std::vector<Option> options;
   };
 
   std::string shell;
   std::vector<Command> commands;
-  std::string options;           // of the program itself
-  std::string optionsWithValue;  // those of them that take one
+  std::vector<Option> options;  // of the program itself
 };
 void runCompletion(const CompletionOptions& options, Session& session);
 

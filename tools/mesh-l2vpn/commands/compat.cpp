@@ -38,7 +38,7 @@ void readCapture(const std::string& file, const LoadedSchema& old, const LoadedS
       if (!difference.empty() && ++differing <= mostShown) {
         session.say("table " + std::to_string(tables) + ": " + difference);
       }
-      progress.add();
+      progress.add(reader.progress());
     }
   }
   session.say(std::to_string(tables) + " tables, " + std::to_string(differing) +
@@ -50,10 +50,9 @@ void readCapture(const std::string& file, const LoadedSchema& old, const LoadedS
 }  // namespace
 
 void runSchema(const SchemaOptions& options, Session& /*session*/) {
-  std::cout << (options.message.empty() ? schemaDocument(messages())
-                                        : schemaDocument({&messageNamed(options.message), 1}))
-                   .dump(2)
-            << '\n';
+  const Json document = schemaDocument(
+      options.message.empty() ? messages() : std::span(&messageNamed(options.message), 1));
+  std::cout << (options.isJsonSchema ? document["jsonSchema"] : document).dump(2) << '\n';
 }
 
 void runCompat(const CompatOptions& options, Session& session) {

@@ -2,10 +2,11 @@
 
 #include <iostream>
 
-#include "commands/commands.hpp"
-#include "inspect/captures/capture_file.hpp"
+#include "commands/inputs.hpp"
+#include "inspect/json/message_text.hpp"
 #include "inspect/json/raw_table.hpp"
-#include "inspect/messages/codec.hpp"
+#include "inspect/reader/identification.hpp"
+#include "inspect/reader/own_encoding.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/texts/fault_texts.hpp"
 #include "progress.hpp"
@@ -17,17 +18,37 @@ int indentOf(const DecodeOptions& options) {
   return options.isOnOneLine ? -1 : 2;
 }
 
-void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptions& options,
+// Says which messages have exactly these bytes, if the given one does not.
+void sayBetterFit(const KnownMessage& message, const Input& input, Session& session) {
+  if (isOwnEncoding(message, input.bytes)) {
+    return;
+  }
+  std::string names;
+  for (const Candidate& candidate : candidatesFor(input.bytes)) {
+    if (candidate.fit == Fit::Exact) {
+      names.append(names.empty() ? "" : ", ").append(candidate.message->name);
+    }
+  }
+  if (!names.empty()) {
+    session.say(input.name + ": fits better: " + names);
+  }
+}
+
+void decodeAs(const KnownMessage& message, const Input& input, const DecodeOptions& options,
               Session& session) {
+  const Bytes& bytes = input.bytes;
   const Verdict reading = judge(message, bytes);
-  for (const std::string& fault : faultTexts(reading, options.isWhole)) {
-    session.say(fault);
+  for (const std::string& fault : faultTexts(reading, options.style.isWhole)) {
+    session.say(input.name + ": " + fault);
     session.result = Exit::BadInput;
   }
+  sayBetterFit(message, input, session);
   if (!reading.isAccepted()) {
-    throw Failure(Cause::BadInput, "receivers reject this " + std::string(message.name));
+    throw Failure(Cause::BadInput,
+                  input.name + ": receivers reject this " + std::string(message.name));
   }
-  const JsonStyle style{options.byteText, indentOf(options), options.isWhole};
+  JsonStyle style = options.style;
+  style.indent = indentOf(options);
   refuseLongText(message.schema(), bytes, style);
   Text text(std::cout);
   writeMessage(text, message.schema(), bytes, style);
@@ -38,22 +59,29 @@ void decodeAs(const KnownMessage& message, const Bytes& bytes, const DecodeOptio
 // Table by table: takes the memory of one table.
 void decodeCapture(std::unique_ptr<InputFile> file, const DecodeOptions& options,
                    Session& session) {
+  Text text(std::cout);
+  // Whoever reads a growing capture sees each table at once.
+  file->setBeforeWaiting([&text] {
+    text.flush();
+    std::cout.flush();
+  });
+  const std::string name = file->name();
   CaptureReader reader(std::move(file));
-  const KnownMessage* const wanted =
-      options.message.empty() ? nullptr : &messageNamed(options.message);
+  const Selection selection = selectionOf(options, options.message);
+  uint64_t decoded = 0;
   {
     Progress progress(session, "tables");
-    Text text(std::cout);
-    while (const auto table = reader.next()) {
-      if (wanted != nullptr && table->id != wanted->id()) {
-        continue;
-      }
-      if (!writeTable(text, *table, {options.byteText, -1, options.isWhole})) {
+    while (const auto table = nextSelected(reader, selection)) {
+      ++decoded;
+      if (!writeTable(text, *table, options.style)) {
         session.result = Exit::BadInput;
       }
-      progress.add();
+      progress.add(reader.progress());
     }
-    text.flush();
+  }
+  text.flush();
+  if (decoded == 0 && reader.fault().empty()) {
+    session.say(name + ": no such tables, packets: " + std::to_string(reader.packets()));
   }
   reader.throwFault();
 }
@@ -65,11 +93,15 @@ void runDecode(const DecodeOptions& options, Session& session) {
   if (options.isCapture || (options.form == InputForm::Guessed && isCapture(*file))) {
     return decodeCapture(std::move(file), options, session);
   }
-  const Bytes bytes = readBytes(*file, options.form);
-  if (options.message.empty()) {
-    std::cout << identification(bytes).dump(indentOf(options)) << '\n';
-  } else {
-    decodeAs(messageNamed(options.message), bytes, options, session);
+  refuseSelection(options, options.file);
+  const Input input{options.file, readBytes(*file, options.form), nullptr, nullptr};
+  if (!options.message.empty()) {
+    return decodeAs(messageNamed(options.message), input, options, session);
+  }
+  try {
+    std::cout << identification(input.bytes).dump(indentOf(options)) << '\n';
+  } catch (const Failure& failure) {
+    throw Failure(failure.cause(), input.name + ": " + failure.what());
   }
 }
 

@@ -2,16 +2,18 @@
 
 #include <iostream>
 
-#include "commands/commands.hpp"
-#include "inspect/reader/identification.hpp"
+#include "commands/inputs.hpp"
 #include "inspect/reader/table_reader.hpp"
 #include "inspect/texts/explanation.hpp"
 #include "inspect/texts/html_page.hpp"
 
 namespace tool {
+
 void runExplain(const ExplainOptions& options, Session& session) {
-  const std::vector<uint8_t> bytes = readBytes(options.file, options.form);
-  const auto [message, note] = chooseMessage(options.message, bytes);
+  const Input input =
+      readInput(std::make_unique<InputFile>(options.file), options.form, options.packet);
+  const std::vector<uint8_t>& bytes = input.bytes;
+  const auto [message, note] = chosenMessage(options.message, input);
   session.say(note);
   const Reading reading = readTable(message, bytes);
   if (options.isHtml) {

@@ -22,9 +22,7 @@ void runListen(const ListenOptions& options, Session& session) {
   };
   receiveAll(
       node, options,
-      [&](const Table& table) {
-        print([&] { writeTable(text, table, {options.byteText, -1, options.isWhole}); });
-      },
+      [&](const Table& table) { print([&] { writeTable(text, table, options.style); }); },
       [&] {
         print([&] {
           text.flush();

@@ -70,20 +70,21 @@ void send(Node& node, uint32_t destination, const Table& table, uint64_t sentBef
 
 void runReplay(const ReplayOptions& options, Session& session) {
   catchInterruptions();
+  const Selection selection = selectionOf(options, options.message);
   CaptureReader reader(options.file);
   Node node(options.middleware, sendingAddress(options.from));
   Pace pace(options);
   uint64_t sent = 0;
   {
     Progress progress(session, "tables");
-    while (const auto table = reader.next()) {
+    while (const auto table = nextSelected(reader, selection)) {
       pace.waitFor(*table);
       if (isInterrupted()) {
         break;
       }
       send(node, options.to.value_or(table->destination), *table, sent);
       ++sent;
-      progress.add();
+      progress.add(reader.progress());
     }
   }
   try {

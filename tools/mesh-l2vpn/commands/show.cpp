@@ -1,4 +1,4 @@
-// show: shows one message.
+// show: shows one message. template: a record of it to fill in.
 
 #include <iostream>
 
@@ -12,6 +12,21 @@ namespace {
 
 std::string cell(const Json& value) {
   return value.is_null() ? "-" : value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+// Fields of nested tables are named by their path.
+void addRows(TextTable& table, const Json& slots, const std::string& path) {
+  for (const Json& slot : slots) {
+    const bool hasCount = !slot["countOffset"].is_null();
+    const std::string name = path + slot["name"].get<std::string>();
+    table.add({cell(slot["slot"]), name, slot["kind"],
+               hasCount ? cell(slot["countOffset"]) + ", " + cell(slot["recordOffset"])
+                        : cell(slot["recordOffset"]),
+               cell(slot["fixedPosition"])});
+    if (slot.contains("slots")) {
+      addRows(table, slot["slots"], name + (hasCount ? "[]." : "."));
+    }
+  }
 }
 
 std::string textOf(const KnownMessage& message, const Session& session) {
@@ -29,13 +44,7 @@ std::string textOf(const KnownMessage& message, const Session& session) {
   line("fixed", facts["fixedSize"].is_null() ? "none" : cell(facts["fixedSize"]) + " bytes");
   line("fingerprint", facts["fingerprint"]);
   TextTable table({"slot", "name", "kind", "record offset", "fixed position"});
-  for (const Json& slot : facts["slots"]) {
-    const bool hasCount = !slot["countOffset"].is_null();
-    table.add({cell(slot["slot"]), slot["name"], slot["kind"],
-               hasCount ? cell(slot["countOffset"]) + ", " + cell(slot["recordOffset"])
-                        : cell(slot["recordOffset"]),
-               cell(slot["fixedPosition"])});
-  }
+  addRows(table, facts["slots"], "");
   return text + '\n' + table.text(session.colors());
 }
 
@@ -45,6 +54,10 @@ void runShow(const ShowOptions& options, Session& session) {
   const KnownMessage& message = messageNamed(options.message);
   std::cout << (options.isJson ? describeWithSlots(message).dump(2) + '\n'
                                : textOf(message, session));
+}
+
+void runTemplate(const TemplateOptions& options, Session& /*session*/) {
+  std::cout << templateOf(messageNamed(options.message).schema()).dump(2) << '\n';
 }
 
 }  // namespace tool

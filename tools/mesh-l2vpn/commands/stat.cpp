@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "commands/commands.hpp"
+#include "inspect/bytes/interruption.hpp"
 #include "inspect/captures/capture_file.hpp"
 #include "inspect/captures/statistics.hpp"
 #include "inspect/json/record_json.hpp"
@@ -113,13 +114,16 @@ void printJson(const Statistics& statistics, const CaptureReader& reader) {
 }  // namespace
 
 void runStat(const StatOptions& options, Session& session) {
+  // The user ends the reading of a growing capture.
+  catchInterruptions();
+  const Selection selection = selectionOf(options, options.message);
   CaptureReader reader(options.file);
   Statistics statistics;
   {
     Progress progress(session, "tables");
-    while (const auto table = reader.next()) {
+    while (const auto table = nextSelected(reader, selection)) {
       statistics.add(*table);
-      progress.add();
+      progress.add(reader.progress());
     }
   }
   if (options.isJson) {
