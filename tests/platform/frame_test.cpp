@@ -404,14 +404,14 @@ TEST_F(Node, CallsTheUnknownHook) {
   mesh_node_options options = defaults();
   options.unknown_user = &unknown;
   options.unknown = [](uint32_t source, uint32_t id, const uint8_t* data, uint32_t length,
-                       uint64_t extra, void* user) {
+                       void* user) {
     static_cast<std::vector<Received>*>(user)->push_back(
-        {source, id, extra, std::string(reinterpret_cast<const char*>(data), length), 0});
+        {source, id, 0, std::string(reinterpret_cast<const char*>(data), length), 0});
   };
   const OpenNode node = open(own, options);
-  ASSERT_EQ(sendNotes(own, {"what", "is this"}, 9, 0xDEAD), MESH_OK);
+  ASSERT_EQ(sendNotes(own, {"what", "is this"}, 0, 0xDEAD), MESH_OK);
   EXPECT_EQ(receiveUntil(node, &mesh_node_statistics::unknown_identifiers, 2), 2u);
-  const std::vector<Received> expected{{own, 0xDEAD, 9, "what", 0}, {own, 0xDEAD, 9, "is this", 0}};
+  const std::vector<Received> expected{{own, 0xDEAD, 0, "what", 0}, {own, 0xDEAD, 0, "is this", 0}};
   EXPECT_EQ(unknown, expected);
 }
 

@@ -62,7 +62,7 @@ typedef enum mesh_transport {
 
 /* Called for a received table without a hook. `data` is valid during the call only. */
 typedef void (*mesh_unknown_hook)(uint32_t source, uint32_t msg_id, const uint8_t* data,
-                                  uint32_t length, uint64_t extra, void* user);
+                                  uint32_t length, void* user);
 
 typedef enum mesh_peer_change {
   MESH_PEER_UP = 0,         /* a first call or answer of the peer, or a connection to it */

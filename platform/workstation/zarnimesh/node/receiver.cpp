@@ -126,8 +126,7 @@ int64_t Receiver::deliver(const Handler& handler) {
     if (handler.decodes && !findHook(entry.id)) {
       statistics_.unknownIdentifiers.add(1);
       if (settings_.unknown != nullptr) {
-        settings_.unknown(header.source, entry.id, table, entry.length, header.extra,
-                          settings_.unknownUser);
+        settings_.unknown(header.source, entry.id, table, entry.length, settings_.unknownUser);
       }
       continue;
     }
