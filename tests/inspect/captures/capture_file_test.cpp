@@ -1,4 +1,4 @@
-// Captures round-trip, and are read up to the first fault.
+// Captures round-trip. Damage costs what is in the damaged block.
 
 #include "inspect/captures/capture_file.hpp"
 

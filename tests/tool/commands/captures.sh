@@ -143,6 +143,9 @@ expect_text out "extra  8      9"
 expect_text err "299 pairs of tables, differences: 2"
 expect_exit 1 "$tool" diff --json edit.pcapng edited.pcapng
 expect_text out '"only": "first"'
+[ "$(python3 -c 'import json; print(len(json.load(open("out"))))')" -eq 2 ] || fail "diff --json writes no array of two"
+expect_exit 0 "$tool" diff --json edit.pcapng edit.pcapng
+python3 -c 'import json; assert json.load(open("out")) == []' || fail "diff --json of equal captures is no empty array"
 for line in '{}' '{"message": "l2vpn_sync_stp"}' '{"message": "l2vpn_sync_stp", "recrod": {}}' \
             '{"message": "l2vpn_sync_stp", "identifier": 1, "record": {}}' \
             '{"message": "l2vpn_sync_stp", "time": "now", "record": {}}' '[]' 'x'; do

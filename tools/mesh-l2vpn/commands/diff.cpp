@@ -160,6 +160,7 @@ class CaptureComparison {
         other_(std::move(other), selection_) {}
 
   void run() {
+    std::cout << (options_.isJson ? "[" : "");
     while (!one_.tables().empty() || !other_.tables().empty()) {
       if (other_.tables().empty()) {
         alone(one_, "first");
@@ -177,9 +178,7 @@ class CaptureComparison {
         }
       }
     }
-    if (options_.isJson) {
-      std::cout << found_.dump(2) << '\n';
-    }
+    std::cout << (options_.isJson ? "\n]\n" : "");
     session_.result = count_ == 0 ? Exit::Success : Exit::BadInput;
     session_.say(std::to_string(pairs_) +
                  " pairs of tables, differences: " + std::to_string(count_));
@@ -192,11 +191,16 @@ class CaptureComparison {
     ++count_;
     const Table& table = window.tables().front().table;
     if (options_.isJson) {
-      found_.push_back({{"only", side}, {"packet", table.packet}, {"message", nameOf(table)}});
+      printItem({{"only", side}, {"packet", table.packet}, {"message", nameOf(table)}});
     } else {
       std::cout << titleOf(table) << ": only in the " << side << '\n';
     }
     window.drop();
+  }
+
+  // As an item of an array.
+  void printItem(const Json& found) const {
+    std::cout << (count_ == 1 ? "\n" : ",\n") << found.dump(2);
   }
 
   void pair() {
@@ -236,11 +240,11 @@ class CaptureComparison {
           {"extra", std::to_string(one.table.extra), std::to_string(other.table.extra)});
     }
     if (options_.isJson) {
-      found_.push_back({{"packet", one.table.packet},
-                        {"secondPacket", other.table.packet},
-                        {"message", nameOf(one.table)}});
-      found_.back().update(differenceJson(fields, {}, one.bytes.size(), other.bytes.size()));
-      return;
+      Json found = {{"packet", one.table.packet},
+                    {"secondPacket", other.table.packet},
+                    {"message", nameOf(one.table)}};
+      found.update(differenceJson(fields, {}, one.bytes.size(), other.bytes.size()));
+      return printItem(found);
     }
     std::cout << titleOf(one.table) << ", and packet " << other.table.packet << ":\n";
     print(fields, {}, session_);
@@ -256,7 +260,6 @@ class CaptureComparison {
   Window other_;
   uint64_t pairs_ = 0;
   uint64_t count_ = 0;
-  Json found_ = Json::array();
 };
 
 }  // namespace
