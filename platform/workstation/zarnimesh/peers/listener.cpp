@@ -96,7 +96,7 @@ mesh_result Listener::bind(const std::string& endpoint) {
       return result;
     }
   }
-  if (zmq_bind(socket_.handle(), endpoint.c_str()) != 0) {
+  if (uninterrupted([&] { return zmq_bind(socket_.handle(), endpoint.c_str()); }) != 0) {
     return failFromTransport(endpoint.c_str());
   }
   bound_ = endpoint;
@@ -164,7 +164,8 @@ void Listener::stopListening() {
   }
   Socket watcher =
       watchEvents(context_->handle(), socket_, ZMQ_EVENT_CLOSED | ZMQ_EVENT_CLOSE_FAILED);
-  if (zmq_unbind(socket_.handle(), endpoint.c_str()) == 0 && watcher) {
+  if (uninterrupted([&] { return zmq_unbind(socket_.handle(), endpoint.c_str()); }) == 0 &&
+      watcher) {
     const auto end = std::chrono::steady_clock::now() + closingTime;
     while (!nextEvent(watcher) && std::chrono::steady_clock::now() < end) {
       zmq_pollitem_t item{.socket = watcher.handle(), .fd = 0, .events = ZMQ_POLLIN, .revents = 0};

@@ -73,7 +73,7 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   const uint64_t route = ++latestRoute_;
   if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, routeName(route)) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
-      zmq_connect(socket_.handle(), endpoint.c_str()) != 0) {
+      uninterrupted([&] { return zmq_connect(socket_.handle(), endpoint.c_str()); }) != 0) {
     return failFromTransport(endpoint.c_str());
   }
   char name[endpointSize] = {};

@@ -44,7 +44,8 @@ Authenticator::~Authenticator() {
 
 mesh_result Authenticator::start(void* context) {
   Socket socket(zmq_socket(context, ZMQ_REP));
-  if (!socket || !socket.set(ZMQ_LINGER, 0) || zmq_bind(socket.handle(), endpoint) != 0) {
+  if (!socket || !socket.set(ZMQ_LINGER, 0) ||
+      uninterrupted([&] { return zmq_bind(socket.handle(), endpoint); }) != 0) {
     return failFromTransport("authenticator");
   }
   thread_ = std::thread([this, owned = std::move(socket)] { serve(owned.handle()); });

@@ -7,21 +7,6 @@
 
 namespace zarnimesh {
 
-namespace {
-
-// A signal makes also those calls of ZeroMQ fail that do not wait. A part that then is missing
-// would make the next message a part of this one.
-template <typename Call>
-int uninterrupted(Call&& call) {
-  int result = 0;
-  do {
-    result = call();
-  } while (result < 0 && zmq_errno() == EINTR);
-  return result;
-}
-
-}  // namespace
-
 mesh_result failFromTransport(const char* what) {
   const int error = zmq_errno();
   mesh_result result = MESH_SYSTEM_ERROR;
@@ -43,13 +28,13 @@ Socket watchEvents(void* context, Socket& watched, int events) {
   char endpoint[64];
   std::snprintf(endpoint, sizeof endpoint, "inproc://zarnimesh-events-%llu",
                 static_cast<unsigned long long>(counter.fetch_add(1)));
-  if (zmq_socket_monitor(watched.handle(), endpoint, events) != 0) {
+  if (uninterrupted([&] { return zmq_socket_monitor(watched.handle(), endpoint, events); }) != 0) {
     return {};
   }
   Socket watcher(zmq_socket(context, ZMQ_PAIR));
   // No limit: events are read only during sends and receives. ZeroMQ's I/O thread must not block.
   if (!watcher || !watcher.set(ZMQ_RCVHWM, 0) || !watcher.set(ZMQ_LINGER, 0) ||
-      zmq_connect(watcher.handle(), endpoint) != 0) {
+      uninterrupted([&] { return zmq_connect(watcher.handle(), endpoint); }) != 0) {
     zmq_socket_monitor(watched.handle(), nullptr, 0);
     return {};
   }

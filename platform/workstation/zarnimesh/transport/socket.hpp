@@ -3,6 +3,7 @@
 
 #include <zmq.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -88,6 +89,18 @@ class MessagePart {
 
   zmq_msg_t message_;
 };
+
+// Repeats a call of ZeroMQ that a signal interrupted. Also calls that do not wait fail then, before
+// they have had an effect. A part of a message that were missing would make the next message a part
+// of this one.
+template <typename Call>
+int uninterrupted(Call&& call) {
+  int result = 0;
+  do {
+    result = call();
+  } while (result < 0 && zmq_errno() == EINTR);
+  return result;
+}
 
 // A ROUTER socket names each connection. Nodes choose the names of those that they open; ZeroMQ
 // chooses the others. Both have five bytes, which fit into a number.
