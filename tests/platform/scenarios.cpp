@@ -144,8 +144,8 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   options.receive_queue_calls = life.receiveQueue;
   options.linger_ms = 20'000;
   mesh_node* node = nullptr;
-  // A predecessor may still be ending, and lingers.
-  const auto end = steady_clock::now() + std::chrono::seconds(30);
+  // A predecessor may still be ending.
+  const auto end = steady_clock::now() + std::chrono::seconds(10);
   mesh_result result = MESH_OK;
   while ((result = mesh_node_open(life.address, &options, &node)) != MESH_OK &&
          steady_clock::now() < end) {
