@@ -12,7 +12,9 @@ git ls-files -z -- '*.c' '*.h' '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run
 
 if [ "${1:-}" = --lint ]; then
   tools/setup.sh clang-tidy clang cmake ninja-build
-  cmake --preset clang -B build/lint -DBUILD_TESTING=OFF >/dev/null
+  # clang-tidy cannot read a precompiled header that nobody built.
+  cmake --preset clang -B build/lint -DBUILD_TESTING=OFF -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON \
+    >/dev/null
   files=("${@:2}")
   [ ${#files[@]} -gt 0 ] || files=('host/*.cpp' 'wire/*.cpp' 'msg/*.cpp' 'l2vpn_*/*.cpp')
   git ls-files -z -- "${files[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/lint --quiet
