@@ -1,9 +1,13 @@
 // What a node tells of its peers: changes, counts, gaps, water marks, and when to receive.
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -304,11 +308,44 @@ TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {
     expectConfirmed(sender, 0);
     receiver.stop();
     EXPECT_TRUE(events.has(MESH_PEER_DOWN, 2)) << (tcp ? "tcp" : "ipc");
+    EXPECT_EQ(sendNotes(2, {"b"}), MESH_NO_DESTINATION);
     receiver.resume();
+    const Deadline deadline;
+    while (peerOf(sender, 2).connected == 0 && !deadline.passed()) {
+      std::this_thread::sleep_for(milliseconds(5));
+    }
+    EXPECT_EQ(sendNotes(2, {"c"}), MESH_OK) << mesh_node_last_error();
+    expectConfirmed(sender, 0);
     receiver.closeInput();
+    EXPECT_EQ(receiver.readLine(), "calls 2 lost 0 missed 0 malformed 0");
     EXPECT_EQ(receiver.wait(), MESH_OK);
     ASSERT_EQ(sender.close(), MESH_OK);
   }
+}
+
+TEST_F(Peers, AreAskedByTheKernelOverTcp) {
+  const std::string book = "1 " + tcpEndpoint(freePort()) + "\n2 " + tcpEndpoint(freePort()) + "\n";
+  mesh_node_options options = defaults();
+  options.address_book = book.c_str();
+  options.heartbeat_ms = 1500;
+  const OpenNode receiver = open(2, options);
+  const OpenNode sender = open(1, options);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
+  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+  std::vector<int> idle;  // seconds, of the connections that are asked
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const int file = std::stoi(entry.path().filename());
+    const auto option = [&](int level, int name) {
+      int value = 0;
+      socklen_t size = sizeof value;
+      return getsockopt(file, level, name, &value, &size) == 0 ? value : 0;
+    };
+    if (option(SOL_SOCKET, SO_ACCEPTCONN) == 0 && option(SOL_SOCKET, SO_KEEPALIVE) == 1) {
+      idle.push_back(option(IPPROTO_TCP, TCP_KEEPIDLE));
+    }
+  }
+  EXPECT_EQ(idle, std::vector<int>{2});
 }
 
 TEST_F(Peers, WakeAPoll) {

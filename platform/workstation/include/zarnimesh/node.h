@@ -108,8 +108,9 @@ typedef struct mesh_node_options {
   void* unknown_user;            /* passed to `unknown` */
   uint32_t queue_bytes;          /* 67108864: bytes of tables in each of these queues. A single call
                                     may exceed it */
-  uint32_t heartbeat_ms; /* 5000: connections over tcp and ipc end when the peer's machine or
-                            process has not answered for three of these times. 0: never */
+  uint32_t heartbeat_ms; /* 5000: a receiver over tcp or ipc that has not answered for three of
+                            these times counts as gone until it answers; a tcp connection ends
+                            when the sender's machine has not. 0: never */
   uint32_t io_threads;   /* 1: of ZeroMQ, from 1 to 64. The process's first open node decides */
   mesh_peer_hook peer;   /* null: nobody is told */
   void* peer_user;       /* passed to `peer` */

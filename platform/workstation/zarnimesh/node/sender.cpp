@@ -134,7 +134,7 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
     if (const mesh_result result = outgoing_.connect(destination); result != MESH_OK) {
       return result;
     }
-    const bool present = destination.link.present;
+    const bool present = destination.link.present();
     if (present && destination.hasRoom(header.bytes)) {
       destination.number(header);
       if (push(destination, header, message)) {
@@ -244,6 +244,9 @@ void Sender::tend() {
   const Lock lock(mutex_, std::try_to_lock);
   if (lock && !closing_) {
     update();
+    for (Destination* const destination : outgoing_.unheard()) {
+      sync(*destination, false);
+    }
     if (waiting_ > 0) {
       changed_.notify_all();
     }
@@ -282,7 +285,7 @@ uint64_t Sender::waitForArrival(Lock& lock) {
   const Clock::time_point start = Clock::now();
   const Clock::time_point end = start + settings_.linger;
   for (const auto& [address, destination] : outgoing_.destinations()) {
-    if (destination->link.present) {
+    if (destination->link.present()) {
       sync(*destination, true);
     }
   }
@@ -294,7 +297,7 @@ uint64_t Sender::waitForArrival(Lock& lock) {
       missing += destination->missing();
       const bool awaited = destination->unconfirmed() > 0 || now < start + farewell;
       mayArrive =
-          mayArrive || (destination->link.present && !destination->knowsOfClosing() && awaited);
+          mayArrive || (destination->link.present() && !destination->knowsOfClosing() && awaited);
     }
     if (!mayArrive || now >= end) {
       return missing;
@@ -316,7 +319,7 @@ void Sender::describe(PeerTable& peers) {
   const Lock lock(mutex_);
   for (const auto& [address, destination] : outgoing_.destinations()) {
     mesh_peer_statistics& peer = peerAt(peers, address);
-    peer.connected = destination->link.present ? 1 : 0;
+    peer.connected = destination->link.present() ? 1 : 0;
     peer.sent_calls = destination->sent();
     peer.sent_bytes = destination->sentBytes();
     peer.unconfirmed_calls = destination->unconfirmed();

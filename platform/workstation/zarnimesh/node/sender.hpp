@@ -35,7 +35,7 @@ class Sender {
   [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
                                  uint32_t count, uint64_t extra, const Patience& patience);
 
-  // Takes what receivers told, if no other thread is doing that.
+  // Takes what receivers told, and asks those that were not heard, if no other thread is sending.
   void tend();
 
   // What to wait for; -1 for none. `isBehind`: tend() may have something to do without that.

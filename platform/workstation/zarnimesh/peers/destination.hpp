@@ -61,7 +61,7 @@ class Destination {
   bool knowsOfClosing() const { return knowsOfClosing_; }
   // Calls that this node must count when it closes.
   uint64_t missing() const {
-    return lost() + (link.present || knowsOfClosing_ ? notArrived() : unconfirmed());
+    return lost() + (link.present() || knowsOfClosing_ ? notArrived() : unconfirmed());
   }
   // Calls that the receiver has not told to have arrived.
   uint64_t notArrived() const { return numbered_ - arrived_; }
@@ -73,7 +73,11 @@ class Destination {
     uint64_t route = 0;       // ZeroMQ's name of the connection; 0 before the first
     std::string connectedTo;  // as ZeroMQ's events name the endpoint
     uint64_t generation = 0;  // inproc: of the connected receiver
-    bool present = false;     // a receiver is connected, as far as the events tell
+    bool connected = false;   // as far as ZeroMQ's events tell
+    bool silent = false;      // connected, but does not answer
+    std::optional<Clock::time_point> asked{};  // since the receiver was heard last
+
+    bool present() const { return connected && !silent; }
   } link;
   // A call found no receiver. The next one does not wait until there is a sign of one.
   bool givenUp = false;

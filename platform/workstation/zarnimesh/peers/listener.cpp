@@ -77,7 +77,7 @@ mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
   // Credit bounds the queues, and the node takes what arrives even if nobody receives. ZeroMQ would
   // lose what the kernel still holds if a peer ended while its queue were full.
   if (!socket_ || !socket_.set(ZMQ_RCVHWM, 0) || !socket_.set(ZMQ_LINGER, lingerMs) ||
-      !socket_.set(ZMQ_ROUTER_MANDATORY, 1) || !setHeartbeat(socket_, settings.heartbeat) ||
+      !socket_.set(ZMQ_ROUTER_MANDATORY, 1) || !setKeepAlive(socket_, settings.heartbeat) ||
       !socket_.set(ZMQ_MAXMSGSIZE, static_cast<int64_t>(settings.messageLimit())) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0)) {
     return failFromTransport(endpoint.c_str());

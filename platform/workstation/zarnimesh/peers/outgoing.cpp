@@ -85,7 +85,7 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
       .route = route, .connectedTo = name, .generation = destination.link.generation};
   byRoute_.emplace(route, &destination);
   if (inproc) {
-    setPresent(destination, true);
+    setLink(destination, true, false);
   }
   return MESH_OK;
 }
@@ -100,8 +100,7 @@ mesh_result Outgoing::openSocket() {
   if (!socket || !socket.set(ZMQ_SNDHWM, 0) || !socket.set(ZMQ_RCVHWM, 0) ||
       // Calls are confirmed before the socket is closed, or are counted as undelivered.
       !socket.set(ZMQ_LINGER, 0) || !socket.set(ZMQ_ROUTER_MANDATORY, 1) ||
-      !socket.set(ZMQ_MAXMSGSIZE, largestAnswer) || !setHeartbeat(socket, settings_.heartbeat) ||
-      !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
+      !socket.set(ZMQ_MAXMSGSIZE, largestAnswer) || !socket.set(ZMQ_RECONNECT_IVL, reconnectMs) ||
       zmq_getsockopt(socket.handle(), ZMQ_FD, &stateFile_, &size) != 0) {
     return failFromTransport("sending socket");
   }
@@ -161,7 +160,7 @@ void Outgoing::disconnect(Destination& destination) {
   // The receiver's last words may be here.
   std::vector<Destination*> ignored;
   takeStates(ignored);
-  setPresent(destination, false);
+  setLink(destination, false, false);
   byRoute_.erase(destination.link.route);
   destination.link = {};
 }
@@ -181,7 +180,7 @@ void Outgoing::checkInproc(std::vector<Destination*>& connected) {
       disconnect(*destination);
     }
     if (destination->link.route == 0 && destination->unconfirmed() > 0 &&
-        connect(*destination) == MESH_OK && destination->link.present) {
+        connect(*destination) == MESH_OK && destination->link.present()) {
       connected.push_back(destination.get());
     }
   }
@@ -216,8 +215,8 @@ std::vector<Destination*> Outgoing::update() {
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     for (const auto& [address, destination] : destinations_) {
       if (destination->link.connectedTo == event->endpoint) {
-        setPresent(*destination, event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED);
-        if (destination->link.present) {
+        setLink(*destination, event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED, false);
+        if (destination->link.present()) {
           connected.push_back(destination.get());
         }
       }
@@ -226,12 +225,40 @@ std::vector<Destination*> Outgoing::update() {
   return connected;
 }
 
-void Outgoing::setPresent(Destination& destination, bool present) {
-  if (destination.link.present != present) {
-    peerEvents_.add(present ? MESH_PEER_UP : MESH_PEER_DOWN, destination.address());
+std::vector<Destination*> Outgoing::unheard() {
+  std::vector<Destination*> quiet;
+  const auto now = Destination::Clock::now();
+  if (settings_.heartbeat.count() == 0 || now < nextBeat_) {
+    return quiet;
   }
-  destination.link.present = present;
-  destination.givenUp = destination.givenUp && !present;
+  nextBeat_ = now + settings_.heartbeat / 4;
+  for (const auto& [address, destination] : destinations_) {
+    Destination::Link& link = destination->link;
+    if (!link.connected || destination->endpoint().transport == Transport::Inproc) {
+      continue;
+    }
+    if (!link.asked && now - destination->heardAt() > settings_.heartbeat) {
+      link.asked = now;
+      quiet.push_back(destination.get());
+    } else if (link.asked && now - *link.asked > 2 * settings_.heartbeat) {
+      setLink(*destination, true, true);
+    }
+  }
+  return quiet;
+}
+
+void Outgoing::setLink(Destination& destination, bool connected, bool silent) {
+  Destination::Link& link = destination.link;
+  const bool wasPresent = link.present();
+  link.connected = connected;
+  link.silent = silent;
+  if (!silent) {
+    link.asked.reset();
+  }
+  if (link.present() != wasPresent) {
+    peerEvents_.add(wasPresent ? MESH_PEER_DOWN : MESH_PEER_UP, destination.address());
+  }
+  destination.givenUp = destination.givenUp && !link.present();
 }
 
 void Outgoing::tellWater(Destination& destination) {
@@ -254,6 +281,7 @@ Destination* Outgoing::takeState(uint64_t route, const MessagePart& message) {
   }
   Destination& destination = *found->second;
   const bool restarted = destination.note(*state, first);
+  setLink(destination, destination.link.connected, false);
   if (restarted) {
     peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
   }

@@ -45,6 +45,10 @@ class Outgoing {
   // connected, or at which a new receiver answered.
   std::vector<Destination*> update();
 
+  // Returns the receivers that were not heard for the time of a heartbeat, to be asked. Those that
+  // did not answer for two more count as gone, until they answer. Over inproc nobody is asked.
+  std::vector<Destination*> unheard();
+
   // Over inproc ZeroMQ tells nothing: looks for receivers that ended, and connects to successors of
   // those that left calls unconfirmed. Costs nothing if no receiver came or went.
   void checkInproc(std::vector<Destination*>& connected);
@@ -68,7 +72,7 @@ class Outgoing {
   // Returns the destination if another node answered there before.
   Destination* takeState(uint64_t route, const MessagePart& message);
   void disconnect(Destination& destination);
-  void setPresent(Destination& destination, bool present);
+  void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
 
   const Settings& settings_;
@@ -80,8 +84,9 @@ class Outgoing {
   int eventFile_ = -1;
   uint64_t latestRoute_ = 0;
   uint64_t inprocVersion_ = 0;
-  Destinations destinations_;      // never removed
-  Destination* latest_ = nullptr;  // found last
+  Destination::Clock::time_point nextBeat_{};  // unheard() looks again then
+  Destinations destinations_;                  // never removed
+  Destination* latest_ = nullptr;              // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
 };
 

@@ -18,9 +18,11 @@ mesh_result failFromTransport(const char* what) {
   return fail(result, "%s: %s", what, zmq_strerror(error));
 }
 
-bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval) {
-  const auto time = static_cast<int>(interval.count());
-  return socket.set(ZMQ_HEARTBEAT_IVL, time) && socket.set(ZMQ_HEARTBEAT_TIMEOUT, 2 * time);
+bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval) {
+  const auto time = static_cast<int>(std::chrono::ceil<std::chrono::seconds>(interval).count());
+  return time == 0 ||
+         (socket.set(ZMQ_TCP_KEEPALIVE, 1) && socket.set(ZMQ_TCP_KEEPALIVE_IDLE, time) &&
+          socket.set(ZMQ_TCP_KEEPALIVE_INTVL, time) && socket.set(ZMQ_TCP_KEEPALIVE_CNT, 2));
 }
 
 Socket watchEvents(void* context, Socket& watched, int events) {

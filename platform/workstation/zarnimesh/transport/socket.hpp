@@ -116,8 +116,10 @@ std::optional<uint64_t> readRoute(std::span<const uint8_t> name);
 // Takes the next part, if there is one. Does not wait.
 [[nodiscard]] bool takePart(MessagePart& part, Socket& socket);
 
-// Ends connections whose peer has not answered for three times `interval`. 0: never.
-[[nodiscard]] bool setHeartbeat(Socket& socket, std::chrono::milliseconds interval);
+// Over tcp, ends connections whose peer's machine has not answered for three times `interval`, in
+// whole seconds. 0: never. ZeroMQ's own heartbeats end the process if one is due at a connection
+// that is being closed and whose peer has ended.
+[[nodiscard]] bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval);
 
 // The result for a failed ZeroMQ call, from its errno.
 [[nodiscard]] mesh_result failFromTransport(const char* what);
