@@ -75,9 +75,11 @@ Parties openParties(const Setup& setup, uint32_t first, uint32_t count) {
   return parties;
 }
 
+// All at once: each node that closes waits until its receivers know of it.
 void closeParties(const Parties& parties) {
+  std::vector<std::jthread> closing;
   for (const auto& party : parties) {
-    party->close();
+    closing.emplace_back([&party] { party->close(); });
   }
 }
 
