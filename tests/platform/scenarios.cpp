@@ -149,6 +149,11 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   mesh_result result = MESH_OK;
   while ((result = mesh_node_open(life.address, &options, &node)) != MESH_OK &&
          steady_clock::now() < end) {
+    if (life.command.load() == Command::Close) {
+      // A successor may have taken the address.
+      life.state.store(State::Closed);
+      return true;
+    }
     std::this_thread::sleep_for(milliseconds(2));
   }
   if (result != MESH_OK) {
