@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -320,6 +321,25 @@ TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {
     EXPECT_EQ(receiver.readLine(), "calls 2 lost 0 missed 0 malformed 0");
     EXPECT_EQ(receiver.wait(), MESH_OK);
     ASSERT_EQ(sender.close(), MESH_OK);
+  }
+}
+
+TEST_F(Peers, MayEndWhileANodeWithQuickHeartbeatsCloses) {
+  mesh_node_options options = defaults();
+  options.heartbeat_ms = 1;
+  for (int round = 0; round < 20; ++round) {
+    OpenNode receiver = open(2, options);
+    std::vector<std::unique_ptr<ChildProcess>> senders;
+    for (const char* address : {"3", "4", "5", "6"}) {
+      senders.push_back(std::make_unique<ChildProcess>(peer({"stream", address, "2", "1"})));
+      ASSERT_EQ(senders.back()->readLine(), "ready");
+    }
+    ASSERT_FALSE(receiveNotes(receiver, 10).empty());
+    std::thread closing([&] { ASSERT_EQ(receiver.close(), MESH_OK); });
+    for (const auto& sender : senders) {
+      sender->kill();
+    }
+    closing.join();
   }
 }
 
