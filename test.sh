@@ -9,7 +9,8 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(nproc)}"
+# Many tests wait for others.
+export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$(($(nproc) + 1))}"
 tools/setup.sh g++ cmake ninja-build binutils libgtest-dev libzmq3-dev libcli11-dev \
   nlohmann-json3-dev python3 pkg-config abigail-tools
 installed=$SECONDS
