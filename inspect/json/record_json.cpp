@@ -211,9 +211,9 @@ OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText for
   return record;
 }
 
-OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form) {
+OwnedRecord fromJson(const KnownMessage& message, const Json& json) {
   uint64_t memory = 0;
-  return fromJson(message, json, form, memory);
+  return fromJson(message, json, ByteText::Hex, memory);
 }
 
 std::vector<uint8_t> encodeJson(const KnownMessage& message, std::string_view json, ByteText form,

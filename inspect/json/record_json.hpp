@@ -25,7 +25,8 @@ Json toJson(const mesh::wire::Schema& schema, const uint8_t* record, const JsonS
 // lengths. `memory` is what the call has taken of its memory; what the record takes is added.
 OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form,
                      uint64_t& memory);
-OwnedRecord fromJson(const KnownMessage& message, const Json& json, ByteText form = ByteText::Hex);
+// The same for byte strings of hexadecimal digits.
+OwnedRecord fromJson(const KnownMessage& message, const Json& json);
 
 // The message of a record in JSON.
 std::vector<uint8_t> encodeJson(const KnownMessage& message, std::string_view json, ByteText form,

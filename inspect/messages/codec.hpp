@@ -28,9 +28,6 @@ Bytes encode(const OwnedRecord& record, Form form, uint64_t taken = 0);
 inline Bytes encodeCompact(const OwnedRecord& record) {
   return encode(record, Form::Compact);
 }
-inline Bytes encodeAsSent(const OwnedRecord& record) {
-  return encode(record, Form::AsSent);
-}
 inline Bytes encodeFixed(const OwnedRecord& record) {
   return encode(record, Form::Fixed);
 }

@@ -16,7 +16,7 @@ struct Path {
   // "f1[2].f3"; empty for the root.
   [[nodiscard]] std::string text() const {
     if (holder == nullptr) {
-      return "";
+      return {};
     }
     const std::string before = holder->text();
     if (slot == nullptr) {

@@ -81,7 +81,8 @@ TEST(Base64, RejectsInvalidText) {
 TEST(Base64, EncodesRecordBytes) {
   const KnownMessage& message = messageNamed("dbginfo_key_l2vpn");
   const Json json = parseJson(R"({"f0":0,"f1":0,"f2":0,"f3":"Zm9vYg=="})");
-  const OwnedRecord record = fromJson(message, json, ByteText::Base64);
+  uint64_t memory = 0;
+  const OwnedRecord record = fromJson(message, json, ByteText::Base64, memory);
   EXPECT_EQ(toJson(message.schema(), record.data())["f3"], "666f6f62");
   EXPECT_EQ(toJson(message.schema(), record.data(), {.byteText = ByteText::Base64}), json);
 }
@@ -89,7 +90,9 @@ TEST(Base64, EncodesRecordBytes) {
 TEST(Base64, ErrorsGivePath) {
   const auto failure = [](const char* json) -> std::string {
     try {
-      fromJson(messageNamed("l2vpn_sync_vpls_ac_update"), parseJson(json), ByteText::Base64);
+      uint64_t memory = 0;
+      fromJson(messageNamed("l2vpn_sync_vpls_ac_update"), parseJson(json), ByteText::Base64,
+               memory);
     } catch (const Failure& failed) {
       return failed.what();
     }

@@ -39,7 +39,7 @@ void forAcceptedMessages(Check check) {
           type, oracle::randomValue(type, random, static_cast<oracle::Density>(round % 3)));
       OwnedRecord record(message);
       std::memcpy(record.data(), image.data(), message.schema().size);
-      Bytes bytes = round % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
+      Bytes bytes = round % 2 == 0 ? encodeCompact(record) : encode(record, Form::AsSent);
       for (int damage = 0; damage < 4; ++damage) {
         const Acceptance acceptance = acceptanceOf(message.schema(), bytes);
         tolerated += acceptance == Acceptance::Tolerated ? 1 : 0;

@@ -26,7 +26,7 @@ Bytes randomMessage(const KnownMessage& message, std::mt19937_64& random) {
                                   oracle::asReceived(oracle::randomValue(type, random, density)));
   OwnedRecord record(message);
   std::memcpy(record.data(), image.data(), message.schema().size);
-  return random() % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
+  return random() % 2 == 0 ? encodeCompact(record) : encode(record, Form::AsSent);
 }
 
 bool isReadable(const Bytes& bytes) {

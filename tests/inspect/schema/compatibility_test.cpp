@@ -90,9 +90,9 @@ TEST(SchemaDocument, IsReadAsWhatItWasWrittenFrom) {
       const OwnedRecord record = sampleOf(message, number);
       const OwnedRecord other = sampleOf(*same, number);
       EXPECT_EQ(encodeCompact(record), encodeCompact(other));
-      EXPECT_EQ(encodeAsSent(record), encodeAsSent(other));
-      EXPECT_EQ(toJson(message.schema(), decode(message, encodeAsSent(record)).data()),
-                toJson(same->schema(), decode(*same, encodeAsSent(record)).data()));
+      EXPECT_EQ(encode(record, Form::AsSent), encode(other, Form::AsSent));
+      EXPECT_EQ(toJson(message.schema(), decode(message, encode(record, Form::AsSent)).data()),
+                toJson(same->schema(), decode(*same, encode(record, Form::AsSent)).data()));
     }
   }
 }
@@ -241,7 +241,7 @@ TEST(Compatibility, ReadsCapturedTables) {
       withSlots({{"scalar", 4}, {"scalar", 4}, {"scalar", 4}, {"scalar", 4}, {"array", 6}}));
   const LoadedSchema other(withSlots({{"array", 4}, {"scalar", 4}}));
   const KnownMessage& message = old.messages().front();
-  const Bytes bytes = encodeAsSent(sampleOf(message, 1));
+  const Bytes bytes = encode(sampleOf(message, 1), Form::AsSent);
   const Table table{0, 1, 2, message.id(), 0, bytes};
   EXPECT_EQ(differenceOn(table, old, longer), "");
   EXPECT_EQ(differenceOn(table, old, other), "only the old schema takes this l2vpn_sync_stp");

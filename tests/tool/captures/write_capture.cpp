@@ -28,7 +28,7 @@ Bytes sample(const KnownMessage& message, size_t number, bool isDamaged, std::mt
       type, oracle::randomValue(type, random, static_cast<oracle::Density>(number % 3)));
   OwnedRecord record(message);
   std::memcpy(record.data(), image.data(), message.schema().size);
-  const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encodeAsSent(record);
+  const Bytes bytes = number % 2 == 0 ? encodeCompact(record) : encode(record, Form::AsSent);
   return isDamaged && number % 4 >= 2 ? oracle::mutate(bytes, random) : bytes;
 }
 
