@@ -120,6 +120,17 @@ TEST_F(Input, ReadsFilesLargerThanTheBuffer) {
   EXPECT_EQ(taken, contents);
 }
 
+TEST_F(Input, ReadsLines) {
+  const std::string longerThanTheBuffer(100'000, 'x');
+  write("one\n\n" + longerThanTheBuffer + "\nlast");
+  InputFile file(path_);
+  EXPECT_EQ(readLine(file), "one");
+  EXPECT_EQ(readLine(file), "");
+  EXPECT_EQ(readLine(file), longerThanTheBuffer);
+  EXPECT_EQ(readLine(file), "last");
+  EXPECT_EQ(readLine(file), std::nullopt);
+}
+
 TEST_F(Input, ClosesItsFile) {
   write("");
   const auto lowestDescriptor = [this] {

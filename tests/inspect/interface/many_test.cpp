@@ -99,6 +99,14 @@ TEST(Many, AreWhatEachIsAlone) {
       EXPECT_EQ(Bytes(unpacked.end() - 8, unpacked.end()), Bytes(8, 0xEE));
       for (size_t index = 0; index < count; ++index) {
         uint8_t* const record = unpacked.data() + index * size;
+        if (!mesh::wire::ownsMemory(operations.schema())) {
+          const size_t begin = index == 0 ? 0 : ends[index - 1];
+          Bytes alone(size, 0xEE);
+          ASSERT_EQ(
+              mesh_l2vpn_unpack(message, bytes.data() + begin, ends[index] - begin, alone.data()),
+              0);
+          EXPECT_EQ(Bytes(record, record + size), alone) << "padding included";
+        }
         EXPECT_EQ(packedAlone(message, record, form),
                   packedAlone(message, records.data() + index * size, form));
         mesh_l2vpn_release(message, record);

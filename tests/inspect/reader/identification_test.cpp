@@ -11,7 +11,9 @@
 #include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex.hpp"
 #include "inspect/json/raw_table.hpp"
+#include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
+#include "inspect/reader/table_reader.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 
@@ -45,6 +47,35 @@ size_t groupOf(const KnownMessage& message, const std::vector<Candidate>& candid
     return mesh::wire::haveSameLayout(candidate.message->schema(), message.schema());
   });
   return found == candidates.end() ? 0 : found->group;
+}
+
+// What writers give away about a message's layout: each zero of it counts 1, each other byte 6.
+int likenessOfLayout(const KnownMessage& message, const Bytes& bytes) {
+  int likeness = 0;
+  for (const Range& range : readTable(message, bytes).ranges) {
+    const bool isOfArray = range.part == Part::Length && range.path.starts_with("f1[");
+    const bool isLayout = range.part == Part::Root || range.part == Part::Head ||
+                          range.part == Part::Entry || range.part == Part::Word || isOfArray;
+    for (uint32_t at = range.at; isLayout && at < range.at + range.size; ++at) {
+      likeness += bytes[at] == 0 ? 1 : 6;
+    }
+  }
+  return likeness;
+}
+
+// Of items and absent fields too, and nothing behind the last item.
+TEST(Identification, PredictsTheWholeLayout) {
+  for (const auto& [name, json] :
+       {std::pair("dbginfo_key_l2vpn", "{}"),
+        std::pair("dbginfo_key_l2vpn", R"({"f0": 1, "f3": "01"})"),
+        std::pair("l2vpn_cfg_query_dfx_rec", R"({"f1": [{"f1": 7}, {"f1": 8}]})")}) {
+    const KnownMessage& message = messageNamed(name);
+    const Bytes bytes = encodeCompact(fromJson(message, parseJson(json)));
+    const std::vector<Candidate> candidates = candidatesFor(bytes);
+    const auto found = std::ranges::find(candidates, &message, &Candidate::message);
+    ASSERT_NE(found, candidates.end()) << name;
+    EXPECT_EQ(found->likeness, likenessOfLayout(message, bytes)) << name << ' ' << json;
+  }
 }
 
 TEST(Identification, NamesEncodedMessages) {

@@ -21,9 +21,17 @@ Lines rangesOf(const KnownMessage& message, const Bytes& bytes) {
   for (const Range& range : readTable(message, bytes).ranges) {
     lines.push_back(std::to_string(range.at) + '+' + std::to_string(range.size) + ' ' + range.path +
                     ' ' + range.meaning + ": " + range.value +
-                    (range.target >= 0 ? " -> " + std::to_string(range.target) : ""));
+                    (range.target != -1 ? " -> " + std::to_string(range.target) : ""));
   }
   return lines;
+}
+
+std::vector<Part> partsOf(const KnownMessage& message, const Bytes& bytes) {
+  std::vector<Part> parts;
+  for (const Range& range : readTable(message, bytes).ranges) {
+    parts.push_back(range.part);
+  }
+  return parts;
 }
 
 Lines faultsOf(const KnownMessage& message, const Bytes& bytes) {
@@ -46,6 +54,10 @@ TEST(ReaderTexts, OfEveryRange) {
              "20+2 f0 value: 1", "22+2 f1 value: 300 (0x12c)",
              "24+4 f3 offset word: 4: points to 28 -> 28", "28+4 f3 length: 3",
              "32+3 f3 contents: \"abc\""}));
+  EXPECT_EQ(partsOf(key(), bytes),
+            (std::vector{Part::Root, Part::Head, Part::Head, Part::Entry, Part::Entry, Part::Entry,
+                         Part::Entry, Part::Head, Part::Scalar, Part::Scalar, Part::Word,
+                         Part::Length, Part::Contents}));
 }
 
 // Six slots and a half, of which the last two and a half are unknown.
@@ -70,6 +82,10 @@ TEST(ReaderTexts, OfWhatIsNotRead) {
                        "26+2 f0 value: 9",
                        "28+1  not read: "};
   EXPECT_EQ(rangesOf(key(), bytes), expected);
+  EXPECT_EQ(partsOf(key(), bytes),
+            (std::vector{Part::Root, Part::Head, Part::Head, Part::Entry, Part::Entry, Part::Entry,
+                         Part::Entry, Part::Unknown, Part::Unknown, Part::Padding, Part::Head,
+                         Part::Scalar, Part::Unread}));
   storeAs<uint16_t>(bytes.data() + 4, 14);
   EXPECT_EQ(rangesOf(key(), bytes)[7], "16+2  entry of slot 4: unknown to this library");
 }
