@@ -157,7 +157,7 @@ def enumerators(sources):
     following = {}
     for source in sources:
         for name, body in re.findall(r"enum class (?:\[\[\w+\]\] )?(\w+)[^{;]*\{([^}]*)\}", source):
-            names = re.findall(r"^\s*(\w+)(?:\s*=[^,\n]*)?,", body, re.MULTILINE)
+            names = re.findall(r"(\w+)[^,]*", re.sub(r"//.*", "", body))
             for one, other in zip(names, names[1:] + names[:1]):
                 following[name, one] = other
     return following

@@ -123,7 +123,8 @@ SUITES = {
             Test("inspect_test", filter=BRIEF_TESTS),
             Test("inspect_test", filter=f"*-{BRIEF_TESTS}:{LONG_TESTS}"),
             Test("inspect_test", filter=LONG_TESTS, is_slow=True),
-            Test("inspect_interface_test", is_slow=True),
+            Test("inspect_interface_test", filter="*-All/*:MemoryOfACall*"),
+            Test("inspect_interface_test", filter="All/*:MemoryOfACall*", is_slow=True),
             *(Test("mesh-l2vpn", ("build/release/tests/tool/write_capture",),
                    script=f"tests/tool/commands/{script}.sh")
               for script in ("commands", "differences", "input_output")),
