@@ -3,6 +3,7 @@
 #include "inspect/bytes/input.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -34,8 +35,8 @@ class Input : public testing::Test {
     return "";
   }
 
-  const std::string path_ =
-      testing::TempDir() + "input_" + testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string path_ = testing::TempDir() + "input_" + std::to_string(getpid()) + "_" +
+                            testing::UnitTest::GetInstance()->current_test_info()->name();
 };
 
 std::string_view textOf(std::span<const uint8_t> bytes) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -52,7 +53,7 @@ class Capture : public testing::Test {
     writer.writeStatistics(3, 2);
   }
 
-  const std::string path_ = testing::TempDir() + "capture_" +
+  const std::string path_ = testing::TempDir() + "capture_" + std::to_string(getpid()) + "_" +
                             testing::UnitTest::GetInstance()->current_test_info()->name() +
                             ".pcapng";
   std::string fault_;
