@@ -297,6 +297,16 @@ TEST_F(Delivery, GoesOnAfterAHandlerThatLeavesByLongjmp) {
   EXPECT_EQ(notes[0].text, "b");
   EXPECT_EQ(notesOut(), 0);
   awaitConfirmation(node);
+  // Sends wait for room again: the handler is left.
+  const mesh_msg_desc empty{};
+  constexpr int32_t patience = 100;
+  mesh_result result = MESH_OK;
+  const auto start = std::chrono::steady_clock::now();
+  while (result == MESH_OK) {
+    result = mesh_node_send(node, 1, &empty, 1, 0, patience);
+  }
+  EXPECT_EQ(result, MESH_QUEUE_FULL);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(patience));
 }
 
 TEST_F(Delivery, ContinuesWhenTheSocketsFileOrItsLockIsRemoved) {

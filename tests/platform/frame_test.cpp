@@ -271,6 +271,11 @@ TEST_F(Node, CountsCallsMissedBeforeTheFirst) {
   EXPECT_EQ(receiveNotes(node, 2).size(), 2u);
   EXPECT_EQ(statisticsOf(node).missed_before_first, 10u);
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
+  mesh_peer_statistics peer;
+  uint32_t count = 0;
+  ASSERT_EQ(mesh_node_peers(node, &peer, 1, &count), MESH_OK);
+  EXPECT_EQ(count, 1u);
+  EXPECT_EQ(peer.missed_before_first, 10u);
 }
 
 TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {

@@ -1,5 +1,6 @@
 // Opening, attaching and closing nodes. Registration of hooks.
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -106,6 +107,14 @@ TEST_F(NodeLife, RejectsAnAddressInUse) {
   inproc.transport = MESH_TRANSPORT_INPROC;
   const OpenNode inside = open(7, inproc);
   EXPECT_EQ(resultOfOpening(7, inproc), MESH_ADDRESS_IN_USE);
+}
+
+TEST_F(NodeLife, KeepsNoAddressThatItCouldNotOpen) {
+  const std::string socket = directory() + "/1";
+  ASSERT_EQ(mkdir(socket.c_str(), 0700), 0);
+  EXPECT_EQ(resultOfOpening(1, defaults()), MESH_BAD_CONFIGURATION);
+  ASSERT_EQ(rmdir(socket.c_str()), 0);
+  EXPECT_EQ(resultOfOpening(1, defaults()), MESH_OK) << mesh_node_last_error();
 }
 
 TEST_F(NodeLife, RejectsASecondReceiver) {

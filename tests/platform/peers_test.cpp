@@ -391,6 +391,12 @@ TEST_F(Peers, WakeAPoll) {
   }
   sending.join();
   EXPECT_EQ(notes.size(), 2u);
+  // It is not readable for ever.
+  pollfd item{.fd = file, .events = POLLIN, .revents = 0};
+  while (poll(&item, 1, 0) != 0 && !deadline.passed()) {
+    EXPECT_EQ(mesh_node_receive(node, 1, nullptr, nullptr), 0);
+  }
+  EXPECT_EQ(poll(&item, 1, 0), 0);
   EXPECT_EQ(mesh_node_descriptor(nullptr, nullptr), -MESH_NOT_OPEN);
 }
 

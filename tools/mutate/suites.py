@@ -112,6 +112,7 @@ SUITES = {
             Test("platform_test", own_processes=True,
                  filter="*-Log*:Memory*:*EndlessMessage*:Node.RemembersAllLiveSenders"),
             Test("platform_scenarios", ("--scenarios", "8", "--over", "ipc")),
+            Test("platform_scenarios", ("--scenarios", "30", "--over", "inproc")),
         ),
         shared=("zarnimesh",),
         stages=at_once),
