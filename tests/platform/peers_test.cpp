@@ -347,25 +347,30 @@ TEST_F(Peers, AreAskedByTheKernelOverTcp) {
   const std::string book = "1 " + tcpEndpoint(freePort()) + "\n2 " + tcpEndpoint(freePort()) + "\n";
   mesh_node_options options = defaults();
   options.address_book = book.c_str();
-  options.heartbeat_ms = 1500;
-  const OpenNode receiver = open(2, options);
-  const OpenNode sender = open(1, options);
-  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
-  ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
-  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
-  std::vector<int> idle;  // seconds, of the connections that are asked
-  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-    const int file = std::stoi(entry.path().filename());
-    const auto option = [&](int level, int name) {
-      int value = 0;
-      socklen_t size = sizeof value;
-      return getsockopt(file, level, name, &value, &size) == 0 ? value : 0;
-    };
-    if (option(SOL_SOCKET, SO_ACCEPTCONN) == 0 && option(SOL_SOCKET, SO_KEEPALIVE) == 1) {
-      idle.push_back(option(IPPROTO_TCP, TCP_KEEPIDLE));
+  for (const auto& [interval, seconds] : {std::pair(1500u, 2), std::pair(2147483647u, 32767)}) {
+    options.heartbeat_ms = interval;
+    OpenNode receiver = open(2, options);
+    OpenNode sender = open(1, options);
+    ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+    ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
+    ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+    std::vector<int> idle;  // seconds, of the connections that are asked
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+      const int file = std::stoi(entry.path().filename());
+      const auto option = [&](int level, int name) {
+        int value = 0;
+        socklen_t size = sizeof value;
+        return getsockopt(file, level, name, &value, &size) == 0 ? value : 0;
+      };
+      if (option(SOL_SOCKET, SO_ACCEPTCONN) == 0 && option(SOL_SOCKET, SO_KEEPALIVE) == 1) {
+        idle.push_back(option(IPPROTO_TCP, TCP_KEEPIDLE));
+      }
     }
+    EXPECT_EQ(idle, std::vector<int>{seconds});
+    ASSERT_EQ(sender.close(), MESH_OK);
+    ASSERT_EQ(receiver.close(), MESH_OK);
+    ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
   }
-  EXPECT_EQ(idle, std::vector<int>{2});
 }
 
 TEST_F(Peers, WakeAPoll) {

@@ -1,5 +1,6 @@
 #include "zarnimesh/transport/socket.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -19,7 +20,9 @@ mesh_result failFromTransport(const char* what) {
 }
 
 bool setKeepAlive(Socket& socket, std::chrono::milliseconds interval) {
-  const auto time = static_cast<int>(std::chrono::ceil<std::chrono::seconds>(interval).count());
+  constexpr int64_t longest = 32767;  // the kernel refuses more, and ZeroMQ then the connection
+  const auto seconds = std::chrono::ceil<std::chrono::seconds>(interval).count();
+  const auto time = static_cast<int>(std::min<int64_t>(seconds, longest));
   return time == 0 ||
          (socket.set(ZMQ_TCP_KEEPALIVE, 1) && socket.set(ZMQ_TCP_KEEPALIVE_IDLE, time) &&
           socket.set(ZMQ_TCP_KEEPALIVE_INTVL, time) && socket.set(ZMQ_TCP_KEEPALIVE_CNT, 2));
