@@ -16,15 +16,31 @@ struct Received {
   void* record;
 };
 
+// A function for each record.
+struct AllFunctions {
+  const void** seen;
+  std::string_view* name;
+#define MESH_L2VPN_TAKE(X, identifier)    \
+  void operator()(const X& given) const { \
+    *seen = &given;                       \
+    *name = #X;                           \
+  }
+  L2VPN_MESSAGES(MESH_L2VPN_TAKE)
+#undef MESH_L2VPN_TAKE
+};
+
 TEST(Dispatch, CallsTheFunctionOfEachRecord) {
-  mesh_l2vpn::for_each_message([](auto of) {
-    using T = typename decltype(of)::record;
-    const T record{};
-    const void* seen = nullptr;
-    EXPECT_TRUE(dispatch(of.id, &record, [&seen](const T& given) { seen = &given; })) << of.name;
+  const void* seen = nullptr;
+  std::string_view name;
+  const AllFunctions see{&seen, &name};
+  mesh_l2vpn::for_each_message([&](auto of) {
+    const typename decltype(of)::record record{};
+    EXPECT_TRUE(dispatch(of.id, &record, see)) << of.name;
     EXPECT_EQ(seen, &record) << of.name;
-    EXPECT_FALSE(dispatch(of.id + 1, &record, [&seen](const T&) { seen = nullptr; })) << of.name;
-    EXPECT_EQ(seen, &record) << of.name;
+    EXPECT_EQ(name, of.name);
+    seen = nullptr;
+    EXPECT_FALSE(dispatch(of.id + 1, &record, see)) << of.name;
+    EXPECT_EQ(seen, nullptr) << of.name;
   });
 }
 

@@ -8,10 +8,6 @@ namespace {
 
 using Buffer = std::vector<uint8_t>;
 
-uint64_t below(std::mt19937_64& random, uint64_t limit) {
-  return random() % limit;
-}
-
 uint64_t numberAt(const Buffer& buffer, uint64_t position, uint32_t width, bool reversed) {
   uint64_t number = 0;
   for (uint32_t i = 0; i < width && position + i < buffer.size(); ++i) {
@@ -27,6 +23,9 @@ void putNumber(Buffer& buffer, uint64_t position, uint32_t width, uint64_t numbe
     buffer[position + i] = static_cast<uint8_t>(number >> (8 * significance));
   }
 }
+
+// More than a table has, unless contents look like one.
+constexpr uint64_t mostSlots = 64;
 
 // Where the numbers stand that hold the buffer together, as far as they can be followed.
 struct Frame {
@@ -48,8 +47,8 @@ void followTable(const Buffer& buffer, uint64_t table, int depth, Frame& frame) 
   frame.words.push_back(table);
   frame.halves.insert(frame.halves.end(), {vtable, vtable + 2});
   frame.vtableLengths.push_back(vtable);
-  const uint64_t slotsEnd = vtable + std::min<uint64_t>(numberAt(buffer, vtable, 2, frame.reversed),
-                                                        buffer.size() - vtable);
+  const uint64_t length = numberAt(buffer, vtable, 2, frame.reversed);
+  const uint64_t slotsEnd = vtable + std::min({length, buffer.size() - vtable, 4 + 2 * mostSlots});
   for (uint64_t slot = vtable + 4; slot + 2 <= slotsEnd; slot += 2) {
     frame.halves.push_back(slot);
     const uint64_t entry = numberAt(buffer, slot, 2, frame.reversed);
