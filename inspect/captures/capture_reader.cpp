@@ -12,7 +12,6 @@ namespace {
 
 using namespace pcapng;
 
-constexpr uint64_t second = 1'000'000'000;
 constexpr size_t mostInterfaces = 65536;
 constexpr uint32_t shortestBlock = 12;
 constexpr uint32_t shortestSection = 28;
@@ -28,11 +27,11 @@ Integer reversed(Integer value) {
 std::optional<uint64_t> toNanoseconds(uint64_t units, uint64_t unitsPerSecond, int64_t offset) {
   const auto rest = static_cast<long double>(units % unitsPerSecond);
   const auto fraction =
-      static_cast<uint64_t>(rest * second / static_cast<long double>(unitsPerSecond));
+      static_cast<uint64_t>(rest * nanosecondsPerSecond / static_cast<long double>(unitsPerSecond));
   uint64_t seconds = units / unitsPerSecond;
   uint64_t time = 0;
   return __builtin_add_overflow(seconds, offset, &seconds) ||
-                 __builtin_mul_overflow(seconds, second, &time) ||
+                 __builtin_mul_overflow(seconds, nanosecondsPerSecond, &time) ||
                  __builtin_add_overflow(time, fraction, &time)
              ? std::nullopt
              : std::optional(time);

@@ -16,7 +16,7 @@ namespace {
 
 using namespace pcapng;
 
-constexpr uint8_t nanoseconds = 9;  // a power of ten
+constexpr uint8_t nanosecond = 9;  // 10 to the power of -9 seconds
 constexpr size_t mostUnwritten = 65536;
 
 template <typename Integer>
@@ -88,7 +88,7 @@ CaptureWriter::CaptureWriter(const std::string& file, Existing existing) : name_
     append(blocks_, linkTypeUser0);
     append(blocks_, uint16_t{0});
     append(blocks_, uint32_t{0});  // nothing is cut off
-    appendOption(blocks_, timestampResolution, {&nanoseconds, 1});
+    appendOption(blocks_, timestampResolution, {&nanosecond, 1});
     append(blocks_, uint32_t{0});
   });
   flush();

@@ -15,8 +15,6 @@
 namespace inspect {
 namespace {
 
-constexpr uint64_t second = 1'000'000'000;
-
 void member(Text& text, std::string_view name) {
   text.append(",\"");
   text.append(name);
@@ -113,17 +111,18 @@ const KnownMessage* messageOf(const Json& json, uint32_t& id) {
 uint64_t nowInNanoseconds() {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
-  return static_cast<uint64_t>(now.tv_sec) * second + static_cast<uint64_t>(now.tv_nsec);
+  return static_cast<uint64_t>(now.tv_sec) * nanosecondsPerSecond +
+         static_cast<uint64_t>(now.tv_nsec);
 }
 
 std::string timeText(uint64_t nanoseconds) {
-  const auto seconds = static_cast<time_t>(nanoseconds / second);
+  const auto seconds = static_cast<time_t>(nanoseconds / nanosecondsPerSecond);
   tm parts{};
   gmtime_r(&seconds, &parts);
   char text[80];
   const size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
   std::snprintf(text + length, sizeof text - length, ".%09uZ",
-                static_cast<unsigned>(nanoseconds % second));
+                static_cast<unsigned>(nanoseconds % nanosecondsPerSecond));
   return text;
 }
 
@@ -142,7 +141,7 @@ std::optional<uint64_t> timeFromText(const std::string& text) {
   }
   uint64_t fraction = 0;
   if (*rest == '.') {
-    uint64_t digit = second / 10;
+    uint64_t digit = nanosecondsPerSecond / 10;
     for (++rest; *rest >= '0' && *rest <= '9' && digit != 0; ++rest, digit /= 10) {
       fraction += digit * static_cast<uint64_t>(*rest - '0');
     }
@@ -150,7 +149,8 @@ std::optional<uint64_t> timeFromText(const std::string& text) {
   rest += *rest == 'Z' ? 1 : 0;
   uint64_t time = 0;
   return *rest != '\0' ||
-                 __builtin_mul_overflow(static_cast<uint64_t>(timegm(&parts)), second, &time) ||
+                 __builtin_mul_overflow(static_cast<uint64_t>(timegm(&parts)), nanosecondsPerSecond,
+                                        &time) ||
                  __builtin_add_overflow(time, fraction, &time)
              ? std::nullopt
              : std::optional(time);

@@ -25,6 +25,7 @@ struct Table {
   const KnownMessage* message = nullptr;
 };
 
+inline constexpr uint64_t nanosecondsPerSecond = 1'000'000'000;
 uint64_t nowInNanoseconds();
 
 // "2026-11-21T09:28:00.123456789Z"

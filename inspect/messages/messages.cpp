@@ -74,11 +74,11 @@ const KnownMessage* findByName(std::string_view name) {
 }
 
 std::string didYouMean(std::string_view name, std::span<const std::string_view> names) {
-  struct Candidate {
+  struct Similar {
     size_t distance;
     std::string_view name;
   };
-  std::vector<Candidate> candidates;
+  std::vector<Similar> candidates;
   for (const std::string_view each : names) {
     // A substring matches: users drop the prefix.
     const bool isPart = name.size() >= 3 && each.find(name) != std::string_view::npos;
@@ -87,11 +87,11 @@ std::string didYouMean(std::string_view name, std::span<const std::string_view> 
       candidates.push_back({distance, each});
     }
   }
-  std::ranges::stable_sort(candidates, {}, [](const Candidate& candidate) {
+  std::ranges::stable_sort(candidates, {}, [](const Similar& candidate) {
     return std::pair{candidate.distance, candidate.name.size()};
   });
   std::string text;
-  for (const Candidate& candidate :
+  for (const Similar& candidate :
        std::span(candidates).first(std::min<size_t>(3, candidates.size()))) {
     text.append(text.empty() ? "; did you mean " : ", ").append(candidate.name);
   }

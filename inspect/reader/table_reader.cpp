@@ -18,10 +18,6 @@ using mesh::wire::Kind;
 using mesh::wire::Schema;
 using mesh::wire::Slot;
 
-std::string number(uint64_t value) {
-  return std::to_string(value);
-}
-
 // Result: Verdict, or Reading to explain every byte.
 template <typename Result>
 class TableReader {
@@ -70,7 +66,7 @@ class TableReader {
   }
 
   [[nodiscard]] std::string ofBuffer() const {
-    return " of a buffer of " + number(bytes_.size()) + " bytes";
+    return " of a buffer of " + std::to_string(bytes_.size()) + " bytes";
   }
 
   // Whether the table is valid. A table that several words point to is read once.
@@ -78,7 +74,8 @@ class TableReader {
     const Key key{&schema, table, tolerant_};
     if (const auto known = tables_.find(key); known != tables_.end()) {
       found_.note([&] {
-        return from.path.text() + " points to a table that was read before, at " + number(table);
+        return from.path.text() + " points to a table that was read before, at " +
+               std::to_string(table);
       });
       found_.addMemory(known->second.memory);
       return known->second.isGood;
@@ -97,7 +94,8 @@ class TableReader {
     const uint64_t largest = bytes_.size() - 4;
     if (table < 4 || table > largest) {
       return fail(from.at, 4, from.path,
-                  "points to a table at " + number(table) + ", not in 4 to " + number(largest));
+                  "points to a table at " + std::to_string(table) + ", not in 4 to " +
+                      std::to_string(largest));
     }
     const auto at = static_cast<uint32_t>(table);
     const auto offset = load<uint32_t>(at);
@@ -105,20 +103,21 @@ class TableReader {
     found_.add(vtableOffsetRange, at, from.path, offset, vtable);
     if (vtable < 4 || vtable > largest) {
       return fail(at, 4, from.path,
-                  "points to a vtable at " + number(vtable) + ", not in 4 to " + number(largest));
+                  "points to a vtable at " + std::to_string(vtable) + ", not in 4 to " +
+                      std::to_string(largest));
     }
     const uint32_t length = load<uint16_t>(vtable);
     found_.add(vtableLengthRange, vtable, from.path, length);
     if (!holds(vtable, length)) {
       return fail(vtable, 2, from.path,
-                  "a vtable of " + number(length) + " bytes, but only " +
-                      number(bytes_.size() - vtable) + " are left");
+                  "a vtable of " + std::to_string(length) + " bytes, but only " +
+                      std::to_string(bytes_.size() - vtable) + " are left");
     }
     if (length >= 4) {
       found_.add(tableLengthRange, vtable + 2, from.path, load<uint16_t>(vtable + 2));
     } else {
       found_.note([&] {
-        return named(from.path) + ": a vtable of " + number(length) + " bytes has no slots";
+        return named(from.path) + ": a vtable of " + std::to_string(length) + " bytes has no slots";
       });
     }
     head = {at, vtable, length};
@@ -185,9 +184,9 @@ class TableReader {
 
   bool readScalar(const Slot& slot, uint64_t at, const Origin& entry) {
     if (!holds(at, slot.size)) {
-      return fail(
-          entry.at, 2, entry.path,
-          "its " + number(slot.size) + " bytes at " + number(at) + " pass the end" + ofBuffer());
+      return fail(entry.at, 2, entry.path,
+                  "its " + std::to_string(slot.size) + " bytes at " + std::to_string(at) +
+                      " pass the end" + ofBuffer());
     }
     uint64_t value = 0;
     std::copy_n(bytes_.begin() + static_cast<ptrdiff_t>(at), slot.size,
@@ -200,13 +199,13 @@ class TableReader {
   bool follow(uint64_t at, const Origin& entry, uint64_t& target, bool isEntry = true) {
     if (!holds(at, 4)) {
       return fail(entry.at, isEntry ? 2 : 4, entry.path,
-                  "its offset word at " + number(at) + " passes the end" + ofBuffer());
+                  "its offset word at " + std::to_string(at) + " passes the end" + ofBuffer());
     }
     const auto offset = load<uint32_t>(at);
     target = at + offset;
     found_.add(wordRange, static_cast<uint32_t>(at), entry.path, offset, target);
     return target <= UINT32_MAX ||
-           fail(at, 4, entry.path, "points to " + number(target) + ", beyond 32 bits");
+           fail(at, 4, entry.path, "points to " + std::to_string(target) + ", beyond 32 bits");
   }
 
   bool readBytes(const Slot& slot, uint64_t at, const Origin& entry) {
@@ -215,22 +214,24 @@ class TableReader {
       return false;
     }
     if (!holds(target, 4)) {
-      return fail(at, 4, entry.path,
-                  "points to a length at " + number(target) + ", past the end" + ofBuffer());
+      return fail(
+          at, 4, entry.path,
+          "points to a length at " + std::to_string(target) + ", past the end" + ofBuffer());
     }
     const auto length = load<uint32_t>(target);
     found_.add(lengthRange, static_cast<uint32_t>(target), entry.path, length);
     if (!holds(target + 4, length)) {
-      return fail(
-          target, 4, entry.path,
-          number(length) + " bytes, but only " + number(bytes_.size() - target - 4) + " are left");
+      return fail(target, 4, entry.path,
+                  std::to_string(length) + " bytes, but only " +
+                      std::to_string(bytes_.size() - target - 4) + " are left");
     }
     if (length != 0) {
       const auto contents = static_cast<uint32_t>(target + 4);
       found_.add(contentsRange, contents, entry.path, bytes_.subspan(contents, length));
     }
     if (slot.kind == Kind::Array && length != slot.size) {
-      return fail(target, 4, entry.path, number(length) + " bytes instead of " + number(slot.size));
+      return fail(target, 4, entry.path,
+                  std::to_string(length) + " bytes instead of " + std::to_string(slot.size));
     }
     found_.addMemory(slot.kind == Kind::Bytes ? length : 0);
     return true;
@@ -249,18 +250,19 @@ class TableReader {
     }
     if (!holds(vector, 4)) {
       return fail(at, 4, entry.path,
-                  "points to a count at " + number(vector) + ", past the end" + ofBuffer());
+                  "points to a count at " + std::to_string(vector) + ", past the end" + ofBuffer());
     }
     const auto count = load<uint32_t>(vector);
     found_.add(countRange, static_cast<uint32_t>(vector), entry.path, count);
     if (!holds(vector + 4, uint64_t{4} * count)) {
       return fail(vector, 4, entry.path,
-                  number(count) + " items, whose offset words pass the end" + ofBuffer());
+                  std::to_string(count) + " items, whose offset words pass the end" + ofBuffer());
     }
     const uint64_t memory = uint64_t{slot.size} * count;
     if (memory > UINT32_MAX) {
       return fail(vector, 4, entry.path,
-                  number(count) + " items of " + number(slot.size) + " bytes exceed 32 bits");
+                  std::to_string(count) + " items of " + std::to_string(slot.size) +
+                      " bytes exceed 32 bits");
     }
     found_.addMemory(memory);
     bool isGood = true;
@@ -284,7 +286,7 @@ Result read(const KnownMessage& message, std::span<const uint8_t> bytes) {
   Result result;
   if (bytes.size() < 4 || bytes.size() > INT32_MAX) {
     result.addFault({0, static_cast<uint32_t>(std::min<size_t>(bytes.size(), 4)), "",
-                     "a message cannot have " + number(bytes.size()) + " bytes", false});
+                     "a message cannot have " + std::to_string(bytes.size()) + " bytes", false});
   } else {
     TableReader(bytes, result).readRoot(message.schema());
   }

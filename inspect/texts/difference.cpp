@@ -12,7 +12,7 @@ namespace inspect {
 namespace {
 
 // Walks two values side by side.
-class Comparison {
+class MessageComparison {
  public:
   void compare(const Json* one, const Json* other, const std::string& path) {
     const Json* const any = one != nullptr ? one : other;
@@ -106,7 +106,7 @@ class Comparison {
 }  // namespace
 
 std::vector<FieldDifference> fieldDifferences(const Json& one, const Json& other) {
-  Comparison comparison;
+  MessageComparison comparison;
   comparison.compare(&one, &other, "");
   return comparison.found;
 }

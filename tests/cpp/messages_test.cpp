@@ -23,7 +23,7 @@ using mesh_l2vpn::span;
 using mesh_l2vpn::unpack;
 using mesh_l2vpn::unpacked;
 
-constexpr uint32_t destination = 9;
+constexpr uint32_t peer = 9;
 
 TEST(Message, IsVisitedInRegistrationOrder) {
   std::vector<std::string_view> visited;
@@ -176,25 +176,25 @@ TEST(Send, ReturnsTheMiddlewaresResult) {
   harness::resetRecorder();
   recorder().middlewareResult = 5;
   const std::vector<l2vpn_sync_stp> records(3);
-  EXPECT_EQ(send(destination, records[0]), mesh_l2vpn::result(5));
-  EXPECT_EQ(send(destination, records), mesh_l2vpn::result(5));
+  EXPECT_EQ(send(peer, records[0]), mesh_l2vpn::result(5));
+  EXPECT_EQ(send(peer, records), mesh_l2vpn::result(5));
   recorder().middlewareResult = 0xFFFFFFFE;
-  EXPECT_EQ(send(destination, records), mesh_l2vpn::result(0xFFFFFFFE));
+  EXPECT_EQ(send(peer, records), mesh_l2vpn::result(0xFFFFFFFE));
   harness::resetRecorder();
 }
 
 TEST(Send, FailsWhereMemoryIsRefused) {
   harness::resetRecorder();
   recorder().everyAllocationFails = true;
-  EXPECT_EQ(send(destination, std::vector<l2vpn_sync_stp>(3)), mesh_l2vpn::errc::failed);
+  EXPECT_EQ(send(peer, std::vector<l2vpn_sync_stp>(3)), mesh_l2vpn::errc::failed);
   harness::resetRecorder();
 }
 
 TEST(Send, RefusesNoneAndMoreThan32BitsCount) {
   harness::resetRecorder();
   const l2vpn_sync_stp record{};
-  EXPECT_EQ(send(destination, std::vector<l2vpn_sync_stp>()), mesh_l2vpn::errc::failed);
-  EXPECT_EQ(send(destination, span(&record, (size_t{1} << 32) + 1)), mesh_l2vpn::errc::failed);
+  EXPECT_EQ(send(peer, std::vector<l2vpn_sync_stp>()), mesh_l2vpn::errc::failed);
+  EXPECT_EQ(send(peer, span(&record, (size_t{1} << 32) + 1)), mesh_l2vpn::errc::failed);
   EXPECT_TRUE(recorder().sent.empty());
 }
 
@@ -203,11 +203,11 @@ TEST(Send, TakesEveryKindOfRow) {
   const std::array<l2vpn_sync_stp, 2> array{};
   const l2vpn_sync_stp plain[3] = {};
   std::vector<l2vpn_sync_stp> vector(4);
-  EXPECT_FALSE(send(destination, array));
-  EXPECT_FALSE(send(destination, plain));
-  EXPECT_FALSE(send(destination, vector));
-  EXPECT_FALSE(send(destination, std::span(vector).first(1)));
-  EXPECT_FALSE(send(destination, span<const l2vpn_sync_stp>(vector)));
+  EXPECT_FALSE(send(peer, array));
+  EXPECT_FALSE(send(peer, plain));
+  EXPECT_FALSE(send(peer, vector));
+  EXPECT_FALSE(send(peer, std::span(vector).first(1)));
+  EXPECT_FALSE(send(peer, span<const l2vpn_sync_stp>(vector)));
   EXPECT_EQ(recorder().sent.size(), 2U + 3U + 4U + 1U + 4U);
 }
 

@@ -6,30 +6,31 @@
 #include "oracle/operations/writer.hpp"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
+#include "support/operations.hpp"
 
 namespace {
 
 using harness::Buffer;
+using harness::failure;
 using harness::hex;
 using harness::Layout;
 using harness::recorder;
 using harness::Trace;
 
-constexpr uint32_t failure = 0xFFFFFFFF;
 constexpr uint32_t region = 0x10000;
 
-Buffer text(region, 'x');
+Buffer exes(region, 'x');
 
 // A key whose message takes `size` bytes.
 dbginfo_key_l2vpn keyOf(uint32_t size) {
-  return {0, 0, 0, size - 28, text.data()};
+  return {0, 0, 0, size - 28, exes.data()};
 }
 
 std::string taken(size_t count) {
   return "memAlloc size=" + std::to_string(region + 16 * count) +
          " owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\" -> #1";
 }
-const std::string given = "memFree #1 owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\"";
+const std::string released = "memFree #1 owner=25088 caller=\"dbginfo_key_l2vpn__sendbatch\"";
 
 void expectSent(const std::vector<uint32_t>& sizes) {
   std::vector<dbginfo_key_l2vpn> keys;
@@ -41,7 +42,7 @@ void expectSent(const std::vector<uint32_t>& sizes) {
   EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, keys.data(), count, 0), 0U);
   EXPECT_EQ(
       harness::takeTrace(),
-      Trace({taken(count), "MESH_SendMsg destination=1 count=" + std::to_string(count), given}));
+      Trace({taken(count), "MESH_SendMsg destination=1 count=" + std::to_string(count), released}));
   ASSERT_EQ(recorder().sent.size(), sizes.size());
   uint64_t offset = 0;
   for (size_t index = 0; index < sizes.size(); ++index) {
@@ -62,7 +63,7 @@ void expectNothingSent(const std::vector<dbginfo_key_l2vpn>& keys) {
   for (const uint64_t extra : {0U, 7U}) {
     harness::resetRecorder();
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, keys.data(), count, extra), failure);
-    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), given}));
+    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), released}));
     EXPECT_TRUE(recorder().sent.empty());
   }
 }
@@ -92,7 +93,7 @@ TEST(Batch, RefusesANullArray) {
   for (const uint32_t count : {1U, 2U, 100U}) {
     harness::resetRecorder();
     EXPECT_EQ(dbginfo_key_l2vpn__sendbatch(1, nullptr, count, 0), failure);
-    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), given}));
+    EXPECT_EQ(harness::takeTrace(), Trace({taken(count), released}));
   }
   harness::resetRecorder();
   EXPECT_EQ(dbginfo_key_l2vpn__sendmsg(1, nullptr, 2), failure);
@@ -184,21 +185,11 @@ TEST_P(EveryBatch, EndsWithItsRegion) {
   EXPECT_EQ(arriving({region, 200}), 0U);
 }
 
-std::vector<harness::Operations> compactMessages() {
-  std::vector<harness::Operations> compact;
-  for (const harness::Operations& operations : harness::allOperations()) {
-    if (!oracle::descriptionOf(operations.name).sentFixed) {
-      compact.push_back(operations);
-    }
-  }
-  return compact;
-}
-
 TEST(CompactMessages, AreEight) {
-  EXPECT_EQ(compactMessages().size(), 8U);
+  EXPECT_EQ(harness::compactMessages().size(), 8U);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EveryBatch, testing::ValuesIn(compactMessages()),
+INSTANTIATE_TEST_SUITE_P(All, EveryBatch, testing::ValuesIn(harness::compactMessages()),
                          [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace

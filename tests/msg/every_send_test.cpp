@@ -7,17 +7,18 @@
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
+#include "support/operations.hpp"
 
 namespace {
 
 using harness::Buffer;
+using harness::failure;
 using harness::hex;
 using harness::Operations;
 using harness::recorder;
 using harness::SentTable;
 using harness::Trace;
 
-constexpr uint32_t failure = 0xFFFFFFFF;
 constexpr uint32_t destination = 0xFEDCBA98;
 const std::string toDestination = " destination=4275878552";
 

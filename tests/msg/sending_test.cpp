@@ -5,51 +5,44 @@
 #include "mesh_l2vpn/l2vpn_cfg.h"
 #include "support/bytes.hpp"
 #include "support/comparison.hpp"
+#include "support/operations.hpp"
 
 namespace {
 
 using harness::Buffer;
+using harness::failure;
 using harness::hex;
 using harness::Layout;
 using harness::recorder;
 using harness::Trace;
 
-constexpr uint32_t failure = 0xFFFFFFFF;
-
-uint8_t text[] = {'a', 'b', 'c'};
-
-std::vector<std::string> compactMessages() {
-  return {"dbginfo_key_l2vpn",        "dbginfo_para_l2vpn",     "l2vpn_cfg_query_comm_param",
-          "l2vpn_cfg_query_comm_rec", "dbginfo_cmd_key_l2vpn",  "dbginfo_endata_l2vpn",
-          "l2vpn_cfg_query_dfx_key",  "l2vpn_cfg_query_dfx_rec"};
-}
+uint8_t abc[] = {'a', 'b', 'c'};
 
 TEST(SendSingle, FailsOnANullRecordBeforeAllocating) {
-  for (const std::string& name : compactMessages()) {
-    const auto& operations = harness::operationsOf(name);
+  for (const harness::Operations& operations : harness::compactMessages()) {
     harness::resetRecorder();
-    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 0), failure) << name;
-    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 7), failure) << name;
-    EXPECT_EQ(operations.sendMsg(1, nullptr, 1), failure) << name;
-    EXPECT_EQ(operations.sendToMsg(1, nullptr, 1, 7), failure) << name;
-    EXPECT_EQ(harness::takeTrace(), Trace()) << name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 0), failure) << operations.name;
+    EXPECT_EQ(operations.sendSingle(1, nullptr, harness::unused, 7), failure) << operations.name;
+    EXPECT_EQ(operations.sendMsg(1, nullptr, 1), failure) << operations.name;
+    EXPECT_EQ(operations.sendToMsg(1, nullptr, 1, 7), failure) << operations.name;
+    EXPECT_EQ(harness::takeTrace(), Trace()) << operations.name;
   }
 }
 
 TEST(SendSingle, FailsOnAnUnencodableRecordBeforeAllocating) {
   harness::resetRecorder();
-  dbginfo_key_l2vpn key{0, 0, 0, 0xFFFFFFFF - 27, text};
+  dbginfo_key_l2vpn key{0, 0, 0, 0xFFFFFFFF - 27, abc};
   EXPECT_EQ(dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0), failure) << "2^32 bytes";
   key.f3_len = 0xFFFFFFFF;
   EXPECT_EQ(dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0), failure) << "2^32 and 27";
   EXPECT_EQ(dbginfo_key_l2vpn__sendmsg(1, &key, 1), failure);
   EXPECT_EQ(dbginfo_key_l2vpn__sendtomsg(1, &key, 1, 7), failure);
   dbginfo_cmd_key_l2vpn command{};
-  command.f4.f3 = text;
+  command.f4.f3 = abc;
   command.f4.f3_len = 0xFFFFFFF8 - 78;
   EXPECT_EQ(dbginfo_cmd_key_l2vpn__sendsingle(1, &command, 0, 0), failure);
   l2vpn_cfg_query_dfx_key query{};
-  query.f0.f2 = text;
+  query.f0.f2 = abc;
   query.f0.f2_len = 0xFFFFFFFF - 196;
   EXPECT_EQ(l2vpn_cfg_query_dfx_key__sendsingle(1, &query, 0, 0), failure);
   l2vpn_cfg_query_dfx_rec result{};
@@ -67,16 +60,16 @@ TEST(SendSingle, AsksForAnySizeThatCanBeEncoded) {
               Trace({std::string("memAlloc size=") + size + " owner=25088 caller=\"" + name +
                      "__sendsingle\" -> null"}));
   };
-  dbginfo_key_l2vpn key{0, 0, 0, 0xFFFFFFFF - 28, text};
+  dbginfo_key_l2vpn key{0, 0, 0, 0xFFFFFFFF - 28, abc};
   expectAskedFor("dbginfo_key_l2vpn", &key, "4294967295");
   key.f3_len = 0x80000000 - 28;
   expectAskedFor("dbginfo_key_l2vpn", &key, "2147483648");
   dbginfo_cmd_key_l2vpn command{};
-  command.f4.f3 = text;
+  command.f4.f3 = abc;
   command.f4.f3_len = 0xFFFFFFF7 - 78;
   expectAskedFor("dbginfo_cmd_key_l2vpn", &command, "4294967287");
   l2vpn_cfg_query_dfx_key query{};
-  query.f0.f2 = text;
+  query.f0.f2 = abc;
   query.f0.f2_len = 0xFFFFFFFE - 196;
   expectAskedFor("l2vpn_cfg_query_dfx_key", &query, "4294967294");
 }
@@ -95,7 +88,7 @@ TEST(SendSingle, MayExceedTheBatchRegion) {
 
 // Counted but unwritten bytes are sent with the content of the host's block.
 TEST(SendSingle, SendsTheBytesOfAnEmptyByteString) {
-  const dbginfo_key_l2vpn key{0x1111, 0, 0, 0, text};
+  const dbginfo_key_l2vpn key{0x1111, 0, 0, 0, abc};
   harness::resetRecorder();
   EXPECT_EQ(dbginfo_key_l2vpn__sendsingle(1, &key, 0, 0), 0U);
   EXPECT_EQ(hex(recorder().sent.at(0).bytes),

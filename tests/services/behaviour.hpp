@@ -19,7 +19,8 @@
 
 namespace harness {
 
-inline constexpr uint32_t failure = 0xFFFFFFFF;
+inline uint8_t abc[] = {'a', 'b', 'c'};
+inline uint8_t defgh[] = {'d', 'e', 'f', 'g', 'h'};
 
 template <typename Record>
 const Operations& of() {

@@ -7,6 +7,7 @@
 #include "l2vpn_cfg/schema.hpp"
 #include "l2vpn_stat/schema.hpp"
 #include "l2vpn_sync/schema.hpp"
+#include "oracle/messages/description.hpp"
 
 namespace harness {
 
@@ -16,6 +17,16 @@ const Operations& operationsOf(std::string_view name) {
   }
   std::fprintf(stderr, "no message %s\n", std::string(name).c_str());
   std::abort();
+}
+
+std::vector<Operations> compactMessages() {
+  std::vector<Operations> compact;
+  for (const Operations& operations : allOperations()) {
+    if (!oracle::descriptionOf(operations.name).sentFixed) {
+      compact.push_back(operations);
+    }
+  }
+  return compact;
 }
 
 Modules modulesOf(const Operations& operations) {

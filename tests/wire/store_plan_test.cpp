@@ -69,16 +69,16 @@ class Memory {
 };
 
 // No more than a plan has room for, a byte a store.
-constexpr uint32_t size = 60;
+constexpr uint32_t planSize = 60;
 
 // Stretches of 1 to `longest` bytes, in turn of the source and of the constants.
 std::vector<Stretch> randomStretches(std::mt19937& random, uint32_t longest) {
   std::vector<Stretch> stretches;
   uint32_t end = 0;
   bool isConstant = random() % 2 == 0;
-  while (end < size) {
-    const uint32_t length = std::min(1 + static_cast<uint32_t>(random()) % longest, size - end);
-    const uint32_t from = static_cast<uint32_t>(random()) % (size + 1 - length);
+  while (end < planSize) {
+    const uint32_t length = std::min(1 + static_cast<uint32_t>(random()) % longest, planSize - end);
+    const uint32_t from = static_cast<uint32_t>(random()) % (planSize + 1 - length);
     stretches.push_back({end, length, {from, isConstant}});
     end += length;
     isConstant = !isConstant;
@@ -88,11 +88,11 @@ std::vector<Stretch> randomStretches(std::mt19937& random, uint32_t longest) {
 
 TEST(StorePlan, WritesEveryByteWithinBounds) {
   std::mt19937 random(7);
-  const PlanLimits limits{.source = size, .constants = size};
+  const PlanLimits limits{.source = planSize, .constants = planSize};
   for (int round = 0; round < 2000; ++round) {
     const uint32_t longest = 1 + static_cast<uint32_t>(random()) % 40;
     const std::vector<Stretch> stretches = randomStretches(random, longest);
-    Memory memory(size, limits);
+    Memory memory(planSize, limits);
     ASSERT_NO_THROW(memory.carryOut(planStores(stretches, limits)));
     ASSERT_EQ(memory.destination(), memory.expected(stretches)) << "round " << round;
   }

@@ -6,15 +6,15 @@
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
 #include "support/bytes.hpp"
+#include "support/operations.hpp"
 
 namespace {
 
 using harness::Buffer;
+using harness::failure;
 using harness::hex;
 using harness::Operations;
 using harness::Trace;
-
-constexpr uint32_t failure = 0xFFFFFFFF;
 
 // A record of zeros, and one without a zero scalar.
 class EveryWriter : public testing::TestWithParam<Operations> {

@@ -6,13 +6,13 @@
 
 #include "l2vpn_cfg/schema.hpp"
 #include "support/bytes.hpp"
+#include "support/operations.hpp"
 #include "support/repeated_memory.hpp"
 
 namespace {
 
+using harness::failure;
 using harness::Trace;
-
-constexpr uint32_t failure = 0xFFFFFFFF;
 
 uint8_t somewhere = 0;
 

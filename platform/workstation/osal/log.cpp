@@ -49,7 +49,7 @@ class Limit {
   uint64_t suppressed_ = 0;
 };
 
-constinit Limit limit;
+constinit Limit logLimit;
 
 // Builds a line. Cuts text that does not fit.
 class Line {
@@ -117,7 +117,7 @@ const char* orNothing(const char* text) {
 }
 
 [[gnu::destructor]] void writeWhatWasSuppressed() {
-  writeSuppressed(limit.takeSuppressed());
+  writeSuppressed(logLimit.takeSuppressed());
 }
 
 }  // namespace
@@ -129,7 +129,7 @@ DDM_OSAL_EXPORT void DDM_OsalLogWrite(const void* env, uint32_t level, uint32_t 
   using namespace ddm;
   const int error = errno;
   uint64_t suppressed = 0;
-  if (limit.pass(suppressed)) {
+  if (logLimit.pass(suppressed)) {
     writeSuppressed(suppressed);
     Line text;
     const char* place = orNothing(file);
@@ -145,5 +145,5 @@ DDM_OSAL_EXPORT void DDM_OsalLogWrite(const void* env, uint32_t level, uint32_t 
 }
 
 DDM_OSAL_EXPORT void ddm_osal_log_limit(uint32_t per_second, uint32_t burst) {
-  ddm::limit.set(ddm::TokenBucket(per_second, burst == 0 ? 1 : burst));
+  ddm::logLimit.set(ddm::TokenBucket(per_second, burst == 0 ? 1 : burst));
 }

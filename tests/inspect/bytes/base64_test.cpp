@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/json/record_json.hpp"
+#include "tests/inspect/bytes/failure_of.hpp"
 
 namespace inspect {
 namespace {
@@ -56,26 +56,21 @@ TEST(Base64, RoundTrip) {
   }
 }
 
-std::string failureOf(std::string_view text) {
-  try {
-    fromBase64(text);
-  } catch (const Failure& failure) {
-    return failure.what();
-  }
-  return "";
+std::string base64FailureOf(std::string_view text) {
+  return failureOf([&] { fromBase64(text); });
 }
 
 TEST(Base64, RejectsInvalidText) {
-  EXPECT_EQ(failureOf("Zg"), "the length of base64 is a multiple of 4, not 2");
-  EXPECT_EQ(failureOf("Zm9vY"), "the length of base64 is a multiple of 4, not 5");
-  EXPECT_EQ(failureOf("Zm9-"), "not a base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zm8\n"), "not a base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zg==Zg=="), "not a base64 digit at character 2");
-  EXPECT_EQ(failureOf("Z==="), "not a base64 digit at character 1");
-  EXPECT_EQ(failureOf("===="), "not a base64 digit at character 0");
-  EXPECT_EQ(failureOf(std::string_view("Zm9\0", 4)), "not a base64 digit at character 3");
-  EXPECT_EQ(failureOf("Zh=="), "unused bits are not zero at character 1");
-  EXPECT_EQ(failureOf("Zm9="), "unused bits are not zero at character 2");
+  EXPECT_EQ(base64FailureOf("Zg"), "the length of base64 is a multiple of 4, not 2");
+  EXPECT_EQ(base64FailureOf("Zm9vY"), "the length of base64 is a multiple of 4, not 5");
+  EXPECT_EQ(base64FailureOf("Zm9-"), "not a base64 digit at character 3");
+  EXPECT_EQ(base64FailureOf("Zm8\n"), "not a base64 digit at character 3");
+  EXPECT_EQ(base64FailureOf("Zg==Zg=="), "not a base64 digit at character 2");
+  EXPECT_EQ(base64FailureOf("Z==="), "not a base64 digit at character 1");
+  EXPECT_EQ(base64FailureOf("===="), "not a base64 digit at character 0");
+  EXPECT_EQ(base64FailureOf(std::string_view("Zm9\0", 4)), "not a base64 digit at character 3");
+  EXPECT_EQ(base64FailureOf("Zh=="), "unused bits are not zero at character 1");
+  EXPECT_EQ(base64FailureOf("Zm9="), "unused bits are not zero at character 2");
 }
 
 TEST(Base64, EncodesRecordBytes) {

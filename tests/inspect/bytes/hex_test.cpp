@@ -4,22 +4,20 @@
 
 #include <cstdio>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/bytes/hex.hpp"
+#include "tests/inspect/bytes/failure_of.hpp"
 
 namespace inspect {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-const Bytes four{0x10, 0x00, 0xAB, 0xff};
-
 TEST(Hex, WritesTwoDigitsPerByte) {
-  EXPECT_EQ(toHex(four), "1000abff");
+  EXPECT_EQ(toHex(Bytes{0x10, 0x00, 0xAB, 0xff}), "1000abff");
 }
 
 TEST(Hex, ReadsBothCases) {
-  EXPECT_EQ(fromHex("1000ABff"), four);
+  EXPECT_EQ(fromHex("1000ABff"), (Bytes{0x10, 0x00, 0xAB, 0xff}));
 }
 
 TEST(Hex, ReadsEveryByte) {
@@ -40,21 +38,15 @@ TEST(Hex, KnowsItsDigits) {
   }
 }
 
-std::string failureOf(std::string_view digits) {
-  try {
-    fromHex(digits);
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.cause(), Cause::BadInput);
-    return failure.what();
-  }
-  return "";
+std::string digitsFailureOf(std::string_view digits) {
+  return failureOf([&] { fromHex(digits); });
 }
 
 TEST(Hex, RejectsInvalidText) {
-  EXPECT_EQ(failureOf("100"), "an odd number of hexadecimal digits");
-  EXPECT_EQ(failureOf("1g"), "not a hexadecimal digit at character 1");
-  EXPECT_EQ(failureOf("10 0"), "not a hexadecimal digit at character 2");
-  EXPECT_EQ(failureOf("100x"), "not a hexadecimal digit at character 3");
+  EXPECT_EQ(digitsFailureOf("100"), "an odd number of hexadecimal digits");
+  EXPECT_EQ(digitsFailureOf("1g"), "not a hexadecimal digit at character 1");
+  EXPECT_EQ(digitsFailureOf("10 0"), "not a hexadecimal digit at character 2");
+  EXPECT_EQ(digitsFailureOf("100x"), "not a hexadecimal digit at character 3");
 }
 
 }  // namespace

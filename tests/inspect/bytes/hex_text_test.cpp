@@ -6,8 +6,8 @@
 
 #include <random>
 
-#include "inspect/bytes/failure.hpp"
 #include "tests/inspect/bytes/dumps.hpp"
+#include "tests/inspect/bytes/failure_of.hpp"
 
 namespace inspect {
 namespace {
@@ -17,18 +17,12 @@ using Bytes = std::vector<uint8_t>;
 const Bytes four{0x10, 0x00, 0xAB, 0xff};
 
 // The error of a text; empty if it is accepted.
-std::string failureOf(std::string_view text) {
-  try {
-    fromHexText(text);
-    return "";
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.cause(), Cause::BadInput);
-    return failure.what();
-  }
+std::string hexTextFailureOf(std::string_view text) {
+  return failureOf([&] { fromHexText(text); });
 }
 
 #define EXPECT_REJECTED(text, reason) \
-  EXPECT_NE(failureOf(text).find(reason), std::string::npos) << failureOf(text)
+  EXPECT_NE(hexTextFailureOf(text).find(reason), std::string::npos) << hexTextFailureOf(text)
 
 TEST(HexText, AcceptsSeparatorsAndComments) {
   EXPECT_EQ(fromHexText("10 00 ab ff"), four);

@@ -74,10 +74,6 @@ TEST(MessageText, IsReadBackFromItsShortForm) {
   });
 }
 
-const KnownMessage& list() {
-  return messageNamed("l2vpn_cfg_query_dfx_rec");
-}
-
 TEST(MessageText, WritesRepeatedItemsOnce) {
   const std::string text = textOf(list(), itemsOfOneVtable(4040, 4), {.isWhole = false});
   const std::string items = text.substr(text.find("\"f1\":["));

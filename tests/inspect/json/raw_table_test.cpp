@@ -4,24 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/identification.hpp"
+#include "tests/inspect/bytes/failure_of.hpp"
 #include "tests/inspect/reader/hostile.hpp"
 
 namespace inspect {
 namespace {
-
-template <typename Call>
-std::string failureOf(Call call) {
-  try {
-    call();
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.cause(), Cause::BadInput);
-    return failure.what();
-  }
-  return "";
-}
 
 std::string rawFailureOf(const Bytes& bytes) {
   return failureOf([&] { rawTable(bytes); });

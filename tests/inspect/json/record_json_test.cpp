@@ -4,22 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/json/json_check.hpp"
 #include "inspect/messages/codec.hpp"
 #include "inspect/reader/reading.hpp"
+#include "tests/inspect/bytes/failure_of.hpp"
 
 namespace inspect {
 namespace {
 
 std::string failureOf(const char* message, const char* json, Cause cause = Cause::BadInput) {
-  try {
-    fromJson(messageNamed(message), parseJson(json));
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.cause(), cause);
-    return failure.what();
-  }
-  return "";
+  return failureOf([&] { fromJson(messageNamed(message), parseJson(json)); }, cause);
 }
 
 Json throughRecord(const char* message, const char* json) {

@@ -9,6 +9,7 @@
 #include "oracle/operations/writer.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
+#include "tests/inspect/messages/message_names.hpp"
 
 namespace inspect {
 namespace {
@@ -56,15 +57,7 @@ TEST_P(RoundTrip, ThroughJson) {
   }
 }
 
-std::vector<const char*> names() {
-  std::vector<const char*> all;
-  for (const KnownMessage& message : messages()) {
-    all.push_back(message.name.data());
-  }
-  return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(Of, RoundTrip, testing::ValuesIn(names()),
+INSTANTIATE_TEST_SUITE_P(Of, RoundTrip, testing::ValuesIn(messageNames()),
                          [](const auto& each) { return std::string(each.param); });
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "inspect/bytes/failure.hpp"
 #include "inspect/messages/messages.hpp"
 #include "mesh_l2vpn/messages.h"
+#include "tests/inspect/bytes/failure_of.hpp"
 
 namespace inspect {
 namespace {
@@ -49,23 +49,17 @@ TEST(Messages, SuggestsTheBestThree) {
   EXPECT_EQ(didYouMean("ac"), "");
 }
 
-std::string failureOf(std::string_view name) {
-  try {
-    messageNamed(name);
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.cause(), Cause::Usage);
-    return failure.what();
-  }
-  return "";
+std::string nameFailureOf(std::string_view name) {
+  return failureOf([&] { messageNamed(name); }, Cause::Usage);
 }
 
 TEST(Messages, ErrorTellsNamesFromIdentifiers) {
-  EXPECT_EQ(failureOf("0x1"), "unknown identifier 0x1");
-  EXPECT_EQ(failureOf("12"), "unknown identifier 12");
-  EXPECT_EQ(failureOf("12x"), "unknown message '12x'");
-  EXPECT_EQ(failureOf("4294967296"), "unknown message '4294967296'");
-  EXPECT_EQ(failureOf("5EED5F0D"), "unknown message '5EED5F0D'; did you mean 0x5EED5F0D");
-  EXPECT_EQ(failureOf("l2vpn_sync_stp_updat"),
+  EXPECT_EQ(nameFailureOf("0x1"), "unknown identifier 0x1");
+  EXPECT_EQ(nameFailureOf("12"), "unknown identifier 12");
+  EXPECT_EQ(nameFailureOf("12x"), "unknown message '12x'");
+  EXPECT_EQ(nameFailureOf("4294967296"), "unknown message '4294967296'");
+  EXPECT_EQ(nameFailureOf("5EED5F0D"), "unknown message '5EED5F0D'; did you mean 0x5EED5F0D");
+  EXPECT_EQ(nameFailureOf("l2vpn_sync_stp_updat"),
             "unknown message 'l2vpn_sync_stp_updat'; did you mean l2vpn_sync_stp_update, "
             "l2vpn_sync_subpw_update, l2vpn_sync_stp_delete");
   EXPECT_EQ(messageNamed("0X5eed5f0d").name, "l2vpn_sync_vpls_ac_update");

@@ -19,7 +19,11 @@ void putAll(Bytes& bytes, std::initializer_list<Integer> values) {
   }
 }
 
-// An l2vpn_cfg_query_dfx_rec up to the count of its list.
+inline const KnownMessage& list() {
+  return messageNamed("l2vpn_cfg_query_dfx_rec");
+}
+
+// That message up to the count of its list.
 inline Bytes listOf(uint32_t count) {
   Bytes bytes;
   put<uint32_t>(bytes, 12);

@@ -13,10 +13,6 @@
 namespace inspect {
 namespace {
 
-const KnownMessage& list() {
-  return messageNamed("l2vpn_cfg_query_dfx_rec");
-}
-
 TEST(HostileMessage, ExplainsSharedVtableOnce) {
   constexpr uint32_t items = 200;
   const Bytes bytes = itemsOfOneVtable(items, 65'534);

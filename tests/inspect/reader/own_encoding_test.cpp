@@ -8,13 +8,10 @@
 #include "inspect/captures/traffic.hpp"
 #include "inspect/json/record_json.hpp"
 #include "inspect/messages/codec.hpp"
+#include "tests/inspect/reader/hostile.hpp"
 
 namespace inspect {
 namespace {
-
-const KnownMessage& list() {
-  return messageNamed("l2vpn_cfg_query_dfx_rec");
-}
 
 Bytes listOfTwo() {
   return encodeCompact(fromJson(list(), parseJson(R"({"f1": [{"f1": 7}, {"f1": 8}]})")));

@@ -9,6 +9,7 @@
 #include "inspect/messages/codec.hpp"
 #include "oracle/values/generate.hpp"
 #include "oracle/values/record_image.hpp"
+#include "tests/inspect/messages/message_names.hpp"
 #include "tests/inspect/reader/hostile.hpp"
 #include "tests/inspect/reader/library_reader.hpp"
 
@@ -61,15 +62,7 @@ TEST_P(ReaderAgreement, DamagedAndTruncated) {
   EXPECT_LT(accepted, rounds);
 }
 
-std::vector<const char*> names() {
-  std::vector<const char*> all;
-  for (const KnownMessage& message : messages()) {
-    all.push_back(message.name.data());
-  }
-  return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(Of, ReaderAgreement, testing::ValuesIn(names()),
+INSTANTIATE_TEST_SUITE_P(Of, ReaderAgreement, testing::ValuesIn(messageNames()),
                          [](const auto& each) { return std::string(each.param); });
 
 Bytes sampleCircuit() {

@@ -1,5 +1,7 @@
 #include "oracle/messages/catalogue.hpp"
 
+#include "oracle/messages/description.hpp"
+
 namespace oracle {
 namespace {
 
@@ -9,7 +11,6 @@ constexpr bool byTableReader = false;
 constexpr bool byItself = true;
 constexpr bool scalarsFirst = false;
 constexpr bool inSlotOrder = true;
-constexpr uint64_t largestU32 = 0xFFFFFFFF;
 constexpr uint64_t unlimited = UINT64_MAX;
 
 CatalogueEntry configuration(const char* name, const char* fields, bool sentFixed, bool ownRoot,

@@ -14,10 +14,6 @@ namespace {
 constexpr uint32_t pointerWidth = 8;
 constexpr uint32_t lengthWidth = 4;
 
-uint32_t roundUp(uint32_t value, uint32_t step) {
-  return (value + step - 1) / step * step;
-}
-
 const Description& find(const std::vector<Description>& among, std::string_view name) {
   for (const Description& candidate : among) {
     if (candidate.name == name) {
@@ -162,6 +158,10 @@ std::vector<Description> describeAll() {
 }
 
 }  // namespace
+
+uint32_t roundUp(uint32_t value, uint32_t step) {
+  return (value + step - 1) / step * step;
+}
 
 bool isScalar(Kind kind) {
   return kind == Kind::U8 || kind == Kind::U16 || kind == Kind::U32 || kind == Kind::U64;

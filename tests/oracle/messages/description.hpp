@@ -24,6 +24,11 @@ enum class Kind {
 
 bool isScalar(Kind kind);
 
+inline constexpr uint64_t largestU32 = 0xFFFFFFFF;
+inline constexpr uint32_t wordWidth = 4;  // of a table's or vector's offset, and of a count
+
+uint32_t roundUp(uint32_t value, uint32_t step);
+
 struct Description;
 
 struct Field {

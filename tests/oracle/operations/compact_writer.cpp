@@ -7,9 +7,6 @@
 namespace oracle {
 namespace {
 
-constexpr uint32_t failure = 0xFFFFFFFF;
-constexpr uint32_t wordWidth = 4;
-
 std::optional<uint64_t> sizeOfTable(const Description& message, const Value& value);
 
 // What one field adds to the size of its table, its target included.

@@ -5,8 +5,6 @@
 namespace oracle {
 namespace {
 
-constexpr uint64_t largestU32 = 0xFFFFFFFF;
-constexpr uint32_t wordWidth = 4;
 constexpr uint32_t largestCount = 0x3FFFFFFF;
 
 }  // namespace

@@ -5,11 +5,6 @@ namespace {
 
 constexpr uint32_t root = 4;
 constexpr uint32_t table = 4;
-constexpr uint32_t wordWidth = 4;
-
-uint32_t roundUp(uint32_t value, uint32_t step) {
-  return (value + step - 1) / step * step;
-}
 
 uint32_t widthInImage(const Field& field) {
   switch (field.kind) {

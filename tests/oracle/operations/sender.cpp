@@ -6,8 +6,6 @@
 namespace oracle {
 namespace {
 
-constexpr uint32_t failure = 0xFFFFFFFF;
-constexpr uint64_t largestU32 = 0xFFFFFFFF;
 constexpr uint64_t descriptorSize = 16;
 constexpr uint64_t batchRegion = 0x10000;
 constexpr uint32_t largestAutomatic = 1024;

@@ -15,6 +15,7 @@ namespace oracle {
 using WrittenBytes = std::vector<std::optional<uint8_t>>;
 
 constexpr uint64_t noSize = UINT64_MAX;
+constexpr uint32_t failure = 0xFFFFFFFF;  // of an operation that returns a size or a status
 
 // The exact size of the compact buffer, before any limit; noSize when the record declares items
 // behind a null pointer, so that no size can be worked out.

@@ -8,11 +8,6 @@
 namespace oracle {
 namespace {
 
-// Plain remainders: the distributions of the standard library differ between implementations.
-uint64_t below(std::mt19937_64& random, uint64_t limit) {
-  return random() % limit;
-}
-
 uint64_t largestOf(uint32_t width) {
   return UINT64_MAX >> (64 - 8 * width);
 }

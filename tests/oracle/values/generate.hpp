@@ -10,6 +10,11 @@
 
 namespace oracle {
 
+// Plain remainders: the distributions of the standard library differ between implementations.
+inline uint64_t below(std::mt19937_64& random, uint64_t limit) {
+  return random() % limit;
+}
+
 enum class Density {
   Full,    // no scalar is zero
   Sparse,  // each scalar is zero half of the time

@@ -8,9 +8,6 @@ using namespace harness;
 
 using CommandKey = dbginfo_cmd_key_l2vpn;
 
-uint8_t abc[] = {'a', 'b', 'c'};
-uint8_t defgh[] = {'d', 'e', 'f', 'g', 'h'};
-
 CommandKey sample() {
   CommandKey record{};
   record.f0 = 0x10;
@@ -62,7 +59,7 @@ const Trace bothBlocks{
     "unpackAlloc size=3 owner=12 caller=\"dbginfo_para_l2vpn_unpack_non_root\" -> #1",
     "unpackAlloc size=5 owner=12 caller=\"dbginfo_key_l2vpn_unpack_non_root\" -> #2"};
 
-std::string freed(const char* block) {
+std::string keyFreed(const char* block) {
   return std::string("unpackFree ")
       .append(block)
       .append(" owner=12 caller=\"dbginfo_cmd_key_l2vpn_free_unpacked\"");
@@ -103,9 +100,9 @@ TEST(CommandKey, StringsAreAllocatedUnderTheirTablesAndReleasedUnderTheMessage) 
   EXPECT_EQ(unpacked.trace, bothBlocks);
   EXPECT_EQ(std::memcmp(unpacked.record.f3.f7, "abc", 3), 0);
   EXPECT_EQ(std::memcmp(unpacked.record.f4.f3, "defgh", 5), 0);
-  EXPECT_EQ(unpacked.release(), (Trace{freed("#1"), freed("#2")}));
+  EXPECT_EQ(unpacked.release(), (Trace{keyFreed("#1"), keyFreed("#2")}));
   expectSame(unpacked.record, left());
-  EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("null")}));
+  EXPECT_EQ(unpacked.release(), (Trace{keyFreed("null"), keyFreed("null")}));
 }
 
 TEST(CommandKey, AbsentNestedTableIsZeroAndFailsNothing) {
@@ -115,11 +112,11 @@ TEST(CommandKey, AbsentNestedTableIsZeroAndFailsNothing) {
       Trace{"unpackAlloc size=5 owner=12 caller=\"dbginfo_key_l2vpn_unpack_non_root\" -> #1"});
   EXPECT_EQ(bytesOf(unpacked.record.f3), Buffer(40, 0));
   EXPECT_EQ(unpacked.record.f4.f1, 0x41);
-  EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("#1")}));
+  EXPECT_EQ(unpacked.release(), (Trace{keyFreed("null"), keyFreed("#1")}));
 
   Unpacked<CommandKey> shorter(withU16(sampleBytes(), 4, 12));  // no slot 4
   EXPECT_EQ(bytesOf(shorter.record.f4), Buffer(24, 0));
-  EXPECT_EQ(shorter.release(), (Trace{freed("#1"), freed("null")}));
+  EXPECT_EQ(shorter.release(), (Trace{keyFreed("#1"), keyFreed("null")}));
 }
 
 TEST(CommandKey, NestedTableThatFailsFailsTheMessage) {
@@ -130,7 +127,7 @@ TEST(CommandKey, NestedTableThatFailsFailsTheMessage) {
                record.f4.f3_len = 0;
                return record;
              }(),
-             {bothBlocks[0], freed("#1"), freed("null")});
+             {bothBlocks[0], keyFreed("#1"), keyFreed("null")});
 }
 
 TEST(CommandKey, BadNestedHeadIsLoggedAndFailsTheMessage) {
@@ -140,13 +137,13 @@ TEST(CommandKey, BadNestedHeadIsLoggedAndFailsTheMessage) {
       Unpacked<CommandKey>(withU32(sampleBytes(), 93, 90)), expected,
       {bothBlocks[0],
        reported("dbginfo_key_l2vpn_unpack_non_root", "Vtable offset(93) is out of range(4 - 108)"),
-       freed("#1"), freed("null")});
+       keyFreed("#1"), keyFreed("null")});
 }
 
 TEST(CommandKey, OffsetWordPastTheEndFailsTheMessage) {
   CommandKey expected = left();
   expected.f4 = {};
-  const Trace trace{bothBlocks[0], freed("#1"), freed("null")};
+  const Trace trace{bothBlocks[0], keyFreed("#1"), keyFreed("null")};
   expectLeft(Unpacked<CommandKey>(withU16(sampleBytes(), 16, 112 - 18 - 3)), expected, trace);
   expectLeft(Unpacked<CommandKey>(withU32(sampleBytes(), 36, 0xFFFFFFFF)), expected, trace);
 }
@@ -158,7 +155,7 @@ TEST(CommandKey, FailureOfTheFirstNestedTableLeavesTheSecondUnread) {
   expectLeft(
       Unpacked<CommandKey>(withU32(sampleBytes(), 32, 200)), expected,
       {reported("dbginfo_para_l2vpn_unpack_non_root", "Table offset(232) is out of range(4 - 112)"),
-       freed("null"), freed("null")});
+       keyFreed("null"), keyFreed("null")});
 }
 
 TEST(CommandKey, RefusedAllocationReleasesEverythingAndKeepsLengths) {
@@ -168,13 +165,13 @@ TEST(CommandKey, RefusedAllocationReleasesEverythingAndKeepsLengths) {
              {"unpackAlloc size=3 owner=12 caller=\"dbginfo_para_l2vpn_unpack_non_root\" -> null",
               reportedRefusal("dbginfo_para_l2vpn_unpack_non_root",
                               "Malloc unpack data unsuccess,                size(3)"),
-              freed("null"), freed("null")});
+              keyFreed("null"), keyFreed("null")});
   expectLeft(Unpacked<CommandKey>(sampleBytes(), 2), left(),
              {bothBlocks[0],
               "unpackAlloc size=5 owner=12 caller=\"dbginfo_key_l2vpn_unpack_non_root\" -> null",
               reportedRefusal("dbginfo_key_l2vpn_unpack_non_root",
                               "Malloc unpack data unsuccess,                size(5)"),
-              freed("#1"), freed("null")});
+              keyFreed("#1"), keyFreed("null")});
 }
 
 TEST(CommandKey, SizesFrom0xFFFFFFF8OnFail) {

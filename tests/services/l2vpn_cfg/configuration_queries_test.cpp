@@ -9,9 +9,7 @@ using namespace harness;
 using Param = l2vpn_cfg_query_comm_param;
 using Rec = l2vpn_cfg_query_comm_rec;
 using Cond = l2vpn_cfg_query_dfx_cond;
-using Key = l2vpn_cfg_query_dfx_key;
-
-uint8_t abc[] = {'a', 'b', 'c'};
+using DfxKey = l2vpn_cfg_query_dfx_key;
 
 Param param() {
   Param record{};
@@ -159,17 +157,17 @@ TEST(ConfigurationQueries, KeyOfZerosPacksTo188Bytes) {
                               .u32(4)
                               .u32(128)
                               .zeros(128);
-  EXPECT_EQ(hex(compact(Key{})), hex(expected));
+  EXPECT_EQ(hex(compact(DfxKey{})), hex(expected));
   EXPECT_EQ(expected.size(), 188U);
-  expectPackLimits(Key{});
+  expectPackLimits(DfxKey{});
 }
 
 TEST(ConfigurationQueries, KeyIsReadBackWithItsParametersString) {
-  Key record{};
+  DfxKey record{};
   record.f0 = param();
   record.f1 = full<Cond>();
   EXPECT_EQ(compact(record).size(), 24U + 14 + 8 + 11 + 150 + 8);
-  Unpacked<Key> unpacked(compact(record));
+  Unpacked<DfxKey> unpacked(compact(record));
   expectSame(unpacked.record, record);
   EXPECT_EQ(unpacked.trace, Trace{"unpackAlloc size=3 owner=12 "
                                   "caller=\"l2vpn_cfg_query_comm_param_unpack_non_root\" -> #1"});
@@ -179,12 +177,12 @@ TEST(ConfigurationQueries, KeyIsReadBackWithItsParametersString) {
 }
 
 TEST(ConfigurationQueries, KeyWhoseConditionFailsReleasesItsParametersString) {
-  Key record{};
+  DfxKey record{};
   record.f0 = param();
   record.f1 = full<Cond>();
   const Buffer good = compact(record);
   ASSERT_EQ(good[83], 128);
-  const Unpacked<Key> unpacked(withU32(good, 83, 127));
+  const Unpacked<DfxKey> unpacked(withU32(good, 83, 127));
   std::memset(record.f1.f2, 0, 128);
   record.f0.f2 = nullptr;
   expectSame(unpacked.record, record);
@@ -206,7 +204,7 @@ TEST(ConfigurationQueries, SizePast32BitsFails) {
   EXPECT_EQ(askForSize(longRec, 0xFFFFFFFF).result, 0U);
   ++longRec.f3_len;
   EXPECT_EQ(askForSize(longRec, 0xFFFFFFFF).result, failure);
-  Key longKey{};
+  DfxKey longKey{};
   longKey.f0.f2 = abc;
   longKey.f0.f2_len = 0xFFFFFFFE - 196;
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).length, 0xFFFFFFFE);
@@ -229,12 +227,12 @@ TEST(ConfigurationQueries, UnpackChecksParametersAndHead) {
   expectUnpackParameters<Param>();
   expectUnpackParameters<Rec>();
   expectUnpackParameters<Cond>();
-  expectUnpackParameters<Key>();
+  expectUnpackParameters<DfxKey>();
   expectUnpackParameters<l2vpn_cfg_query_dfx_rec>();
   expectHeadChecksByMessage(param());
   expectHeadChecksByMessage(rec());
   expectHeadChecksByMessage(full<Cond>());
-  expectHeadChecksByMessage(Key{});
+  expectHeadChecksByMessage(DfxKey{});
 }
 
 }  // namespace

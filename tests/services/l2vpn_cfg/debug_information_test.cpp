@@ -6,16 +6,13 @@ namespace {
 
 using namespace harness;
 
-using Key = dbginfo_key_l2vpn;
+using DebugKey = dbginfo_key_l2vpn;
 using Para = dbginfo_para_l2vpn;
 using Ipc = dbginfo_cmd_ipc_l2vpn;
 using Endata = dbginfo_endata_l2vpn;
 using Dedata = dbginfo_dedata_l2vpn;
 
-uint8_t abc[] = {'a', 'b', 'c'};
-uint8_t defgh[] = {'d', 'e', 'f', 'g', 'h'};
-
-Key key() {
+DebugKey key() {
   return {.f0 = 0x1011, .f1 = 0x2021, .f2 = 0x30313233, .f3_len = 3, .f3 = abc};
 }
 
@@ -39,7 +36,7 @@ void expectLeft(const Unpacked<Record>& unpacked, const Record& expected) {
 
 TEST(DebugInformation, KeyOfZerosPacksTo20Bytes) {
   const Buffer expected = Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12);
-  EXPECT_EQ(hex(compact(Key{})), hex(expected));
+  EXPECT_EQ(hex(compact(DebugKey{})), hex(expected));
   EXPECT_EQ(expected.size(), 20U);
 }
 
@@ -55,29 +52,29 @@ TEST(DebugInformation, KeyWithAStringOfThreePacksTo39Bytes) {
                               .text("abc");
   EXPECT_EQ(hex(compact(key())), hex(expected));
   EXPECT_EQ(expected.size(), 39U);
-  Key withoutF0 = key();
+  DebugKey withoutF0 = key();
   withoutF0.f0 = 0;
   EXPECT_EQ(compact(withoutF0).size(), 37U);
 }
 
 TEST(DebugInformation, StringOfLengthZeroCountsEightBytesThatAreNotWritten) {
-  Key record{};
+  DebugKey record{};
   record.f3 = abc;
-  const Packed<Key> packed(record, 28);
+  const Packed<DebugKey> packed(record, 28);
   EXPECT_EQ(packed.result, 0U);
   EXPECT_EQ(packed.length, 28U);
   EXPECT_EQ(hex(packed.buffer), hex(Layout().u32(16).u16(12, 4, 0, 0, 0, 0).u32(12).fill(8, mark)));
-  expectRead(packed.buffer, Key{});
+  expectRead(packed.buffer, DebugKey{});
 }
 
 TEST(DebugInformation, LengthWithoutAStringIsAbsent) {
-  Key record{};
+  DebugKey record{};
   record.f3_len = 5;
   EXPECT_EQ(compact(record).size(), 20U);
 }
 
 TEST(DebugInformation, KeysStringIsOneBlockUntilItsRelease) {
-  Unpacked<Key> unpacked(compact(key()));
+  Unpacked<DebugKey> unpacked(compact(key()));
   EXPECT_EQ(unpacked.record.f0, 0x1011);
   EXPECT_EQ(unpacked.record.f1, 0x2021);
   EXPECT_EQ(unpacked.record.f2, 0x30313233U);
@@ -94,7 +91,7 @@ TEST(DebugInformation, KeysStringIsOneBlockUntilItsRelease) {
 }
 
 TEST(DebugInformation, StringOfLengthZeroOnTheWireTakesNoBlock) {
-  Key expected = key();
+  DebugKey expected = key();
   expected.f3_len = 0;
   expected.f3 = nullptr;
   expectRead(withU32(compact(key()), 32, 0), expected);
@@ -155,13 +152,13 @@ TEST(DebugInformation, EndataReleasesBothStrings) {
 }
 
 TEST(DebugInformation, RefusedAllocationReleasesEverythingAndKeepsLengths) {
-  const Unpacked<Key> first(compact(key()), 1);
+  const Unpacked<DebugKey> first(compact(key()), 1);
   EXPECT_EQ(
       first.trace,
       (Trace{"unpackAlloc size=3 owner=12 caller=\"dbginfo_key_l2vpn_unpack\" -> null",
              reportedRefusal("dbginfo_key_l2vpn_unpack", "Malloc unpack data unsuccess, size(3)"),
              "unpackFree null owner=12 caller=\"dbginfo_key_l2vpn_free_unpacked\""}));
-  Key left = key();
+  DebugKey left = key();
   left.f3 = nullptr;
   expectLeft(first, left);
 
@@ -209,7 +206,7 @@ TEST(DebugInformation, FieldPastTheEndReleasesWhatWasAllocated) {
 }
 
 TEST(DebugInformation, PackChecksRecordAndRoom) {
-  expectPackLimits(Key{});
+  expectPackLimits(DebugKey{});
   expectPackLimits(key());
   expectPackLimits(Para{});
   expectPackLimits(Ipc{});
@@ -221,7 +218,7 @@ TEST(DebugInformation, PackChecksRecordAndRoom) {
 }
 
 TEST(DebugInformation, SizePast32BitsFails) {
-  Key longKey{};
+  DebugKey longKey{};
   longKey.f3 = abc;
   longKey.f3_len = 0xFFFFFFFF - 28;
   EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).length, 0xFFFFFFFF);
@@ -229,7 +226,7 @@ TEST(DebugInformation, SizePast32BitsFails) {
   for (const uint32_t more : {1U, 2U, 20U}) {  // 0xFFFFFFFF, 0 and 18 in 32 bits
     longKey.f3_len = 0xFFFFFFFF - 28 + more;
     EXPECT_EQ(askForSize(longKey, 0xFFFFFFFF).result, failure);
-    EXPECT_EQ(of<Key>().sendSingle(7, &longKey, unused, 0), failure);
+    EXPECT_EQ(of<DebugKey>().sendSingle(7, &longKey, unused, 0), failure);
   }
   Para longPara{};
   longPara.f7 = abc;
@@ -250,7 +247,7 @@ TEST(DebugInformation, SizePast32BitsFails) {
 }
 
 TEST(DebugInformation, UnpackChecksItsParameters) {
-  expectUnpackParameters<Key>();
+  expectUnpackParameters<DebugKey>();
   expectUnpackParameters<Para>();
   expectUnpackParameters<Ipc>();
   expectUnpackParameters<Endata>();
@@ -274,7 +271,7 @@ TEST(DebugInformation, BadHeadKeepsRecordsButClearsParameters) {
 
 TEST(DebugInformation, ReleaseOfNullDoesNothing) {
   resetRecorder();
-  of<Key>().freeUnpacked(nullptr);
+  of<DebugKey>().freeUnpacked(nullptr);
   of<Para>().freeUnpacked(nullptr);
   of<Endata>().freeUnpacked(nullptr);
   EXPECT_EQ(takeTrace(), Trace{});

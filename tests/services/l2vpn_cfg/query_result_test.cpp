@@ -13,8 +13,6 @@ using Item = l2vpn_cfg_query_dfx_item;
 
 constexpr uint32_t itemSize = 16572;
 
-uint8_t abc[] = {'a', 'b', 'c'};
-
 // Item i: every array full of 0x10 + i, f1 as given.
 struct Items {
   explicit Items(std::initializer_list<uint32_t> f1) : items(f1.size()) {
@@ -81,7 +79,7 @@ std::string allocated(uint32_t size, const char* block) {
       .append(block);
 }
 
-std::string freed(const char* block) {
+std::string resultFreed(const char* block) {
   return std::string("unpackFree ")
       .append(block)
       .append(" owner=12 caller=\"l2vpn_cfg_query_dfx_rec_free_unpacked\"");
@@ -148,10 +146,10 @@ TEST(QueryResult, TheCommonResultsStringStandsBeforeTheVector) {
   EXPECT_EQ(compact(record), expected);
   Unpacked<Result> unpacked(expected);
   EXPECT_EQ(unpacked.trace, (Trace{stringAllocated, allocated(itemSize, "#2")}));
-  EXPECT_EQ(unpacked.release(), (Trace{freed("#1"), freed("#2")}));
+  EXPECT_EQ(unpacked.release(), (Trace{resultFreed("#1"), resultFreed("#2")}));
   EXPECT_EQ(unpacked.record.f0.f3, nullptr);
   EXPECT_EQ(unpacked.record.f1, nullptr);
-  EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("null")}));
+  EXPECT_EQ(unpacked.release(), (Trace{resultFreed("null"), resultFreed("null")}));
 }
 
 TEST(QueryResult, ItemsAreReadIntoOneBlock) {
@@ -160,7 +158,7 @@ TEST(QueryResult, ItemsAreReadIntoOneBlock) {
   EXPECT_EQ(unpacked.trace, Trace{allocated(2 * itemSize, "#1")});
   ASSERT_EQ(unpacked.record.f1_count, 2U);
   EXPECT_EQ(std::memcmp(unpacked.record.f1, items.items.data(), size_t{2} * itemSize), 0);
-  EXPECT_EQ(unpacked.release(), (Trace{freed("null"), freed("#1")}));
+  EXPECT_EQ(unpacked.release(), (Trace{resultFreed("null"), resultFreed("#1")}));
   EXPECT_EQ(unpacked.record.f1_count, 2U);
 }
 
@@ -177,7 +175,7 @@ TEST(QueryResult, CountOfZeroOnTheWireAllocatesNothing) {
 }
 
 TEST(QueryResult, WordsPastTheEndFail) {
-  const Trace nothingHeld{freed("null"), freed("null")};
+  const Trace nothingHeld{resultFreed("null"), resultFreed("null")};
   // One word fits behind the count, two do not.
   const Buffer oneWord = firstBytes(oneItem(), 50);
   expectFailed(Unpacked<Result>(withU32(oneWord, 42, 2)), 0, nothingHeld);
@@ -196,13 +194,13 @@ TEST(QueryResult, WordsPastTheEndFail) {
 TEST(QueryResult, BlockPast32BitsFailsWithoutALog) {
   // 259,171 items would take 4,294,981,812 bytes.
   const Buffer bytes = head().u32(259171).fill(size_t{4} * 259171, 0);
-  expectFailed(Unpacked<Result>(bytes), 0, {freed("null"), freed("null")});
+  expectFailed(Unpacked<Result>(bytes), 0, {resultFreed("null"), resultFreed("null")});
   // One item fewer fits in 32 bits, and is requested.
   expectFailed(Unpacked<Result>(withU32(bytes, 42, 259170), 1), 0,
                {allocated(4294965240, "null"),
                 reportedRefusal("l2vpn_cfg_query_dfx_rec_unpack_non_root",
                                 "Malloc unpack data unsuccess,                size(4294965240)"),
-                freed("null"), freed("null")});
+                resultFreed("null"), resultFreed("null")});
 }
 
 TEST(QueryResult, ItemThatFailsReleasesEverything) {
@@ -211,7 +209,8 @@ TEST(QueryResult, ItemThatFailsReleasesEverything) {
   record.f0.f3_len = 3;
   record.f0.f3 = abc;
   const Buffer good = compact(record);
-  const Trace taken{stringAllocated, allocated(2 * itemSize, "#2"), freed("#1"), freed("#2")};
+  const Trace taken{stringAllocated, allocated(2 * itemSize, "#2"), resultFreed("#1"),
+                    resultFreed("#2")};
   const size_t lengthOfLastArray = good.size() - 16388;
   const Unpacked<Result> shortArray(withU32(good, lengthOfLastArray, 16383));
   expectFailed(shortArray, 2, taken);
@@ -227,7 +226,7 @@ TEST(QueryResult, BadItemHeadIsLoggedByTheItemsReader) {
                {allocated(2 * itemSize, "#1"),
                 reported("l2vpn_cfg_query_dfx_item_unpack_non_root",
                          "Table offset(40050) is out of range(4 - 33294)"),
-                freed("null"), freed("#1")});
+                resultFreed("null"), resultFreed("#1")});
 }
 
 TEST(QueryResult, EachAllocationFailingInTurnReleasesEverything) {
@@ -241,12 +240,12 @@ TEST(QueryResult, EachAllocationFailingInTurnReleasesEverything) {
       {"unpackAlloc size=3 owner=12 caller=\"l2vpn_cfg_query_comm_rec_unpack_non_root\" -> null",
        reportedRefusal("l2vpn_cfg_query_comm_rec_unpack_non_root",
                        "Malloc unpack data unsuccess,                size(3)"),
-       freed("null"), freed("null")});
+       resultFreed("null"), resultFreed("null")});
   expectFailed(Unpacked<Result>(good, 2), 0,
                {stringAllocated, allocated(itemSize, "null"),
                 reportedRefusal("l2vpn_cfg_query_dfx_rec_unpack_non_root",
                                 "Malloc unpack data unsuccess,                size(16572)"),
-                freed("#1"), freed("null")});
+                resultFreed("#1"), resultFreed("null")});
   Unpacked<Result> third(good, 3);
   EXPECT_EQ(third.trace.size(), 2U);
   third.release();
@@ -258,7 +257,7 @@ TEST(QueryResult, BadHeadClearsTheRecord) {
   EXPECT_EQ(bytesOf(unpacked.record), Buffer(48, 0));
   EXPECT_EQ(unpacked.trace, (Trace{reported("l2vpn_cfg_query_dfx_rec_unpack_non_root",
                                             "Table offset(2) is out of range(4 - 16668)"),
-                                   freed("null"), freed("null")}));
+                                   resultFreed("null"), resultFreed("null")}));
 }
 
 TEST(QueryResult, CountWithoutItemsFails) {

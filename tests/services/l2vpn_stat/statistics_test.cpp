@@ -8,19 +8,19 @@ using namespace harness;
 
 using PwStat = l2vpn_stat_pw_stat;
 
-constexpr PwStat sample{.f0 = 0x10111213,
-                        .f1 = 0x20212223,
-                        .f2 = 0x30,
-                        .f3 = {0xA1, 0xA2, 0xA3},
-                        .f4 = 0x40414243,
-                        .f5 = 0x5051525354555657,
-                        .f6 = 0x6061626364656667,
-                        .f7 = 0x7071727374757677,
-                        .f8 = 0x8081828384858687,
-                        .f9 = 0x9091929394959697,
-                        .f10 = 0xA0A1A2A3A4A5A6A7,
-                        .f11 = 0xB0B1B2B3B4B5B6B7,
-                        .f12 = 0xC0C1C2C3C4C5C6C7};
+constexpr PwStat statistics{.f0 = 0x10111213,
+                            .f1 = 0x20212223,
+                            .f2 = 0x30,
+                            .f3 = {0xA1, 0xA2, 0xA3},
+                            .f4 = 0x40414243,
+                            .f5 = 0x5051525354555657,
+                            .f6 = 0x6061626364656667,
+                            .f7 = 0x7071727374757677,
+                            .f8 = 0x8081828384858687,
+                            .f9 = 0x9091929394959697,
+                            .f10 = 0xA0A1A2A3A4A5A6A7,
+                            .f11 = 0xB0B1B2B3B4B5B6B7,
+                            .f12 = 0xC0C1C2C3C4C5C6C7};
 
 Layout counters() {
   return Layout()
@@ -54,7 +54,7 @@ TEST(Statistics, EveryFieldPacksWithF3BehindTheScalars) {
                               .u32(4)
                               .u32(3)
                               .u8(0xA1, 0xA2, 0xA3);
-  EXPECT_EQ(hex(compact(sample)), hex(expected));
+  EXPECT_EQ(hex(compact(statistics)), hex(expected));
   // 49, three of 4, one of 1 and eight counters of 8.
   EXPECT_EQ(expected.size(), 126U);
 }
@@ -87,7 +87,7 @@ TEST(Statistics, TheImageIs128Bytes) {
                            .u16(30, 92)
                            .u16(4, 8, 12, 13, 24, 28, 36, 44, 52, 60, 68, 76, 84)
                            .zeros(2);
-  EXPECT_EQ(hex(sent(sample)), hex(image));
+  EXPECT_EQ(hex(sent(statistics)), hex(image));
   EXPECT_EQ(image.size(), 128U);
   EXPECT_EQ(sent(PwStat{}).size(), 128U);
 }
@@ -103,21 +103,22 @@ TEST(Statistics, SingleTakesNoAllocationBatch144BytesARecord) {
 
 TEST(Statistics, ReadsBackBothArrangements) {
   expectRoundTrip(PwStat{});
-  expectRoundTrip(sample);
+  expectRoundTrip(statistics);
 }
 
 TEST(Statistics, F3OfTwoOrFourBytesKeepsWhatWasReadBefore) {
   expectArrayLengthChecked<PwStat>(119, 3, offsetof(PwStat, f3));
-  const Buffer good = compact(sample);
+  const Buffer good = compact(statistics);
   // Room for a fourth byte: the length alone is wrong.
-  expectRead(withU32(Layout().append(good).zeros(8), 119, 4), upTo(offsetof(PwStat, f3), sample));
-  expectRead(withU32(good, 119, 2), upTo(offsetof(PwStat, f3), sample));
+  expectRead(withU32(Layout().append(good).zeros(8), 119, 4),
+             upTo(offsetof(PwStat, f3), statistics));
+  expectRead(withU32(good, 119, 2), upTo(offsetof(PwStat, f3), statistics));
 }
 
 TEST(Statistics, AbsentF3IsZero) {
-  PwStat expected = sample;
+  PwStat expected = statistics;
   std::memset(expected.f3, 0, 3);
-  expectRead(withU16(compact(sample), 8 + 2 * 3, 0), expected);
+  expectRead(withU16(compact(statistics), 8 + 2 * 3, 0), expected);
 }
 
 TEST(Statistics, VtableOfSlots0To4LeavesTheCountersZero) {
@@ -126,13 +127,13 @@ TEST(Statistics, VtableOfSlots0To4LeavesTheCountersZero) {
 }
 
 TEST(Statistics, StopsAtACounterPastTheEnd) {
-  const Buffer good = compact(sample);
-  expectRead(withU16(good, 8 + 2 * 6, 126 - 34 - 7), upTo(offsetof(PwStat, f6), sample));
+  const Buffer good = compact(statistics);
+  expectRead(withU16(good, 8 + 2 * 6, 126 - 34 - 7), upTo(offsetof(PwStat, f6), statistics));
 }
 
 TEST(Statistics, PackChecksRecordAndRoom) {
   expectPackLimits(PwStat{});
-  expectPackLimits(sample);
+  expectPackLimits(statistics);
 }
 
 TEST(Statistics, UnpackChecksItsParameters) {
@@ -140,7 +141,7 @@ TEST(Statistics, UnpackChecksItsParameters) {
 }
 
 TEST(Statistics, BadHeadIsLoggedAndClearsTheRecord) {
-  expectHeadChecksByTableReader(sample);
+  expectHeadChecksByTableReader(statistics);
 }
 
 TEST(Statistics, ReleaseDoesNothing) {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int failures = ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL |
                          ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL | ZMQ_EVENT_HANDSHAKE_FAILED_AUTH;
-constexpr int watchedEvents = ZMQ_EVENT_ACCEPTED | ZMQ_EVENT_DISCONNECTED | failures;
+constexpr int listenerEvents = ZMQ_EVENT_ACCEPTED | ZMQ_EVENT_DISCONNECTED | failures;
 
 template <typename Value>
 std::optional<Value> option(int file, int level, int name) {
@@ -42,7 +42,7 @@ uint64_t systemBuffer(int file) {
 
 mesh_result ConnectionWatch::open(Context& context, Socket& listener, uint64_t limit) {
   limit_ = limit;
-  events_ = watchEvents(context.handle(), listener, watchedEvents);
+  events_ = watchEvents(context.handle(), listener, listenerEvents);
   return events_ ? MESH_OK : failFromTransport("watching connections");
 }
 

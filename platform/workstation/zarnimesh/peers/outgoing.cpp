@@ -19,7 +19,7 @@ constexpr int reconnectMs = 20;
 // A State, encrypted, or ZeroMQ's own words.
 constexpr int64_t largestAnswer = 1024;
 
-constexpr int watchedEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
+constexpr int senderEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
 
 // The longest endpoint that ZeroMQ names.
 constexpr size_t endpointSize = 256;
@@ -112,7 +112,7 @@ mesh_result Outgoing::openEvents() {
   if (events_) {
     return MESH_OK;
   }
-  events_ = watchEvents(context_->handle(), socket_, watchedEvents);
+  events_ = watchEvents(context_->handle(), socket_, senderEvents);
   size_t size = sizeof eventFile_;
   if (!events_ || zmq_getsockopt(events_.handle(), ZMQ_FD, &eventFile_, &size) != 0) {
     return failFromTransport("watching connections");
