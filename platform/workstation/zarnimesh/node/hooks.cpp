@@ -1,7 +1,6 @@
 #include "zarnimesh/node/hooks.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <mutex>
 #include <shared_mutex>
 #include <unordered_map>
@@ -14,7 +13,6 @@ struct Hooks {
   std::shared_mutex mutex;  // guards the members below
   std::unordered_map<uint32_t, Hook> byId;
   std::vector<mesh_clean_hook> clean;
-  std::atomic<uint64_t> version = 1;
 };
 
 // Never destroyed: a thread may still receive while the process exits.
@@ -28,11 +26,7 @@ Hooks& hooks() {
 void registerHook(uint32_t id, Hook hook) {
   const std::unique_lock lock(hooks().mutex);
   hooks().byId.insert_or_assign(id, hook);
-  hooks().version.fetch_add(1, std::memory_order_release);
-}
-
-uint64_t hookVersion() {
-  return hooks().version.load(std::memory_order_acquire);
+  hookVersion.fetch_add(1, std::memory_order_release);
 }
 
 std::optional<Hook> findHook(uint32_t id) {

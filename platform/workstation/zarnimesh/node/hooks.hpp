@@ -2,6 +2,8 @@
 // one registry. It works without open nodes.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <optional>
 
 #include "zarnimesh/mesh.h"
@@ -16,8 +18,8 @@ struct Hook {
 // Thread-safe. A second registration replaces the first.
 void registerHook(uint32_t id, Hook hook);
 std::optional<Hook> findHook(uint32_t id);
-// Changes with each registration. At least 1.
-uint64_t hookVersion();
+// Changes with each registration.
+inline std::atomic<uint64_t> hookVersion = 1;
 
 // callCleanHooks calls each function once, in order of registration, without holding a lock. The
 // functions stay registered.

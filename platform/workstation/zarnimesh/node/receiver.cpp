@@ -81,8 +81,6 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
                    const Handler& handler) {
   using Clock = std::chrono::steady_clock;
   std::optional<Clock::time_point> end;
-  // Outlives a handler that leaves by longjmp.
-  static thread_local std::vector<pollfd> files;
   for (;;) {
     for (Receiver* const receiver : receivers) {
       if (const std::optional<int64_t> delivered = receiver->receiveNext(handler)) {
@@ -94,6 +92,8 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - now).count();
     const bool over = timeoutMs >= 0 && left <= 0;
     int wait = timeoutMs >= 0 ? static_cast<int>(std::max<int64_t>(left, 0)) : INT_MAX;
+    // Outlives a handler that leaves by longjmp.
+    static thread_local std::vector<pollfd> files;
     files.clear();
     for (Receiver* const receiver : receivers) {
       wait = std::min(wait, receiver->beginWait());
@@ -118,35 +118,37 @@ int64_t Receiver::deliver(const Handler& handler) {
   int64_t delivered = 0;
   const FrameHeader& header = call_.header;
   const uint8_t* const index = call_.bytes + headerSize;
+  mesh_received received{.source = header.source,
+                         .msg_id = 0,
+                         .record = handler.decodes ? area_.data() : nullptr,
+                         .record_size = 0,
+                         .table_length = 0,
+                         .table = nullptr,
+                         .extra = header.extra,
+                         .incarnation = header.incarnation,
+                         .sequence = header.sequence,
+                         .after_gap = call_.afterGap ? 1u : 0u};
   while (entry_ < header.count) {
     const IndexEntry entry = decodeIndexEntry(index + entry_ * indexEntrySize);
-    const uint8_t* const table = table_;
-    table_ += entry.length;
+    received.msg_id = entry.id;
+    received.table_length = entry.length;
+    received.table = std::exchange(table_, table_ + entry.length);
     ++entry_;
-    if (handler.decodes && !findHook(entry.id)) {
-      statistics_.unknownIdentifiers.add(1);
-      if (settings_.unknown != nullptr) {
-        settings_.unknown(header.source, entry.id, table, entry.length, settings_.unknownUser);
-      }
-      continue;
-    }
     if (handler.decodes) {
-      recordSize_ = hook_.unpack(table, entry.length, area_.data());
+      if (!findHook(entry.id)) {
+        statistics_.unknownIdentifiers.add(1);
+        if (settings_.unknown != nullptr) {
+          settings_.unknown(header.source, entry.id, received.table, entry.length,
+                            settings_.unknownUser);
+        }
+        continue;
+      }
+      received.record_size = recordSize_ = hook_.unpack(received.table, entry.length, area_.data());
       recordOut_ = true;
     }
     ++delivered;
     statistics_.receivedRecords.add(1);
     if (handler.function != nullptr) {
-      const mesh_received received{.source = header.source,
-                                   .msg_id = entry.id,
-                                   .record = handler.decodes ? area_.data() : nullptr,
-                                   .record_size = handler.decodes ? recordSize_ : 0,
-                                   .table_length = entry.length,
-                                   .table = table,
-                                   .extra = header.extra,
-                                   .incarnation = header.incarnation,
-                                   .sequence = header.sequence,
-                                   .after_gap = call_.afterGap ? 1u : 0u};
       handler.function(&received, handler.user);
     }
     releaseRecord();
@@ -156,7 +158,7 @@ int64_t Receiver::deliver(const Handler& handler) {
 
 // Sets hook_. Calls have runs of one type, so most need no lookup.
 bool Receiver::findHook(uint32_t id) {
-  const uint64_t version = hookVersion();
+  const uint64_t version = hookVersion.load(std::memory_order_acquire);
   if (id == hookId_ && version == hookVersion_) {
     return true;
   }

@@ -3,7 +3,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -27,10 +26,6 @@ mesh_result RecordArea::map() {
     return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));
   }
   return MESH_OK;
-}
-
-void RecordArea::clear(size_t recordSize) {
-  std::memset(data_, 0, std::min(recordSize, size));
 }
 
 RecordArea::~RecordArea() {

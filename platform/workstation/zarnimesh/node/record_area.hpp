@@ -1,7 +1,9 @@
 // The memory for received records, followed by a guard page.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "zarnimesh/error.hpp"
 
@@ -24,7 +26,7 @@ class RecordArea {
   // Zeroes the area again after a record of `recordSize` bytes. A decoder may leave a record
   // untouched when it rejects a table. The release must then not find the previous record's
   // pointers.
-  void clear(size_t recordSize);
+  void clear(size_t recordSize) { std::memset(data_, 0, std::min(recordSize, size)); }
 
  private:
   void* data_ = nullptr;

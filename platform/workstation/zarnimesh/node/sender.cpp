@@ -51,20 +51,15 @@ constexpr milliseconds farewell{50};
   return MESH_OK;
 }
 
-uint8_t* copyIndex(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
-  for (const mesh_msg_desc& descriptor : descriptors) {
-    encodeIndexEntry({.id = descriptor.msg_id, .length = descriptor.length}, to);
-    to += indexEntrySize;
-  }
-  return to;
-}
-
-// Copies adjacent tables with one memcpy.
-void copyTables(std::span<const mesh_msg_desc> descriptors, uint8_t* to) {
+// Copies the tables and their index. Copies adjacent tables with one memcpy.
+void copyTables(std::span<const mesh_msg_desc> descriptors, uint8_t* index) {
+  uint8_t* to = index + descriptors.size() * indexEntrySize;
   for (size_t i = 0; i < descriptors.size();) {
     const uint64_t start = descriptors[i].data;
     uint64_t length = 0;
     do {
+      encodeIndexEntry({.id = descriptors[i].msg_id, .length = descriptors[i].length}, index);
+      index += indexEntrySize;
       length += descriptors[i].length;
       ++i;
     } while (i < descriptors.size() && descriptors[i].data == start + length);
@@ -100,8 +95,7 @@ mesh_result Sender::send(uint32_t destination, const mesh_msg_desc* descriptors,
                      .count = count,
                      .bytes = static_cast<uint32_t>(bytes)};
   if (result == MESH_OK) {
-    const std::span tables(descriptors, count);
-    copyTables(tables, copyIndex(tables, message.data() + headerSize));
+    copyTables({descriptors, count}, message.data() + headerSize);
   }
   Lock lock(mutex_);
   if (result == MESH_OK) {
