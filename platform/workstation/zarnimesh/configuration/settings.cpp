@@ -2,13 +2,11 @@
 
 #include <zmq.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <initializer_list>
 
 #include "zarnimesh/configuration/runtime_directory.hpp"
-#include "zarnimesh/transport/frame.hpp"
 
 namespace zarnimesh {
 namespace {
@@ -98,10 +96,6 @@ Endpoint Settings::endpointOf(uint32_t address) const {
     return {.transport = Transport::Inproc, .rest = "node-" + name};
   }
   return {.transport = Transport::Ipc, .rest = runtimeDirectory + "/" + name};
-}
-
-uint32_t Settings::countLimit() const {
-  return std::max<uint32_t>(8, payloadLimit / indexEntrySize);
 }
 
 uint64_t Settings::messageLimit() const {

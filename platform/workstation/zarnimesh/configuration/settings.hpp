@@ -1,6 +1,7 @@
 // A node's options, read and checked.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "zarnimesh/configuration/endpoint.hpp"
 #include "zarnimesh/configuration/key_ring.hpp"
 #include "zarnimesh/node.h"
+#include "zarnimesh/transport/frame.hpp"
 
 namespace zarnimesh {
 
@@ -42,7 +44,7 @@ struct Settings {
   Endpoint endpointOf(uint32_t address) const;
 
   // The most tables of one call.
-  uint32_t countLimit() const;
+  uint32_t countLimit() const { return std::max<uint32_t>(8, payloadLimit / indexEntrySize); }
 
   // The most bytes of a whole message on the wire.
   uint64_t messageLimit() const;

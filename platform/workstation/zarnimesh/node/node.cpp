@@ -56,16 +56,6 @@ mesh_result Node::close(mesh_node_statistics& last) {
   return result;
 }
 
-mesh_result Node::send(uint32_t destination, const mesh_msg_desc* descriptors, uint32_t count,
-                       uint64_t extra, int32_t timeoutMs) {
-  const std::chrono::milliseconds timeout(timeoutMs);
-  const Sender::Patience patience =
-      timeoutMs < 0
-          ? Sender::Patience{.connect = settings_.connectTimeout, .room = settings_.sendTimeout}
-          : Sender::Patience{.connect = timeout, .room = timeout};
-  return sender_.send(destination, descriptors, count, extra, patience);
-}
-
 void Node::tend() {
   sender_.tend();
   receiver_.tend();

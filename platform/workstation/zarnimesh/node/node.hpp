@@ -37,7 +37,14 @@ class Node {
 
   // A negative timeout stands for the node's options.
   [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
-                                 uint32_t count, uint64_t extra, int32_t timeoutMs);
+                                 uint32_t count, uint64_t extra, int32_t timeoutMs) {
+    const std::chrono::milliseconds timeout(timeoutMs);
+    const Sender::Patience patience =
+        timeoutMs < 0
+            ? Sender::Patience{.connect = settings_.connectTimeout, .room = settings_.sendTimeout}
+            : Sender::Patience{.connect = timeout, .room = timeout};
+    return sender_.send(destination, descriptors, count, extra, patience);
+  }
   Receiver& receiver() { return receiver_; }
   mesh_node_statistics statistics();
   PeerTable peers();

@@ -30,10 +30,9 @@ Registry& registry() {
 }
 
 // Changes whenever the open nodes change. Threads remember what they found until then.
-std::atomic<uint64_t> version = 1;
+std::atomic<uint64_t> nodesVersion = 1;
 
 std::atomic<bool> hasNodes = false;
-std::atomic<bool> forkedChild = false;
 
 // Requires the registry's mutex. Null as for findNode.
 std::shared_ptr<Node> findLocked(const Node* wanted) {
@@ -80,10 +79,6 @@ mesh_node* handleOf(const Node& node) {
   return reinterpret_cast<mesh_node*>(const_cast<Node*>(&node));
 }
 
-bool isForkedChild() {
-  return forkedChild.load(std::memory_order_relaxed);
-}
-
 void addNode(std::shared_ptr<Node> node) {
   static const int watching = pthread_atfork(nullptr, nullptr, [] {
     if (hasNodes.load()) {
@@ -96,12 +91,12 @@ void addNode(std::shared_ptr<Node> node) {
   registry().nodes.emplace(handle,
                            Registry::Entry{.node = std::move(node), .number = ++registry().latest});
   hasNodes.store(true);
-  version.fetch_add(1);
+  nodesVersion.fetch_add(1);
 }
 
 const std::shared_ptr<Node>& findNode(const mesh_node* handle) {
   Thread& thread = thisThread();
-  const uint64_t current = version.load();
+  const uint64_t current = nodesVersion.load();
   if (thread.foundVersion != current || thread.handle != handle) {
     const std::lock_guard lock(registry().mutex);
     thread.found = findLocked(reinterpret_cast<const Node*>(handle));
@@ -114,7 +109,7 @@ const std::shared_ptr<Node>& findNode(const mesh_node* handle) {
 bool removeNode(const Node& node) {
   const std::lock_guard lock(registry().mutex);
   registry().nodes.erase(&node);
-  version.fetch_add(1);
+  nodesVersion.fetch_add(1);
   hasNodes.store(!registry().nodes.empty());
   return registry().nodes.empty();
 }
@@ -128,7 +123,7 @@ void attachToThread(const std::shared_ptr<Node>& node) {
 
 const std::shared_ptr<Node>& sendingNode() {
   Thread& thread = thisThread();
-  const uint64_t current = version.load();
+  const uint64_t current = nodesVersion.load();
   if (thread.sendingVersion != current) {
     thread.sending = findSending(thread.attached, thread.attachment);
     thread.sendingVersion = current;

@@ -1,6 +1,7 @@
 // The process's open nodes, and the node from which each thread sends.
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "zarnimesh/node/node.hpp"
@@ -12,9 +13,14 @@ namespace zarnimesh {
 // The caller's handle of a node. It is dereferenced only after it was found among the open nodes.
 mesh_node* handleOf(const Node& node);
 
+// Set in the child, by a handler of fork().
+inline std::atomic<bool> forkedChild = false;
+
 // Whether this is a forked child of a process with open nodes. It must not use their sockets, and
 // other threads of the parent may have held any lock.
-bool isForkedChild();
+inline bool isForkedChild() {
+  return forkedChild.load(std::memory_order_relaxed);
+}
 
 void addNode(std::shared_ptr<Node> node);
 

@@ -4,23 +4,6 @@
 
 namespace zarnimesh {
 
-void Destination::number(FrameHeader& call) {
-  call.kind = Kind::Call;
-  call.sequence = ++numbered_;
-  call.confirmed = settled_;
-  sentBytes_ += call.bytes;
-  unconfirmed_.push_back(call.bytes);
-  unconfirmedBytes_ += call.bytes;
-  mostUnconfirmed_ = std::max(mostUnconfirmed_, unconfirmed());
-  ++askedCalls_;
-  askedBytes_ += call.bytes;
-  if (askedCalls_ >= std::max<size_t>(1, callLimit() / 4) || askedBytes_ >= byteLimit() / 4) {
-    call.flags = tellFlag;
-    askedCalls_ = 0;
-    askedBytes_ = 0;
-  }
-}
-
 void Destination::takeBack(const FrameHeader& call) {
   --numbered_;
   sentBytes_ -= call.bytes;
@@ -53,18 +36,6 @@ bool Destination::note(const FrameHeader& state, uint64_t first) {
   grantedCalls_ = std::max<uint32_t>(1, state.count);
   grantedBytes_ = std::max<uint32_t>(1, state.bytes);
   return restarted;
-}
-
-std::optional<mesh_peer_change> Destination::newWater() {
-  if (!aboveWater_ && unconfirmed() * 4 >= callLimit() * 3) {
-    aboveWater_ = true;
-    return MESH_PEER_HIGH_WATER;
-  }
-  if (aboveWater_ && unconfirmed() * 4 <= callLimit()) {
-    aboveWater_ = false;
-    return MESH_PEER_LOW_WATER;
-  }
-  return std::nullopt;
 }
 
 void Destination::settle(uint64_t sequence) {

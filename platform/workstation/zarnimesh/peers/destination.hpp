@@ -1,6 +1,7 @@
 // What a node knows of one destination: its connection, and the calls that it did not confirm yet.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -113,5 +114,36 @@ class Destination {
   uint32_t grantedBytes_ = UINT32_MAX;
   Clock::time_point heardAt_{};
 };
+
+// Inline: every call needs them.
+
+inline void Destination::number(FrameHeader& call) {
+  call.kind = Kind::Call;
+  call.sequence = ++numbered_;
+  call.confirmed = settled_;
+  sentBytes_ += call.bytes;
+  unconfirmed_.push_back(call.bytes);
+  unconfirmedBytes_ += call.bytes;
+  mostUnconfirmed_ = std::max(mostUnconfirmed_, unconfirmed());
+  ++askedCalls_;
+  askedBytes_ += call.bytes;
+  if (askedCalls_ >= std::max<size_t>(1, callLimit() / 4) || askedBytes_ >= byteLimit() / 4) {
+    call.flags = tellFlag;
+    askedCalls_ = 0;
+    askedBytes_ = 0;
+  }
+}
+
+inline std::optional<mesh_peer_change> Destination::newWater() {
+  if (!aboveWater_ && unconfirmed() * 4 >= callLimit() * 3) {
+    aboveWater_ = true;
+    return MESH_PEER_HIGH_WATER;
+  }
+  if (aboveWater_ && unconfirmed() * 4 <= callLimit()) {
+    aboveWater_ = false;
+    return MESH_PEER_LOW_WATER;
+  }
+  return std::nullopt;
+}
 
 }  // namespace zarnimesh

@@ -87,18 +87,19 @@ bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
   if (drained_) {
     return false;
   }
-  // A message arrives whole. Its parts after the first are not ours.
+  // A message arrives whole, and its route never comes alone. Its parts after the first are not
+  // ours.
   size_t parts = 0;
-  for (bool more = route_.more(); more; more = call.message.more()) {
-    if (!takePart(call.message, listener_.socket())) {
+  while (takePart(call.message, listener_.socket())) {
+    ++parts;
+    if (!call.message.more()) {
       break;
     }
-    ++parts;
   }
   if (watch_.isOpen()) {
     watch_.noteMessage(call.message);
   }
-  const auto number = readRoute({route_.data(), route_.size()});
+  const auto number = readRoute(route_.bytes());
   if (parts != 1 || !number) {
     statistics_.malformed.add(1);
     return true;
@@ -109,7 +110,7 @@ bool Incoming::takeMessage(IncomingCall& call, bool& isCall) {
 
 bool Incoming::accept(uint64_t route, IncomingCall& call) {
   const std::span<const uint8_t> message = call.message.bytes();
-  takeOver(message.data());
+  takeOver(call.message);
   const auto header = decodeHeader(message);
   if (!header) {
     statistics_.malformed.add(1);
@@ -191,15 +192,19 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     const Sources::Finding finding = Sources::note(*source, header);
     if (finding.lost > 0) {
       peerEvents_.add(MESH_PEER_GAP, header.source, highest + 1, highest + finding.lost);
+      statistics_.lostCalls.add(finding.lost);
+    }
+    if (finding.late) {
+      statistics_.lostCalls.subtract(1);
+    }
+    if (finding.duplicate) {
+      statistics_.duplicateCalls.add(1);
     }
     if (header.kind == Kind::Sync && header.count == 1 &&
         header.extra < source->missedBeforeFirst) {
       statistics_.missedBeforeFirst.subtract(source->missedBeforeFirst - header.extra);
       source->missedBeforeFirst = header.extra;
     }
-    statistics_.lostCalls.add(finding.lost);
-    statistics_.lostCalls.subtract(finding.late ? 1 : 0);
-    statistics_.duplicateCalls.add(finding.duplicate ? 1 : 0);
   }
   if (!isConnected) {
     sources_.connect(*source, route);
@@ -258,7 +263,7 @@ bool Incoming::tell(Source& source) {
                 .bytes = settings_.queueBytes},
                message.data());
   encodeFirst(source.first, message.data() + headerSize);
-  handOver(message.data());
+  handOver(message);
   if (!sendTo(source.route, message, listener_.socket())) {
     return zmq_errno() != EHOSTUNREACH;
   }

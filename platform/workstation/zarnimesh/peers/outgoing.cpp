@@ -26,22 +26,16 @@ constexpr size_t endpointSize = 256;
 
 }  // namespace
 
-Destination& Outgoing::destination(uint32_t address) {
-  if (latest_ == nullptr || latest_->address() != address) {
-    auto& found = destinations_[address];
-    if (found == nullptr) {
-      found = std::make_unique<Destination>(settings_, address);
-    }
-    latest_ = found.get();
+Destination& Outgoing::find(uint32_t address) {
+  auto& found = destinations_[address];
+  if (found == nullptr) {
+    found = std::make_unique<Destination>(settings_, address);
   }
-  return *latest_;
+  return *found;
 }
 
-mesh_result Outgoing::connect(Destination& destination) {
+mesh_result Outgoing::connectAnew(Destination& destination) {
   const bool inproc = destination.endpoint().transport == Transport::Inproc;
-  if (destination.link.route != 0) {
-    return MESH_OK;
-  }
   std::string endpoint = destination.endpoint().text();
   if (inproc) {
     const auto generation = InprocTable::instance().find(destination.endpoint().rest);
@@ -71,7 +65,8 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   const bool inproc = destination.endpoint().transport == Transport::Inproc;
   // Routes are never used twice: ZeroMQ ends the process for a second connection of one name.
   const uint64_t route = ++latestRoute_;
-  if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, routeName(route)) ||
+  const auto ownName = routeName(route);
+  if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, {ownName.data(), ownName.size()}) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
       uninterrupted([&] { return zmq_connect(socket_.handle(), endpoint.c_str()); }) != 0) {
     return failFromTransport(endpoint.c_str());
@@ -146,7 +141,7 @@ mesh_result Outgoing::setKeys(const Destination& destination) {
 }
 
 bool Outgoing::push(Destination& destination, MessagePart& message) {
-  handOver(message.data());
+  handOver(message);
   // Without a limit of the queue, only a connection that is gone makes this fail.
   if (sendTo(destination.link.route, message, socket_)) {
     tellWater(destination);
@@ -193,11 +188,10 @@ void Outgoing::takeStates(std::vector<Destination*>& restarted) {
     if (!takePart(route, socket_)) {
       break;
     }
-    bool more = route.more();
-    while (more && takePart(message, socket_)) {
-      more = message.more();
+    // The route never comes alone.
+    while (takePart(message, socket_) && message.more()) {
     }
-    if (const auto number = readRoute({route.data(), route.size()})) {
+    if (const auto number = readRoute(route.bytes())) {
       if (Destination* const destination = takeState(*number, message)) {
         restarted.push_back(destination);
       }
@@ -267,9 +261,9 @@ void Outgoing::tellWater(Destination& destination) {
   }
 }
 
-Destination* Outgoing::takeState(uint64_t route, const MessagePart& message) {
+Destination* Outgoing::takeState(uint64_t route, MessagePart& message) {
   const auto found = byRoute_.find(route);
-  takeOver(message.data());
+  takeOver(message);
   const std::optional<FrameHeader> state = decodeHeader(message.bytes());
   if (found == byRoute_.end() || !state || state->kind != Kind::State ||
       message.size() != stateSize) {

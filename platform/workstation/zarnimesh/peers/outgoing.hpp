@@ -31,11 +31,18 @@ class Outgoing {
   using Destinations = std::unordered_map<uint32_t, std::unique_ptr<Destination>>;
   const Destinations& destinations() const { return destinations_; }
   // Finds or adds it.
-  Destination& destination(uint32_t address);
+  Destination& destination(uint32_t address) {
+    if (latest_ == nullptr || latest_->address() != address) {
+      latest_ = &find(address);
+    }
+    return *latest_;
+  }
 
   // Starts connecting, if that was not done yet. Over inproc it stays unconnected while there is no
   // receiver.
-  [[nodiscard]] mesh_result connect(Destination& destination);
+  [[nodiscard]] mesh_result connect(Destination& destination) {
+    return destination.link.route != 0 ? MESH_OK : connectAnew(destination);
+  }
 
   // Hands a message to ZeroMQ and empties it. False when the receiver is gone; the message is then
   // unchanged. The destination must be connected.
@@ -62,6 +69,8 @@ class Outgoing {
   static bool mayBePresent(const Destination& destination);
 
  private:
+  Destination& find(uint32_t address);
+  [[nodiscard]] mesh_result connectAnew(Destination& destination);
   // A function of its own, so that the thread sanitizer knows who called ZeroMQ.
   [[nodiscard, gnu::noinline]] mesh_result connectTo(Destination& destination,
                                                      const std::string& endpoint);
@@ -70,7 +79,7 @@ class Outgoing {
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
   void takeStates(std::vector<Destination*>& restarted);
   // Returns the destination if another node answered there before.
-  Destination* takeState(uint64_t route, const MessagePart& message);
+  Destination* takeState(uint64_t route, MessagePart& message);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);

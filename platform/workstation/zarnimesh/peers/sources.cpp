@@ -33,14 +33,6 @@ bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
 
 }  // namespace
 
-Source* Sources::find(uint32_t address, uint64_t incarnation) {
-  if (latest_ == nullptr || latest_->incarnation != incarnation || latest_->address != address) {
-    const auto found = sources_.find({address, incarnation});
-    latest_ = found != sources_.end() ? &found->second : nullptr;
-  }
-  return latest_;
-}
-
 bool Sources::has(uint32_t address) const {
   return std::any_of(sources_.begin(), sources_.end(),
                      [&](const auto& entry) { return entry.second.address == address; });
@@ -65,13 +57,6 @@ void Sources::remove(const Source& source) {
   byRoute_.erase(source.route);
   latest_ = nullptr;
   sources_.erase({source.address, source.incarnation});
-}
-
-bool Sources::isPlausible(const FrameHeader& header, const Source* source) {
-  const bool isCall = header.kind == Kind::Call;
-  return header.confirmed <= header.sequence && (!isCall || header.sequence > header.confirmed) &&
-         header.sequence - header.confirmed <= mostUnconfirmed &&
-         (source == nullptr || header.confirmed <= source->settled);
 }
 
 uint64_t Sources::noteFirst(Source& source, const FrameHeader& header) {
@@ -109,13 +94,6 @@ Sources::Finding Sources::note(Source& source, const FrameHeader& header) {
     source.settled = source.highest;
   }
   return finding;
-}
-
-void Sources::noteDelivered(Source& source, const FrameHeader& call) {
-  --source.undelivered;
-  source.undeliveredBytes -= call.bytes;
-  source.settled =
-      source.undelivered == 0 ? source.highest : std::max(source.settled, call.sequence);
 }
 
 }  // namespace zarnimesh

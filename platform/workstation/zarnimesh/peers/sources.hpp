@@ -1,6 +1,7 @@
 // What a node knows of each sender: which of its calls arrived, were delivered, or are missing.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -126,5 +127,29 @@ class Sources {
   Source* latest_ = nullptr;  // found last: most calls follow one of the same sender
   size_t pruneAt_ = leastPruned;
 };
+
+// Inline: every call needs them.
+
+inline Source* Sources::find(uint32_t address, uint64_t incarnation) {
+  if (latest_ == nullptr || latest_->incarnation != incarnation || latest_->address != address) {
+    const auto found = sources_.find({address, incarnation});
+    latest_ = found != sources_.end() ? &found->second : nullptr;
+  }
+  return latest_;
+}
+
+inline bool Sources::isPlausible(const FrameHeader& header, const Source* source) {
+  const bool isCall = header.kind == Kind::Call;
+  return header.confirmed <= header.sequence && (!isCall || header.sequence > header.confirmed) &&
+         header.sequence - header.confirmed <= mostUnconfirmed &&
+         (source == nullptr || header.confirmed <= source->settled);
+}
+
+inline void Sources::noteDelivered(Source& source, const FrameHeader& call) {
+  --source.undelivered;
+  source.undeliveredBytes -= call.bytes;
+  source.settled =
+      source.undelivered == 0 ? source.highest : std::max(source.settled, call.sequence);
+}
 
 }  // namespace zarnimesh

@@ -10,22 +10,24 @@
 #endif
 #endif
 
+#include "zarnimesh/transport/socket.hpp"
+
 #ifdef ZARNIMESH_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #endif
 
 namespace zarnimesh {
 
-// `bytes` are those of a part that both threads see at the same address.
-inline void handOver([[maybe_unused]] void* bytes) {
+// Both threads see the bytes of `part` at the same address.
+inline void handOver([[maybe_unused]] MessagePart& part) {
 #ifdef ZARNIMESH_THREAD_SANITIZER
-  __tsan_release(bytes);
+  __tsan_release(part.data());
 #endif
 }
 
-inline void takeOver([[maybe_unused]] const void* bytes) {
+inline void takeOver([[maybe_unused]] MessagePart& part) {
 #ifdef ZARNIMESH_THREAD_SANITIZER
-  __tsan_acquire(const_cast<void*>(bytes));
+  __tsan_acquire(part.data());
 #endif
 }
 

@@ -46,40 +46,6 @@ Socket watchEvents(void* context, Socket& watched, int events) {
   return watcher;
 }
 
-std::string routeName(uint64_t route) {
-  std::string name(routeSize, '\0');
-  for (char& byte : name) {
-    byte = static_cast<char>(route);
-    route >>= 8;
-  }
-  return name;
-}
-
-std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
-  if (name.size() != routeSize) {
-    return std::nullopt;
-  }
-  uint64_t route = 0;
-  for (size_t i = 0; i < routeSize; ++i) {
-    route |= uint64_t{name[i]} << (8 * i);
-  }
-  return route;
-}
-
-bool sendTo(uint64_t route, MessagePart& message, Socket& socket) {
-  const std::string name = routeName(route);
-  return uninterrupted([&] {
-           return zmq_send(socket.handle(), name.data(), name.size(), ZMQ_DONTWAIT | ZMQ_SNDMORE);
-         }) >= 0 &&
-         uninterrupted(
-             [&] { return zmq_msg_send(message.raw(), socket.handle(), ZMQ_DONTWAIT); }) >= 0;
-}
-
-bool takePart(MessagePart& part, Socket& socket) {
-  return uninterrupted([&] { return zmq_msg_recv(part.raw(), socket.handle(), ZMQ_DONTWAIT); }) >=
-         0;
-}
-
 void stopWatching(Socket& watched, Socket& watcher) {
   if (watcher) {
     zmq_socket_monitor(watched.handle(), nullptr, 0);

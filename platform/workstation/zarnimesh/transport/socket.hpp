@@ -3,6 +3,7 @@
 
 #include <zmq.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "zarnimesh/error.hpp"
@@ -37,7 +39,7 @@ class Socket {
   [[nodiscard]] bool set(int option, int64_t value) {
     return zmq_setsockopt(handle_, option, &value, sizeof value) == 0;
   }
-  [[nodiscard]] bool set(int option, const std::string& value) {
+  [[nodiscard]] bool set(int option, std::string_view value) {
     return zmq_setsockopt(handle_, option, value.data(), value.size()) == 0;
   }
 
@@ -106,15 +108,42 @@ int uninterrupted(Call&& call) {
 // chooses the others. Both have five bytes, which fit into a number.
 inline constexpr size_t routeSize = 5;
 
-std::string routeName(uint64_t route);
-std::optional<uint64_t> readRoute(std::span<const uint8_t> name);
+inline std::array<char, routeSize> routeName(uint64_t route) {
+  std::array<char, routeSize> name;
+  for (char& byte : name) {
+    byte = static_cast<char>(route);
+    route >>= 8;
+  }
+  return name;
+}
+
+inline std::optional<uint64_t> readRoute(std::span<const uint8_t> name) {
+  if (name.size() != routeSize) {
+    return std::nullopt;
+  }
+  uint64_t route = 0;
+  for (size_t i = 0; i < routeSize; ++i) {
+    route |= uint64_t{name[i]} << (8 * i);
+  }
+  return route;
+}
 
 // Sends a message over one connection and empties it. Does not wait. False when that failed; the
 // message is then unchanged.
-[[nodiscard]] bool sendTo(uint64_t route, MessagePart& message, Socket& socket);
+[[nodiscard]] inline bool sendTo(uint64_t route, MessagePart& message, Socket& socket) {
+  const auto name = routeName(route);
+  return uninterrupted([&] {
+           return zmq_send(socket.handle(), name.data(), name.size(), ZMQ_DONTWAIT | ZMQ_SNDMORE);
+         }) >= 0 &&
+         uninterrupted(
+             [&] { return zmq_msg_send(message.raw(), socket.handle(), ZMQ_DONTWAIT); }) >= 0;
+}
 
 // Takes the next part, if there is one. Does not wait.
-[[nodiscard]] bool takePart(MessagePart& part, Socket& socket);
+[[nodiscard]] inline bool takePart(MessagePart& part, Socket& socket) {
+  return uninterrupted([&] { return zmq_msg_recv(part.raw(), socket.handle(), ZMQ_DONTWAIT); }) >=
+         0;
+}
 
 // Over tcp, ends connections whose peer's machine has not answered for three times `interval`, in
 // whole seconds. 0: never. ZeroMQ's own heartbeats end the process if one is due at a connection
