@@ -27,31 +27,26 @@ void Caretaker::add(std::shared_ptr<Node> node) {
   const std::lock_guard lock(mutex_);
   nodes_.push_back(std::move(node));
   if (!thread_.joinable()) {
-    thread_ = std::thread([this, generation = ++generation_] { run(generation); });
+    thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
   }
 }
 
 void Caretaker::remove(const Node& node) {
-  std::thread ended;
-  {
-    std::unique_lock lock(mutex_);
-    std::erase_if(nodes_, [&](const auto& each) { return each.get() == &node; });
-    changed_.wait(lock, [&] { return current_ != &node; });
-    if (!nodes_.empty() || !thread_.joinable()) {
-      return;
-    }
-    ++generation_;
+  std::jthread ended;  // joined without the lock
+  std::unique_lock lock(mutex_);
+  std::erase_if(nodes_, [&](const auto& each) { return each.get() == &node; });
+  changed_.wait(lock, [&] { return current_ != &node; });
+  if (nodes_.empty()) {
+    thread_.request_stop();
     ended = std::move(thread_);
   }
-  changed_.notify_all();
-  ended.join();
 }
 
-void Caretaker::run(uint64_t generation) {
+void Caretaker::run(const std::stop_token& stop) {
   std::unique_lock lock(mutex_);
   std::vector<pollfd> files;
   std::vector<std::pair<std::shared_ptr<Node>, bool>> behind;
-  for (uint64_t round = 0; generation == generation_; ++round) {
+  for (uint64_t round = 0; !stop.stop_requested(); ++round) {
     // One system call tells for all nodes whether there is something to do.
     files.clear();
     behind.clear();
@@ -74,7 +69,7 @@ void Caretaker::run(uint64_t generation) {
       }
     }
     behind.clear();
-    changed_.wait_for(lock, interval, [&] { return generation != generation_; });
+    changed_.wait_for(lock, stop, interval, [] { return false; });
   }
 }
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <condition_variable>
-#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -24,14 +24,13 @@ class Caretaker {
   void remove(const Node& node);
 
  private:
-  void run(uint64_t generation);
+  void run(const std::stop_token& stop);
 
   std::mutex mutex_;  // guards the members below
-  std::condition_variable changed_;
+  std::condition_variable_any changed_;
   std::vector<std::shared_ptr<Node>> nodes_;
   const Node* current_ = nullptr;  // the thread is looking after it
-  uint64_t generation_ = 0;        // of the thread that is to run
-  std::thread thread_;
+  std::jthread thread_;
 };
 
 }  // namespace zarnimesh

@@ -18,11 +18,8 @@ size_t pageSize() {
 mesh_result RecordArea::map() {
   // Map all pages without access, then make all but the guard page accessible.
   void* mapped = mmap(nullptr, size + pageSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (mapped == MAP_FAILED) {
-    return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));
-  }
-  data_ = mapped;
-  if (mprotect(data_, size, PROT_READ | PROT_WRITE) != 0) {
+  data_ = mapped != MAP_FAILED ? mapped : nullptr;
+  if (data_ == nullptr || mprotect(data_, size, PROT_READ | PROT_WRITE) != 0) {
     return fail(MESH_OUT_OF_MEMORY, "record area: %s", std::strerror(errno));
   }
   return MESH_OK;

@@ -111,7 +111,7 @@ bool ConnectionWatch::endIfEndless(int file, Connection& connection) {
   connection.suspect = large;
   if (endless) {
     shutdown(file, SHUT_RDWR);
-    connection.suspect = false;
+    connection.cookie = 0;  // no connection's: ZeroMQ may report the end much later
   }
   return endless;
 }

@@ -47,7 +47,7 @@ class Listener {
   std::string bound_;                   // as passed to zmq_bind; empty when not bound
   std::optional<uint64_t> generation_;  // inproc
   AddressLock lock_;                    // ipc
-  SocketFile file_;                     // ipc
+  SocketFile file_{};                   // ipc
   std::string domain_;                  // tcp with keys: names the keys that may connect
   Socket socket_;
 };

@@ -21,9 +21,6 @@ class Outgoing {
  public:
   Outgoing(const Settings& settings, PeerEvents& events)
       : settings_(settings), peerEvents_(events) {}
-  ~Outgoing() { close(); }
-  Outgoing(const Outgoing&) = delete;
-  Outgoing& operator=(const Outgoing&) = delete;
 
   void open(std::shared_ptr<Context> context) { context_ = std::move(context); }
   void close();

@@ -102,7 +102,7 @@ class Sources {
       }
       at = forget ? sources_.erase(at) : std::next(at);
     }
-    pruneAt_ = 2 * sources_.size() < leastPruned ? leastPruned : 2 * sources_.size();
+    pruneAt_ = std::max(leastPruned, 2 * sources_.size());
   }
 
   auto begin() { return sources_.begin(); }

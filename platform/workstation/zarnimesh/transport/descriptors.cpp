@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <memory>
 
@@ -18,8 +19,11 @@ constexpr rlim_t reserve = 64;
 constexpr int64_t mostUncounted = 512;
 constexpr int64_t takenEachTime = 8;
 
-rlim_t openDescriptors() {
+rlim_t openDescriptors(rlim_t limit) {
   const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir("/proc/self/fd"), closedir);
+  if (directory == nullptr && errno == EMFILE) {
+    return limit;
+  }
   rlim_t count = 0;
   while (directory != nullptr && readdir(directory.get()) != nullptr) {
     ++count;
@@ -43,7 +47,7 @@ mesh_result reserveDescriptors() {
     static_cast<void>(setrlimit(RLIMIT_NOFILE, &limit));
     static_cast<void>(getrlimit(RLIMIT_NOFILE, &limit));
   }
-  const rlim_t used = openDescriptors();
+  const rlim_t used = openDescriptors(limit.rlim_cur);
   if (limit.rlim_cur != RLIM_INFINITY && used + reserve > limit.rlim_cur) {
     return fail(MESH_SYSTEM_ERROR, "%llu of %llu file descriptors are in use (ulimit -n)",
                 static_cast<unsigned long long>(used),

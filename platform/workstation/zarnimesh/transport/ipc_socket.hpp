@@ -11,8 +11,8 @@ namespace zarnimesh {
 
 // Identifies a socket's file.
 struct SocketFile {
-  dev_t device = 0;
-  ino_t inode = 0;
+  dev_t device;
+  ino_t inode;
 };
 
 // Whether the path names that file.
