@@ -3,10 +3,10 @@
 #pragma once
 
 #if defined(__SANITIZE_THREAD__)
-#define ZARNIMESH_THREAD_SANITIZER 1
+#define ZARNIMESH_THREAD_SANITIZER
 #elif defined(__has_feature)
 #if __has_feature(thread_sanitizer)
-#define ZARNIMESH_THREAD_SANITIZER 1
+#define ZARNIMESH_THREAD_SANITIZER
 #endif
 #endif
 
