@@ -1,5 +1,6 @@
 // Opening, attaching and closing nodes. Registration of hooks.
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -115,6 +116,43 @@ TEST_F(NodeLife, KeepsNoAddressThatItCouldNotOpen) {
   EXPECT_EQ(resultOfOpening(1, defaults()), MESH_BAD_CONFIGURATION);
   ASSERT_EQ(rmdir(socket.c_str()), 0);
   EXPECT_EQ(resultOfOpening(1, defaults()), MESH_OK) << mesh_node_last_error();
+}
+
+TEST_F(NodeLife, RaisesTheProcessesLimitOfDescriptors) {
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit low{.rlim_cur = 200, .rlim_max = before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
+  rlimit after = low;
+  // Not every open looks at the limit.
+  for (int round = 0; round < 100 && after.rlim_cur != before.rlim_max; ++round) {
+    ASSERT_EQ(open(1).close(), MESH_OK);
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &after), 0);
+  }
+  EXPECT_EQ(after.rlim_cur, before.rlim_max);
+  EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+}
+
+TEST_F(NodeLife, RejectsALockThatIsALink) {
+  const std::string elsewhere = directory() + "/elsewhere";
+  ASSERT_EQ(symlink(elsewhere.c_str(), (directory() + "/1.lock").c_str()), 0);
+  EXPECT_EQ(resultOfOpening(1, defaults()), MESH_SYSTEM_ERROR);
+  struct stat status {};
+  EXPECT_NE(stat(elsewhere.c_str(), &status), 0) << "not made";
+}
+
+TEST_F(NodeLife, KeepsItsSocketUntilItCloses) {
+  const std::string socket = directory() + "/1";
+  OpenNode node = open(1);
+  struct stat before {};
+  struct stat after {};
+  ASSERT_EQ(stat(socket.c_str(), &before), 0);
+  // It looks after the socket while it receives.
+  ASSERT_EQ(mesh_node_receive(node, 600, nullptr, nullptr), 0);
+  ASSERT_EQ(stat(socket.c_str(), &after), 0);
+  EXPECT_EQ(after.st_ino, before.st_ino);
+  ASSERT_EQ(node.close(), MESH_OK);
+  EXPECT_NE(stat(socket.c_str(), &after), 0);
 }
 
 TEST_F(NodeLife, RejectsASecondReceiver) {

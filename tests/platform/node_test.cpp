@@ -1,9 +1,11 @@
 // Nodes of one process, over both transports that need no configuration.
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
 #include "support/node_fixture.hpp"
+#include "support/own_process.hpp"
 
 namespace platform_test {
 namespace {
@@ -144,6 +146,13 @@ TEST_P(Node, ReturnsZeroAtTimeout) {
   const OpenNode node = open(1, options());
   EXPECT_EQ(mesh_node_receive(node, 20, nullptr, nullptr), 0);
   EXPECT_EQ(mesh_node_receive(node, 0, nullptr, nullptr), 0);
+}
+
+TEST_P(Node, WaitsWithoutTheProcessor) {
+  const OpenNode node = open(1, options());
+  const auto before = processorTime();
+  EXPECT_EQ(mesh_node_receive(node, 500, nullptr, nullptr), 0);
+  EXPECT_LT(processorTime() - before, std::chrono::milliseconds(50));
 }
 
 TEST_P(Node, ReopensAtOnceWithoutOldCalls) {

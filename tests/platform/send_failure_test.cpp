@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/node_fixture.hpp"
+#include "support/own_process.hpp"
 
 namespace platform_test {
 namespace {
@@ -50,6 +51,14 @@ TEST_P(Send, ReturnsNoDestinationAfterTheTimeout) {
   EXPECT_EQ(statisticsOf(node).failed_no_destination, 1u);
   EXPECT_EQ(statisticsOf(node).sent_calls, 0u);
   EXPECT_NE(std::string(mesh_node_last_error()).find("no receiver answers"), std::string::npos);
+}
+
+TEST_P(Send, WaitsWithoutTheProcessor) {
+  const OpenNode node = open(1, options());
+  const mesh_msg_desc empty{};
+  const auto before = processorTime();
+  EXPECT_EQ(mesh_node_send(node, 2, &empty, 1, 0, 600), MESH_NO_DESTINATION);
+  EXPECT_LT(processorTime() - before, milliseconds(60));
 }
 
 TEST_P(Send, FindsAReceiverThatOpensDuringTheWait) {

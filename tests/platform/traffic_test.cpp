@@ -167,6 +167,7 @@ TEST_F(Traffic, ThroughAThousandNodesLeaksNothing) {
   }
   const size_t files = openFiles();
   const size_t memory = residentMebibytes();
+  const size_t mapped = mappings();
   for (uint32_t number = 0; number < 90 && !HasFailure(); ++number) {
     round(number);
   }
@@ -177,6 +178,7 @@ TEST_F(Traffic, ThroughAThousandNodesLeaksNothing) {
   }
   EXPECT_LE(openFiles(), files + 5);
   EXPECT_LE(residentMebibytes(), memory + (keepsFreedMemory ? 256 : 8));
+  EXPECT_LE(mappings(), mapped + 300) << "a node has one";
 }
 
 // Signals interrupt also those calls of ZeroMQ that do not wait.

@@ -17,7 +17,8 @@ LOGIC = {"&&": "||", "||": "&&"}
 ARITHMETIC = {"+": "-", "-": "+", "*": "+", "/": "*", "%": "/", "<<": ">>", "&": "|", "|": "&",
               "^": "|", "+=": "-=", "-=": "+=", "|=": "&=", "&=": "|=", "++": "--", "--": "++"}
 # What replaces a returned value, where `{}` would change nothing or another operator changes it.
-RETURNED = {"0": None, "true": None, "false": None, "nullptr": None, "{}": None, "success": "1"}
+RETURNED = {"0": None, "true": None, "false": None, "nullptr": None, "{}": None, "success": "1",
+            "MESH_OK": "MESH_NOT_OPEN"}
 # A statement that begins like this declares a name or controls others.
 NOT_DROPPED = re.compile(
     r"(const|constexpr|consteval|auto|static|using|if|for|while|switch|case|default|struct|template|typename"

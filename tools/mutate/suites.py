@@ -108,9 +108,11 @@ SUITES = {
                       for folder in ("api", "node", "peers", "transport")),
         excluded=(),
         tests=(
-            # One opens 1,200 nodes, which take more memory than a trial may.
+            # One opens 1,500 connections, which take more memory than a trial may.
             Test("platform_test", own_processes=True,
-                 filter="*-Log*:Memory*:*EndlessMessage*:Node.RemembersAllLiveSenders"),
+                 filter="*-Log*:Memory*:EndlessMessage*:Node.RemembersAllLiveSenders"),
+            # A mutant that takes endless messages takes gigabytes.
+            Test("platform_test", own_processes=True, filter="EndlessMessage*", is_slow=True),
             Test("platform_scenarios", ("--scenarios", "8", "--over", "ipc")),
             Test("platform_scenarios", ("--scenarios", "30", "--over", "inproc")),
         ),

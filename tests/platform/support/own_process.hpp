@@ -1,6 +1,9 @@
 // This process's use of system resources.
 #pragma once
 
+#include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,6 +23,18 @@ inline constexpr bool keepsFreedMemory = false;
 inline size_t openFiles() {
   const std::filesystem::directory_iterator files("/proc/self/fd");
   return static_cast<size_t>(std::distance(begin(files), end(files)));
+}
+
+inline size_t mappings() {
+  std::ifstream maps("/proc/self/maps");
+  return static_cast<size_t>(std::count(std::istreambuf_iterator<char>(maps), {}, '\n'));
+}
+
+// Of the calling thread.
+inline std::chrono::nanoseconds processorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 inline size_t residentMebibytes() {
