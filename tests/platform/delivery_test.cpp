@@ -22,10 +22,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-milliseconds since(steady_clock::time_point start) {
-  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
-}
-
 class Delivery : public NodeFixture {
  protected:
   // Both nodes receive at tcp endpoints.

@@ -14,7 +14,6 @@
 namespace platform_test {
 namespace {
 
-constexpr uint32_t own = 5;
 constexpr uint32_t payloadLimit = 1 << 20;
 
 class EndlessMessage : public NodeFixture {
@@ -22,11 +21,11 @@ class EndlessMessage : public NodeFixture {
   EndlessMessage() {
     options_.address_book = book_.c_str();
     options_.payload_limit = payloadLimit;
-    node_ = open(own, options_);
+    node_ = open(ownNode, options_);
   }
 
   const uint16_t port_ = freePort();
-  const std::string book_ = std::to_string(own) + " " + tcpEndpoint(port_);
+  const std::string book_ = std::to_string(ownNode) + " " + tcpEndpoint(port_);
   mesh_node_options options_ = impatient();
   OpenNode node_;
 };
@@ -58,7 +57,7 @@ TEST_F(EndlessMessage, EndsItsConnectionWithBoundedMemory) {
 
   RawSender sender(tcpEndpoint(port_));
   RawHeader header;
-  header.destination = own;
+  header.destination = ownNode;
   sender.sendNote(header, "good");
   EXPECT_EQ(receiveNotes(node_, 1).size(), 1u);
   EXPECT_EQ(statisticsOf(node_).received_calls, 1u);
@@ -67,7 +66,7 @@ TEST_F(EndlessMessage, EndsItsConnectionWithBoundedMemory) {
 TEST_F(EndlessMessage, EndsItsConnectionWhileAThreadWaits) {
   RawConnection connection(port_);
   RawHeader header;
-  header.destination = own;
+  header.destination = ownNode;
   ASSERT_TRUE(connection.sendPart(header.bytes(), false));
   EXPECT_EQ(receiveUntil(node_, &mesh_node_statistics::received_calls, 1), 1u);
   std::atomic<bool> ended = false;
@@ -104,7 +103,7 @@ TEST_F(EndlessMessage, IsDetectedOnABusyNode) {
     EXPECT_EQ(mesh_node_attach(other), MESH_OK);
     while (!ended) {
       // After the test the queue stays full.
-      const uint32_t result = sendNotes(own, {std::string(1000, 'b')});
+      const uint32_t result = sendNotes(ownNode, {std::string(1000, 'b')});
       failures += result != MESH_OK && !ended ? 1 : 0;
     }
   });
@@ -136,7 +135,7 @@ TEST_F(EndlessMessage, IsDetectedOnABusyNode) {
 TEST_F(EndlessMessage, IsNotALargeMessage) {
   RawConnection connection(port_);
   RawHeader header;
-  header.destination = own;
+  header.destination = ownNode;
   header.count = payloadLimit / 8;
   header.payloadBytes = payloadLimit;
   std::string index;
@@ -161,7 +160,7 @@ TEST_F(EndlessMessage, IsNotABacklogOfCalls) {
   const OpenNode other = open(6, options_);
   ASSERT_EQ(mesh_node_attach(other), MESH_OK);
   uint32_t calls = 0;
-  while (calls < 40 && sendNotes(own, {std::string(payloadLimit, 'a')}) == MESH_OK) {
+  while (calls < 40 && sendNotes(ownNode, {std::string(payloadLimit, 'a')}) == MESH_OK) {
     ++calls;
   }
   ASSERT_GT(calls, 20u);
@@ -180,7 +179,7 @@ TEST_F(EndlessMessage, IsNotACallThatWaitsForItsTurn) {
     others.push_back(open(6 + sender, options_));
     ASSERT_EQ(mesh_node_attach(others.back()), MESH_OK);
     for (uint32_t call = 0; call < callsOfEach; ++call) {
-      ASSERT_EQ(sendNotes(own, {std::string(payloadLimit, 'a')}), MESH_OK);
+      ASSERT_EQ(sendNotes(ownNode, {std::string(payloadLimit, 'a')}), MESH_OK);
     }
   }
   const auto slowly = [](const mesh_received*, void*) {

@@ -8,15 +8,13 @@
 namespace platform_test {
 namespace {
 
-constexpr uint32_t own = 5;
-
 class Frame : public NodeFixture {
  protected:
-  std::string endpoint() const { return "ipc://" + directory() + "/" + std::to_string(own); }
+  std::string endpoint() const { return "ipc://" + directory() + "/" + std::to_string(ownNode); }
 
   static RawHeader header(uint64_t sequence = 1) {
     RawHeader header;
-    header.destination = own;
+    header.destination = ownNode;
     header.sequence = sequence;
     return header;
   }
@@ -27,7 +25,7 @@ class Frame : public NodeFixture {
 
   // Sends a malformed message, then a good one. Expects only the good one to be delivered.
   void expectDropped(const std::vector<std::string>& parts) {
-    const OpenNode node = open(own);
+    const OpenNode node = open(ownNode);
     RawSender sender(endpoint());
     sender.send(parts);
     sender.sendNote(header(), "good");
@@ -65,7 +63,7 @@ uint64_t receivedFrom(mesh_node* node, uint32_t address) {
 }
 
 TEST_F(Frame, IsDecoded) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   RawHeader two = header();
   two.extra = 0x0102030405060708;
@@ -156,7 +154,7 @@ TEST_F(Frame, IsDroppedWithSequenceZero) {
 
 TEST_F(Frame, IsDroppedForAnotherDestination) {
   RawHeader other = oneNoteHeader();
-  other.destination = own + 1;
+  other.destination = ownNode + 1;
   expectDropped(oneNote(other));
 }
 
@@ -234,7 +232,7 @@ TEST_F(Frame, IsDroppedAboveTheTableLimitOverInproc) {
 TEST_F(Frame, IsRejectedByZeroMqAboveThePayloadLimit) {
   mesh_node_options small = defaults();
   small.payload_limit = 1000;
-  const OpenNode node = open(own, small);
+  const OpenNode node = open(ownNode, small);
   RawHeader large = header();
   large.count = 1;
   large.payloadBytes = 10000;
@@ -252,7 +250,7 @@ TEST_F(Frame, IsRejectedByZeroMqAboveThePayloadLimit) {
 }
 
 TEST_F(Node, CountsLostCalls) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   for (const uint64_t sequence : {1u, 2u, 5u, 6u, 8u}) {
     sender.sendNote(header(sequence), "a");
@@ -264,7 +262,7 @@ TEST_F(Node, CountsLostCalls) {
 }
 
 TEST_F(Node, CountsCallsMissedBeforeTheFirst) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   sender.sendNote(header(11), "a");
   sender.sendNote(header(12), "b");
@@ -279,7 +277,7 @@ TEST_F(Node, CountsCallsMissedBeforeTheFirst) {
 }
 
 TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   for (const uint64_t sequence : {1u, 3u, 3u, 2u, 4u}) {
     sender.sendNote(header(sequence), std::to_string(sequence));
@@ -290,7 +288,7 @@ TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
 }
 
 TEST_F(Node, DropsCallsThatClaimImpossibleLosses) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   sender.sendNote(header(1), "a");
   sender.sendNote(header(UINT64_MAX), "b");
@@ -306,7 +304,7 @@ TEST_F(Node, DropsCallsThatClaimImpossibleLosses) {
 }
 
 TEST_F(Node, AcceptsTheLargestSequenceNumber) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   RawHeader last = header(UINT64_MAX);
   last.confirmed = UINT64_MAX - 3;
@@ -318,7 +316,7 @@ TEST_F(Node, AcceptsTheLargestSequenceNumber) {
 }
 
 TEST_F(Node, TracksEachIncarnationSeparately) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   for (const uint64_t incarnation : {1u, 2u, 3u}) {
     RawSender sender(endpoint());
     for (const uint64_t sequence : {1u, 2u}) {
@@ -334,7 +332,7 @@ TEST_F(Node, TracksEachIncarnationSeparately) {
 }
 
 TEST_F(Node, HearsOneSenderOverEachConnection) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
   sender.sendNote(header(1), "a");
   RawHeader other = header(1);
@@ -352,7 +350,7 @@ TEST_F(Node, HearsOneSenderOverEachConnection) {
 
 // More than the 1,024 books after which those of gone senders are forgotten.
 TEST_F(Node, RemembersAllLiveSenders) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   constexpr uint64_t senders = 1500;
   std::vector<std::unique_ptr<RawSender>> alive;
   const auto sendFromAll = [&](uint64_t sequence) {
@@ -375,7 +373,7 @@ TEST_F(Node, RemembersAllLiveSenders) {
 }
 
 TEST_F(Node, ForgetsSendersThatAreGone) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   constexpr uint64_t senders = 3000;
   for (uint64_t sender = 1; sender <= senders; ++sender) {
     RawSender gone(endpoint());
@@ -391,13 +389,13 @@ TEST_F(Node, ForgetsSendersThatAreGone) {
 }
 
 TEST_F(Node, CountsUnknownIdentifiersAndDeliversTheRest) {
-  const OpenNode node = open(own);
+  const OpenNode node = open(ownNode);
   const char text[] = "abc";
   const auto at = reinterpret_cast<uintptr_t>(text);
   const mesh_msg_desc descriptors[] = {
       {at, 0xDEAD, 1}, {at + 1, noteId, 1}, {at, 0xDEAD, 3}, {at + 2, noteId, 1}};
-  ASSERT_EQ(MESH_SendMsg(own, descriptors, 4), MESH_OK);
-  const std::vector<Received> expected{{own, noteId, 0, "b", 0}, {own, noteId, 0, "c", 0}};
+  ASSERT_EQ(MESH_SendMsg(ownNode, descriptors, 4), MESH_OK);
+  const std::vector<Received> expected{{ownNode, noteId, 0, "b", 0}, {ownNode, noteId, 0, "c", 0}};
   EXPECT_EQ(receiveNotes(node, 2), expected);
   EXPECT_EQ(statisticsOf(node).unknown_identifiers, 2u);
   EXPECT_EQ(statisticsOf(node).received_records, 2u);
@@ -413,10 +411,11 @@ TEST_F(Node, CallsTheUnknownHook) {
     static_cast<std::vector<Received>*>(user)->push_back(
         {source, id, 0, std::string(reinterpret_cast<const char*>(data), length), 0});
   };
-  const OpenNode node = open(own, options);
-  ASSERT_EQ(sendNotes(own, {"what", "is this"}, 0, 0xDEAD), MESH_OK);
+  const OpenNode node = open(ownNode, options);
+  ASSERT_EQ(sendNotes(ownNode, {"what", "is this"}, 0, 0xDEAD), MESH_OK);
   EXPECT_EQ(receiveUntil(node, &mesh_node_statistics::unknown_identifiers, 2), 2u);
-  const std::vector<Received> expected{{own, 0xDEAD, 0, "what", 0}, {own, 0xDEAD, 0, "is this", 0}};
+  const std::vector<Received> expected{{ownNode, 0xDEAD, 0, "what", 0},
+                                       {ownNode, 0xDEAD, 0, "is this", 0}};
   EXPECT_EQ(unknown, expected);
 }
 

@@ -35,10 +35,6 @@ class Send : public NodeFixture, public ::testing::WithParamInterface<mesh_trans
     }
     return MESH_OK;
   }
-
-  static milliseconds since(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
-  }
 };
 
 INSTANTIATE_TEST_SUITE_P(Transports, Send, bothTransports, transportName);

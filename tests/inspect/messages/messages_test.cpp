@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "inspect/messages/messages.hpp"
 #include "mesh_l2vpn/messages.h"
 #include "tests/inspect/bytes/failure_of.hpp"

@@ -15,6 +15,14 @@
 
 namespace platform_test {
 
+// The node of tests with one node.
+inline constexpr uint32_t ownNode = 5;
+
+inline std::chrono::milliseconds since(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                               start);
+}
+
 // The time limit of a waiting loop.
 class Deadline {
  public:
