@@ -18,11 +18,11 @@ namespace {
 #define SYNC(X, identifier) {#X, "l2vpn_sync", &mesh::msg::messageOf<X>},
 
 // Not L2VPN_MESSAGES: each message is told its service.
-constexpr KnownMessage all[] = {L2VPN_CFG_MESSAGES(CFG) L2VPN_STAT_MESSAGES(STAT)
-                                    L2VPN_SYNC_MESSAGES(SYNC)};
+constexpr KnownMessage knownMessages[] = {L2VPN_CFG_MESSAGES(CFG) L2VPN_STAT_MESSAGES(STAT)
+                                              L2VPN_SYNC_MESSAGES(SYNC)};
 
 const KnownMessage* orNull(const KnownMessage* found) {
-  return found == std::end(all) ? nullptr : found;
+  return found == std::end(knownMessages) ? nullptr : found;
 }
 
 constexpr size_t longestName = 63;
@@ -62,15 +62,15 @@ bool isHexId(std::string_view text) {
 }  // namespace
 
 std::span<const KnownMessage> messages() {
-  return all;
+  return knownMessages;
 }
 
 const KnownMessage* findById(uint32_t id) {
-  return orNull(std::ranges::find(all, id, &KnownMessage::id));
+  return orNull(std::ranges::find(knownMessages, id, &KnownMessage::id));
 }
 
 const KnownMessage* findByName(std::string_view name) {
-  return orNull(std::ranges::find(all, name, &KnownMessage::name));
+  return orNull(std::ranges::find(knownMessages, name, &KnownMessage::name));
 }
 
 std::string didYouMean(std::string_view name, std::span<const std::string_view> names) {
