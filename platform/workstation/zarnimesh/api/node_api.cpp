@@ -63,10 +63,16 @@ void handOut(std::unique_ptr<Tables> tables, mesh_tables& out) {
   out.owner = tables.release();
 }
 
+// Where the frame of the exported function begins. It depends on the function's caller alone, not
+// on what the compiler inlines.
+[[gnu::always_inline]] inline const char* exportedFrame() {
+  return static_cast<const char*>(__builtin_dwarf_cfa());
+}
+
 // Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
-  explicit ReceiverHold(Node& node) : node_(node), held_(node.takeReceiver()) {}
+  ReceiverHold(Node& node, const char* frame) : node_(node), held_(node.takeReceiver(frame)) {}
   ~ReceiverHold() {
     if (held_) {
       node_.giveReceiverBack();
@@ -82,14 +88,14 @@ class ReceiverHold {
   const bool held_;
 };
 
-[[nodiscard]] mesh_result receiveAt(mesh_node* handle, int32_t timeoutMs, const Handler& handler,
-                                    int64_t& delivered) {
+[[nodiscard]] mesh_result receiveAt(const char* frame, mesh_node* handle, int32_t timeoutMs,
+                                    const Handler& handler, int64_t& delivered) {
   // A handler may leave by longjmp: nothing on this stack owns anything then.
   Node* const node = findNode(handle).get();
   if (node == nullptr) {
     return noSuchNode();
   }
-  const ReceiverHold hold(*node);
+  const ReceiverHold hold(*node, frame);
   if (!hold) {
     return busy();
   }
@@ -98,8 +104,9 @@ class ReceiverHold {
   return MESH_OK;
 }
 
-[[nodiscard]] mesh_result receiveAtAny(std::span<mesh_node* const> handles, int32_t timeoutMs,
-                                       const Handler& handler, int64_t& delivered) {
+[[nodiscard]] mesh_result receiveAtAny(const char* frame, std::span<mesh_node* const> handles,
+                                       int32_t timeoutMs, const Handler& handler,
+                                       int64_t& delivered) {
   std::vector<std::shared_ptr<Node>> nodes;
   std::deque<ReceiverHold> holds;
   std::vector<Receiver*> receivers;
@@ -111,13 +118,36 @@ class ReceiverHold {
     if (std::find(nodes.begin(), nodes.end() - 1, nodes.back()) != nodes.end() - 1) {
       return fail(MESH_BAD_ARGUMENT, "a node is there twice");
     }
-    if (!holds.emplace_back(*nodes.back())) {
+    if (!holds.emplace_back(*nodes.back(), frame)) {
       return busy();
     }
     receivers.push_back(&nodes.back()->receiver());
   }
   delivered = receiveAny(receivers, timeoutMs, handler);
   return MESH_OK;
+}
+
+[[nodiscard]] mesh_result closeNode(const char* frame, mesh_node* handle,
+                                    mesh_node_statistics* last) {
+  const std::shared_ptr<Node> node = findNode(handle);
+  if (node == nullptr) {
+    return noSuchNode();
+  }
+  if (!node->takeReceiver(frame)) {
+    return busy();
+  }
+  const bool wasLast = removeNode(*node);
+  // The receiver may be a node of this process: the caretaker answers for it.
+  mesh_node_statistics counters;
+  const mesh_result result = node->close(counters);
+  if (last != nullptr) {
+    *last = counters;
+  }
+  Caretaker::instance().remove(*node);
+  if (wasLast) {
+    callCleanHooks();
+  }
+  return result;
 }
 
 }  // namespace
@@ -158,32 +188,14 @@ ZARNIMESH_EXPORT mesh_result mesh_node_open(uint32_t address, const mesh_node_op
 }
 
 ZARNIMESH_EXPORT mesh_result mesh_node_close(mesh_node* handle) {
-  return mesh_node_close_counted(handle, nullptr);
+  const char* const frame = exportedFrame();
+  return guarded([&] { return closeNode(frame, handle, nullptr); });
 }
 
 ZARNIMESH_EXPORT mesh_result mesh_node_close_counted(mesh_node* handle,
                                                      mesh_node_statistics* last) {
-  return guarded([&] {
-    const std::shared_ptr<Node> node = findNode(handle);
-    if (node == nullptr) {
-      return noSuchNode();
-    }
-    if (!node->takeReceiver()) {
-      return busy();
-    }
-    const bool wasLast = removeNode(*node);
-    // The receiver may be a node of this process: the caretaker answers for it.
-    mesh_node_statistics counters;
-    const mesh_result result = node->close(counters);
-    if (last != nullptr) {
-      *last = counters;
-    }
-    Caretaker::instance().remove(*node);
-    if (wasLast) {
-      callCleanHooks();
-    }
-    return result;
-  });
+  const char* const frame = exportedFrame();
+  return guarded([&] { return closeNode(frame, handle, last); });
 }
 
 ZARNIMESH_EXPORT mesh_result mesh_node_attach(mesh_node* handle) {
@@ -199,9 +211,10 @@ ZARNIMESH_EXPORT mesh_result mesh_node_attach(mesh_node* handle) {
 
 ZARNIMESH_EXPORT int64_t mesh_node_receive(mesh_node* handle, int32_t timeout_ms,
                                            mesh_record_handler handler, void* user) {
+  const char* const frame = exportedFrame();
   int64_t delivered = 0;
   const mesh_result result = guarded([&] {
-    return receiveAt(handle, timeout_ms, {.function = handler, .user = user}, delivered);
+    return receiveAt(frame, handle, timeout_ms, {.function = handler, .user = user}, delivered);
   });
   return result == MESH_OK ? delivered : -int64_t{result};
 }
@@ -209,12 +222,13 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive(mesh_node* handle, int32_t timeout_ms
 ZARNIMESH_EXPORT int64_t mesh_node_receive_any(mesh_node* const* handles, uint32_t count,
                                                int32_t timeout_ms, mesh_record_handler handler,
                                                void* user) {
+  const char* const frame = exportedFrame();
   int64_t delivered = 0;
   const mesh_result result = guarded([&] {
     if (handles == nullptr || count == 0) {
       return fail(MESH_BAD_ARGUMENT, "no nodes");
     }
-    return receiveAtAny({handles, count}, timeout_ms, {.function = handler, .user = user},
+    return receiveAtAny(frame, {handles, count}, timeout_ms, {.function = handler, .user = user},
                         delivered);
   });
   return result == MESH_OK ? delivered : -int64_t{result};
@@ -222,6 +236,7 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive_any(mesh_node* const* handles, uint32
 
 ZARNIMESH_EXPORT int64_t mesh_node_receive_tables(mesh_node* handle, int32_t timeout_ms,
                                                   mesh_tables* out) {
+  const char* const frame = exportedFrame();
   int64_t delivered = 0;
   std::unique_ptr<Tables> tables;
   const mesh_result result = guarded([&] {
@@ -230,7 +245,7 @@ ZARNIMESH_EXPORT int64_t mesh_node_receive_tables(mesh_node* handle, int32_t tim
     }
     *out = {};
     tables = std::make_unique<Tables>();
-    return receiveAt(handle, timeout_ms,
+    return receiveAt(frame, handle, timeout_ms,
                      {.function = collect, .user = tables.get(), .decodes = false}, delivered);
   });
   if (tables != nullptr && !tables->received.empty()) {

@@ -22,8 +22,7 @@ mesh_result Node::open(const mesh_node_options& options) {
   return receiver_.open(context);
 }
 
-bool Node::takeReceiver() {
-  const char* const frame = static_cast<const char*>(__builtin_frame_address(0));
+bool Node::takeReceiver(const char* frame) {
   const void* const thread = &handlerFrame();
   const char* holder = nullptr;
   if (receiverFrame_.compare_exchange_strong(holder, frame, std::memory_order_acquire)) {

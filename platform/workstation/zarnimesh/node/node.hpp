@@ -22,8 +22,9 @@ class Node {
 
   // Reserves the receiver for the calling thread. False when a thread has it. A thread whose
   // handler left by longjmp has it no more. A closing thread takes it and keeps it: until the
-  // receiver is given back nobody else can close the node.
-  [[nodiscard]] bool takeReceiver();
+  // receiver is given back nobody else can close the node. `frame`: where the stack frame of the
+  // exported function begins.
+  [[nodiscard]] bool takeReceiver(const char* frame);
   void giveReceiverBack();
 
   // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
@@ -57,7 +58,7 @@ class Node {
   PeerEvents events_;
   Sender sender_;
   Receiver receiver_;
-  // The stack frame of the call that has the receiver, and its thread.
+  // The frame of the call that has the receiver, and its thread.
   std::atomic<const char*> receiverFrame_ = nullptr;
   std::atomic<const void*> receiverThread_ = nullptr;
 };

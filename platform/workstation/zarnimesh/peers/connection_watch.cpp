@@ -111,7 +111,7 @@ bool ConnectionWatch::endIfEndless(int file, Connection& connection) {
   connection.suspect = large;
   if (endless) {
     shutdown(file, SHUT_RDWR);
-    connection.cookie = 0;  // no connection's: ZeroMQ may report the end much later
+    connection.cookie = 0;  // no socket has it: counted once, even if ZeroMQ reports the end late
   }
   return endless;
 }

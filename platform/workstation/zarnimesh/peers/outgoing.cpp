@@ -26,7 +26,7 @@ constexpr size_t endpointSize = 256;
 
 }  // namespace
 
-Destination& Outgoing::find(uint32_t address) {
+Destination& Outgoing::findOrAdd(uint32_t address) {
   auto& found = destinations_[address];
   if (found == nullptr) {
     found = std::make_unique<Destination>(settings_, address);

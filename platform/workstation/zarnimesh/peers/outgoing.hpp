@@ -13,7 +13,8 @@
 
 namespace zarnimesh {
 
-// For one thread at a time. `settings` and `events` must outlive it.
+// For one thread at a time. `settings` and `events` must outlive it. Call close() before it is
+// destroyed.
 //
 // One ROUTER socket serves all destinations: it names each connection by a route that this class
 // chooses, and takes one descriptor for each.
@@ -27,10 +28,10 @@ class Outgoing {
 
   using Destinations = std::unordered_map<uint32_t, std::unique_ptr<Destination>>;
   const Destinations& destinations() const { return destinations_; }
-  // Finds or adds it.
+  // Adds it if it is new.
   Destination& destination(uint32_t address) {
     if (latest_ == nullptr || latest_->address() != address) {
-      latest_ = &find(address);
+      latest_ = &findOrAdd(address);
     }
     return *latest_;
   }
@@ -66,7 +67,7 @@ class Outgoing {
   static bool mayBePresent(const Destination& destination);
 
  private:
-  Destination& find(uint32_t address);
+  Destination& findOrAdd(uint32_t address);
   [[nodiscard]] mesh_result connectAnew(Destination& destination);
   // A function of its own, so that the thread sanitizer knows who called ZeroMQ.
   [[nodiscard, gnu::noinline]] mesh_result connectTo(Destination& destination,
