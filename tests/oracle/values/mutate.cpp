@@ -24,7 +24,7 @@ void putNumber(Buffer& buffer, uint64_t position, uint32_t width, uint64_t numbe
   }
 }
 
-// More than a table has, unless contents look like one.
+// No schema has as many slots (the largest has 25). Damaged lengths claim up to 32,766.
 constexpr uint64_t mostSlots = 64;
 
 // Where the numbers stand that hold the buffer together, as far as they can be followed.
