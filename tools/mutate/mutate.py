@@ -109,7 +109,7 @@ def main():
     following = mutants.enumerators(texts.values())
     candidates = [mutant for file, text in texts.items() for mutant in mutants.mutants_of(file, text, following)]
     known = explained((ROOT / PAGE).read_text()) if (ROOT / PAGE).exists() else set()
-    stale = {key for key in known if key[0] in texts} - {(one.file, one.before, one.after) for one in candidates}
+    stale = {key for key in known if key[0] in texts or not (ROOT / key[0]).exists()} - {(one.file, one.before, one.after) for one in candidates}
     for file, before, after in sorted(stale):
         print(f"{PAGE} explains a mutant that does not exist:\n  {file}\n  - {before}\n  + {after}")
     chosen = [one for one in candidates if one.file.startswith(tuple(options.files or [""]))]
