@@ -45,7 +45,8 @@ TEST(Log, WritesOneLine) {
 }
 
 std::string localTime() {
-  const std::time_t now = std::time(nullptr);
+  // Not std::time(): its clock may be some milliseconds late.
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   char text[32];
   text[std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&now))] = '\0';
   return text;
