@@ -16,7 +16,8 @@ namespace harness {
 // address; or against an inaccessible page.
 class Block {
  public:
-  Block(size_t size, uint8_t fill, size_t shift, const std::optional<GuardedBuffer::Edge>& guard)
+  Block(size_t size, uint8_t fill, size_t shift = 0,
+        const std::optional<GuardedBuffer::Edge>& guard = std::nullopt)
       : size_(size), shift_(guard ? 0 : shift) {
     if (guard) {
       guarded_.emplace(std::vector<uint8_t>(size, fill), *guard);

@@ -279,11 +279,11 @@ std::vector<uint8_t> packed(const Operations& operations, const oracle::Value& v
   useByteOrder(operations, reversed);
   const oracle::RecordImage record(message, value);
   auto length = static_cast<uint32_t>(oracle::compactSize(message, value));
-  std::vector<uint8_t> buffer(length);
+  const Block buffer(length, untouched);
   if (operations.pack(record.data(), buffer.data(), &length) != 0) {
     std::abort();
   }
-  return buffer;
+  return buffer.bytes();
 }
 
 int rounds(int usual) {

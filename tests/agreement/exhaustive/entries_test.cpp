@@ -5,6 +5,7 @@
 #include "agreement/exhaustive/agreement.hpp"
 #include "oracle/operations/reader.hpp"
 #include "oracle/values/record_image.hpp"
+#include "support/block.hpp"
 
 namespace {
 
@@ -99,7 +100,9 @@ TEST_P(Entries, AgreeWhenAllLeadToOnePlace) {
 Value received(const Sample& sample, const std::vector<uint8_t>& bytes) {
   harness::useByteOrder(*sample.operations, sample.reversed);
   oracle::RecordImage record(sample.message(), uint8_t{0xA5});
-  sample.operations->unpack(bytes.data(), static_cast<uint32_t>(bytes.size()), record.data());
+  harness::Block block(bytes.size(), 0);
+  block.hold(bytes);
+  sample.operations->unpack(block.data(), static_cast<uint32_t>(bytes.size()), record.data());
   const Value value = oracle::load(sample.message(), record.data());
   sample.operations->freeUnpacked(record.data());
   return value;

@@ -6,6 +6,7 @@
 #include "agreement/exhaustive/agreement.hpp"
 #include "oracle/operations/writer.hpp"
 #include "oracle/values/record_image.hpp"
+#include "support/block.hpp"
 #include "support/recorder.hpp"
 
 namespace {
@@ -131,11 +132,11 @@ TEST_P(Packing, SendsARecordOfAnyAlignment) {
   const oracle::RecordImage image(message(), value);
   std::vector<uint8_t> first;
   for (size_t shift = 0; shift < 8; ++shift) {
-    std::vector<uint8_t> record(shift + image.size());
-    std::memcpy(record.data() + shift, image.data(), image.size());
+    harness::Block record(image.size(), 0, shift);
+    record.hold(image.bytes());
     harness::useByteOrder(GetParam(), false);
     harness::resetRecorder();
-    ASSERT_EQ(GetParam().sendSingle(1, record.data() + shift, harness::unused, 0), 0U);
+    ASSERT_EQ(GetParam().sendSingle(1, record.data(), harness::unused, 0), 0U);
     ASSERT_EQ(harness::recorder().sent.size(), 1U);
     const std::vector<uint8_t>& sent = harness::recorder().sent[0].bytes;
     if (shift == 0) {
