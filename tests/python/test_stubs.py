@@ -33,21 +33,27 @@ def test_stubs_know_every_field():
         assert [argument.arg for argument in constructor.args.args[1:]] == list(fields)
 
 
-def mypy(directory, *files):
+@pytest.fixture(scope="module")
+def mypy(tmp_path_factory):
     program = shutil.which("mypy", path="/usr/bin:" + os.environ["PATH"])
     if program is None:
         pytest.skip("mypy is missing (Debian: mypy)")
-    return subprocess.run(
-        [program, "--strict", "--follow-imports=silent", "--cache-dir", directory, *files],
-        env={**os.environ, "MYPYPATH": os.path.dirname(PACKAGE)},
-        cwd=directory,
-        stdout=subprocess.PIPE,
-        text=True,
-        check=False,
-    ).stdout
+    cache = tmp_path_factory.mktemp("cache")
+
+    def run(directory, *files):
+        return subprocess.run(
+            [program, "--strict", "--follow-imports=silent", "--cache-dir", cache, *files],
+            env={**os.environ, "MYPYPATH": os.path.dirname(PACKAGE)},
+            cwd=directory,
+            stdout=subprocess.PIPE,
+            text=True,
+            check=False,
+        ).stdout
+
+    return run
 
 
-def test_mypy_finds_what_does_not_fit(tmp_path):
+def test_mypy_finds_what_does_not_fit(tmp_path, mypy):
     wrong = {
         "m.l2vpn_sync_stp(f99=1)": 'Unexpected keyword argument "f99"',
         "m.l2vpn_sync_stp(f0='1')": 'has incompatible type "str"',
@@ -68,13 +74,13 @@ def test_mypy_finds_what_does_not_fit(tmp_path):
     assert found.endswith(f"Found {len(wrong)} errors in 1 file (checked 1 source file)\n")
 
 
-def test_examples_pass_mypy(tmp_path, page_programs):
+def test_examples_pass_mypy(tmp_path, page_programs, mypy):
     for number, program in enumerate(page_programs):
         (tmp_path / f"example{number}.py").write_text(program)
     assert "Success" in mypy(tmp_path, *tmp_path.glob("*.py"))
 
 
-def test_nodes_and_captures_pass_mypy(tmp_path):
+def test_nodes_and_captures_pass_mypy(tmp_path, mypy):
     names = ["captures", "node", "node_errors", "node_statistics", "pytest_plugin", "table", "testing"]
     names += ["_arguments", "_descriptors", "_zarnimesh"]
     files = [os.path.join(PACKAGE, name + ".py") for name in names]
