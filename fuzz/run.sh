@@ -5,7 +5,7 @@
 #   fuzz/run.sh MINUTES [FUZZER...]  longer; what is learnt stays in build/fuzz/corpus
 #
 # Prints executions, coverage and findings. An input that fails is kept in build/fuzz/findings, and
-# is run again by giving it to the fuzzer: build/fuzz/fuzz/fuzz_unpack build/fuzz/findings/...
+# is run again by giving it to the fuzzer: build/asan/fuzz/fuzz_unpack build/fuzz/findings/...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,18 +18,18 @@ fuzzers=("$@")
 declare -A longest=([fuzz_unpack]=20000 [fuzz_send]=2048 [fuzz_calls]=2048 [fuzz_tool]=20000)
 
 tools/setup.sh clang libclang-rt-dev llvm cmake ninja-build libgtest-dev libcli11-dev nlohmann-json3-dev
-build=${MESH_L2VPN_FUZZ_BUILD:-build/fuzz}
-cmake --preset fuzz -B "$build" >/dev/null
-cmake --build "$build" --target "${fuzzers[@]}"
-mkdir -p "$build/findings"
+cmake --preset asan >/dev/null
+cmake --build --preset asan --target "${fuzzers[@]}"
+learnt=build/fuzz
+mkdir -p "$learnt/findings"
 
 run() {
   local fuzzer=$1 passed=0
-  local log=$build/$fuzzer.log
-  mkdir -p "$build/corpus/$fuzzer"
-  "$build/fuzz/$fuzzer" "$build/corpus/$fuzzer" "fuzz/corpus/$fuzzer" \
+  local log=$learnt/$fuzzer.log
+  mkdir -p "$learnt/corpus/$fuzzer"
+  "build/asan/fuzz/$fuzzer" "$learnt/corpus/$fuzzer" "fuzz/corpus/$fuzzer" \
     -dict=fuzz/mesh.dict -max_len="${longest[$fuzzer]}" -max_total_time=$((minutes * 60)) \
-    -timeout=30 -artifact_prefix="$build/findings/$fuzzer-" -print_final_stats=1 \
+    -timeout=30 -artifact_prefix="$learnt/findings/$fuzzer-" -print_final_stats=1 \
     >"$log" 2>&1 || passed=$?
   echo "$fuzzer: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions," \
     "$(sed -n 's/.* cov: \([0-9]*\) .*/\1/p' "$log" | tail -n 1) edges covered"
@@ -49,6 +49,6 @@ done
 
 for fuzzer in "${failed[@]}"; do
   echo "$fuzzer failed:" >&2
-  grep -v 'REDUCE\|NEW\|RELOAD\|pulse\|# Uses' "$build/$fuzzer.log" | tail -n 60 >&2
+  grep -v 'REDUCE\|NEW\|RELOAD\|pulse\|# Uses' "$learnt/$fuzzer.log" | tail -n 60 >&2
 done
 [ ${#failed[@]} -eq 0 ]
