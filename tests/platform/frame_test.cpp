@@ -112,7 +112,7 @@ TEST_F(Frame, IsDroppedWithWrongMagic) {
 
 TEST_F(Frame, IsDroppedWithUnknownVersion) {
   RawHeader other = oneNoteHeader();
-  other.version = 1;
+  other.version = 2;
   expectDropped(oneNote(other));
 }
 

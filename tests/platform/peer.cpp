@@ -3,7 +3,8 @@
 //   receive <address> <count>          receives `count` notes, prints its counters
 //   count <address>                    receives until its input ends, prints its counters
 //   stream <address> <to> <notes>      sends calls of `notes` notes until it is killed
-//   hold <address>                     opens a node and never receives, until it is killed
+//   hold <address> <calls>             opens a node and never receives, until it is killed; prints
+//                                      "waiting" when so many calls of a peer have arrived
 //   send <address> <to> <calls> <notes>
 //                                      sends `calls` calls of `notes` notes
 //   burst <address> <to> <calls> <notes>
@@ -87,10 +88,16 @@ int stream(const char* address, const char* to, const char* notes) {
   return 1;
 }
 
-int hold(const char* address) {
-  mesh_node_options options;
-  mesh_node_options_default(&options);
-  openAndReport(address, &options);
+int hold(const char* address, const char* calls) {
+  mesh_node* node = openAndReport(address, nullptr);
+  mesh_peer_statistics peer{};
+  uint32_t peers = 0;
+  while (peer.waiting_calls < number(calls)) {
+    static_cast<void>(mesh_node_peers(node, &peer, 1, &peers));
+    usleep(1000);
+  }
+  std::puts("waiting");
+  std::fflush(stdout);
   for (;;) {
     pause();
   }
@@ -233,8 +240,8 @@ int main(int argc, char** argv) {
   if (command == "stream" && argc == 5) {
     return stream(argv[2], argv[3], argv[4]);
   }
-  if (command == "hold" && argc == 3) {
-    return hold(argv[2]);
+  if (command == "hold" && argc == 4) {
+    return hold(argv[2], argv[3]);
   }
   if (command == "send" && argc == 6) {
     return send(argv[2], argv[3], argv[4], argv[5]);

@@ -40,7 +40,7 @@ TEST_F(Processes, StartInAnyOrder) {
 }
 
 TEST_F(Processes, CannotShareAnAddress) {
-  ChildProcess holder(peer({"hold", "7"}));
+  ChildProcess holder(peer({"hold", "7", "0"}));
   ASSERT_EQ(holder.readLine(), "ready");
   EXPECT_EQ(resultOfOpening(7, defaults()), MESH_ADDRESS_IN_USE);
   ChildProcess rival(peer({"receive", "7", "1"}));
@@ -49,7 +49,7 @@ TEST_F(Processes, CannotShareAnAddress) {
 }
 
 TEST_F(Processes, FreeTheirAddressOnCrash) {
-  ChildProcess holder(peer({"hold", "7"}));
+  ChildProcess holder(peer({"hold", "7", "0"}));
   ASSERT_EQ(holder.readLine(), "ready");
   holder.kill();
   EXPECT_EQ(holder.wait(), -SIGKILL);
@@ -70,11 +70,12 @@ TEST_F(Processes, FreeTheirAddressOnExit) {
 
 TEST_F(Processes, CountCallsLostWithAKilledPredecessor) {
   const OpenNode sender = open(1, impatient());
-  ChildProcess killed(peer({"hold", "2"}));
+  ChildProcess killed(peer({"hold", "2", "10"}));
   ASSERT_EQ(killed.readLine(), "ready");
   for (int i = 0; i < 10; ++i) {
     ASSERT_EQ(sendNotes(2, {"never read"}), MESH_OK);
   }
+  ASSERT_EQ(killed.readLine(), "waiting");
   killed.kill();
   killed.wait();
   // Until the sender notices the end of the connection, calls wait for a successor.

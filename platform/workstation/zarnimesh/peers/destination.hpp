@@ -37,14 +37,15 @@ class Destination {
   void takeBack(const FrameHeader& call);
 
   // Once a receiver has answered, it learns what its predecessors lost: the calls that are on their
-  // way to it do not tell what was confirmed after they were numbered.
+  // way to it do not tell what was confirmed after they were numbered. Until then, the Sync tells
+  // of another receiver.
   FrameHeader sync(bool closing) const {
     return {.kind = Kind::Sync,
             .flags = closing ? closingFlag : uint8_t{0},
             .sequence = numbered_,
             .confirmed = settled_,
             .extra = lostAtRestart_,
-            .count = receiver_ != 0 ? 1u : 0u};
+            .count = static_cast<uint32_t>(receiver_)};
   }
 
   // The receiver's answer. `first` as in a State. Returns whether another node answered before.

@@ -151,7 +151,7 @@ bool Incoming::isWellFormed(const FrameHeader& header, std::span<const uint8_t> 
     return false;
   }
   if (header.kind == Kind::Sync) {
-    return header.count <= 1 && header.bytes == 0 && message.size() == headerSize;
+    return header.bytes == 0 && message.size() == headerSize;
   }
   return header.kind == Kind::Call && header.bytes <= settings_.payloadLimit &&
          header.count <= settings_.countLimit() && lengthsAgree(header, message);
@@ -200,7 +200,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     if (finding.duplicate) {
       statistics_.duplicateCalls.add(1);
     }
-    if (header.kind == Kind::Sync && header.count == 1 &&
+    if (header.kind == Kind::Sync && header.count == static_cast<uint32_t>(incarnation_) &&
         header.extra < source->missedBeforeFirst) {
       statistics_.missedBeforeFirst.subtract(source->missedBeforeFirst - header.extra);
       source->missedBeforeFirst = header.extra;

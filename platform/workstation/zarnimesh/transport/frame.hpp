@@ -7,7 +7,7 @@
 // All integers are little-endian.
 //
 //   0  u32 magic "ZMSH"     16 u64 incarnation        40 u64 extra
-//   4  u16 version, 2       24 u64 sequence           48 u32 count
+//   4  u16 version, 3       24 u64 sequence           48 u32 count
 //   6  u8  kind             32 u64 confirmed          52 u32 bytes
 //   7  u8  flags            8  u32 source             12 u32 destination
 //
@@ -52,8 +52,9 @@ struct FrameHeader {
   uint64_t confirmed = 0;    // Call, Sync: of the latest call that is known to be delivered.
                              // State: of the latest call that was delivered
   uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls that are missing.
-                             // Sync with a count: calls that the receiver's predecessors lost
-  uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed. Sync: 0 or 1
+                             // Sync: calls that the predecessors of the receiver in `count` lost
+  uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed.
+                             // Sync: half the incarnation of the receiver that answered last, or 0
   uint32_t bytes = 0;        // Call: of all tables. State: of unconfirmed calls
 };
 
@@ -65,7 +66,7 @@ struct IndexEntry {
 namespace frame {
 
 inline constexpr uint32_t magic = 0x48534D5A;
-inline constexpr uint16_t version = 2;
+inline constexpr uint16_t version = 3;
 
 // The compiler makes one load or store of it only if it is a copy, not byte by byte.
 template <std::unsigned_integral Integer>
