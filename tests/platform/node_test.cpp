@@ -136,6 +136,46 @@ TEST_P(Node, DeliversALargeCall) {
   EXPECT_EQ(notes[1].text, "end");
 }
 
+// More calls wait than there is memory set aside for messages, and of more lengths than fit into
+// it.
+TEST_P(Node, KeepsTheBytesOfCallsThatWait) {
+  constexpr uint32_t calls = 2000;
+  const auto bytesOf = [](uint32_t sender, uint32_t call) {
+    return std::string(call % 1100, static_cast<char>('a' + (call + 13 * sender) % 26));
+  };
+  const OpenNode receiver = open(3, options());
+  const auto sendAll = [&](uint32_t address) {
+    const OpenNode node = open(address, options());
+    for (uint32_t call = 0; call < calls; ++call) {
+      const std::string bytes = bytesOf(address, call);
+      const mesh_msg_desc table{reinterpret_cast<uintptr_t>(bytes.data()), noteId,
+                                static_cast<uint32_t>(bytes.size())};
+      EXPECT_EQ(mesh_node_send(node, 3, &table, 1, 0, -1), MESH_OK) << mesh_node_last_error();
+    }
+  };
+  std::thread first([&] { sendAll(1); });
+  std::thread second([&] { sendAll(2); });
+  const Deadline deadline;
+  while (statisticsOf(receiver).received_calls < 1500 && !deadline.passed()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  uint32_t received[] = {0, 0, 0};
+  while (received[1] + received[2] < 2 * calls && !deadline.passed()) {
+    mesh_tables tables;
+    ASSERT_GE(mesh_node_receive_tables(receiver, 5000, &tables), 0) << mesh_node_last_error();
+    for (size_t i = 0; i < tables.count; ++i) {
+      const mesh_received& each = tables.received[i];
+      EXPECT_EQ(std::string(reinterpret_cast<const char*>(each.table), each.table_length),
+                bytesOf(each.source, received[each.source]++));
+    }
+    mesh_node_free_tables(&tables);
+  }
+  EXPECT_EQ(received[1], calls);
+  EXPECT_EQ(received[2], calls);
+  first.join();
+  second.join();
+}
+
 TEST_P(Node, DecodesWithoutAHandler) {
   const OpenNode node = open(1, options());
   ASSERT_EQ(sendNotes(1, {"a", "b"}), MESH_OK);

@@ -10,7 +10,7 @@
 #endif
 #endif
 
-#include "zarnimesh/transport/socket.hpp"
+#include "zarnimesh/transport/message_part.hpp"
 
 #ifdef ZARNIMESH_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
