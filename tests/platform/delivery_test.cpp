@@ -30,13 +30,13 @@ class Delivery : public NodeFixture {
     setenv("ZARNIMESH_ADDRESS_BOOK", writeBook().c_str(), 1);
   }
 
-  // Waits until the node's receiver has confirmed everything.
-  static void awaitConfirmation(mesh_node* node) {
+  // Waits until the node's receiver has confirmed all calls but `calls`.
+  static void awaitUnconfirmed(mesh_node* node, uint64_t calls) {
     const Deadline deadline;
-    while (statisticsOf(node).unconfirmed_calls > 0 && !deadline.passed()) {
+    while (statisticsOf(node).unconfirmed_calls != calls && !deadline.passed()) {
       std::this_thread::sleep_for(milliseconds(5));
     }
-    EXPECT_EQ(statisticsOf(node).unconfirmed_calls, 0u);
+    EXPECT_EQ(statisticsOf(node).unconfirmed_calls, calls);
   }
 
   // The receiver is behind while a sender of another process sends `calls` calls and ends.
@@ -136,7 +136,7 @@ TEST_F(Delivery, IsNotMissedFromAPredecessorThatConfirmedIt) {
       ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
     }
     ASSERT_EQ(receiveNotes(receiver, 100).size(), 100u);
-    awaitConfirmation(sender);
+    awaitUnconfirmed(sender, 0);
     EXPECT_EQ(statisticsOf(receiver).missed_before_first, 0u);
     ASSERT_EQ(receiver.close(), MESH_OK);
     // What is sent before the sender notices the end of the connection may be lost with it.
@@ -175,6 +175,56 @@ TEST_F(Delivery, IsCountedWhenTheReceiverIsRestarted) {
     EXPECT_EQ(statisticsOf(receiver).missed_before_first, 6u);
     ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
   }
+}
+
+TEST_F(Delivery, IsCountedOnceIfItIsMissingBehindACallThatWaits) {
+  mesh_node_options options = defaults();
+  options.transport = MESH_TRANSPORT_INPROC;
+  mesh_node_options small = options;
+  small.payload_limit = 100;
+  for (const bool restarted : {false, true}) {
+    OpenNode receiver = open(1, small);
+    mesh_node* sender = nullptr;
+    ASSERT_EQ(mesh_node_open(2, &options, &sender), MESH_OK);
+    ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+    for (int call = 1; call <= 9; ++call) {
+      // The receiver drops the seventh.
+      ASSERT_EQ(sendNotes(1, {std::string(call == 7 ? 101 : 1, 'a')}), MESH_OK);
+    }
+    EXPECT_EQ(receiveUntil(receiver, &mesh_node_statistics::received_records, 1), 1u);
+    awaitUnconfirmed(sender, 8);
+    EXPECT_EQ(statisticsOf(receiver).lost_calls, 1u);
+    EXPECT_EQ(statisticsOf(sender).undelivered_calls, 0u) << "it is one of the unconfirmed";
+    ASSERT_EQ(receiver.close(), MESH_OK);
+    if (restarted) {
+      receiver = open(1, small);
+      awaitUnconfirmed(sender, 0);
+      EXPECT_EQ(statisticsOf(receiver).missed_before_first, 8u);
+      EXPECT_EQ(statisticsOf(sender).undelivered_calls, 8u);
+    }
+    mesh_node_statistics last;
+    EXPECT_EQ(mesh_node_close_counted(sender, &last), restarted ? MESH_OK : MESH_UNDELIVERED);
+    EXPECT_EQ(last.undelivered_calls, 8u);
+  }
+}
+
+TEST_F(Delivery, IsCountedOnceIfItIsMissingBehindACallThatWaitsAtTheClose) {
+  mesh_node_options options = defaults();
+  options.transport = MESH_TRANSPORT_INPROC;
+  mesh_node_options small = options;
+  small.payload_limit = 100;
+  OpenNode receiver = open(1, small);
+  mesh_node* sender = nullptr;
+  ASSERT_EQ(mesh_node_open(2, &options, &sender), MESH_OK);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int call = 1; call <= 9; ++call) {
+    ASSERT_EQ(sendNotes(1, {std::string(call == 7 ? 101 : 1, 'a')}), MESH_OK);
+  }
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(sender, &last), MESH_UNDELIVERED);
+  EXPECT_EQ(last.undelivered_calls, 1u);
+  mesh_node* const receiving = receiver;
+  EXPECT_EQ(receiveUntil(receiving, &mesh_node_statistics::received_records, 8), 8u);
 }
 
 TEST_F(Delivery, DoesNotWaitForADeadDestinationTwice) {
@@ -258,7 +308,7 @@ TEST_F(Delivery, IsBoundedInBytesToo) {
   EXPECT_EQ(accepted, 3u) << "900 KiB fit, 1200 do not";
   EXPECT_EQ(statisticsOf(sender).failed_queue_full, 1u);
   EXPECT_EQ(receiveNotes(receiver, 3).size(), 3u);
-  awaitConfirmation(sender);
+  awaitUnconfirmed(sender, 0);
   EXPECT_EQ(sendNotes(2, {std::string(3 << 20, 'b')}), MESH_OK) << "one call may be larger";
   EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
 }
@@ -279,7 +329,7 @@ TEST_F(Delivery, GoesOnAfterAHandlerThatThrows) {
   EXPECT_EQ(notes[0].text, "d");
   EXPECT_EQ(notesOut(), 0);
   EXPECT_EQ(statisticsOf(node).received_records, 5u);
-  awaitConfirmation(node);
+  awaitUnconfirmed(node, 0);
 }
 
 // Sends to the node itself until that fails, from a stack frame below those of handlers.
@@ -316,7 +366,7 @@ TEST_F(Delivery, GoesOnAfterAHandlerThatLeavesByLongjmp) {
   ASSERT_EQ(notes.size(), 2u);
   EXPECT_EQ(notes[0].text, "b");
   EXPECT_EQ(notesOut(), 0);
-  awaitConfirmation(node);
+  awaitUnconfirmed(node, 0);
   // Sends wait for room again: the handler is left.
   constexpr int32_t patience = 100;
   const auto start = steady_clock::now();

@@ -56,6 +56,16 @@ class Events {
     return false;
   }
 
+  // Those until now.
+  std::vector<uint32_t> changes() {
+    const std::lock_guard lock(mutex_);
+    std::vector<uint32_t> changes;
+    for (const mesh_peer_event& event : events_) {
+      changes.push_back(event.change);
+    }
+    return changes;
+  }
+
  private:
   std::mutex mutex_;
   std::vector<mesh_peer_event> events_;
@@ -153,6 +163,34 @@ TEST_F(Peers, ComeGoAndRestart) {
   EXPECT_TRUE(ofSender.has(MESH_PEER_RESTARTED, 4));
   static_cast<void>(sender.close());
   ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
+}
+
+TEST_F(Peers, GoOnceWhenTheyCloseRightAfterARestart) {
+  mesh_node_options options = defaults();
+  options.transport = MESH_TRANSPORT_INPROC;
+  OpenNode receiver = open(1, options);
+  mesh_node* sender = nullptr;
+  ASSERT_EQ(mesh_node_open(2, &options, &sender), MESH_OK);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  for (int call = 0; call < 10; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  }
+  ASSERT_EQ(receiveNotes(receiver, 8).size(), 8u);
+  expectConfirmed(sender, 2);
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  Events events;
+  events.hear(options);
+  receiver = open(1, options);
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(sender, &last), MESH_UNDELIVERED);
+  EXPECT_EQ(last.undelivered_calls, 2u);
+  EXPECT_TRUE(events.has(MESH_PEER_DOWN, 2));
+  const mesh_peer_statistics from = peerOf(receiver, 2);
+  EXPECT_EQ(from.missed_before_first, 2u);
+  EXPECT_EQ(statisticsOf(receiver).missed_before_first, 2u);
+  // The last events are told at the end.
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  EXPECT_EQ(events.changes(), (std::vector<uint32_t>{MESH_PEER_UP, MESH_PEER_GAP, MESH_PEER_DOWN}));
 }
 
 TEST_F(Peers, TellOfGaps) {

@@ -132,13 +132,14 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
     if (present && destination.hasRoom(header.bytes)) {
       destination.number(header);
       if (push(destination, header, message)) {
+        destination.noteSent(header);
         destination.givenUp = false;
         if ((header.flags & tellFlag) != 0 || polling_) {
           update();
         }
         return MESH_OK;
       }
-      destination.takeBack(header);
+      destination.takeBack();
       continue;
     }
     if (!updated) {

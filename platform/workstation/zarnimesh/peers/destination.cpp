@@ -4,14 +4,7 @@
 
 namespace zarnimesh {
 
-void Destination::takeBack(const FrameHeader& call) {
-  --numbered_;
-  sentBytes_ -= call.bytes;
-  unconfirmedBytes_ -= call.bytes;
-  unconfirmed_.pop_back();
-}
-
-bool Destination::note(const FrameHeader& state, uint64_t first) {
+bool Destination::note(const FrameHeader& state, const StateBody& body) {
   heardAt_ = Clock::now();
   const bool restarted = receiver_ != 0 && state.incarnation != receiver_;
   if (state.incarnation != receiver_) {
@@ -20,19 +13,20 @@ bool Destination::note(const FrameHeader& state, uint64_t first) {
     missing_ = 0;
     // What no predecessor confirmed was lost with it.
     lostAtRestart_ = 0;
-    const uint64_t before = std::min(first - 1, numbered_);
+    const uint64_t before = std::min(body.first - 1, numbered_);
     if (before > settled_) {
       // A predecessor that knew of the closing counts what had arrived there.
-      const uint64_t counted = knowsOfClosing_ ? std::max(settled_, arrived_) : settled_;
-      lostAtRestart_ = before - std::min(before, counted);
+      lostAtRestart_ = knowsOfClosing_ && arrived_ <= before ? missingAhead_ + before - arrived_
+                                                             : before - settled_;
       lostBefore_ += lostAtRestart_;
       settle(before);
     }
   }
   knowsOfClosing_ = (state.flags & closingFlag) != 0;
-  missing_ = std::min(state.extra, numbered_);
   settle(std::min(state.confirmed, numbered_));
   arrived_ = std::max(settled_, std::min(state.sequence, numbered_));
+  missing_ = std::min(state.extra, settled_ - lostBefore_);
+  missingAhead_ = std::min(body.missingAhead, arrived_ - settled_);
   grantedCalls_ = std::max<uint32_t>(1, state.count);
   grantedBytes_ = std::max<uint32_t>(1, state.bytes);
   return restarted;

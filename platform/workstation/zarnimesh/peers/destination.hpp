@@ -31,14 +31,15 @@ class Destination {
                                   unconfirmedBytes_ <= byteLimit() - bytes);
   }
 
-  // Numbers a call of `bytes`, and asks for confirmation when a quarter of the credit is used.
+  // Gives the call the next number, and lets it ask for confirmation when a quarter of the credit
+  // is used. Then noteSent() or takeBack().
   void number(FrameHeader& call);
-  // Takes back the latest number: the call could not be sent.
-  void takeBack(const FrameHeader& call);
+  void noteSent(const FrameHeader& call);
+  void takeBack() { unconfirmed_.pop_back(); }
 
-  // Once a receiver has answered, it learns what its predecessors lost: the calls that are on their
-  // way to it do not tell what was confirmed after they were numbered. Until then, the Sync tells
-  // of another receiver.
+  // `extra` corrects what the receiver has counted as missed before the first call: the calls that
+  // were on their way to it knew less of what was confirmed. `count` names the receiver that it is
+  // for. Another one ignores it.
   FrameHeader sync(bool closing) const {
     return {.kind = Kind::Sync,
             .flags = closing ? closingFlag : uint8_t{0},
@@ -48,8 +49,8 @@ class Destination {
             .count = static_cast<uint32_t>(receiver_)};
   }
 
-  // The receiver's answer. `first` as in a State. Returns whether another node answered before.
-  bool note(const FrameHeader& state, uint64_t first);
+  // The receiver's answer. Returns whether another node answered before.
+  bool note(const FrameHeader& state, const StateBody& body);
 
   // MESH_PEER_HIGH_WATER or MESH_PEER_LOW_WATER, if it was reached since the last call.
   std::optional<mesh_peer_change> newWater();
@@ -57,16 +58,15 @@ class Destination {
   uint64_t sent() const { return numbered_; }
   uint64_t sentBytes() const { return sentBytes_; }
   uint64_t unconfirmed() const { return numbered_ - settled_; }
-  // Calls that did not arrive, as far as a receiver or its successor has told.
+  // Calls that did not arrive, as far as a receiver or its successor has told. None is unconfirmed.
   uint64_t lost() const { return lostBefore_ + missing_; }
   // Whether the receiver knows that no call follows. It then counts those that it does not deliver.
   bool knowsOfClosing() const { return knowsOfClosing_; }
   // Calls that this node must count when it closes.
   uint64_t missing() const {
-    return lost() + (link.present() || knowsOfClosing_ ? notArrived() : unconfirmed());
+    return lost() + (link.present() || knowsOfClosing_ ? missingAhead_ + numbered_ - arrived_
+                                                       : unconfirmed());
   }
-  // Calls that the receiver has not told to have arrived.
-  uint64_t notArrived() const { return numbered_ - arrived_; }
   uint64_t mostUnconfirmed() const { return mostUnconfirmed_; }
   Clock::time_point heardAt() const { return heardAt_; }
 
@@ -99,7 +99,7 @@ class Destination {
   uint64_t settled_ = 0;   // delivered or lost: all up to this one
   uint64_t arrived_ = 0;   // arrived or lost: all up to this one
   uint64_t sentBytes_ = 0;
-  std::deque<uint32_t> unconfirmed_;  // bytes of each call after settled_
+  std::deque<uint32_t> unconfirmed_;  // bytes of each call after settled_, and of a numbered one
   uint64_t unconfirmedBytes_ = 0;
   uint64_t mostUnconfirmed_ = 0;
   bool aboveWater_ = false;
@@ -107,7 +107,8 @@ class Destination {
   uint64_t askedBytes_ = 0;
 
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
-  uint64_t missing_ = 0;   // calls that this receiver misses
+  uint64_t missing_ = 0;   // calls that this receiver misses, up to settled_
+  uint64_t missingAhead_ = 0;  // and from there to arrived_
   bool knowsOfClosing_ = false;
   uint64_t lostBefore_ = 0;     // calls that its predecessors missed or never confirmed
   uint64_t lostAtRestart_ = 0;  // the part of them that its latest predecessor never confirmed
@@ -119,28 +120,33 @@ class Destination {
 // Inline: every call needs them.
 
 inline void Destination::number(FrameHeader& call) {
-  call.kind = Kind::Call;
-  call.sequence = ++numbered_;
-  call.confirmed = settled_;
-  sentBytes_ += call.bytes;
+  // Fails, if at all, before anything has changed.
   unconfirmed_.push_back(call.bytes);
+  call.kind = Kind::Call;
+  call.sequence = numbered_ + 1;
+  call.confirmed = settled_;
+  const bool asks = askedCalls_ + 1 >= std::max<size_t>(1, callLimit() / 4) ||
+                    askedBytes_ + call.bytes >= byteLimit() / 4;
+  call.flags = asks ? tellFlag : uint8_t{0};
+}
+
+inline void Destination::noteSent(const FrameHeader& call) {
+  ++numbered_;
+  sentBytes_ += call.bytes;
   unconfirmedBytes_ += call.bytes;
   mostUnconfirmed_ = std::max(mostUnconfirmed_, unconfirmed());
-  ++askedCalls_;
-  askedBytes_ += call.bytes;
-  if (askedCalls_ >= std::max<size_t>(1, callLimit() / 4) || askedBytes_ >= byteLimit() / 4) {
-    call.flags = tellFlag;
-    askedCalls_ = 0;
-    askedBytes_ = 0;
-  }
+  const bool asks = (call.flags & tellFlag) != 0;
+  askedCalls_ = asks ? 0 : askedCalls_ + 1;
+  askedBytes_ = asks ? 0 : askedBytes_ + call.bytes;
 }
 
 inline std::optional<mesh_peer_change> Destination::newWater() {
-  if (!aboveWater_ && unconfirmed() * 4 >= callLimit() * 3) {
+  const size_t calls = unconfirmed_.size();
+  if (!aboveWater_ && calls * 4 >= callLimit() * 3) {
     aboveWater_ = true;
     return MESH_PEER_HIGH_WATER;
   }
-  if (aboveWater_ && unconfirmed() * 4 <= callLimit()) {
+  if (aboveWater_ && calls * 4 <= callLimit()) {
     aboveWater_ = false;
     return MESH_PEER_LOW_WATER;
   }

@@ -130,9 +130,6 @@ bool Incoming::accept(uint64_t route, IncomingCall& call) {
       peerEvents_.add(MESH_PEER_DOWN, source.address);
     }
     tell(source);
-    if (source.closed && source.undelivered == 0 && !source.toBeTold) {
-      sources_.remove(source);
-    }
     return false;
   }
   ++source.undelivered;
@@ -175,7 +172,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
   }
   if (isNew) {
     sources_.prune([this](Source& each) { return !tell(each); });
-    peerEvents_.add(sources_.has(header.source) ? MESH_PEER_RESTARTED : MESH_PEER_UP,
+    peerEvents_.add(sources_.hasOpen(header.source) ? MESH_PEER_RESTARTED : MESH_PEER_UP,
                     header.source);
     source = &sources_.add(header.source, header.incarnation);
     source->route = route;
@@ -204,6 +201,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
         header.extra < source->missedBeforeFirst) {
       statistics_.missedBeforeFirst.subtract(source->missedBeforeFirst - header.extra);
       source->missedBeforeFirst = header.extra;
+      source->gapPending = source->missedBeforeFirst + source->missing > 0;
     }
   }
   if (!isConnected) {
@@ -239,9 +237,6 @@ void Incoming::tellAll() {
     if (source->told != source->settled) {
       tell(*source);
     }
-    if (source->closed && source->undelivered == 0) {
-      sources_.remove(*source);
-    }
   }
 }
 
@@ -258,11 +253,12 @@ bool Incoming::tell(Source& source) {
                 .incarnation = incarnation_,
                 .sequence = source.highest,
                 .confirmed = source.settled,
-                .extra = source.missing,
+                .extra = source.missing - source.missingAhead(),
                 .count = settings_.receiveQueueCalls,
                 .bytes = settings_.queueBytes},
                message.data());
-  encodeFirst(source.first, message.data() + headerSize);
+  encodeStateBody({.first = source.first, .missingAhead = source.missingAhead()},
+                  message.data() + headerSize);
   handOver(message);
   if (!sendTo(source.route, message, listener_.socket())) {
     return zmq_errno() != EHOSTUNREACH;

@@ -269,12 +269,12 @@ Destination* Outgoing::takeState(uint64_t route, MessagePart& message) {
       message.size() != stateSize) {
     return nullptr;
   }
-  const uint64_t first = decodeFirst(message.data() + headerSize);
-  if (first == 0) {
+  const StateBody body = decodeStateBody(message.data() + headerSize);
+  if (body.first == 0) {
     return nullptr;
   }
   Destination& destination = *found->second;
-  const bool restarted = destination.note(*state, first);
+  const bool restarted = destination.note(*state, body);
   setLink(destination, destination.link.connected, false);
   if (restarted) {
     peerEvents_.add(MESH_PEER_RESTARTED, destination.address());

@@ -33,9 +33,10 @@ bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
 
 }  // namespace
 
-bool Sources::has(uint32_t address) const {
-  return std::any_of(sources_.begin(), sources_.end(),
-                     [&](const auto& entry) { return entry.second.address == address; });
+bool Sources::hasOpen(uint32_t address) const {
+  return std::any_of(sources_.begin(), sources_.end(), [&](const auto& entry) {
+    return entry.second.address == address && !entry.second.closed;
+  });
 }
 
 Source& Sources::add(uint32_t address, uint64_t incarnation) {
@@ -51,12 +52,6 @@ void Sources::connect(Source& source, uint64_t route) {
     byRoute_.erase(source.route);
   }
   source.route = route;
-}
-
-void Sources::remove(const Source& source) {
-  byRoute_.erase(source.route);
-  latest_ = nullptr;
-  sources_.erase({source.address, source.incarnation});
 }
 
 uint64_t Sources::noteFirst(Source& source, const FrameHeader& header) {

@@ -47,6 +47,12 @@ struct Source {
   // Some of the gaps, so that late calls can be told from repeated ones. A call is late when it
   // arrived over a connection that broke, and its successors were read first.
   std::vector<Gap> gaps;
+
+  // Calls after `settled` that are missing. Late calls may wait that were settled before.
+  uint64_t missingAhead() const {
+    const uint64_t ahead = highest - settled;
+    return std::min<uint64_t>(missing, ahead - std::min<uint64_t>(ahead, undelivered));
+  }
 };
 
 // For one thread at a time.
@@ -57,9 +63,8 @@ class Sources {
 
   // Null when there is none.
   Source* find(uint32_t address, uint64_t incarnation);
-  bool has(uint32_t address) const;  // in any incarnation
+  bool hasOpen(uint32_t address) const;  // in any incarnation that has not closed
   Source& add(uint32_t address, uint64_t incarnation);
-  void remove(const Source& source);
 
   // A connection serves one sender only: otherwise a peer could make up any number of them.
   bool mayUse(uint64_t route, const Source* source) const {

@@ -2,12 +2,12 @@
 //
 //   header   56 bytes, below
 //   Call     index, 8 bytes for each table: identifier and length; then the tables, without gaps
-//   State    u64: sequence of the first call that this receiver knows of
+//   State    two u64, see StateBody
 //
 // All integers are little-endian.
 //
 //   0  u32 magic "ZMSH"     16 u64 incarnation        40 u64 extra
-//   4  u16 version, 3       24 u64 sequence           48 u32 count
+//   4  u16 version, 4       24 u64 sequence           48 u32 count
 //   6  u8  kind             32 u64 confirmed          52 u32 bytes
 //   7  u8  flags            8  u32 source             12 u32 destination
 //
@@ -28,7 +28,7 @@ namespace zarnimesh {
 
 inline constexpr size_t headerSize = 56;
 inline constexpr size_t indexEntrySize = 8;
-inline constexpr size_t stateSize = headerSize + sizeof(uint64_t);
+inline constexpr size_t stateSize = headerSize + 2 * sizeof(uint64_t);
 
 enum class Kind : uint8_t {
   Call,
@@ -50,12 +50,19 @@ struct FrameHeader {
   uint64_t sequence = 0;     // Call: its number, from 1. Sync: of the latest call, or 0.
                              // State: of the latest call that arrived
   uint64_t confirmed = 0;    // Call, Sync: of the latest call that is known to be delivered.
-                             // State: of the latest call that was delivered
-  uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls that are missing.
+                             // State: delivered or missing are all up to this one
+  uint64_t extra = 0;        // Call: from MESH_SendToMsg. State: calls up to `confirmed` that are
+                             // missing.
                              // Sync: calls that the predecessors of the receiver in `count` lost
   uint32_t count = 0;        // Call: tables. State: calls that may be unconfirmed.
-                             // Sync: half the incarnation of the receiver that answered last, or 0
+                             // Sync: low 32 bits of the incarnation of the receiver that
+                             // answered last, or 0
   uint32_t bytes = 0;        // Call: of all tables. State: of unconfirmed calls
+};
+
+struct StateBody {
+  uint64_t first;         // sequence of the first call that this receiver knows of
+  uint64_t missingAhead;  // calls that are missing, between `confirmed` and `sequence`
 };
 
 struct IndexEntry {
@@ -66,7 +73,7 @@ struct IndexEntry {
 namespace frame {
 
 inline constexpr uint32_t magic = 0x48534D5A;
-inline constexpr uint16_t version = 3;
+inline constexpr uint16_t version = 4;
 
 // The compiler makes one load or store of it only if it is a copy, not byte by byte.
 template <std::unsigned_integral Integer>
@@ -115,8 +122,8 @@ inline void encodeIndexEntry(const IndexEntry& entry, uint8_t* to) {
   frame::put(frame::put(to, entry.id), entry.length);
 }
 
-inline void encodeFirst(uint64_t first, uint8_t* to) {
-  frame::put(to, first);
+inline void encodeStateBody(const StateBody& body, uint8_t* to) {
+  frame::put(frame::put(to, body.first), body.missingAhead);
 }
 
 // Nothing when the bytes do not begin with a header of this version.
@@ -149,8 +156,8 @@ inline IndexEntry decodeIndexEntry(const uint8_t* from) {
   return {.id = frame::get<uint32_t>(from), .length = frame::get<uint32_t>(from + 4)};
 }
 
-inline uint64_t decodeFirst(const uint8_t* from) {
-  return frame::get<uint64_t>(from);
+inline StateBody decodeStateBody(const uint8_t* from) {
+  return {.first = frame::get<uint64_t>(from), .missingAhead = frame::get<uint64_t>(from + 8)};
 }
 
 // Whether a Call has the length that its header states, and its tables fill it.
