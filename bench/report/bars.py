@@ -129,7 +129,7 @@ def beside_raw(results, kind, value, factor, unit):
     heights = []
     for panel, (transport, heading) in zip(panels, transport_tables.TRANSPORTS.items()):
         for group, records in enumerate(transport_tables.RECORDS):
-            found = [results.best(value, kind, transport, records, 1, way) for way in style.WAYS]
+            found = [results.median(value, kind, transport, records, 1, way) for way in style.WAYS]
             if None in found:
                 continue
             heights += [factor * each for each in found]

@@ -124,7 +124,7 @@ def against_peers(results):
     for panel, (kind, heading) in zip(panels, transport_tables.FANS.items()):
         ends = []
         for way, label in (("raw", "raw ZeroMQ"), ("tables", "ours")):
-            rates = [results.best("records_per_second", kind, "ipc", 1, peers, way)
+            rates = [results.median("records_per_second", kind, "ipc", 1, peers, way)
                      for peers in transport_tables.PEERS]
             if None in rates:
                 pyplot.close(figure)

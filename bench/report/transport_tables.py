@@ -2,6 +2,7 @@
 
 import json
 from pathlib import Path
+from statistics import median
 
 from report.cost_tables import NONE
 from report.table import Cell, Table
@@ -17,29 +18,28 @@ MOST_LATENCY = 1.25
 
 
 class Results:
-    """Of each case and value the best repetition."""
+    """Of each case and value the median of the repetitions."""
 
     def __init__(self, path):
         self.context = json.loads(Path(path).read_text())
-        self._best = {}
+        numbers = {}
         for result in self.context.pop("results"):
             case = result.pop("case")
             for value, number in result.items():
-                choose = max if value == "records_per_second" else min
-                best = self._best.get((value, case), number)
-                self._best[value, case] = choose(best, number)
-        if not self._best:
+                numbers.setdefault((value, case), []).append(number)
+        if not numbers:
             raise SystemExit(f"{path}: no case was measured")
+        self._medians = {key: median(each) for key, each in numbers.items()}
 
-    def best(self, value, kind, transport, records, peers, way):
-        return self._best.get((value, f"{kind}/{transport}/{records}/{peers}/{way}"))
+    def median(self, value, kind, transport, records, peers, way):
+        return self._medians.get((value, f"{kind}/{transport}/{records}/{peers}/{way}"))
 
 
 def surroundings(results):
     context = results.context
     return (f"{context['date']}, {context['processors']} processors, {context['compiler']}, ZeroMQ "
-            f"{context['zeromq']}. Load average before: {context['load']}. The best of {context['repetitions']} repetitions each, ours and "
-            "raw in turns.")
+            f"{context['zeromq']}. Load average before: {context['load']}. Medians of "
+            f"{context['repetitions']} repetitions each, ours and raw in turns.")
 
 
 def all_tables(results):
@@ -71,12 +71,12 @@ def _add_pairs(table, results, kind, value, factor, form, is_good, beside=None):
     for transport, name in TRANSPORTS.items():
         for records in RECORDS:
             case = (kind, transport, records, 1)
-            raw, *ours = (results.best(value, *case, way) for way in ("raw", "tables", "records"))
+            raw, *ours = (results.median(value, *case, way) for way in ("raw", "tables", "records"))
             if raw is None:
                 continue
             cells = [_number(each, factor, form) for each in (raw, *ours)]
             if beside is not None:
-                cells = [f"{cell} / {_number(results.best(beside, *case, way), factor, form)}"
+                cells = [f"{cell} / {_number(results.median(beside, *case, way), factor, form)}"
                          for cell, way in zip(cells, ("raw", "tables", "records"))]
             table.rows.append([name, str(records), *cells, *(
                 _ratio(each, raw, is_good if transport == "ipc" else None) for each in ours)])
@@ -88,7 +88,7 @@ def fans(results):
                   ["case", "peers", "raw", "tables packed before", "tables / raw"])
     for kind, name in FANS.items():
         for peers in PEERS:
-            raw, ours = (results.best("records_per_second", kind, "ipc", 1, peers, way)
+            raw, ours = (results.median("records_per_second", kind, "ipc", 1, peers, way)
                          for way in ("raw", "tables"))
             if raw is not None:
                 table.rows.append([name, f"{peers:,}", _number(raw, 1, ",.0f"),
@@ -104,7 +104,7 @@ def peer_costs(results):
     for kind, transport, name in (("fan_in", "ipc", "a sender, at its receiver"),
                                   ("fan_out", "ipc", "a receiver, at its sender"),
                                   ("crowd", "inproc", "a node of a crowd in one process")):
-        cells = [_number(results.best(value, kind, transport, 1, PEERS[-1], way), factor, form)
+        cells = [_number(results.median(value, kind, transport, 1, PEERS[-1], way), factor, form)
                  for value, factor, form in (("peer_bytes", 1 / 1024, ",.1f"),
                                              ("peer_files", 1, ",.1f"))
                  for way in ("raw", "tables")]

@@ -14,7 +14,7 @@
  * 5. A forked child must not use its parent's nodes or open a node: every function returns
  *    MESH_NOT_OPEN. It may call exec.
  * 6. Hooks and callbacks must not throw. A handler may throw, or leave mesh_node_receive by
- * longjmp: the node's next receive releases its record and goes on with the rest of the call.
+ *    longjmp: the node's next receive releases its record and goes on with the rest of the call.
  * 7. A node with a key file uses CURVE over tcp (not over ipc or inproc). It sends only to nodes
  *    whose public keys are in the file, and accepts connections only from them. Each node can send
  *    only under its own address.
@@ -138,7 +138,7 @@ typedef struct mesh_node_statistics {
   uint64_t lost_calls;          /* missing. A late call is subtracted when it arrives */
   uint64_t missed_before_first; /* sent before the first received call, and not confirmed by an
                                    earlier node of this address */
-  uint64_t duplicate_calls;     /* repeated; still delivered */
+  uint64_t duplicate_calls;     /* repeated, and delivered again. Nodes do not repeat calls */
 
   /* sent_calls = confirmed + undelivered_calls + unconfirmed_calls */
   uint64_t undelivered_calls; /* missing at their receiver, or never confirmed by one that ended */
