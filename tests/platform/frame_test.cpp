@@ -131,7 +131,7 @@ TEST_F(Frame, IsDroppedWithUnknownKind) {
 TEST_F(Frame, IsDroppedWhenItIsAnAnswer) {
   RawHeader other = header();
   other.kind = 2;
-  expectDropped({other.bytes() + littleEndian(1, 16)});
+  expectDropped({other.bytes() + littleEndian(1, 8) + littleEndian(0, 8)});
 }
 
 TEST_F(Frame, IsDroppedWhenASyncHasTables) {

@@ -144,13 +144,14 @@ TEST_P(Node, KeepsTheBytesOfCallsThatWait) {
     return std::string(call % 1100, static_cast<char>('a' + (call + 13 * sender) % 26));
   };
   const OpenNode receiver = open(3, options());
+  const OpenNode senders[] = {open(1, options()), open(2, options())};
   const auto sendAll = [&](uint32_t address) {
-    const OpenNode node = open(address, options());
     for (uint32_t call = 0; call < calls; ++call) {
       const std::string bytes = bytesOf(address, call);
       const mesh_msg_desc table{reinterpret_cast<uintptr_t>(bytes.data()), noteId,
                                 static_cast<uint32_t>(bytes.size())};
-      EXPECT_EQ(mesh_node_send(node, 3, &table, 1, 0, -1), MESH_OK) << mesh_node_last_error();
+      EXPECT_EQ(mesh_node_send(senders[address - 1], 3, &table, 1, 0, -1), MESH_OK)
+          << mesh_node_last_error();
     }
   };
   std::thread first([&] { sendAll(1); });

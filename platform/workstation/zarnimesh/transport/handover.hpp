@@ -31,4 +31,11 @@ inline void takeOver([[maybe_unused]] MessagePart& part) {
 #endif
 }
 
+// For the thread that releases the bytes of a message.
+inline void takeOver([[maybe_unused]] uint8_t* bytes) {
+#ifdef ZARNIMESH_THREAD_SANITIZER
+  __tsan_acquire(bytes);
+#endif
+}
+
 }  // namespace zarnimesh

@@ -3,6 +3,8 @@
 #include <array>
 #include <atomic>
 
+#include "zarnimesh/transport/handover.hpp"
+
 #if defined(__SANITIZE_ADDRESS__)
 #define ZARNIMESH_ADDRESS_SANITIZER
 #elif defined(__has_feature)
@@ -49,6 +51,7 @@ Slot* takeSlot() {
 
 void releaseSlot(void* /*bytes*/, void* slotUsed) {
   Slot& slot = *static_cast<Slot*>(slotUsed);
+  takeOver(slot.bytes);
   admit(slot, 0);
   slot.used.store(false, std::memory_order_release);
 }
