@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -224,6 +225,58 @@ TEST_F(Peers, TellOfGaps) {
   EXPECT_EQ(seen.sequences, (std::vector<uint64_t>{1, 2, 5, 6}));
   EXPECT_EQ(seen.afterGap, (std::vector<uint64_t>{5}));
   EXPECT_TRUE(events.has(MESH_PEER_GAP, 99, 3, 4));
+}
+
+TEST_F(Peers, TellOfNoGapThatIsTakenBack) {
+  const OpenNode node = open(1);
+  RawSender sender("ipc://" + directory() + "/1");
+  RawHeader header;
+  header.destination = 1;
+  header.sequence = 10;
+  header.confirmed = 8;
+  RawHeader sync = header;
+  sync.kind = 1;
+  sender.send({sync.bytes()});
+  const std::string state = sender.receive();
+  EXPECT_EQ(peerOf(node, header.source).missed_before_first, 2u);
+  // The predecessor had confirmed the two as well.
+  constexpr size_t incarnationAt = 16;
+  std::memcpy(&sync.count, state.data() + incarnationAt, sizeof sync.count);
+  sender.send({sync.bytes()});
+  header.sequence = 11;
+  sender.sendNote(header, "a");
+  const auto note = [](const mesh_received* received, void*) {
+    EXPECT_EQ(received->sequence, 11u);
+    EXPECT_EQ(received->after_gap, 0u);
+  };
+  EXPECT_EQ(mesh_node_receive(node, 5000, note, nullptr), 1);
+  EXPECT_EQ(peerOf(node, header.source).missed_before_first, 0u);
+}
+
+TEST_F(Peers, CannotDenyMoreCallsThanThereWere) {
+  RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
+  mesh_node* node = nullptr;
+  ASSERT_EQ(mesh_node_open(2, nullptr, &node), MESH_OK);
+  RawHeader state;
+  state.kind = 2;
+  state.source = 1;
+  state.destination = 2;
+  state.sequence = UINT64_MAX;
+  state.confirmed = UINT64_MAX;
+  state.extra = UINT64_MAX;
+  state.count = 100;
+  state.payloadBytes = 1000;
+  for (uint64_t call = 1; call <= 5; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
+    receiver.receive();
+    state.incarnation = call;
+    receiver.send({state.bytes() + littleEndian(call, 8) + littleEndian(UINT64_MAX, 8)});
+    expectConfirmed(node, 0);
+    EXPECT_EQ(statisticsOf(node).undelivered_calls, call);
+  }
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(node, &last), MESH_OK);
+  EXPECT_EQ(last.undelivered_calls, 5u);
 }
 
 TEST_F(Peers, HaveHighAndLowWater) {

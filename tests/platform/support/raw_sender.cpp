@@ -53,6 +53,14 @@ RawSender::RawSender(const std::string& endpoint, const std::string& serverPubli
   }
 }
 
+RawSender::RawSender(Listening, const std::string& endpoint)
+    : context_(zmq_ctx_new()), socket_(zmq_socket(context_, ZMQ_DEALER)) {
+  discardUnsent();
+  if (zmq_bind(socket_, endpoint.c_str()) != 0) {
+    throw std::runtime_error(endpoint + ": " + zmq_strerror(zmq_errno()));
+  }
+}
+
 RawSender::~RawSender() {
   zmq_close(socket_);
   zmq_ctx_term(context_);
@@ -76,6 +84,16 @@ void RawSender::sendNote(RawHeader header, const std::string& text) {
   header.count = 1;
   header.payloadBytes = static_cast<uint32_t>(text.size());
   send({header.bytes() + littleEndian(noteId, 4) + littleEndian(text.size(), 4) + text});
+}
+
+std::string RawSender::receive() {
+  std::string bytes(1024, 0);
+  const int size = zmq_recv(socket_, bytes.data(), bytes.size(), 0);
+  if (size < 0) {
+    throw std::runtime_error(zmq_strerror(zmq_errno()));
+  }
+  bytes.resize(static_cast<size_t>(size));
+  return bytes;
 }
 
 }  // namespace platform_test

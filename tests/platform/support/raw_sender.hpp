@@ -1,4 +1,4 @@
-// Sends arbitrary bytes to a node, without the middleware.
+// Sends arbitrary bytes to a node and receives its answers, without the middleware.
 #pragma once
 
 #include <cstdint>
@@ -40,6 +40,9 @@ class RawSender {
   explicit RawSender(const std::string& endpoint);
   // Connects with keys, and with discardUnsent().
   RawSender(const std::string& endpoint, const std::string& serverPublicKey, const KeyPair& own);
+  struct Listening {};
+  // Listens instead of connecting, for one node.
+  RawSender(Listening, const std::string& endpoint);
   ~RawSender();
   RawSender(const RawSender&) = delete;
   RawSender& operator=(const RawSender&) = delete;
@@ -51,6 +54,9 @@ class RawSender {
 
   // Sends a well-formed call with one note.
   void sendNote(RawHeader header, const std::string& text);
+
+  // Waits for a message of one part.
+  std::string receive();
 
  private:
   void* context_;
