@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -556,6 +557,51 @@ TEST_F(Peers, ReachAnyOfSeveralNodes) {
   EXPECT_EQ(mesh_node_receive_any(nullptr, 1, 0, nullptr, nullptr), -MESH_BAD_ARGUMENT);
   mesh_node* const twice[] = {one, one};
   EXPECT_EQ(mesh_node_receive_any(twice, 2, 0, nullptr, nullptr), -MESH_BAD_ARGUMENT);
+}
+
+TEST_F(Peers, AreHeardInTurnsByTheNodesThatAThreadReceivesOn) {
+  const OpenNode one = open(1);
+  const OpenNode two = open(2);
+  const OpenNode three = open(3);
+  constexpr size_t calls = 6;  // to each
+  for (size_t call = 0; call < calls; ++call) {
+    ASSERT_EQ(sendNotes(1, {"one"}), MESH_OK);
+    ASSERT_EQ(sendNotes(2, {"two"}), MESH_OK);
+    ASSERT_EQ(sendNotes(3, {"three"}), MESH_OK);
+  }
+  mesh_node* const nodes[] = {one, two, three};
+  for (mesh_node* const node : nodes) {
+    for (const Deadline deadline; !deadline.passed();) {
+      uint32_t pending = 0;
+      ASSERT_GE(mesh_node_descriptor(node, &pending), 0);
+      if (pending == calls) {
+        break;
+      }
+    }
+  }
+  std::vector<Received> notes;
+  for (size_t call = 0; call < 4; ++call) {
+    ASSERT_EQ(mesh_node_receive_any(nodes, 2, 0, collect, &notes), 1);
+  }
+  // A receive on other nodes between them.
+  for (size_t call = 0; call < 4; ++call) {
+    ASSERT_EQ(mesh_node_receive_any(nodes, 2, 0, collect, &notes), 1);
+    ASSERT_EQ(mesh_node_receive(three, 0, nullptr, nullptr), 1);
+  }
+  const auto failing = [](const mesh_received* received, void* user) {
+    collect(received, user);
+    throw std::runtime_error("the handler");
+  };
+  // A call that a handler left has its turn again, to be ended.
+  for (const int64_t result : {-MESH_SYSTEM_ERROR, -MESH_SYSTEM_ERROR, 0, 0, -MESH_SYSTEM_ERROR,
+                               -MESH_SYSTEM_ERROR, 0, 0}) {
+    ASSERT_EQ(mesh_node_receive_any(nodes, 2, 0, failing, &notes), result);
+  }
+  ASSERT_EQ(notes.size(), 2 * calls);
+  for (size_t call = 0; call < notes.size(); ++call) {
+    EXPECT_EQ(notes[call].text, call % 2 == 0 ? "one" : "two") << "call " << call;
+  }
+  EXPECT_EQ(receiveNotes(three, 2).size(), 2u);
 }
 
 }  // namespace

@@ -17,7 +17,8 @@ mesh_result Receiver::open(std::shared_ptr<Context> context) {
   return result == MESH_OK ? incoming_.open(std::move(context)) : result;
 }
 
-std::optional<int64_t> Receiver::receiveNext(const Handler& handler) {
+std::optional<int64_t> Receiver::receiveNext(const Handler& handler, uint64_t turn) {
+  turn_ = turn;
   if (stage_.load(std::memory_order_relaxed) != Stage::Taken) {
     const Lock lock(mutex_);
     switch (takeNext()) {
@@ -81,9 +82,20 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
                    const Handler& handler) {
   using Clock = std::chrono::steady_clock;
   std::optional<Clock::time_point> end;
+  // Begins behind the receiver that was asked last: it is the one that was served last. The
+  // receivers keep that, as handlers may leave this function, and threads may share receivers.
+  size_t next = 0;
+  uint64_t turn = 0;
+  for (size_t i = 0; i < receivers.size(); ++i) {
+    if (receivers[i]->turn() >= turn) {
+      turn = receivers[i]->turn();
+      next = i + 1;
+    }
+  }
   for (;;) {
-    for (Receiver* const receiver : receivers) {
-      if (const std::optional<int64_t> delivered = receiver->receiveNext(handler)) {
+    for (size_t asked = 0; asked < receivers.size(); ++asked, ++next) {
+      next = next < receivers.size() ? next : 0;
+      if (const std::optional<int64_t> delivered = receivers[next]->receiveNext(handler, ++turn)) {
         return *delivered;
       }
     }

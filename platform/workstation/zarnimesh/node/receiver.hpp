@@ -33,8 +33,10 @@ class Receiver {
   [[nodiscard]] mesh_result open(std::shared_ptr<Context> context);
 
   // Delivers one message that has arrived, or goes on with the one that a handler left. Returns the
-  // number of delivered records, or a negated result. For one thread at a time.
-  [[nodiscard]] std::optional<int64_t> receiveNext(const Handler& handler);
+  // number of delivered records, or a negated result. For one thread at a time. `turn` is kept.
+  [[nodiscard]] std::optional<int64_t> receiveNext(const Handler& handler, uint64_t turn);
+  // Of several receivers, the one with the highest turn was asked last.
+  uint64_t turn() const { return turn_; }
 
   // The thread waits until file() is readable. Returns for how many milliseconds at most.
   [[nodiscard]] int beginWait();
@@ -87,6 +89,7 @@ class Receiver {
   std::atomic<Stage> stage_ = Stage::Noted;
 
   // The receiving thread's. They outlive receive(), because a handler may leave it by longjmp.
+  uint64_t turn_ = 0;
   bool delivering_ = false;
   size_t entry_ = 0;  // of the next table
   const uint8_t* table_ = nullptr;
