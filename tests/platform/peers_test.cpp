@@ -604,6 +604,31 @@ TEST_F(Peers, AreHeardInTurnsByTheNodesThatAThreadReceivesOn) {
   EXPECT_EQ(receiveNotes(three, 2).size(), 2u);
 }
 
+// The thread that waits takes the call, also if another one asks for the descriptor.
+TEST_F(Peers, AreHeardWhileAThreadAsksForTheDescriptor) {
+  static mesh_node* node = nullptr;
+  static uint32_t pending = 0;
+  const OpenNode own = open(1);
+  node = own;
+  pending = 7;
+  ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
+  ASSERT_EQ(mesh_node_receive(node, 100, nullptr, nullptr), 0);
+  beforePoll = [] {
+    std::thread([] {
+      EXPECT_EQ(mesh_node_attach(node), MESH_OK);
+      EXPECT_EQ(sendNotes(1, {"b"}), MESH_OK);
+      std::this_thread::sleep_for(milliseconds(50));
+      EXPECT_GE(mesh_node_descriptor(node, &pending), 0);
+    }).join();
+  };
+  const auto start = steady_clock::now();
+  EXPECT_EQ(mesh_node_receive(node, 10'000, nullptr, nullptr), 1);
+  EXPECT_EQ(beforePoll, nullptr);
+  EXPECT_LT(since(start), milliseconds(400));
+  EXPECT_EQ(pending, 0u) << "the waiting thread takes it";
+}
+
 }  // namespace
 }  // namespace platform_test
 

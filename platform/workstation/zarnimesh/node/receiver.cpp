@@ -192,7 +192,13 @@ void Receiver::releaseRecord() {
 }
 
 void Receiver::tend() {
-  if (const Lock lock(mutex_, std::try_to_lock); lock && !waiting_) {
+  if (const Lock lock(mutex_, std::try_to_lock); lock) {
+    tendLocked();
+  }
+}
+
+void Receiver::tendLocked() {
+  if (!waiting_) {
     noteDelivered();
     incoming_.tend();
     wakeup_.set(undelivered() > 0);
@@ -211,9 +217,7 @@ int Receiver::callersFile() {
 
 size_t Receiver::waiting() {
   const Lock lock(mutex_);
-  noteDelivered();
-  incoming_.tend();
-  wakeup_.set(undelivered() > 0);
+  tendLocked();
   return undelivered();
 }
 

@@ -49,7 +49,8 @@ class Receiver {
   // Whether tend() may have something to do though file() is not readable.
   bool isBehind();
 
-  // Calls that receive() can take without waiting, as far as is known.
+  // Calls that receive() can take without waiting, as far as is known. While a thread waits there
+  // are none: it takes what arrives.
   size_t waiting();
   // Readable when a message may have arrived since the receiver found none.
   int file() const { return incoming_.file(); }
@@ -63,6 +64,8 @@ class Receiver {
  private:
   using Lock = std::unique_lock<std::mutex>;
 
+  // tend(). Requires the mutex.
+  void tendLocked();
   // Takes the next call. Requires the mutex.
   [[nodiscard]] Incoming::Arrival takeNext();
   // Notes the call if it was delivered since. Requires the mutex.
