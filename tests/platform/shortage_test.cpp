@@ -1,4 +1,5 @@
 // The system has no descriptors, memory or random numbers for a node.
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -119,6 +120,24 @@ TEST_F(Shortage, OfDescriptorsIsTold) {
     }
     EXPECT_NE(error.find("200 of 200 file descriptors are in use"), std::string::npos) << error;
   });
+}
+
+// Whether our opendir() below fails.
+bool directoryFails = false;
+
+TEST_F(Shortage, OfDescriptorsInTheWholeSystemIsTold) {
+  std::string error;
+  // Not every open counts the descriptors.
+  for (int round = 0; round < 100 && error.empty(); ++round) {
+    directoryFails = true;
+    const mesh_result result = resultOfOpening(1, defaults());
+    directoryFails = false;
+    if (result != MESH_OK) {
+      EXPECT_EQ(result, MESH_SYSTEM_ERROR);
+      error = mesh_node_last_error();
+    }
+  }
+  EXPECT_EQ(error, "file descriptors: Too many open files in system");
 }
 
 TEST_F(Shortage, OfDescriptorsLeavesNothingOfANodeThatCannotOpen) {
@@ -245,6 +264,15 @@ extern "C" void* zmq_ctx_new() {
   }
   static const auto system = reinterpret_cast<void* (*)()>(dlsym(RTLD_NEXT, "zmq_ctx_new"));
   return system();
+}
+
+extern "C" DIR* opendir(const char* path) {
+  if (platform_test::directoryFails) {
+    errno = ENFILE;
+    return nullptr;
+  }
+  static const auto system = reinterpret_cast<DIR* (*)(const char*)>(dlsym(RTLD_NEXT, "opendir"));
+  return system(path);
 }
 
 extern "C" int mprotect(void* address, size_t size, int access) {

@@ -7,7 +7,9 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <optional>
 
 namespace zarnimesh {
 namespace {
@@ -19,10 +21,14 @@ constexpr rlim_t reserve = 64;
 constexpr int64_t mostUncounted = 512;
 constexpr int64_t takenEachTime = 8;
 
-rlim_t openDescriptors(rlim_t limit) {
+// Nothing when the whole system has none left.
+std::optional<rlim_t> openDescriptors(rlim_t limit) {
   const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir("/proc/self/fd"), closedir);
   if (directory == nullptr && errno == EMFILE) {
     return limit;
+  }
+  if (directory == nullptr && errno == ENFILE) {
+    return std::nullopt;
   }
   rlim_t count = 0;
   while (directory != nullptr && readdir(directory.get()) != nullptr) {
@@ -47,13 +53,16 @@ mesh_result reserveDescriptors() {
     static_cast<void>(setrlimit(RLIMIT_NOFILE, &limit));
     static_cast<void>(getrlimit(RLIMIT_NOFILE, &limit));
   }
-  const rlim_t used = openDescriptors(limit.rlim_cur);
-  if (limit.rlim_cur != RLIM_INFINITY && used + reserve > limit.rlim_cur) {
+  const std::optional<rlim_t> used = openDescriptors(limit.rlim_cur);
+  if (!used) {
+    return fail(MESH_SYSTEM_ERROR, "file descriptors: %s", std::strerror(ENFILE));
+  }
+  if (limit.rlim_cur != RLIM_INFINITY && *used + reserve > limit.rlim_cur) {
     return fail(MESH_SYSTEM_ERROR, "%llu of %llu file descriptors are in use (ulimit -n)",
-                static_cast<unsigned long long>(used),
+                static_cast<unsigned long long>(*used),
                 static_cast<unsigned long long>(limit.rlim_cur));
   }
-  const rlim_t left = limit.rlim_cur - used - reserve;
+  const rlim_t left = limit.rlim_cur - *used - reserve;
   uncounted.store(limit.rlim_cur == RLIM_INFINITY
                       ? mostUncounted
                       : std::min<int64_t>(mostUncounted, static_cast<int64_t>(left)));
