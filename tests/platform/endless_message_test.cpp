@@ -3,9 +3,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <set>
 #include <thread>
 #include <vector>
 
+#include "support/held_library_thread.hpp"
 #include "support/node_fixture.hpp"
 #include "support/own_process.hpp"
 #include "support/raw_connection.hpp"
@@ -22,6 +24,12 @@ class EndlessMessage : public NodeFixture {
     options_.address_book = book_.c_str();
     options_.payload_limit = payloadLimit;
     node_ = open(ownNode, options_);
+  }
+
+  static std::string oneNote(RawHeader header, const std::string& text) {
+    header.count = 1;
+    header.payloadBytes = static_cast<uint32_t>(text.size());
+    return header.bytes() + littleEndian(noteId, 4) + littleEndian(text.size(), 4) + text;
   }
 
   const uint16_t port_ = freePort();
@@ -196,6 +204,43 @@ TEST_F(EndlessMessage, IsNotACallThatWaitsForItsTurn) {
   EXPECT_EQ(statisticsOf(node_).received_calls, senders * callsOfEach);
   EXPECT_EQ(statisticsOf(node_).malformed, 0u);
   EXPECT_EQ(statisticsOf(node_).lost_calls, 0u);
+}
+
+// Its connection got the descriptor of one that ended, and the node hears of both only afterwards.
+TEST_F(EndlessMessage, IsNotSeenInAConnectionThatFollowsAnother) {
+  constexpr uint64_t calls = 40;
+  // The node hears of connections when it looks at them, which only this thread makes it do.
+  const HeldLibraryThread held(9);
+  RawHeader header;
+  header.destination = ownNode;
+  const std::set<int> before = openDescriptors();
+  std::set<int> ofFirst;
+  {
+    RawConnection first(port_);
+    ASSERT_TRUE(first.sendPart(oneNote(header, "a"), false));
+    ASSERT_EQ(receiveNotes(node_, 1).size(), 1u);
+    ofFirst = openDescriptors();
+  }
+  for (const Deadline deadline; openDescriptors() != before && !deadline.passed();) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  RawConnection second(port_);
+  header.source = 98;
+  for (header.sequence = 1; header.sequence <= calls; ++header.sequence) {
+    ASSERT_TRUE(second.sendPart(oneNote(header, std::string(payloadLimit, 'a')), false));
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));  // ZeroMQ reads them
+  ASSERT_EQ(openDescriptors(), ofFirst) << "used again";
+  for (uint64_t call = 0; call < calls; ++call) {
+    ASSERT_EQ(mesh_node_receive(node_, 10'000, nullptr, nullptr), 1) << call;
+  }
+  // The peer says nothing for some looks.
+  for (int look = 0; look < 5; ++look) {
+    ASSERT_EQ(mesh_node_receive(node_, 30, nullptr, nullptr), 0);
+  }
+  EXPECT_EQ(statisticsOf(node_).malformed, 0u);
+  ASSERT_TRUE(second.sendPart(oneNote(header, "b"), false));
+  EXPECT_EQ(receiveNotes(node_, 1).size(), 1u);
 }
 
 // Nothing ends such a connection over ipc. A peer can take memory, but not keep it.

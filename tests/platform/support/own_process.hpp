@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <string>
 
 namespace platform_test {
 
@@ -20,9 +22,17 @@ inline constexpr bool keepsFreedMemory =
 inline constexpr bool keepsFreedMemory = false;
 #endif
 
+// Of all open files and the directory that is read for it.
+inline std::set<int> openDescriptors() {
+  std::set<int> descriptors;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    descriptors.insert(std::stoi(entry.path().filename()));
+  }
+  return descriptors;
+}
+
 inline size_t openFiles() {
-  const std::filesystem::directory_iterator files("/proc/self/fd");
-  return static_cast<size_t>(std::distance(begin(files), end(files)));
+  return openDescriptors().size();
 }
 
 inline size_t mappings() {

@@ -92,7 +92,7 @@ void ConnectionWatch::readEvents() {
 
 void ConnectionWatch::add(int file) {
   if (const std::optional<uint64_t> cookie = cookieOf(file)) {
-    connections_[file] = {.cookie = *cookie, .bytesAtStart = 0};
+    connections_[file] = {.cookie = *cookie};
   }
 }
 

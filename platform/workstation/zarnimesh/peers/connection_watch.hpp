@@ -46,9 +46,11 @@ class ConnectionWatch {
 
  private:
   struct Connection {
-    uint64_t cookie;        // identifies the connection: file descriptors are reused
-    uint64_t bytesAtStart;  // received up to its latest complete message, as far as known
-    bool delivered = false;
+    uint64_t cookie;            // identifies the connection: file descriptors are reused
+    uint64_t bytesAtStart = 0;  // received up to its latest complete message, as far as known
+    // A message since the last check. The first check finds what was received before: those
+    // messages may have been noted at the connection that had the descriptor before.
+    bool delivered = true;
     bool suspect = false;
   };
 
