@@ -629,6 +629,84 @@ TEST_F(Peers, AreHeardWhileAThreadAsksForTheDescriptor) {
   EXPECT_EQ(pending, 0u) << "the waiting thread takes it";
 }
 
+// An endpoint whose host ZeroMQ has to resolve, like a name: the number behind it appears when a
+// connection follows another.
+class ResolvedPeers : public Peers, public ::testing::WithParamInterface<bool> {
+ protected:
+  ResolvedPeers() {
+    const std::string port = ":" + std::to_string(freePort());
+    receiversBook_ = (ipv6_ ? "2 tcp://[::1]" : "2 tcp://127.0.0.1") + port;
+    sendersBook_ =
+        (ipv6_ ? "2 tcp://[0:0:0:0:0:0:0:1]" : "2 tcp://127.1") + port + "\n3 tcp://127.2" + port;
+    receivers_.address_book = receiversBook_.c_str();
+    mesh_node_options options = defaults();
+    options.address_book = sendersBook_.c_str();
+    options.heartbeat_ms = 400;
+    sender_ = open(1, options);
+    EXPECT_EQ(mesh_node_attach(sender_), MESH_OK);
+    // Nobody receives there.
+    EXPECT_EQ(tryOnce(3), MESH_NO_DESTINATION);
+  }
+  ~ResolvedPeers() override { EXPECT_EQ(mesh_node_attach(nullptr), MESH_OK); }
+
+  void SetUp() override {
+    if (ipv6_ && resultOfOpening(2, receivers_) != MESH_OK) {
+      GTEST_SKIP() << "this machine has no [::1]";
+    }
+  }
+
+  mesh_result tryOnce(uint32_t destination) {
+    const mesh_msg_desc empty{};
+    return mesh_node_send(sender_, destination, &empty, 1, 0, 0);
+  }
+
+  void awaitConnected(uint32_t connected) {
+    for (const Deadline deadline;
+         peerOf(sender_, 2).connected != connected && !deadline.passed();) {
+      std::this_thread::sleep_for(milliseconds(5));
+    }
+    EXPECT_EQ(peerOf(sender_, 2).connected, connected);
+  }
+
+  void expectDelivery(mesh_node* receiver) {
+    EXPECT_EQ(sendNotes(2, {"a"}), MESH_OK) << mesh_node_last_error();
+    EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
+    expectConfirmed(sender_, 0);
+  }
+
+  const bool ipv6_ = GetParam();
+  std::string receiversBook_;
+  std::string sendersBook_;
+  mesh_node_options receivers_ = defaults();
+  OpenNode sender_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Hosts, ResolvedPeers, ::testing::Bool(),
+                         [](const auto& suite) { return suite.param ? "ipv6" : "ipv4"; });
+
+TEST_P(ResolvedPeers, AreFoundAgain) {
+  for (int round = 0; round < 3 && !HasFailure(); ++round) {
+    OpenNode receiver = open(2, receivers_);
+    expectDelivery(receiver);
+    EXPECT_EQ(peerOf(sender_, 3).connected, 0u);
+    EXPECT_EQ(receiver.close(), MESH_OK);
+    awaitConnected(0);
+  }
+}
+
+TEST_P(ResolvedPeers, AreFoundAgainBeforeTheirFirstAnswer) {
+  EXPECT_EQ(tryOnce(2), MESH_NO_DESTINATION);
+  OpenNode receiver = open(2, receivers_);
+  awaitConnected(1);
+  EXPECT_EQ(receiver.close(), MESH_OK);
+  awaitConnected(0);
+  receiver = open(2, receivers_);
+  expectDelivery(receiver);
+  EXPECT_EQ(peerOf(sender_, 3).connected, 0u);
+  EXPECT_EQ(receiver.close(), MESH_OK);
+  awaitConnected(0);
+}
+
 }  // namespace
 }  // namespace platform_test
 

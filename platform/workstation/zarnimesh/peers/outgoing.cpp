@@ -1,6 +1,6 @@
 #include "zarnimesh/peers/outgoing.hpp"
 
-#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -23,6 +23,16 @@ constexpr int senderEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNEC
 
 // The longest endpoint that ZeroMQ names.
 constexpr size_t endpointSize = 256;
+
+unsigned long portOf(const std::string& endpoint) {
+  return std::strtoul(endpoint.c_str() + endpoint.rfind(':') + 1, nullptr, 10);
+}
+
+// As ZeroMQ's events name a tcp endpoint when they know the host's number.
+std::string resolvedEndpoint(const std::string& host, unsigned long port) {
+  const bool bracketed = host.find(':') != std::string::npos;
+  return (bracketed ? "tcp://[" + host + "]:" : "tcp://" + host + ":") + std::to_string(port);
+}
 
 }  // namespace
 
@@ -207,16 +217,39 @@ std::vector<Destination*> Outgoing::update() {
   takeStates(connected);
   checkInproc(connected);
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
+    const bool succeeded = event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
+    bool known = false;
     for (const auto& [address, destination] : destinations_) {
-      if (destination->link.connectedTo == event->endpoint) {
-        setLink(*destination, event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED, false);
-        if (destination->link.present()) {
+      Destination::Link& link = destination->link;
+      const auto resolved = resolved_.find(address);
+      if (link.connectedTo == event->endpoint ||
+          (resolved != resolved_.end() && resolved->second == event->endpoint)) {
+        known = true;
+        link.connectedTo = event->endpoint;
+        setLink(*destination, succeeded, false);
+        if (link.present()) {
           connected.push_back(destination.get());
         }
       }
     }
+    if (succeeded && !known) {
+      askAt(portOf(event->endpoint), connected);
+    }
   }
   return connected;
+}
+
+void Outgoing::askAt(unsigned long port, std::vector<Destination*>& asked) {
+  for (const auto& [address, destination] : destinations_) {
+    const Endpoint& endpoint = destination->endpoint();
+    Destination::Link& link = destination->link;
+    if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == port && link.route != 0 &&
+        !link.present() && !resolved_.contains(address)) {
+      setLink(*destination, true, true);
+      link.asked.reset();
+      asked.push_back(destination.get());
+    }
+  }
 }
 
 std::vector<Destination*> Outgoing::unheard() {
@@ -276,6 +309,11 @@ Destination* Outgoing::takeState(uint64_t route, MessagePart& message) {
   Destination& destination = *found->second;
   const bool restarted = destination.note(*state, body);
   setLink(destination, destination.link.connected, false);
+  const Endpoint& endpoint = destination.endpoint();
+  if (const char* const host = zmq_msg_gets(message.raw(), "Peer-Address");
+      host != nullptr && endpoint.transport == Transport::Tcp) {
+    resolved_[destination.address()] = resolvedEndpoint(host, portOf(endpoint.rest));
+  }
   if (restarted) {
     peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -78,6 +79,9 @@ class Outgoing {
   void takeStates(std::vector<Destination*>& restarted);
   // Returns the destination if another node answered there before.
   Destination* takeState(uint64_t route, MessagePart& message);
+  // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the
+  // destinations at the port that never answered: an answer names its destination.
+  void askAt(unsigned long port, std::vector<Destination*>& asked);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
@@ -95,6 +99,9 @@ class Outgoing {
   Destinations destinations_;                  // never removed
   Destination* latest_ = nullptr;              // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
+  // By address, tcp: the endpoint of the latest answer. Events name a destination's first
+  // connection as the address book does. Those of later ones have the number of its host.
+  std::unordered_map<uint32_t, std::string> resolved_;
 };
 
 }  // namespace zarnimesh
