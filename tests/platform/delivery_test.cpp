@@ -14,6 +14,7 @@
 
 #include "support/child_process.hpp"
 #include "support/free_port.hpp"
+#include "support/held_library_thread.hpp"
 #include "support/node_fixture.hpp"
 
 namespace platform_test {
@@ -225,6 +226,53 @@ TEST_F(Delivery, IsCountedOnceIfItIsMissingBehindACallThatWaitsAtTheClose) {
   EXPECT_EQ(last.undelivered_calls, 1u);
   mesh_node* const receiving = receiver;
   EXPECT_EQ(receiveUntil(receiving, &mesh_node_statistics::received_records, 8), 8u);
+}
+
+// The answer of a restarted receiver arrives when the sender finds that another one has ended.
+TEST_F(Delivery, IsNotMissedWhenAnotherReceiverEndsMeanwhile) {
+  // What arrives at the sender waits until this thread makes it look.
+  const HeldLibraryThread held(9);
+  mesh_node_options options = defaults();
+  options.address_book = "3 inproc://three";
+  const OpenNode sender = open(1, options);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  OpenNode receiver = open(2);
+  OpenNode other = open(3, options);
+  ASSERT_EQ(sendNotes(3, {"a"}), MESH_OK);
+  ASSERT_EQ(receiveNotes(other, 1).size(), 1u);
+  for (int call = 0; call < 5; ++call) {
+    ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
+  }
+  ASSERT_EQ(receiveNotes(receiver, 5).size(), 5u);
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  std::this_thread::sleep_for(milliseconds(300));  // ZeroMQ has no connection then
+  ASSERT_EQ(sendNotes(2, {"b"}), MESH_OK) << "it was not heard yet that five calls were confirmed";
+  const auto awaitConnected = [&](uint32_t connected) {
+    mesh_peer_statistics peers[2];
+    uint32_t count = 0;
+    const Deadline deadline;
+    do {
+      static_cast<void>(statisticsOf(sender));
+      ASSERT_EQ(mesh_node_peers(sender, peers, 2, &count), MESH_OK);
+    } while (peers[0].connected != connected && !deadline.passed());
+    EXPECT_EQ(peers[0].address, 2u);
+    EXPECT_EQ(peers[0].connected, connected);
+  };
+  awaitConnected(0);
+  receiver = open(2);
+  awaitConnected(1);
+  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+  ASSERT_EQ(mesh_node_receive(receiver, 100, nullptr, nullptr), 0);
+  EXPECT_EQ(statisticsOf(receiver).missed_before_first, 5u) << "as the call told";
+  ASSERT_EQ(other.close(), MESH_OK);
+  const mesh_msg_desc empty{};
+  EXPECT_EQ(mesh_node_send(sender, 3, &empty, 1, 0, 0), MESH_NO_DESTINATION);
+  const auto start = steady_clock::now();
+  while (statisticsOf(receiver).missed_before_first != 0 && since(start) < milliseconds(5000)) {
+    ASSERT_EQ(mesh_node_receive(receiver, 20, nullptr, nullptr), 0);
+  }
+  EXPECT_EQ(statisticsOf(receiver).missed_before_first, 0u);
+  ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
 }
 
 TEST_F(Delivery, DoesNotWaitForADeadDestinationTwice) {

@@ -163,8 +163,7 @@ bool Outgoing::push(Destination& destination, MessagePart& message) {
 
 void Outgoing::disconnect(Destination& destination) {
   // The receiver's last words may be here.
-  std::vector<Destination*> ignored;
-  takeStates(ignored);
+  takeStates();
   setLink(destination, false, false);
   byRoute_.erase(destination.link.route);
   destination.link = {};
@@ -191,7 +190,7 @@ void Outgoing::checkInproc(std::vector<Destination*>& connected) {
   }
 }
 
-void Outgoing::takeStates(std::vector<Destination*>& restarted) {
+void Outgoing::takeStates() {
   for (;;) {
     MessagePart route;
     MessagePart message;
@@ -203,7 +202,7 @@ void Outgoing::takeStates(std::vector<Destination*>& restarted) {
     }
     if (const auto number = readRoute(route.bytes())) {
       if (Destination* const destination = takeState(*number, message)) {
-        restarted.push_back(destination);
+        restarted_.push_back(destination);
       }
     }
   }
@@ -214,8 +213,10 @@ std::vector<Destination*> Outgoing::update() {
   if (!socket_) {
     return connected;
   }
-  takeStates(connected);
+  takeStates();
   checkInproc(connected);
+  connected.insert(connected.begin(), restarted_.begin(), restarted_.end());
+  restarted_.clear();
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     const bool succeeded = event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
     bool known = false;

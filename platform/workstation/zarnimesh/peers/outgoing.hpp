@@ -76,7 +76,7 @@ class Outgoing {
   [[nodiscard]] mesh_result openSocket();
   [[nodiscard]] mesh_result openEvents();
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
-  void takeStates(std::vector<Destination*>& restarted);
+  void takeStates();
   // Returns the destination if another node answered there before.
   Destination* takeState(uint64_t route, MessagePart& message);
   // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the
@@ -99,6 +99,7 @@ class Outgoing {
   Destinations destinations_;                  // never removed
   Destination* latest_ = nullptr;              // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
+  std::vector<Destination*> restarted_;  // at which a new receiver answered, for update() to return
   // By address, tcp: the endpoint of the latest answer. Events name a destination's first
   // connection as the address book does. Those of later ones have the number of its host.
   std::unordered_map<uint32_t, std::string> resolved_;
