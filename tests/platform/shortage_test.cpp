@@ -1,7 +1,8 @@
-// The system has no descriptors, memory or random numbers for a node.
+// The system has no descriptors, memory, threads or random numbers for a node.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/random.h>
 #include <sys/resource.h>
@@ -238,6 +239,26 @@ TEST_F(Shortage, OfMemoryForANodeIsAResult) {
   EXPECT_NE(std::string(mesh_node_last_error()).find("context"), std::string::npos);
 }
 
+// Whether our pthread_create() below fails.
+bool threadsFail = false;
+
+TEST_F(Shortage, OfThreadsLeavesNothingOfANodeThatCannotOpen) {
+  mesh_node_options inproc = defaults();
+  inproc.transport = MESH_TRANSPORT_INPROC;
+  for (const mesh_node_options& options : {defaults(), inproc, withKeys(2)}) {
+    inAChild([&options] {
+      for (int round = 0; round < 3; ++round) {
+        threadsFail = true;
+        EXPECT_EQ(resultOfOpening(2, options), MESH_SYSTEM_ERROR);
+        threadsFail = false;
+        EXPECT_STRNE(mesh_node_last_error(), "");
+        EXPECT_EQ(sendNotes(2, {"a"}), MESH_NOT_OPEN);
+        expectDelivery(2, options);
+      }
+    });
+  }
+}
+
 // Which call of our getrandom() below fails, from 1.
 int failingCall = 0;
 
@@ -283,6 +304,25 @@ extern "C" int mprotect(void* address, size_t size, int access) {
   static const auto system =
       reinterpret_cast<int (*)(void*, size_t, int)>(dlsym(RTLD_NEXT, "mprotect"));
   return system(address, size, access);
+}
+
+// The sanitizers' own function, in their builds.
+extern "C" [[gnu::weak]] int __interceptor_pthread_create(pthread_t*, const pthread_attr_t*,
+                                                          void* (*)(void*), void*);
+
+// ZeroMQ gets its threads: it ends the process without.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*run)(void*), void* argument) {
+  Dl_info caller{};
+  if (platform_test::threadsFail && dladdr(__builtin_return_address(0), &caller) != 0 &&
+      std::string(caller.dli_fname).find("zmq") == std::string::npos) {
+    return EAGAIN;
+  }
+  static const auto system = reinterpret_cast<decltype(&pthread_create)>(
+      __interceptor_pthread_create != nullptr
+          ? reinterpret_cast<void*>(&__interceptor_pthread_create)
+          : dlsym(RTLD_NEXT, "pthread_create"));
+  return system(thread, attributes, run, argument);
 }
 
 extern "C" ssize_t getrandom(void* bytes, size_t size, unsigned flags) {

@@ -32,8 +32,17 @@ using namespace zarnimesh;
   if (const mesh_result result = node->open(options); result != MESH_OK) {
     return result;
   }
-  addNode(node);
-  Caretaker::instance().add(node);
+  try {
+    addNode(node);
+    Caretaker::instance().add(node);
+  } catch (...) {
+    // No memory or no thread: nothing remains of the node.
+    static_cast<void>(removeNode(*node));
+    mesh_node_statistics none;
+    static_cast<void>(node->close(none));
+    Caretaker::instance().remove(*node);
+    throw;
+  }
   *out = handleOf(*node);
   return MESH_OK;
 }
