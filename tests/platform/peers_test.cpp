@@ -381,6 +381,47 @@ TEST_F(Peers, AreNotWaitedForByAHook) {
   expectConfirmed(sender, 0);
 }
 
+// The library's thread is in the hook when the node closes, and another change is to be told.
+TEST_F(Peers, AreToldOneAfterTheOtherWhileTheNodeCloses) {
+  struct Telling {
+    std::atomic<int> inside = 0;
+    std::atomic<bool> together = false;
+    std::atomic<bool> closing = false;
+    std::vector<uint32_t> told{};
+  } telling;
+  mesh_node_options options = defaults();
+  options.peer_user = &telling;
+  options.peer = [](const mesh_peer_event* event, void* user) {
+    auto& all = *static_cast<Telling*>(user);
+    if (++all.inside > 1) {
+      all.together = true;
+      return;
+    }
+    const Deadline deadline;
+    while (!all.closing && !deadline.passed()) {
+      std::this_thread::sleep_for(milliseconds(1));
+    }
+    std::this_thread::sleep_for(milliseconds(200));
+    all.told.push_back(event->address);
+    --all.inside;
+  };
+  OpenNode node = open(1, options);
+  const OpenNode two = open(2);
+  const OpenNode three = open(3);
+  const mesh_msg_desc note{.data = reinterpret_cast<uintptr_t>("n"), .msg_id = noteId, .length = 1};
+  ASSERT_EQ(mesh_node_send(two, 1, &note, 1, 0, -1), MESH_OK);
+  const Deadline deadline;
+  while (telling.inside == 0 && !deadline.passed()) {
+    std::this_thread::sleep_for(milliseconds(1));
+  }
+  ASSERT_EQ(mesh_node_send(three, 1, &note, 1, 0, -1), MESH_OK);
+  ASSERT_EQ(receiveNotes(node, 2).size(), 2u);
+  telling.closing = true;
+  EXPECT_EQ(node.close(), MESH_OK);
+  EXPECT_FALSE(telling.together);
+  EXPECT_EQ(telling.told, (std::vector<uint32_t>{2, 3}));
+}
+
 TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {
   for (const bool tcp : {false, true}) {
     const std::string book =

@@ -153,6 +153,8 @@ class ReceiverHold {
     *last = counters;
   }
   Caretaker::instance().remove(*node);
+  // Only now: until then the caretaker may be in the hook.
+  node->tellOfPeers();
   if (wasLast) {
     callCleanHooks();
   }

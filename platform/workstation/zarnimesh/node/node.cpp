@@ -51,7 +51,6 @@ mesh_result Node::close(mesh_node_statistics& last) {
   receiver_.close();
   last = statistics_.read();
   last.undelivered_calls = undelivered;
-  tellOfPeers();
   return result;
 }
 

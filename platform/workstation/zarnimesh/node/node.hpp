@@ -33,6 +33,9 @@ class Node {
   // Does what is to be done from time to time.
   void tend();
 
+  // Makes the calls of the peer hook that are due. For one thread at a time.
+  void tellOfPeers();
+
   // Adds what to wait for. Returns whether tend() may have something to do without that.
   bool addFiles(std::vector<pollfd>& files);
 
@@ -51,8 +54,6 @@ class Node {
   PeerTable peers();
 
  private:
-  void tellOfPeers();
-
   Settings settings_;
   Statistics statistics_;
   PeerEvents events_;
