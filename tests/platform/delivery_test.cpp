@@ -128,6 +128,67 @@ TEST_F(Delivery, IsReportedMissingByTheClosingSender) {
   EXPECT_EQ(last.undelivered_calls, 6u);
 }
 
+// Whether the clean hook below sends. It stays registered.
+bool cleanHookSends = false;
+
+TEST_F(Delivery, IsReportedMissingAlsoWhenHooksFailMeanwhile) {
+  ASSERT_EQ(MESH_RegIDLResorceCleanFuncHook([] {
+              if (cleanHookSends) {
+                EXPECT_EQ(MESH_SendMsg(1, nullptr, 0), uint32_t{MESH_NOT_OPEN});
+              }
+            }),
+            uint32_t{MESH_OK});
+  struct Hooks {
+    std::atomic<bool> blocks = false;
+    std::atomic<bool> released = false;
+    mesh_node* sender = nullptr;
+    int sends = 0;
+  };
+  for (const bool clean : {false, true}) {
+    Hooks hooks;
+    // It keeps the library's thread, so that the closing one tells of the sender's peers.
+    mesh_node_options blocking = defaults();
+    blocking.peer_user = &hooks;
+    blocking.peer = [](const mesh_peer_event*, void* user) {
+      auto& all = *static_cast<Hooks*>(user);
+      all.blocks = true;
+      while (!all.released) {
+        std::this_thread::sleep_for(milliseconds(1));
+      }
+    };
+    mesh_node_options failing = defaults();
+    failing.peer_user = &hooks;
+    failing.peer = [](const mesh_peer_event*, void* user) {
+      auto& all = *static_cast<Hooks*>(user);
+      ++all.sends;
+      EXPECT_EQ(mesh_node_send(all.sender, 1, nullptr, 0, 0, 0), MESH_NOT_OPEN);
+    };
+    OpenNode blocker = clean ? OpenNode() : open(3, blocking);
+    if (!clean) {
+      ASSERT_EQ(mesh_node_send(blocker, 3, nullptr, 0, 0, -1), MESH_OK);
+      const Deadline deadline;
+      while (!hooks.blocks && !deadline.passed()) {
+        std::this_thread::sleep_for(milliseconds(1));
+      }
+    }
+    OpenNode receiver = open(1);
+    OpenNode sender = open(2, clean ? defaults() : failing);
+    hooks.sender = sender;
+    ASSERT_EQ(mesh_node_send(sender, 1, nullptr, 0, 0, -1), MESH_OK);
+    ASSERT_EQ(receiver.close(), MESH_OK);
+    cleanHookSends = clean;
+    EXPECT_EQ(sender.close(), MESH_UNDELIVERED);
+    cleanHookSends = false;
+    EXPECT_EQ(std::string(mesh_node_last_error()), "1 sent calls are not known to have arrived");
+    EXPECT_EQ(hooks.sends > 0, !clean);
+    hooks.released = true;
+    if (!clean) {
+      EXPECT_EQ(mesh_node_receive(blocker, 1000, nullptr, nullptr), 0);
+      EXPECT_EQ(blocker.close(), MESH_OK);
+    }
+  }
+}
+
 TEST_F(Delivery, IsNotMissedFromAPredecessorThatConfirmedIt) {
   OpenNode receiver = open(1);
   const OpenNode sender = open(2);

@@ -43,15 +43,15 @@ void Node::giveReceiverBack() {
   receiverFrame_.store(nullptr, std::memory_order_release);
 }
 
-mesh_result Node::close(mesh_node_statistics& last) {
+uint64_t Node::close(mesh_node_statistics& last) {
   // The receiver goes last. It may hold the last reference to the context, whose destructor waits
   // for the sender's last messages.
   uint64_t undelivered = 0;
-  const mesh_result result = sender_.close(undelivered);
+  const uint64_t missing = sender_.close(undelivered);
   receiver_.close();
   last = statistics_.read();
   last.undelivered_calls = undelivered;
-  return result;
+  return missing;
 }
 
 void Node::tend() {

@@ -27,8 +27,9 @@ class Node {
   [[nodiscard]] bool takeReceiver(const char* frame);
   void giveReceiverBack();
 
-  // Closes everything. The calling thread must have taken the receiver. `last`: the final counters.
-  [[nodiscard]] mesh_result close(mesh_node_statistics& last);
+  // Closes everything. The calling thread must have taken the receiver. Returns as Sender::close().
+  // `last`: the final counters.
+  [[nodiscard]] uint64_t close(mesh_node_statistics& last);
 
   // Does what is to be done from time to time.
   void tend();

@@ -47,8 +47,9 @@ class Sender {
   Files files();
 
   // Ends sends in progress, refuses new ones, and waits until connected receivers say that all
-  // calls arrived. Called once. `undelivered`: as in the statistics, finally.
-  [[nodiscard]] mesh_result close(uint64_t& undelivered);
+  // calls arrived. Called once. Returns how many did not, as far as is known, and were not counted
+  // as undelivered before. `undelivered`: as in the statistics, finally.
+  [[nodiscard]] uint64_t close(uint64_t& undelivered);
 
   void count(mesh_node_statistics& statistics);
   void describe(PeerTable& peers);
