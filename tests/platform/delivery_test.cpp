@@ -510,6 +510,36 @@ TEST_F(Delivery, GoesOnAfterAHandlerThatLeavesByLongjmpInOtherFunctions) {
   }
 }
 
+// Also for those that precede the next receive.
+TEST_F(Delivery, WaitsForRoomAgainAfterAHandlerThatLeavesByLongjmp) {
+  constexpr int32_t patience = 100;
+  mesh_node_options options = defaults();
+  options.send_timeout_ms = patience;
+  OpenNode node = open(1, options);
+  const mesh_msg_desc empty{};
+  ASSERT_EQ(sendNotes(1, {"a", "b"}), MESH_OK);
+  ASSERT_EQ(fillFromFarBelow(node, patience), MESH_QUEUE_FULL);
+  if (setjmp(leftTo) == 0) {
+    static_cast<void>(mesh_node_receive(node, 10000, leaveByLongjmp, nullptr));
+    FAIL() << "the handler was not called";
+  }
+  auto start = steady_clock::now();
+  EXPECT_EQ(mesh_node_send(node, 1, &empty, 1, 0, -1), MESH_QUEUE_FULL);
+  EXPECT_GE(since(start), milliseconds(patience)) << "mesh_node_send";
+  start = steady_clock::now();
+  EXPECT_EQ(MESH_SendMsg(1, &empty, 1), uint32_t{MESH_QUEUE_FULL});
+  EXPECT_GE(since(start), milliseconds(patience)) << "MESH_SendMsg";
+  start = steady_clock::now();
+  EXPECT_EQ(MESH_SendToMsg(1, &empty, 1, 1), uint32_t{MESH_QUEUE_FULL});
+  EXPECT_GE(since(start), milliseconds(patience)) << "MESH_SendToMsg";
+  // A receive tells it for sends from anywhere, whatever function it is.
+  mesh_node* const any = node;
+  ASSERT_EQ(mesh_node_receive_any(&any, 1, 0, nullptr, nullptr), 1) << "the rest of the call";
+  start = steady_clock::now();
+  EXPECT_EQ(fillFromFarBelow(node, patience), MESH_QUEUE_FULL);
+  EXPECT_GE(since(start), milliseconds(patience)) << "from below";
+}
+
 // While the handler runs, only the library's thread confirms calls.
 TEST_F(Delivery, IsSoonConfirmedToASenderThatClosesWhileAHandlerRuns) {
   milliseconds shortest = milliseconds::max();

@@ -15,6 +15,8 @@
  *    MESH_NOT_OPEN. It may call exec.
  * 6. Hooks and callbacks must not throw. A handler may throw, or leave mesh_node_receive by
  *    longjmp: the node's next receive releases its record and goes on with the rest of the call.
+ *    Until then a send from deeper in the stack may count as one of the handler, and not wait for
+ *    room.
  * 7. A node with a key file uses CURVE over tcp (not over ipc or inproc). It sends only to nodes
  *    whose public keys are in the file, and accepts connections only from them. Each node can send
  *    only under its own address.

@@ -9,14 +9,14 @@ namespace {
 
 using namespace zarnimesh;
 
-[[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
-                               uint32_t count, uint64_t extra) {
+[[nodiscard]] mesh_result send(const char* frame, uint32_t destination,
+                               const mesh_msg_desc* descriptors, uint32_t count, uint64_t extra) {
   return guarded([&] {
     Node* const node = sendingNode().get();
     if (node == nullptr) {
       return fail(MESH_NOT_OPEN, "no open node to send from");
     }
-    return node->send(destination, descriptors, count, extra, -1);
+    return node->send(frame, destination, descriptors, count, extra, -1);
   });
 }
 
@@ -24,12 +24,12 @@ using namespace zarnimesh;
 
 ZARNIMESH_EXPORT uint32_t MESH_SendMsg(uint32_t destination, const mesh_msg_desc* descriptors,
                                        uint32_t count) {
-  return send(destination, descriptors, count, 0);
+  return send(exportedFrame(), destination, descriptors, count, 0);
 }
 
 ZARNIMESH_EXPORT uint32_t MESH_SendToMsg(uint32_t destination, const mesh_msg_desc* descriptors,
                                          uint32_t count, uint64_t extra) {
-  return send(destination, descriptors, count, extra);
+  return send(exportedFrame(), destination, descriptors, count, extra);
 }
 
 ZARNIMESH_EXPORT uint32_t MESH_RegIDLFuncHook(uint32_t msg_id, mesh_unpack_hook unpack,

@@ -72,12 +72,6 @@ void handOut(std::unique_ptr<Tables> tables, mesh_tables& out) {
   out.owner = tables.release();
 }
 
-// Where the frame of the exported function begins. It depends on the function's caller alone, not
-// on what the compiler inlines.
-[[gnu::always_inline]] inline const char* exportedFrame() {
-  return static_cast<const char*>(__builtin_dwarf_cfa());
-}
-
 // Holds a node's receiver during its own lifetime.
 class ReceiverHold {
  public:
@@ -294,10 +288,11 @@ ZARNIMESH_EXPORT int32_t mesh_node_descriptor(mesh_node* handle, uint32_t* pendi
 ZARNIMESH_EXPORT mesh_result mesh_node_send(mesh_node* handle, uint32_t destination,
                                             const mesh_msg_desc* descriptors, uint32_t count,
                                             uint64_t extra, int32_t timeout_ms) {
+  const char* const frame = exportedFrame();
   return guarded([&] {
     Node* const node = findNode(handle).get();
     return node == nullptr ? noSuchNode()
-                           : node->send(destination, descriptors, count, extra, timeout_ms);
+                           : node->send(frame, destination, descriptors, count, extra, timeout_ms);
   });
 }
 

@@ -1,6 +1,8 @@
 // Whether the calling thread is in a handler or a peer hook of this library.
 #pragma once
 
+#include <utility>
+
 namespace zarnimesh {
 
 // The stack frame that calls the thread's innermost handler; null for none. A handler that leaves
@@ -10,18 +12,18 @@ inline const char*& handlerFrame() {
   return frame;
 }
 
-// The stack grows downwards: what a handler calls has a lower frame than its caller.
-[[gnu::always_inline]] inline bool isInHandler() {
-  const char* const frame = handlerFrame();
-  return frame != nullptr && static_cast<const char*>(__builtin_frame_address(0)) < frame;
+// `frame`: where the stack frame of an exported function begins. The stack grows downwards: what a
+// handler calls has a lower frame than its caller.
+inline bool isInHandler(const char* frame) {
+  return frame < handlerFrame();
 }
 
 // Marks the thread while it runs handlers or peer hooks.
 class InHandler {
  public:
-  [[gnu::always_inline]] InHandler() : outer_(isInHandler() ? handlerFrame() : nullptr) {
-    handlerFrame() = static_cast<const char*>(__builtin_frame_address(0));
-  }
+  [[gnu::always_inline]] InHandler()
+      : outer_(
+            std::exchange(handlerFrame(), static_cast<const char*>(__builtin_frame_address(0)))) {}
   ~InHandler() { handlerFrame() = outer_; }
   InHandler(const InHandler&) = delete;
   InHandler& operator=(const InHandler&) = delete;

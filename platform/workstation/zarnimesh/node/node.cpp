@@ -23,6 +23,9 @@ mesh_result Node::open(const mesh_node_options& options) {
 }
 
 bool Node::takeReceiver(const char* frame) {
+  if (!isInHandler(frame)) {
+    handlerFrame() = nullptr;  // the handler was left
+  }
   const void* const thread = &handlerFrame();
   const char* holder = nullptr;
   if (receiverFrame_.compare_exchange_strong(holder, frame, std::memory_order_acquire)) {

@@ -40,14 +40,15 @@ class Node {
   // Adds what to wait for. Returns whether tend() may have something to do without that.
   bool addFiles(std::vector<pollfd>& files);
 
-  // A negative timeout stands for the node's options.
-  [[nodiscard]] mesh_result send(uint32_t destination, const mesh_msg_desc* descriptors,
-                                 uint32_t count, uint64_t extra, int32_t timeoutMs) {
+  // A negative timeout stands for the node's options. `frame`: as above.
+  [[nodiscard]] mesh_result send(const char* frame, uint32_t destination,
+                                 const mesh_msg_desc* descriptors, uint32_t count, uint64_t extra,
+                                 int32_t timeoutMs) {
     const std::chrono::milliseconds timeout(timeoutMs);
-    const Sender::Patience patience =
-        timeoutMs < 0
-            ? Sender::Patience{.connect = settings_.connectTimeout, .room = settings_.sendTimeout}
-            : Sender::Patience{.connect = timeout, .room = timeout};
+    const bool usual = timeoutMs < 0;
+    const Sender::Patience patience{.connect = usual ? settings_.connectTimeout : timeout,
+                                    .room = usual ? settings_.sendTimeout : timeout,
+                                    .frame = frame};
     return sender_.send(destination, descriptors, count, extra, patience);
   }
   Receiver& receiver() { return receiver_; }

@@ -158,7 +158,7 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
       wasPresent = present;
       if (!present) {
         deadline = std::min(now + patience.connect, end);
-      } else if (isInHandler() || patience.room.count() == 0) {
+      } else if (isInHandler(patience.frame) || patience.room.count() == 0) {
         deadline = now;
       } else {
         deadline = std::max(start + patience.room, now + settling);

@@ -28,7 +28,8 @@ class Sender {
   // How long a send waits at most.
   struct Patience {
     std::chrono::milliseconds connect;
-    std::chrono::milliseconds room;
+    std::chrono::milliseconds room;  // not in a handler
+    const char* frame;               // as isInHandler() needs it
   };
 
   // Sends one call and counts the result.
