@@ -49,7 +49,8 @@ class OpenNode {
   }
 
   operator mesh_node*() const { return node_; }
-  mesh_result close() { return mesh_node_close(std::exchange(node_, nullptr)); }
+  mesh_node* release() { return std::exchange(node_, nullptr); }
+  mesh_result close() { return mesh_node_close(release()); }
 
  private:
   mesh_node* node_;

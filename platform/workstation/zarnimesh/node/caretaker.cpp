@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -50,8 +51,12 @@ void Caretaker::run(const std::stop_token& stop) {
     // One system call tells for all nodes whether there is something to do.
     files.clear();
     behind.clear();
-    for (const std::shared_ptr<Node>& node : nodes_) {
-      behind.emplace_back(node, node->addFiles(files) || round % wholeRound == 0);
+    try {
+      for (const std::shared_ptr<Node>& node : nodes_) {
+        behind.emplace_back(node, node->addFiles(files) || round % wholeRound == 0);
+      }
+    } catch (const std::bad_alloc&) {
+      // The other nodes follow in a later round.
     }
     static_cast<void>(poll(files.data(), files.size(), 0));
     for (size_t i = 0; i < behind.size(); ++i) {
@@ -62,7 +67,11 @@ void Caretaker::run(const std::stop_token& stop) {
       if ((told || isBehind) && std::find(nodes_.begin(), nodes_.end(), node) != nodes_.end()) {
         current_ = node.get();
         lock.unlock();
-        node->tend();
+        try {
+          node->tend();
+        } catch (const std::bad_alloc&) {
+          // The rest follows in a later round.
+        }
         lock.lock();
         current_ = nullptr;
         changed_.notify_all();

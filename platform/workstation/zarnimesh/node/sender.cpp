@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "zarnimesh/node/in_handler.hpp"
@@ -99,7 +100,11 @@ mesh_result Sender::send(uint32_t destination, const mesh_msg_desc* descriptors,
   }
   Lock lock(mutex_);
   if (result == MESH_OK) {
-    result = sendLocked(lock, header, message, patience);
+    try {
+      result = sendLocked(lock, header, message, patience);
+    } catch (const std::bad_alloc&) {
+      result = fail(MESH_OUT_OF_MEMORY, "no memory for a call");
+    }
   }
   if (result == MESH_OK) {
     statistics_.sentCalls.add(1);
@@ -185,7 +190,12 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
 bool Sender::push(Destination& destination, FrameHeader header, MessagePart& message) {
   encodeHeader(header, message.data());
   behind_ = true;
-  return outgoing_.push(destination, message);
+  try {
+    return outgoing_.push(destination, message);
+  } catch (const std::bad_alloc&) {
+    // The peer hook is not told. ZeroMQ empties a message that it has taken.
+    return message.size() == 0;
+  }
 }
 
 void Sender::sync(Destination& destination, bool closing) {
@@ -221,9 +231,15 @@ void Sender::wait(Lock& lock, Clock::time_point until) {
   --waiting_;
 }
 
+// Does not throw: a call that has gone would count as failed, and a node would not close. What
+// found no memory follows with a later update.
 void Sender::update() {
   behind_ = false;
-  syncAll(outgoing_.update());
+  try {
+    syncAll(outgoing_.update());
+  } catch (const std::bad_alloc&) {
+    behind_ = true;
+  }
 }
 
 // A receiver connected or answered first. It may be a successor, and some calls may be lost.
