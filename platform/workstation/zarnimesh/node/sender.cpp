@@ -187,7 +187,7 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
   return fail(MESH_NOT_OPEN, "the node was closed during the call");
 }
 
-bool Sender::push(Destination& destination, FrameHeader header, MessagePart& message) {
+bool Sender::push(Destination& destination, const FrameHeader& header, MessagePart& message) {
   encodeHeader(header, message.data());
   behind_ = true;
   try {

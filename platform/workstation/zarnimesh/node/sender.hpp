@@ -65,7 +65,8 @@ class Sender {
   void wait(Lock& lock, Clock::time_point until);
   void update();
   void syncAll(const std::vector<Destination*>& destinations);
-  [[nodiscard]] bool push(Destination& destination, FrameHeader header, MessagePart& message);
+  [[nodiscard]] bool push(Destination& destination, const FrameHeader& header,
+                          MessagePart& message);
   void sync(Destination& destination, bool closing);
   // Returns the number of calls that are missing.
   [[nodiscard]] uint64_t waitForArrival(Lock& lock);
