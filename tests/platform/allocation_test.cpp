@@ -185,28 +185,55 @@ TEST_P(Allocation, OfAnOpenMayFail) {
 }
 
 TEST_P(Allocation, OfASendMayFail) {
+  for (const bool connected : {true, false}) {
+    bool failed = true;
+    for (int number = 1; failed; ++number) {
+      OpenNode sender = open(1, options());
+      const OpenNode receiver = open(2, options());
+      uint64_t sent = 0;
+      if (connected) {
+        ASSERT_EQ(sendTo(2, sender), MESH_OK);
+        ++sent;
+      }
+      uint64_t refused = 0;
+      {
+        const FailingAllocation failing(number);
+        for (int call = 0; call < 7; ++call) {
+          ++(sendTo(2, sender) == MESH_OK ? sent : refused);
+        }
+        failed = FailingAllocation::happened();
+      }
+      EXPECT_LE(refused, 1u) << number;
+      EXPECT_EQ(take(receiver, sent), sent) << number;
+      ASSERT_EQ(sendTo(2, sender), MESH_OK) << number << mesh_node_last_error();
+      EXPECT_EQ(take(receiver, 1), 1u) << number;
+      EXPECT_EQ(statisticsOf(sender).sent_calls, sent + 1);
+      EXPECT_EQ(statisticsOf(sender).failed_other, refused);
+      EXPECT_EQ(statisticsOf(receiver).lost_calls, 0u);
+      EXPECT_EQ(undeliveredAtClosing(sender), 0u);
+    }
+  }
+}
+
+// The memory of the unconfirmed calls grows.
+TEST_P(Allocation, OfALongQueueMayFail) {
+  mesh_node_options wide = options();
+  wide.send_queue_calls = 1024;
   bool failed = true;
   for (int number = 1; failed; ++number) {
-    OpenNode sender = open(1, options());
-    const OpenNode receiver = open(2, options());
-    ASSERT_EQ(sendTo(2, sender), MESH_OK);
-    uint64_t sent = 1;
-    uint64_t refused = 0;
+    OpenNode sender = open(1, wide);
+    const OpenNode receiver = open(2, wide);
+    uint64_t sent = 0;
     {
       const FailingAllocation failing(number);
-      for (int call = 0; call < 7; ++call) {
-        ++(sendTo(2, sender) == MESH_OK ? sent : refused);
+      for (int call = 0; call < 300; ++call) {
+        sent += sendTo(2, sender) == MESH_OK ? 1 : 0;
       }
       failed = FailingAllocation::happened();
     }
-    EXPECT_LE(refused, 1u) << number;
+    EXPECT_GE(sent, 299u) << number;
     EXPECT_EQ(take(receiver, sent), sent) << number;
-    ASSERT_EQ(sendTo(2, sender), MESH_OK) << number << mesh_node_last_error();
-    EXPECT_EQ(take(receiver, 1), 1u) << number;
-    EXPECT_EQ(statisticsOf(sender).sent_calls, sent + 1);
-    EXPECT_EQ(statisticsOf(sender).failed_other, refused);
-    EXPECT_EQ(statisticsOf(receiver).lost_calls, 0u);
-    EXPECT_EQ(undeliveredAtClosing(sender), 0u);
+    EXPECT_EQ(undeliveredAtClosing(sender), 0u) << number;
   }
 }
 
@@ -263,6 +290,23 @@ TEST_P(Allocation, OfACloseMayFail) {
     for (const uint32_t address : {1u, 2u}) {
       EXPECT_EQ(resultOfOpening(address, options()), MESH_OK) << number << mesh_node_last_error();
     }
+  }
+}
+
+// The receiver has closed before, and has not delivered all.
+TEST_P(Allocation, OfACloseThatCountsMayFail) {
+  bool failed = true;
+  for (int number = 1; failed; ++number) {
+    OpenNode sender = open(1, options());
+    OpenNode receiver = open(2, options());
+    for (int call = 0; call < 7; ++call) {
+      ASSERT_EQ(sendTo(2, sender), MESH_OK);
+    }
+    ASSERT_EQ(mesh_node_receive(receiver, 1000, nullptr, nullptr), 1);
+    ASSERT_EQ(receiver.close(), MESH_OK);
+    const FailingAllocation failing(number);
+    EXPECT_EQ(undeliveredAtClosing(sender), 6u) << number;
+    failed = FailingAllocation::happened();
   }
 }
 

@@ -120,8 +120,7 @@ class Destination {
 // Inline: every call needs them.
 
 inline void Destination::number(FrameHeader& call) {
-  // Fails, if at all, before anything has changed.
-  unconfirmed_.push_back(call.bytes);
+  unconfirmed_.push_back(call.bytes);  // first: it may find no memory
   call.kind = Kind::Call;
   call.sequence = numbered_ + 1;
   call.confirmed = settled_;

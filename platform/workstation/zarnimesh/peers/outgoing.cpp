@@ -1,8 +1,9 @@
 #include "zarnimesh/peers/outgoing.hpp"
 
-#include <cstdlib>
+#include <charconv>
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "zarnimesh/transport/address_lock.hpp"
@@ -24,12 +25,15 @@ constexpr int senderEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNEC
 // The longest endpoint that ZeroMQ names.
 constexpr size_t endpointSize = 256;
 
-unsigned long portOf(const std::string& endpoint) {
-  return std::strtoul(endpoint.c_str() + endpoint.rfind(':') + 1, nullptr, 10);
+uint16_t portOf(std::string_view endpoint) {
+  uint16_t port = 0;
+  std::from_chars(endpoint.data() + endpoint.rfind(':') + 1, endpoint.data() + endpoint.size(),
+                  port);
+  return port;
 }
 
 // As ZeroMQ's events name a tcp endpoint when they know the host's number.
-std::string resolvedEndpoint(const std::string& host, unsigned long port) {
+std::string resolvedEndpoint(const std::string& host, uint16_t port) {
   const bool bracketed = host.find(':') != std::string::npos;
   return (bracketed ? "tcp://[" + host + "]:" : "tcp://" + host + ":") + std::to_string(port);
 }
@@ -37,11 +41,12 @@ std::string resolvedEndpoint(const std::string& host, unsigned long port) {
 }  // namespace
 
 Destination& Outgoing::findOrAdd(uint32_t address) {
-  auto& found = destinations_[address];
-  if (found == nullptr) {
-    found = std::make_unique<Destination>(settings_, address);
+  auto found = destinations_.find(address);
+  if (found == destinations_.end()) {
+    auto added = std::make_unique<Destination>(settings_, address);
+    found = destinations_.emplace(address, std::move(added)).first;
   }
-  return *found;
+  return *found->second;
 }
 
 mesh_result Outgoing::connectAnew(Destination& destination) {
@@ -76,6 +81,7 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   // Routes are never used twice: ZeroMQ ends the process for a second connection of one name.
   const uint64_t route = ++latestRoute_;
   const auto ownName = routeName(route);
+  byRoute_.emplace(route, &destination);
   if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, {ownName.data(), ownName.size()}) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
       uninterrupted([&] { return zmq_connect(socket_.handle(), endpoint.c_str()); }) != 0) {
@@ -88,7 +94,6 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   }
   destination.link = {
       .route = route, .connectedTo = name, .generation = destination.link.generation};
-  byRoute_.emplace(route, &destination);
   if (inproc) {
     setLink(destination, true, false);
   }
@@ -171,7 +176,7 @@ void Outgoing::disconnect(Destination& destination) {
 
 void Outgoing::checkInproc(std::vector<Destination*>& connected) {
   const uint64_t version = InprocTable::instance().version();
-  if (std::exchange(inprocVersion_, version) == version) {
+  if (inprocVersion_ == version) {
     return;
   }
   for (const auto& [address, destination] : destinations_) {
@@ -188,6 +193,7 @@ void Outgoing::checkInproc(std::vector<Destination*>& connected) {
       connected.push_back(destination.get());
     }
   }
+  inprocVersion_ = version;
 }
 
 void Outgoing::takeStates() {
@@ -219,14 +225,16 @@ std::vector<Destination*> Outgoing::update() {
   restarted_.clear();
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     const bool succeeded = event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
+    const std::string_view name = event->endpoint();
     bool known = false;
     for (const auto& [address, destination] : destinations_) {
       Destination::Link& link = destination->link;
       const auto resolved = resolved_.find(address);
-      if (link.connectedTo == event->endpoint ||
-          (resolved != resolved_.end() && resolved->second == event->endpoint)) {
+      if (link.connectedTo == name || (resolved != resolved_.end() && resolved->second == name)) {
         known = true;
-        link.connectedTo = event->endpoint;
+        if (link.connectedTo != name) {
+          link.connectedTo = name;
+        }
         setLink(*destination, succeeded, false);
         if (link.present()) {
           connected.push_back(destination.get());
@@ -234,13 +242,13 @@ std::vector<Destination*> Outgoing::update() {
       }
     }
     if (succeeded && !known) {
-      askAt(portOf(event->endpoint), connected);
+      askAt(portOf(name), connected);
     }
   }
   return connected;
 }
 
-void Outgoing::askAt(unsigned long port, std::vector<Destination*>& asked) {
+void Outgoing::askAt(uint16_t port, std::vector<Destination*>& asked) {
   for (const auto& [address, destination] : destinations_) {
     const Endpoint& endpoint = destination->endpoint();
     Destination::Link& link = destination->link;

@@ -81,7 +81,7 @@ class Outgoing {
   Destination* takeState(uint64_t route, MessagePart& message);
   // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the
   // destinations at the port that never answered: an answer names its destination.
-  void askAt(unsigned long port, std::vector<Destination*>& asked);
+  void askAt(uint16_t port, std::vector<Destination*>& asked);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -17,7 +18,11 @@ class PeerEvents {
   void add(mesh_peer_change change, uint32_t address, uint64_t from = 0, uint64_t to = 0) {
     if (settings_.peerHook != nullptr) {
       const std::lock_guard lock(mutex_);
-      events_.push_back({.change = change, .address = address, .from = from, .to = to});
+      try {
+        events_.push_back({.change = change, .address = address, .from = from, .to = to});
+      } catch (const std::bad_alloc&) {
+        // The hook misses the change. Calls and counters go on.
+      }
     }
   }
 

@@ -64,8 +64,8 @@ std::optional<TransportEvent> nextEvent(Socket& watcher) {
     std::memcpy(&event.number, part.data(), sizeof event.number);
     std::memcpy(&event.value, part.data() + sizeof event.number, sizeof event.value);
   }
-  while (part.more() && takePart(part, watcher)) {
-    event.endpoint.assign(reinterpret_cast<const char*>(part.data()), part.size());
+  for (bool more = part.more(); more && takePart(event.name, watcher);) {
+    more = event.name.more();
   }
   return event;
 }

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -126,7 +125,11 @@ void stopWatching(Socket& watched, Socket& watcher);
 struct TransportEvent {
   uint16_t number = 0;
   uint32_t value = 0;  // a file descriptor or an error number
-  std::string endpoint;
+  MessagePart name;    // of the endpoint. A copy could find no memory, and the event would be lost
+
+  std::string_view endpoint() const {
+    return {reinterpret_cast<const char*>(name.data()), name.size()};
+  }
 };
 
 // Takes one event if there is one. Does not wait.
