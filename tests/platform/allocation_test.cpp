@@ -237,6 +237,44 @@ TEST_P(Allocation, OfALongQueueMayFail) {
   }
 }
 
+TEST_P(Allocation, OfAReceiveMayFail) {
+  for (const bool connected : {true, false}) {
+    bool failed = true;
+    for (int number = 1; failed; ++number) {
+      OpenNode sender = open(1, options());
+      const OpenNode receiver = open(2, options());
+      uint64_t sent = 7;
+      uint64_t delivered = 0;
+      if (connected) {
+        ASSERT_EQ(sendTo(2, sender), MESH_OK);
+        ++sent;
+        ASSERT_EQ(take(receiver, 1), 1u);
+        ++delivered;
+      }
+      std::thread sending([&] {
+        for (int call = 0; call < 7; ++call) {
+          EXPECT_EQ(sendTo(2, sender), MESH_OK);
+        }
+      });
+      {
+        const FailingAllocation failing(number);
+        for (int call = 0; call < 7; ++call) {
+          const int64_t taken = mesh_node_receive(receiver, 20, nullptr, nullptr);
+          EXPECT_TRUE(taken >= 0 || taken == -MESH_OUT_OF_MEMORY) << mesh_node_last_error();
+          delivered += static_cast<uint64_t>(std::max<int64_t>(taken, 0));
+        }
+        failed = FailingAllocation::happened();
+      }
+      sending.join();
+      delivered += take(receiver, 0);
+      const uint64_t undelivered = undeliveredAtClosing(sender);
+      EXPECT_EQ(delivered + undelivered, sent) << number;
+      const mesh_node_statistics counters = statisticsOf(receiver);
+      EXPECT_EQ(delivered + counters.lost_calls + counters.missed_before_first, sent) << number;
+    }
+  }
+}
+
 // A thread waits for room meanwhile.
 TEST_P(Allocation, OfAWaitMayFail) {
   bool failed = true;
@@ -314,20 +352,25 @@ TEST_P(Allocation, OfACloseThatCountsMayFail) {
 TEST_P(Allocation, OfTheLibrarysThreadMayFail) {
   bool failed = true;
   for (int number = 1; failed; ++number) {
-    const OpenNode sender = open(1, options());
+    OpenNode sender = open(1, options());
     const OpenNode receiver = open(2, options());
-    ASSERT_EQ(sendTo(2, sender), MESH_OK);
-    ASSERT_EQ(take(receiver, 1), 1u);
+    uint64_t sent = 0;
     {
       const FailingAllocation failing(number, Threads::Others);
       OpenNode other = open(3, options());
-      static_cast<void>(sendTo(2, other));
+      for (mesh_node* const each :
+           {static_cast<mesh_node*>(sender), static_cast<mesh_node*>(other)}) {
+        for (int call = 0; call < 3; ++call) {
+          ASSERT_EQ(sendTo(2, each), MESH_OK);
+          ++sent;
+        }
+      }
       std::this_thread::sleep_for(milliseconds(60));
-      static_cast<void>(undeliveredAtClosing(other));
+      sent -= undeliveredAtClosing(other);
       failed = FailingAllocation::happened();
     }
-    ASSERT_EQ(sendTo(2, sender), MESH_OK) << number;
-    EXPECT_GE(take(receiver, 1), 1u) << number;
+    const uint64_t delivered = take(receiver, 0);
+    EXPECT_EQ(delivered + undeliveredAtClosing(sender), sent) << number;
   }
 }
 

@@ -1,7 +1,5 @@
 #include "zarnimesh/node/node.hpp"
 
-#include <new>
-
 #include "zarnimesh/node/in_handler.hpp"
 #include "zarnimesh/transport/descriptors.hpp"
 
@@ -53,11 +51,7 @@ uint64_t Node::close(mesh_node_statistics& last) {
   // for the sender's last messages.
   uint64_t undelivered = 0;
   const uint64_t missing = sender_.close(undelivered);
-  try {
-    receiver_.close();
-  } catch (const std::bad_alloc&) {
-    receiver_.close();  // goes on with the rest
-  }
+  receiver_.close();
   last = statistics_.read();
   last.undelivered_calls = undelivered;
   return missing;

@@ -108,8 +108,10 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
     static thread_local std::vector<pollfd> files;
     files.clear();
     for (Receiver* const receiver : receivers) {
-      wait = std::min(wait, receiver->beginWait());
       files.push_back({.fd = receiver->file(), .events = POLLIN, .revents = 0});
+    }
+    for (Receiver* const receiver : receivers) {
+      wait = std::min(wait, receiver->beginWait());
     }
     const int ready = over ? 0 : poll(files.data(), files.size(), wait);
     const bool interrupted = ready < 0 && errno == EINTR;

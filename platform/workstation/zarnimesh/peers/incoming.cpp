@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -174,8 +175,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
     sources_.prune([this](Source& each) { return !tell(each); });
     peerEvents_.add(sources_.hasOpen(header.source) ? MESH_PEER_RESTARTED : MESH_PEER_UP,
                     header.source);
-    source = &sources_.add(header.source, header.incarnation);
-    source->route = route;
+    source = &sources_.add(header.source, header.incarnation, route);
     const uint64_t missed = Sources::noteFirst(*source, header);
     source->gapPending = missed > 0;
     statistics_.missedBeforeFirst.add(missed);
@@ -185,6 +185,9 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
   } else if (header.kind == Kind::Call && isBeyondCredit(*source, settings_)) {
     return nullptr;
   } else {
+    if (!isConnected) {
+      sources_.connect(*source, route);
+    }
     const uint64_t highest = source->highest;
     const Sources::Finding finding = Sources::note(*source, header);
     if (finding.lost > 0) {
@@ -204,9 +207,6 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
       source->gapPending = source->missedBeforeFirst + source->missing > 0;
     }
   }
-  if (!isConnected) {
-    sources_.connect(*source, route);
-  }
   source->heardAt = now_;
   if (isNew) {
     tell(*source);
@@ -225,9 +225,14 @@ void Incoming::noteDelivered(const IncomingCall& call) {
 }
 
 void Incoming::toldLater(Source& source) {
-  if (!source.toBeTold) {
-    source.toBeTold = true;
+  if (source.toBeTold) {
+    return;
+  }
+  try {
     toBeTold_.push_back(&source);
+    source.toBeTold = true;
+  } catch (const std::bad_alloc&) {
+    tell(source);
   }
 }
 
@@ -269,13 +274,19 @@ bool Incoming::tell(Source& source) {
 
 void Incoming::tend() {
   now_ = roughlyNow();
-  bool isCall = false;
-  IncomingCall call;
   int taken = 0;
-  for (; taken < mostAtOnce && takeMessage(call, isCall); ++taken) {
-    if (isCall) {
-      waiting_.push_back(std::move(call));
-      call = {};
+  for (bool more = true; taken < mostAtOnce && more; ++taken) {
+    // It has its place before it is taken: later there might be no memory.
+    waiting_.emplace_back();
+    bool isCall = false;
+    try {
+      more = takeMessage(waiting_.back(), isCall);
+    } catch (const std::bad_alloc&) {
+      waiting_.pop_back();
+      throw;
+    }
+    if (!isCall) {
+      waiting_.pop_back();
     }
   }
   if (taken < mostAtOnce) {
@@ -313,7 +324,11 @@ void Incoming::close() {
   if (!listener_.isOpen()) {
     return;
   }
-  tend();
+  try {
+    tend();
+  } catch (const std::bad_alloc&) {
+    // The senders count what was not taken.
+  }
   for (auto& [key, source] : sources_) {
     const bool gone = !tell(source) || source.closed;
     // The others count on their own: they know what this node has not confirmed.

@@ -1,6 +1,7 @@
 #include "zarnimesh/peers/sources.hpp"
 
 #include <algorithm>
+#include <new>
 
 namespace zarnimesh {
 namespace {
@@ -39,10 +40,17 @@ bool Sources::hasOpen(uint32_t address) const {
   });
 }
 
-Source& Sources::add(uint32_t address, uint64_t incarnation) {
+Source& Sources::add(uint32_t address, uint64_t incarnation, uint64_t route) {
   Source& source = sources_[{address, incarnation}];
   source.address = address;
   source.incarnation = incarnation;
+  source.route = route;
+  try {
+    connect(source, route);
+  } catch (const std::bad_alloc&) {
+    sources_.erase({address, incarnation});
+    throw;
+  }
   return source;
 }
 
@@ -76,6 +84,7 @@ Sources::Finding Sources::note(Source& source, const FrameHeader& header) {
     return finding;
   }
   if (before > source.highest) {
+    source.gaps.reserve(mostGaps);  // first: it may find no memory
     finding.lost = before - source.highest;
     source.missing += finding.lost;
     source.gapPending = true;

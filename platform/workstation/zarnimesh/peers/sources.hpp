@@ -64,7 +64,7 @@ class Sources {
   // Null when there is none.
   Source* find(uint32_t address, uint64_t incarnation);
   bool hasOpen(uint32_t address) const;  // in any incarnation that has not closed
-  Source& add(uint32_t address, uint64_t incarnation);
+  Source& add(uint32_t address, uint64_t incarnation, uint64_t route);
 
   // A connection serves one sender only: otherwise a peer could make up any number of them.
   bool mayUse(uint64_t route, const Source* source) const {
