@@ -168,7 +168,6 @@ class Allocation : public NodeFixture, public ::testing::WithParamInterface<mesh
 INSTANTIATE_TEST_SUITE_P(Transports, Allocation, bothTransports, transportName);
 
 TEST_P(Allocation, OfAnOpenMayFail) {
-  const OpenNode other = open(4, options());
   bool failed = true;
   for (int number = 1; failed; ++number) {
     {
@@ -306,7 +305,6 @@ TEST_P(Allocation, OfAWaitMayFail) {
 }
 
 TEST_P(Allocation, OfACloseMayFail) {
-  const OpenNode other = open(4, options());
   bool failed = true;
   for (int number = 1; failed; ++number) {
     OpenNode sender = open(1, options());

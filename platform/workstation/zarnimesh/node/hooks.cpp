@@ -47,12 +47,16 @@ void registerCleanHook(mesh_clean_hook clean) {
 }
 
 void callCleanHooks() {
-  std::vector<mesh_clean_hook> list;
-  {
-    const std::shared_lock lock(hooks().mutex);
-    list = hooks().clean;
-  }
-  for (const mesh_clean_hook clean : list) {
+  // Without a copy of the list, which might find no memory.
+  for (size_t i = 0;; ++i) {
+    mesh_clean_hook clean = nullptr;
+    {
+      const std::shared_lock lock(hooks().mutex);
+      if (i == hooks().clean.size()) {
+        return;
+      }
+      clean = hooks().clean[i];
+    }
     clean();
   }
 }

@@ -20,13 +20,14 @@ std::shared_ptr<Context> Context::shared(int ioThreads) {
   if (auto context = current.lock()) {
     return context;
   }
-  void* handle = zmq_ctx_new();
+  std::unique_ptr<void, int (*)(void*)> handle(zmq_ctx_new(), &zmq_ctx_term);
   if (handle == nullptr) {
     return nullptr;
   }
-  auto context = std::make_shared<Context>(handle);
-  if (zmq_ctx_set(handle, ZMQ_MAX_SOCKETS, maxSockets) != 0 ||
-      zmq_ctx_set(handle, ZMQ_IO_THREADS, ioThreads) != 0) {
+  auto context = std::make_shared<Context>(handle.get());
+  static_cast<void>(handle.release());
+  if (zmq_ctx_set(context->handle(), ZMQ_MAX_SOCKETS, maxSockets) != 0 ||
+      zmq_ctx_set(context->handle(), ZMQ_IO_THREADS, ioThreads) != 0) {
     return nullptr;
   }
   current = context;
