@@ -204,7 +204,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
         header.extra < source->missedBeforeFirst) {
       statistics_.missedBeforeFirst.subtract(source->missedBeforeFirst - header.extra);
       source->missedBeforeFirst = header.extra;
-      source->gapPending = source->missedBeforeFirst + source->missing > 0;
+      source->gapPending = source->gapPending && source->missedBeforeFirst + source->missing > 0;
     }
   }
   source->heardAt = now_;
