@@ -253,7 +253,7 @@ void Outgoing::askAt(uint16_t port, std::vector<Destination*>& asked) {
     const Endpoint& endpoint = destination->endpoint();
     Destination::Link& link = destination->link;
     if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == port && link.route != 0 &&
-        !link.present() && !resolved_.contains(address)) {
+        !link.present()) {
       setLink(*destination, true, true);
       link.asked.reset();
       asked.push_back(destination.get());

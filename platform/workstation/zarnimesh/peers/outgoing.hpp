@@ -79,8 +79,8 @@ class Outgoing {
   void takeStates();
   // Returns the destination if another node answered there before.
   Destination* takeState(uint64_t route, MessagePart& message);
-  // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the
-  // destinations at the port that never answered: an answer names its destination.
+  // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the absent
+  // destinations at the port: an answer names its destination.
   void askAt(uint16_t port, std::vector<Destination*>& asked);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
