@@ -274,6 +274,8 @@ bool Incoming::tell(Source& source) {
 
 void Incoming::tend() {
   now_ = roughlyNow();
+  // First: sending takes the announcement of a message that has just arrived.
+  tellAll();
   int taken = 0;
   for (bool more = true; taken < mostAtOnce && more; ++taken) {
     // It has its place before it is taken: later there might be no memory.
