@@ -20,7 +20,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=5 transport_seconds=0.15
+runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=9 transport_seconds=0.1
 operations=true document=false python_alone=false
 while [[ ${1:-} == --* ]]; do
   case $1 in

@@ -32,6 +32,7 @@ class NodeParty : public Party {
       : setup_(setup), records_(makeRecords(setup.records)) {
     mesh_node_options options;
     mesh_node_options_default(&options);
+    options.linger_ms = 20'000;  // a thousand nodes close at once
     options.runtime_directory = setup.directory.c_str();
     // The tcp endpoints of both.
     std::string book;

@@ -691,6 +691,7 @@ class ResolvedPeers : public Peers, public ::testing::WithParamInterface<bool> {
     events_.hear(options);
     options.address_book = sendersBook_.c_str();
     options.connect_timeout_ms = 10'000;
+    options.heartbeat_ms = 0;  // nothing else finds them
     sender_ = open(1, options);
     EXPECT_EQ(mesh_node_attach(sender_), MESH_OK);
     // Nobody receives there.
@@ -712,7 +713,6 @@ class ResolvedPeers : public Peers, public ::testing::WithParamInterface<bool> {
     return mesh_node_send(sender_, destination, &empty, 1, 0, 0);
   }
 
-  // Long before heartbeats tell.
   void awaitConnected(uint32_t connected) {
     const auto start = steady_clock::now();
     while (peerOf(sender_, 2).connected != connected && since(start) < milliseconds(10'000)) {

@@ -22,8 +22,7 @@ inline bool isInHandler(const char* frame) {
 class InHandler {
  public:
   [[gnu::always_inline]] InHandler()
-      : outer_(
-            std::exchange(handlerFrame(), static_cast<const char*>(__builtin_frame_address(0)))) {}
+      : outer_(std::exchange(handlerFrame(), static_cast<const char*>(__builtin_dwarf_cfa()))) {}
   ~InHandler() { handlerFrame() = outer_; }
   InHandler(const InHandler&) = delete;
   InHandler& operator=(const InHandler&) = delete;

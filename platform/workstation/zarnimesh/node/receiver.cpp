@@ -72,10 +72,14 @@ int Receiver::beginWait() {
   return incoming_.longestWait();
 }
 
-mesh_result Receiver::endWait(bool idle) {
+void Receiver::endWait() {
   const Lock lock(mutex_);
   waiting_ = false;
-  return idle ? incoming_.idle() : MESH_OK;
+}
+
+mesh_result Receiver::idle() {
+  const Lock lock(mutex_);
+  return incoming_.idle();
 }
 
 int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
@@ -117,7 +121,10 @@ int64_t receiveAny(std::span<Receiver* const> receivers, int32_t timeoutMs,
     const bool interrupted = ready < 0 && errno == EINTR;
     mesh_result result = MESH_OK;
     for (Receiver* const receiver : receivers) {
-      const mesh_result each = receiver->endWait(ready == 0);
+      receiver->endWait();
+    }
+    for (size_t i = 0; ready == 0 && i < receivers.size(); ++i) {
+      const mesh_result each = receivers[i]->idle();
       result = each != MESH_OK ? each : result;
     }
     if (result != MESH_OK || over || interrupted) {

@@ -40,8 +40,9 @@ class Receiver {
 
   // The thread waits until file() is readable. Returns for how many milliseconds at most.
   [[nodiscard]] int beginWait();
-  // `idle`: nothing arrived.
-  [[nodiscard]] mesh_result endWait(bool idle);
+  void endWait();
+  // Nothing has arrived.
+  [[nodiscard]] mesh_result idle();
 
   // Takes and answers what arrived, if no thread receives.
   void tend();

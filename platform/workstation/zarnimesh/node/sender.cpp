@@ -126,9 +126,8 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
   Clock::time_point deadline{};
   while (!closing_) {
     if (destination.endpoint().transport == Transport::Inproc) {
-      std::vector<Destination*> connected;
-      outgoing_.checkInproc(connected);
-      syncAll(connected);
+      outgoing_.checkInproc();
+      syncAll();
     }
     if (const mesh_result result = outgoing_.connect(destination); result != MESH_OK) {
       return result;
@@ -193,8 +192,8 @@ bool Sender::push(Destination& destination, const FrameHeader& header, MessagePa
   try {
     return outgoing_.push(destination, message);
   } catch (const std::bad_alloc&) {
-    // The peer hook is not told. ZeroMQ empties a message that it has taken.
-    return message.size() == 0;
+    // Disconnecting found no memory. The next push repeats it.
+    return false;
   }
 }
 
@@ -204,9 +203,10 @@ void Sender::sync(Destination& destination, bool closing) {
   header.destination = destination.address();
   header.incarnation = incarnation_;
   MessagePart message;
-  // A lost Sync is repeated.
   if (message.allocate(headerSize)) {
     static_cast<void>(push(destination, header, message));
+  } else {
+    outgoing_.setToSync(destination);
   }
 }
 
@@ -236,16 +236,22 @@ void Sender::wait(Lock& lock, Clock::time_point until) {
 void Sender::update() {
   behind_ = false;
   try {
-    syncAll(outgoing_.update());
+    outgoing_.update();
   } catch (const std::bad_alloc&) {
     behind_ = true;
   }
+  syncAll();
 }
 
-// A receiver connected or answered first. It may be a successor, and some calls may be lost.
-void Sender::syncAll(const std::vector<Destination*>& destinations) {
-  for (Destination* const destination : destinations) {
-    if (destination->sent() > 0) {
+// A receiver connected or answered first, or was not heard for long. It may be a successor, and
+// some calls may be lost. One that is silent may never have got a call.
+void Sender::syncAll() {
+  if (!outgoing_.takeToSync()) {
+    return;
+  }
+  for (const auto& [address, destination] : outgoing_.destinations()) {
+    if (std::exchange(destination->link.toSync, false) && destination->link.connected &&
+        (destination->sent() > 0 || destination->link.silent)) {
       sync(*destination, closing_);
     }
   }
@@ -255,9 +261,8 @@ void Sender::tend() {
   const Lock lock(mutex_, std::try_to_lock);
   if (lock && !closing_) {
     update();
-    for (Destination* const destination : outgoing_.unheard()) {
-      sync(*destination, false);
-    }
+    outgoing_.askUnheard();
+    syncAll();
     if (waiting_ > 0) {
       changed_.notify_all();
     }

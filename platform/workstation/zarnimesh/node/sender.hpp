@@ -64,7 +64,7 @@ class Sender {
   // Waits until something may have changed, and updates.
   void wait(Lock& lock, Clock::time_point until);
   void update();
-  void syncAll(const std::vector<Destination*>& destinations);
+  void syncAll();
   [[nodiscard]] bool push(Destination& destination, const FrameHeader& header,
                           MessagePart& message);
   void sync(Destination& destination, bool closing);

@@ -73,11 +73,13 @@ class Destination {
   // Kept by Outgoing.
   struct Link {
     uint64_t route = 0;       // ZeroMQ's name of the connection; 0 before the first
-    std::string connectedTo;  // as ZeroMQ's events name the endpoint
+    std::string name{};       // as ZeroMQ's events name the endpoint
+    std::string resolved{};   // as they name this connection, if that differs
     uint64_t generation = 0;  // inproc: of the connected receiver
     bool connected = false;   // as far as ZeroMQ's events tell
     bool silent = false;      // connected, but does not answer
     std::optional<Clock::time_point> asked{};  // since the receiver was heard last
+    bool toSync = false;                       // a Sync is to be sent
 
     bool present() const { return connected && !silent; }
   } link;

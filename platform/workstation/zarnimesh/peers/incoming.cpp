@@ -265,6 +265,7 @@ bool Incoming::tell(Source& source) {
   encodeStateBody({.first = source.first, .missingAhead = source.missingAhead()},
                   message.data() + headerSize);
   handOver(message);
+  drained_ = false;  // sending may take the announcement of a message that has just arrived
   if (!sendTo(source.route, message, listener_.socket())) {
     return zmq_errno() != EHOSTUNREACH;
   }
@@ -274,7 +275,6 @@ bool Incoming::tell(Source& source) {
 
 void Incoming::tend() {
   now_ = roughlyNow();
-  // First: sending takes the announcement of a message that has just arrived.
   tellAll();
   int taken = 0;
   for (bool more = true; taken < mostAtOnce && more; ++taken) {

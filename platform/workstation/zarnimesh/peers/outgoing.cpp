@@ -32,12 +32,6 @@ uint16_t portOf(std::string_view endpoint) {
   return port;
 }
 
-// As ZeroMQ's events name a tcp endpoint when they know the host's number.
-std::string resolvedEndpoint(const std::string& host, uint16_t port) {
-  const bool bracketed = host.find(':') != std::string::npos;
-  return (bracketed ? "tcp://[" + host + "]:" : "tcp://" + host + ":") + std::to_string(port);
-}
-
 }  // namespace
 
 Destination& Outgoing::findOrAdd(uint32_t address) {
@@ -81,19 +75,21 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   // Routes are never used twice: ZeroMQ ends the process for a second connection of one name.
   const uint64_t route = ++latestRoute_;
   const auto ownName = routeName(route);
+  std::string name(endpointSize, '\0');
+  size_t length = name.size();
   byRoute_.emplace(route, &destination);
   if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, {ownName.data(), ownName.size()}) ||
       !socket_.set(ZMQ_IPV6, endpoint.starts_with("tcp://[") ? 1 : 0) ||
-      uninterrupted([&] { return zmq_connect(socket_.handle(), endpoint.c_str()); }) != 0) {
+      uninterrupted([&] { return zmq_connect(socket_.handle(), endpoint.c_str()); }) != 0 ||
+      zmq_getsockopt(socket_.handle(), ZMQ_LAST_ENDPOINT, name.data(), &length) != 0) {
+    byRoute_.erase(route);
     return failFromTransport(endpoint.c_str());
   }
-  char name[endpointSize] = {};
-  size_t length = sizeof name;
-  if (zmq_getsockopt(socket_.handle(), ZMQ_LAST_ENDPOINT, name, &length) != 0) {
-    return failFromTransport(endpoint.c_str());
-  }
-  destination.link = {
-      .route = route, .connectedTo = name, .generation = destination.link.generation};
+  name.resize(std::strlen(name.c_str()));
+  destination.link = {.route = route,
+                      .name = std::move(name),
+                      .generation = destination.link.generation,
+                      .toSync = destination.link.toSync};
   if (inproc) {
     setLink(destination, true, false);
   }
@@ -171,10 +167,15 @@ void Outgoing::disconnect(Destination& destination) {
   takeStates();
   setLink(destination, false, false);
   byRoute_.erase(destination.link.route);
-  destination.link = {};
+  destination.link = {.toSync = destination.link.toSync};
 }
 
-void Outgoing::checkInproc(std::vector<Destination*>& connected) {
+void Outgoing::setToSync(Destination& destination) {
+  destination.link.toSync = true;
+  hasToSync_ = true;
+}
+
+void Outgoing::checkInproc() {
   const uint64_t version = InprocTable::instance().version();
   if (inprocVersion_ == version) {
     return;
@@ -190,7 +191,7 @@ void Outgoing::checkInproc(std::vector<Destination*>& connected) {
     }
     if (destination->link.route == 0 && destination->unconfirmed() > 0 &&
         connect(*destination) == MESH_OK && destination->link.present()) {
-      connected.push_back(destination.get());
+      setToSync(*destination);
     }
   }
   inprocVersion_ = version;
@@ -207,65 +208,58 @@ void Outgoing::takeStates() {
     while (takePart(message, socket_) && message.more()) {
     }
     if (const auto number = readRoute(route.bytes())) {
-      if (Destination* const destination = takeState(*number, message)) {
-        restarted_.push_back(destination);
-      }
+      takeState(*number, message);
     }
   }
 }
 
-std::vector<Destination*> Outgoing::update() {
-  std::vector<Destination*> connected;
+void Outgoing::update() {
   if (!socket_) {
-    return connected;
+    return;
   }
   takeStates();
-  checkInproc(connected);
-  connected.insert(connected.begin(), restarted_.begin(), restarted_.end());
-  restarted_.clear();
+  checkInproc();
   while (const auto event = events_ ? nextEvent(events_) : std::nullopt) {
     const bool succeeded = event->number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED;
     const std::string_view name = event->endpoint();
     bool known = false;
     for (const auto& [address, destination] : destinations_) {
       Destination::Link& link = destination->link;
-      const auto resolved = resolved_.find(address);
-      if (link.connectedTo == name || (resolved != resolved_.end() && resolved->second == name)) {
-        known = true;
-        if (link.connectedTo != name) {
-          link.connectedTo = name;
-        }
-        setLink(*destination, succeeded, false);
-        if (link.present()) {
-          connected.push_back(destination.get());
-        }
+      if (link.name != name && link.resolved != name) {
+        continue;
+      }
+      known = true;
+      setLink(*destination, succeeded, false);
+      if (succeeded) {
+        setToSync(*destination);
+      } else {
+        link.resolved.clear();
       }
     }
     if (succeeded && !known) {
-      askAt(portOf(name), connected);
+      askAt(name);
     }
   }
-  return connected;
 }
 
-void Outgoing::askAt(uint16_t port, std::vector<Destination*>& asked) {
+void Outgoing::askAt(std::string_view name) {
   for (const auto& [address, destination] : destinations_) {
     const Endpoint& endpoint = destination->endpoint();
     Destination::Link& link = destination->link;
-    if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == port && link.route != 0 &&
-        !link.present()) {
+    if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == portOf(name) &&
+        link.route != 0 && !link.present()) {
+      link.resolved = name;
       setLink(*destination, true, true);
       link.asked.reset();
-      asked.push_back(destination.get());
+      setToSync(*destination);
     }
   }
 }
 
-std::vector<Destination*> Outgoing::unheard() {
-  std::vector<Destination*> quiet;
+void Outgoing::askUnheard() {
   const auto now = Destination::Clock::now();
   if (settings_.heartbeat.count() == 0 || now < nextBeat_) {
-    return quiet;
+    return;
   }
   nextBeat_ = now + settings_.heartbeat / 4;
   for (const auto& [address, destination] : destinations_) {
@@ -275,12 +269,13 @@ std::vector<Destination*> Outgoing::unheard() {
     }
     if (!link.asked && now - destination->heardAt() > settings_.heartbeat) {
       link.asked = now;
-      quiet.push_back(destination.get());
+      setToSync(*destination);
     } else if (link.asked && now - *link.asked > 2 * settings_.heartbeat) {
       setLink(*destination, true, true);
+      link.asked = now;
+      setToSync(*destination);
     }
   }
-  return quiet;
 }
 
 void Outgoing::setLink(Destination& destination, bool connected, bool silent) {
@@ -303,31 +298,26 @@ void Outgoing::tellWater(Destination& destination) {
   }
 }
 
-Destination* Outgoing::takeState(uint64_t route, MessagePart& message) {
+void Outgoing::takeState(uint64_t route, MessagePart& message) {
   const auto found = byRoute_.find(route);
   takeOver(message);
   const std::optional<FrameHeader> state = decodeHeader(message.bytes());
   if (found == byRoute_.end() || !state || state->kind != Kind::State ||
       message.size() != stateSize) {
-    return nullptr;
+    return;
   }
   const StateBody body = decodeStateBody(message.data() + headerSize);
   if (body.first == 0) {
-    return nullptr;
+    return;
   }
   Destination& destination = *found->second;
   const bool restarted = destination.note(*state, body);
   setLink(destination, destination.link.connected, false);
-  const Endpoint& endpoint = destination.endpoint();
-  if (const char* const host = zmq_msg_gets(message.raw(), "Peer-Address");
-      host != nullptr && endpoint.transport == Transport::Tcp) {
-    resolved_[destination.address()] = resolvedEndpoint(host, portOf(endpoint.rest));
-  }
   if (restarted) {
     peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
+    setToSync(destination);
   }
   tellWater(destination);
-  return restarted ? &destination : nullptr;
 }
 
 bool Outgoing::mayBePresent(const Destination& destination) {

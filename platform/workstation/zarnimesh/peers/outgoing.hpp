@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -47,17 +48,23 @@ class Outgoing {
   // unchanged. The destination must be connected.
   [[nodiscard]] bool push(Destination& destination, MessagePart& message);
 
-  // Takes what receivers and ZeroMQ told since the last call. Returns the destinations that were
-  // connected, or at which a new receiver answered.
-  std::vector<Destination*> update();
+  // Takes what receivers and ZeroMQ told since the last call. Destinations that were connected, or
+  // at which a new receiver answered, are to be sent a Sync.
+  void update();
 
-  // Returns the receivers that were not heard for the time of a heartbeat, to be asked. Those that
-  // did not answer for two more count as gone, until they answer. Over inproc nobody is asked.
-  std::vector<Destination*> unheard();
+  // Receivers that were not heard for the time of a heartbeat are to be sent a Sync. Those that did
+  // not answer for two more count as gone until they answer, and are asked again. Over inproc
+  // nobody is asked.
+  void askUnheard();
+
+  // A Sync is to be sent. Takes no memory.
+  void setToSync(Destination& destination);
+  // Whether that was called since the last time.
+  bool takeToSync() { return std::exchange(hasToSync_, false); }
 
   // Over inproc ZeroMQ tells nothing: looks for receivers that ended, and connects to successors of
   // those that left calls unconfirmed. Costs nothing if no receiver came or went.
-  void checkInproc(std::vector<Destination*>& connected);
+  void checkInproc();
 
   // What poll() has to wait for. update() must be called first: ZeroMQ announces only what comes
   // later.
@@ -77,11 +84,11 @@ class Outgoing {
   [[nodiscard]] mesh_result openEvents();
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
   void takeStates();
-  // Returns the destination if another node answered there before.
-  Destination* takeState(uint64_t route, MessagePart& message);
-  // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the absent
-  // destinations at the port: an answer names its destination.
-  void askAt(uint16_t port, std::vector<Destination*>& asked);
+  void takeState(uint64_t route, MessagePart& message);
+  // A tcp connection succeeded whose name is not a destination's: a connection after the first has
+  // the number of the host in its name. Asks the absent destinations at the port: the right one
+  // answers.
+  void askAt(std::string_view name);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
@@ -99,10 +106,7 @@ class Outgoing {
   Destinations destinations_;                  // never removed
   Destination* latest_ = nullptr;              // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
-  std::vector<Destination*> restarted_;  // at which a new receiver answered, for update() to return
-  // By address, tcp: the endpoint of the latest answer. Events name a destination's first
-  // connection as the address book does. Those of later ones have the number of its host.
-  std::unordered_map<uint32_t, std::string> resolved_;
+  bool hasToSync_ = false;
 };
 
 }  // namespace zarnimesh

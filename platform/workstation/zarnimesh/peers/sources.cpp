@@ -23,7 +23,7 @@ bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
   if (rest.from <= rest.to) {
     if (empty) {
       *gap = rest;
-    } else {
+    } else if (gaps.size() < mostGaps) {
       gaps.insert(gap + 1, rest);
     }
   } else if (empty) {
