@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Builds, measures what every operation costs beside a plain copy of the record and beside other
 # serialisation libraries, and what the workstation's middleware costs beside raw ZeroMQ. Prints the
-# tables. Takes about seven minutes on a quiet machine.
+# tables. Takes about eight minutes on a quiet machine.
 #
 #   ./bench.sh [--quick] [--transport | --python] [--document] [FILTER]
 #
 #   --quick      a minute or two, good for a first look and not for conclusions
-#   --transport  only the middleware, two minutes
+#   --transport  only the middleware, three minutes
 #   --python     only the Python package, beside python3-protobuf and python3-msgpack, two minutes
 #   --document   also writes the plots in docs/ and the results of docs/transport-performance.md
 #   FILTER       a regular expression over the names of the operations' cases,

@@ -287,6 +287,22 @@ TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u) << "call 2 was late";
 }
 
+TEST_F(Node, RemembersSomeGapsOfASender) {
+  const OpenNode node = open(ownNode);
+  RawSender sender(endpoint());
+  sender.sendNote(header(1), "a");
+  sender.sendNote(header(2000), "b");
+  // Each is in the middle of the latest gap, and makes two of it.
+  constexpr size_t late = 40;
+  for (uint64_t call = 1; call <= late; ++call) {
+    sender.sendNote(header(10 * call), "c");
+  }
+  EXPECT_EQ(receiveNotes(node, 2 + late).size(), 2 + late);
+  constexpr uint64_t remembered = 32;
+  EXPECT_EQ(statisticsOf(node).lost_calls, 1998u - remembered);
+  EXPECT_EQ(statisticsOf(node).duplicate_calls, late - remembered) << "of a forgotten gap";
+}
+
 TEST_F(Node, DropsCallsThatClaimImpossibleLosses) {
   const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
