@@ -1,7 +1,6 @@
 // Keeps the library's thread from looking after nodes: a node's peer hook waits.
 #pragma once
 
-#include <chrono>
 #include <future>
 
 #include "support/node_fixture.hpp"
