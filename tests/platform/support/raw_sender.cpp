@@ -87,6 +87,8 @@ void RawSender::sendNote(RawHeader header, const std::string& text) {
 }
 
 std::string RawSender::receive() {
+  const int patience = 10'000;  // ms
+  zmq_setsockopt(socket_, ZMQ_RCVTIMEO, &patience, sizeof patience);
   std::string bytes(1024, 0);
   const int size = zmq_recv(socket_, bytes.data(), bytes.size(), 0);
   if (size < 0) {

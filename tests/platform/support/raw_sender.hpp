@@ -55,7 +55,7 @@ class RawSender {
   // Sends a well-formed call with one note.
   void sendNote(RawHeader header, const std::string& text);
 
-  // Waits for a message of one part.
+  // Waits for a message of one part, ten seconds at most.
   std::string receive();
 
  private:
