@@ -648,25 +648,28 @@ TEST_F(Peers, AreHeardInTurnsByTheNodesThatAThreadReceivesOn) {
 // The thread that waits takes the call, also if another one asks for the descriptor.
 TEST_F(Peers, AreHeardWhileAThreadAsksForTheDescriptor) {
   static mesh_node* node = nullptr;
+  static pollfd item{};
   static uint32_t pending = 0;
+  static steady_clock::time_point asked;
   const OpenNode own = open(1);
   node = own;
   pending = 7;
   ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
   ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
   ASSERT_EQ(mesh_node_receive(node, 100, nullptr, nullptr), 0);
+  item = {.fd = mesh_node_descriptor(node, nullptr), .events = POLLIN, .revents = 0};
   beforePoll = [] {
     std::thread([] {
       EXPECT_EQ(mesh_node_attach(node), MESH_OK);
       EXPECT_EQ(sendNotes(1, {"b"}), MESH_OK);
-      std::this_thread::sleep_for(milliseconds(50));
+      EXPECT_EQ(poll(&item, 1, 10'000), 1) << "the call has arrived";
       EXPECT_GE(mesh_node_descriptor(node, &pending), 0);
     }).join();
+    asked = steady_clock::now();
   };
-  const auto start = steady_clock::now();
   EXPECT_EQ(mesh_node_receive(node, 10'000, nullptr, nullptr), 1);
+  EXPECT_LT(since(asked), milliseconds(400));
   EXPECT_EQ(beforePoll, nullptr);
-  EXPECT_LT(since(start), milliseconds(400));
   EXPECT_EQ(pending, 0u) << "the waiting thread takes it";
 }
 
