@@ -326,6 +326,7 @@ TEST_F(Delivery, IsNotMissedWhenAnotherReceiverEndsMeanwhile) {
   while (isConnectedTo("2") && !closed.passed()) {
     std::this_thread::sleep_for(milliseconds(5));
   }
+  EXPECT_FALSE(isConnectedTo("2"));
   ASSERT_EQ(sendNotes(2, {"b"}), MESH_OK) << "it was not heard yet that five calls were confirmed";
   const auto awaitConnected = [&](uint32_t connected) {
     mesh_peer_statistics peers[2];

@@ -457,6 +457,20 @@ TEST_F(Peers, AreDownWhenTheyDoNotAnswerHeartbeats) {
   }
 }
 
+TEST_F(Peers, StayUpIfTheyNeverGotACall) {
+  Events events;
+  mesh_node_options options = defaults();
+  options.heartbeat_ms = 300;
+  events.hear(options);
+  const OpenNode sender = open(1, options);
+  const mesh_msg_desc empty{};
+  EXPECT_EQ(mesh_node_send(sender, 2, &empty, 1, 0, 0), MESH_NO_DESTINATION);
+  const OpenNode receiver = open(2);
+  EXPECT_TRUE(events.has(MESH_PEER_UP, 2));
+  std::this_thread::sleep_for(milliseconds(1500));
+  EXPECT_FALSE(events.had(MESH_PEER_DOWN, 2));
+}
+
 TEST_F(Peers, MayEndWhileANodeWithQuickHeartbeatsCloses) {
   mesh_node_options options = defaults();
   options.heartbeat_ms = 1;
@@ -683,8 +697,8 @@ class ResolvedPeers : public Peers, public ::testing::WithParamInterface<bool> {
  protected:
   ResolvedPeers() {
     const std::string port = ":" + std::to_string(freePort());
-    receiversBook_ =
-        "4 tcp://127.0.0.4" + port + "\n2 tcp://" + (ipv6_ ? "[::1]" : "127.0.0.1") + port;
+    receiversBook_ = "3 tcp://127.0.0.3" + port + "\n4 tcp://127.0.0.4" + port + "\n2 tcp://" +
+                     (ipv6_ ? "[::1]" : "127.0.0.1") + port;
     movedBook_ = "2 tcp://127.0.0.2" + port;
     sendersBook_ = "3 tcp://127.0.0.3" + port + "\n4 tcp://127.0.0.4" + port + "\n2 tcp://" +
                    (ipv6_ ? "[0:0:0:0:0:0:0:1]" : hostName) + port;
@@ -756,6 +770,25 @@ TEST_P(ResolvedPeers, AreFoundAgain) {
     EXPECT_EQ(receiver.close(), MESH_OK);
     awaitConnected(0);
   }
+}
+
+TEST_P(ResolvedPeers, DoNotTakeOthersAlong) {
+  for (int round = 0; round < 2; ++round) {
+    OpenNode receiver = open(2, receivers_);
+    expectDelivery(receiver);
+    EXPECT_EQ(receiver.close(), MESH_OK);
+    awaitConnected(0);
+  }
+  OpenNode receiver = open(2, receivers_);
+  expectDelivery(receiver);
+  const OpenNode third = open(3, receivers_);
+  EXPECT_TRUE(events_.has(MESH_PEER_UP, 3));
+  EXPECT_EQ(sendNotes(3, {"a"}), MESH_OK) << mesh_node_last_error();
+  EXPECT_EQ(receiveNotes(third, 1).size(), 1u);
+  EXPECT_EQ(receiver.close(), MESH_OK);
+  awaitConnected(0);
+  EXPECT_EQ(peerOf(sender_, 3).connected, 1u);
+  EXPECT_FALSE(events_.had(MESH_PEER_DOWN, 3));
 }
 
 TEST_P(ResolvedPeers, AreFoundAgainBeforeTheirFirstAnswer) {

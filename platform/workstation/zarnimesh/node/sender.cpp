@@ -189,12 +189,7 @@ mesh_result Sender::sendLocked(Lock& lock, FrameHeader& header, MessagePart& mes
 bool Sender::push(Destination& destination, const FrameHeader& header, MessagePart& message) {
   encodeHeader(header, message.data());
   behind_ = true;
-  try {
-    return outgoing_.push(destination, message);
-  } catch (const std::bad_alloc&) {
-    // Disconnecting found no memory. The next push repeats it.
-    return false;
-  }
+  return outgoing_.push(destination, message);
 }
 
 void Sender::sync(Destination& destination, bool closing) {
@@ -244,14 +239,14 @@ void Sender::update() {
 }
 
 // A receiver connected or answered first, or was not heard for long. It may be a successor, and
-// some calls may be lost. One that is silent may never have got a call.
+// some calls may be lost. One that is asked whether it lives may never have got a call.
 void Sender::syncAll() {
   if (!outgoing_.takeToSync()) {
     return;
   }
   for (const auto& [address, destination] : outgoing_.destinations()) {
     if (std::exchange(destination->link.toSync, false) && destination->link.connected &&
-        (destination->sent() > 0 || destination->link.silent)) {
+        (destination->sent() > 0 || destination->link.silent || destination->link.asked)) {
       sync(*destination, closing_);
     }
   }

@@ -72,12 +72,14 @@ class Destination {
 
   // Kept by Outgoing.
   struct Link {
-    uint64_t route = 0;       // ZeroMQ's name of the connection; 0 before the first
-    std::string name{};       // as ZeroMQ's events name the endpoint
-    std::string resolved{};   // as they name this connection, if that differs
+    uint64_t route = 0;         // ZeroMQ's name of the connection; 0 before the first
+    std::string connectedTo{};  // as ZeroMQ's events name the endpoint
+    // As they name it next: with the number of the host that answered over tcp.
+    std::string resolved{};
     uint64_t generation = 0;  // inproc: of the connected receiver
     bool connected = false;   // as far as ZeroMQ's events tell
     bool silent = false;      // connected, but does not answer
+    bool guessed = false;     // perhaps connected: its port is that of an unknown connection
     std::optional<Clock::time_point> asked{};  // since the receiver was heard last
     bool toSync = false;                       // a Sync is to be sent
 

@@ -1,6 +1,7 @@
 #include "zarnimesh/peers/outgoing.hpp"
 
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string_view>
@@ -76,6 +77,8 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   const uint64_t route = ++latestRoute_;
   const auto ownName = routeName(route);
   std::string name(endpointSize, '\0');
+  std::string resolved;
+  resolved.reserve(endpointSize);
   size_t length = name.size();
   byRoute_.emplace(route, &destination);
   if (!socket_.set(ZMQ_CONNECT_ROUTING_ID, {ownName.data(), ownName.size()}) ||
@@ -87,7 +90,8 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   }
   name.resize(std::strlen(name.c_str()));
   destination.link = {.route = route,
-                      .name = std::move(name),
+                      .connectedTo = std::move(name),
+                      .resolved = std::move(resolved),
                       .generation = destination.link.generation,
                       .toSync = destination.link.toSync};
   if (inproc) {
@@ -225,30 +229,30 @@ void Outgoing::update() {
     bool known = false;
     for (const auto& [address, destination] : destinations_) {
       Destination::Link& link = destination->link;
-      if (link.name != name && link.resolved != name) {
+      if (link.connectedTo != name && link.resolved != name) {
         continue;
       }
       known = true;
+      link.connectedTo = name;
+      link.guessed = false;
       setLink(*destination, succeeded, false);
       if (succeeded) {
         setToSync(*destination);
-      } else {
-        link.resolved.clear();
       }
     }
     if (succeeded && !known) {
-      askAt(name);
+      askAt(portOf(name));
     }
   }
 }
 
-void Outgoing::askAt(std::string_view name) {
+void Outgoing::askAt(uint16_t port) {
   for (const auto& [address, destination] : destinations_) {
     const Endpoint& endpoint = destination->endpoint();
     Destination::Link& link = destination->link;
-    if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == portOf(name) &&
-        link.route != 0 && !link.present()) {
-      link.resolved = name;
+    if (endpoint.transport == Transport::Tcp && portOf(endpoint.rest) == port && link.route != 0 &&
+        !link.present()) {
+      link.guessed = true;
       setLink(*destination, true, true);
       link.asked.reset();
       setToSync(*destination);
@@ -264,13 +268,13 @@ void Outgoing::askUnheard() {
   nextBeat_ = now + settings_.heartbeat / 4;
   for (const auto& [address, destination] : destinations_) {
     Destination::Link& link = destination->link;
-    if (!link.connected || destination->endpoint().transport == Transport::Inproc) {
+    if (!link.connected || link.guessed || destination->endpoint().transport == Transport::Inproc) {
       continue;
     }
     if (!link.asked && now - destination->heardAt() > settings_.heartbeat) {
       link.asked = now;
       setToSync(*destination);
-    } else if (link.asked && now - *link.asked > 2 * settings_.heartbeat) {
+    } else if (link.asked && now - *link.asked > (link.silent ? 8 : 2) * settings_.heartbeat) {
       setLink(*destination, true, true);
       link.asked = now;
       setToSync(*destination);
@@ -298,6 +302,20 @@ void Outgoing::tellWater(Destination& destination) {
   }
 }
 
+void Outgoing::noteHost(Destination& destination, MessagePart& state) {
+  const Endpoint& endpoint = destination.endpoint();
+  if (endpoint.transport != Transport::Tcp) {
+    return;
+  }
+  destination.link.guessed = false;
+  if (const char* const host = zmq_msg_gets(state.raw(), "Peer-Address")) {
+    char name[endpointSize];
+    const char* const form = std::strchr(host, ':') != nullptr ? "tcp://[%s]:%u" : "tcp://%s:%u";
+    std::snprintf(name, sizeof name, form, host, unsigned{portOf(endpoint.rest)});
+    destination.link.resolved = name;
+  }
+}
+
 void Outgoing::takeState(uint64_t route, MessagePart& message) {
   const auto found = byRoute_.find(route);
   takeOver(message);
@@ -311,6 +329,7 @@ void Outgoing::takeState(uint64_t route, MessagePart& message) {
     return;
   }
   Destination& destination = *found->second;
+  noteHost(destination, message);
   const bool restarted = destination.note(*state, body);
   setLink(destination, destination.link.connected, false);
   if (restarted) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
+#include <utility>
 
 #include "zarnimesh/configuration/settings.hpp"
 #include "zarnimesh/peers/destination.hpp"
@@ -85,10 +85,12 @@ class Outgoing {
   [[nodiscard]] mesh_result setKeys(const Destination& destination);
   void takeStates();
   void takeState(uint64_t route, MessagePart& message);
-  // A tcp connection succeeded whose name is not a destination's: a connection after the first has
-  // the number of the host in its name. Asks the absent destinations at the port: the right one
-  // answers.
-  void askAt(std::string_view name);
+  // Over tcp, notes how events name the destination's next connection. That of its first one is the
+  // address book's.
+  static void noteHost(Destination& destination, MessagePart& state);
+  // A tcp connection succeeded, but the host's number does not tell whose it is. Asks the absent
+  // destinations at the port: the right one answers.
+  void askAt(uint16_t port);
   void disconnect(Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
@@ -102,7 +104,7 @@ class Outgoing {
   int eventFile_ = -1;
   uint64_t latestRoute_ = 0;
   uint64_t inprocVersion_ = 0;
-  Destination::Clock::time_point nextBeat_{};  // unheard() looks again then
+  Destination::Clock::time_point nextBeat_{};  // askUnheard() looks again then
   Destinations destinations_;                  // never removed
   Destination* latest_ = nullptr;              // found last
   std::unordered_map<uint64_t, Destination*> byRoute_;
