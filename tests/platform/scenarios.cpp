@@ -12,7 +12,6 @@
 // What holds exactly, when no process is killed:
 //
 //   sent = delivered + undelivered at the senders + discarded at the receivers
-//   what the receivers of an address miss was sent there, and is neither delivered nor discarded
 //
 // A killed process cannot tell what it had counted. The check then admits as missing what a killed
 // sender had sent in its last moments, what it had sent to nodes that ended too, and what a killed
@@ -71,7 +70,6 @@ struct Life {
   std::atomic<uint64_t> delivered[mostLives] = {};  // from each life
   std::atomic<uint64_t> undelivered = 0;
   std::atomic<uint64_t> discarded = 0;
-  std::atomic<uint64_t> missed = 0;
   std::atomic<uint64_t> malformed = 0;
   std::atomic<uint64_t> duplicates = 0;
 
@@ -174,7 +172,6 @@ void sendAll(Life& life, uint32_t number, uint32_t nodes, mesh_node* node) {
   static_cast<void>(mesh_node_close_counted(node, &last));
   life.undelivered.store(last.undelivered_calls);
   life.discarded.store(last.discarded_calls);
-  life.missed.store(last.missed_before_first + last.lost_calls);
   life.malformed.store(last.malformed);
   life.duplicates.store(last.duplicate_calls);
   life.state.store(State::Closed);
@@ -254,9 +251,9 @@ class Scenario {
     char text[200];
     std::snprintf(text, sizeof text,
                   "%u nodes, %u lives, %u killed: %llu sent, %llu delivered, %llu undelivered, "
-                  "%llu discarded, %llu missed",
+                  "%llu discarded",
                   nodes_, count_, killed_, ull(sum_.sent), ull(sum_.delivered),
-                  ull(sum_.undelivered), ull(sum_.discarded), ull(sum_.missed));
+                  ull(sum_.undelivered), ull(sum_.discarded));
     return text;
   }
   uint64_t sent() const { return sum_.sent; }
@@ -418,7 +415,6 @@ class Scenario {
       sum_.delivered += deliveredBy(life);
       sum_.undelivered += life.undelivered.load();
       sum_.discarded += life.discarded.load();
-      sum_.missed += life.missed.load();
       if (life.malformed.load() + life.duplicates.load() > 0) {
         return std::to_string(life.malformed.load()) + " malformed, " +
                std::to_string(life.duplicates.load()) + " repeated calls at node " +
@@ -437,27 +433,7 @@ class Scenario {
       return std::to_string(found - sum_.sent) + " calls are counted twice, and " +
              std::to_string(mayCountTwice_) + " may be";
     }
-    for (uint32_t to = 0; killed_ == 0 && to < nodes_; ++to) {
-      if (missedAt(to) > 0) {
-        return std::to_string(missedAt(to)) + " calls too many are missed at node " +
-               std::to_string(to + 1);
-      }
-    }
     return {};
-  }
-
-  // Calls that the address's nodes miss, less those that did not end there.
-  int64_t missedAt(uint32_t to) const {
-    int64_t missed = 0;
-    for (uint32_t number = 0; number < count_; ++number) {
-      const Life& life = lives_[number];
-      missed -= static_cast<int64_t>(life.sent[to].load());
-      if (life.address == to + 1) {
-        missed +=
-            static_cast<int64_t>(life.missed.load() + deliveredBy(life) + life.discarded.load());
-      }
-    }
-    return missed;
   }
 
   struct KilledSend {
@@ -470,7 +446,6 @@ class Scenario {
     uint64_t delivered = 0;
     uint64_t undelivered = 0;
     uint64_t discarded = 0;
-    uint64_t missed = 0;
   };
 
   const Over over_;
