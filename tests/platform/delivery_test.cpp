@@ -1,4 +1,5 @@
 // What is sent is delivered or counted: ends of bursts, ends of nodes, handlers that do not return.
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -10,10 +11,12 @@
 #include <chrono>
 #include <csetjmp>
 #include <filesystem>
+#include <future>
 #include <new>
 #include <set>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "support/child_process.hpp"
 #include "support/free_port.hpp"
@@ -356,6 +359,73 @@ TEST_F(Delivery, IsNotMissedWhenAnotherReceiverEndsMeanwhile) {
   ASSERT_EQ(mesh_node_attach(nullptr), MESH_OK);
 }
 
+// What our write() below does once before it writes an announcement.
+thread_local void (*beforeAnnouncement)() = nullptr;
+// What our zmq_msg_recv() below does once after it has found nothing.
+thread_local void (*whenNothingArrived)() = nullptr;
+
+// A thread that answers is stopped before it has announced its answer. It holds up the
+// announcements of all others.
+TEST_F(Delivery, IsNotMissedFromAReceiverWhoseLastWordsAreHeldUp) {
+  static std::promise<void> holds;
+  static std::promise<void> released;
+  holds = {};
+  released = {};
+  const HeldLibraryThread held(9);
+  mesh_node_options options = defaults();
+  options.transport = MESH_TRANSPORT_INPROC;
+  OpenNode sender = open(1, options);
+  const OpenNode stopped = open(2, options);
+  OpenNode receiver = open(3, options);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
+  ASSERT_EQ(sendNotes(3, {"a"}), MESH_OK);
+  EXPECT_EQ(statisticsOf(sender).unconfirmed_calls, 2u);
+  std::atomic<bool> closed = false;
+  std::thread answering([&] {
+    beforeAnnouncement = [] {
+      holds.set_value();
+      released.get_future().wait();
+    };
+    while (!closed) {
+      EXPECT_GE(mesh_node_receive(stopped, 5, nullptr, nullptr), 0);
+    }
+  });
+  holds.get_future().wait();
+  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+  ASSERT_EQ(receiver.close(), MESH_OK);
+  std::thread releasing([] {
+    std::this_thread::sleep_for(milliseconds(100));
+    released.set_value();
+  });
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(sender.release(), &last), MESH_OK);
+  EXPECT_EQ(last.undelivered_calls, 0u);
+  closed = true;
+  answering.join();
+  releasing.join();
+}
+
+// The answer arrives when the closing sender has looked for answers, and not yet for events.
+TEST_F(Delivery, IsNotMissedFromAReceiverThatEndsWhileItsSenderCloses) {
+  static OpenNode receiver;
+  const HeldLibraryThread held(9);
+  receiver = open(1);
+  OpenNode sender = open(2);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+  EXPECT_EQ(statisticsOf(sender).unconfirmed_calls, 1u);
+  whenNothingArrived = [] {
+    EXPECT_EQ(receiver.close(), MESH_OK);
+    std::this_thread::sleep_for(milliseconds(100));
+  };
+  mesh_node_statistics last;
+  EXPECT_EQ(mesh_node_close_counted(sender.release(), &last), MESH_OK);
+  EXPECT_EQ(whenNothingArrived, nullptr);
+  EXPECT_EQ(last.undelivered_calls, 0u);
+}
+
 TEST_F(Delivery, DoesNotWaitForADeadDestinationTwice) {
   mesh_node_options options = defaults();
   options.connect_timeout_ms = 500;
@@ -681,3 +751,29 @@ TEST_F(Delivery, IsRefusedInAChildThatWasForkedDuringSends) {
 
 }  // namespace
 }  // namespace platform_test
+
+// Replaces the system's write(), also for ZeroMQ, which writes eight bytes to wake a thread.
+extern "C" ssize_t write(int file, const void* bytes, size_t size) {
+  if (const auto first = size == sizeof(uint64_t)
+                             ? std::exchange(platform_test::beforeAnnouncement, nullptr)
+                             : nullptr) {
+    first();
+  }
+  static const auto system =
+      reinterpret_cast<ssize_t (*)(int, const void*, size_t)>(dlsym(RTLD_NEXT, "write"));
+  return system(file, bytes, size);
+}
+
+// Replaces ZeroMQ's function.
+extern "C" int zmq_msg_recv(void* message, void* socket, int flags) {
+  static const auto real =
+      reinterpret_cast<int (*)(void*, void*, int)>(dlsym(RTLD_NEXT, "zmq_msg_recv"));
+  const int result = real(message, socket, flags);
+  const int error = errno;
+  if (const auto then =
+          result < 0 ? std::exchange(platform_test::whenNothingArrived, nullptr) : nullptr) {
+    then();
+  }
+  errno = error;
+  return result;
+}

@@ -112,7 +112,7 @@ TEST_F(Frame, IsDroppedWithWrongMagic) {
 
 TEST_F(Frame, IsDroppedWithUnknownVersion) {
   RawHeader other = oneNoteHeader();
-  other.version = 3;
+  other.version = 4;
   expectDropped(oneNote(other));
 }
 
@@ -131,7 +131,7 @@ TEST_F(Frame, IsDroppedWithUnknownKind) {
 TEST_F(Frame, IsDroppedWhenItIsAnAnswer) {
   RawHeader other = header();
   other.kind = 2;
-  expectDropped({other.bytes() + littleEndian(1, 8) + littleEndian(0, 8)});
+  expectDropped({other.bytes() + littleEndian(1, 8) + littleEndian(0, 8) + littleEndian(0, 8)});
 }
 
 TEST_F(Frame, IsDroppedWhenASyncHasTables) {

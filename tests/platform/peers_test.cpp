@@ -271,7 +271,8 @@ TEST_F(Peers, CannotDenyMoreCallsThanThereWere) {
     ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
     receiver.receive();
     state.incarnation = call;
-    receiver.send({state.bytes() + littleEndian(call, 8) + littleEndian(UINT64_MAX, 8)});
+    receiver.send(
+        {state.bytes() + littleEndian(call, 8) + littleEndian(UINT64_MAX, 8) + littleEndian(0, 8)});
     expectConfirmed(node, 0);
     EXPECT_EQ(statisticsOf(node).undelivered_calls, call);
   }

@@ -10,7 +10,7 @@ namespace platform_test {
 // The header of a call, in wire order.
 struct RawHeader {
   std::string magic = "ZMSH";
-  uint16_t version = 4;
+  uint16_t version = 5;
   uint8_t kind = 0;
   uint8_t flags = 0;
   uint32_t source = 99;

@@ -139,7 +139,8 @@ typedef struct mesh_node_statistics {
   /* From the sequence numbers of each sender's calls to this node: */
   uint64_t lost_calls;          /* missing. A late call is subtracted when it arrives */
   uint64_t missed_before_first; /* sent before the first received call, and not confirmed by an
-                                   earlier node of this address */
+                                   earlier node of this address. Falls when its sender hears of a
+                                   confirmation late */
   uint64_t duplicate_calls;     /* repeated, and delivered again. Nodes do not repeat calls */
 
   /* sent_calls = confirmed + undelivered_calls + unconfirmed_calls */

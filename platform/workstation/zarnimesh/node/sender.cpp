@@ -302,9 +302,10 @@ uint64_t Sender::waitForArrival(Lock& lock) {
     uint64_t missing = 0;
     for (const auto& [address, destination] : outgoing_.destinations()) {
       missing += destination->missing();
-      const bool awaited = destination->unconfirmed() > 0 || now < start + farewell;
-      mayArrive =
-          mayArrive || (destination->link.present() && !destination->knowsOfClosing() && awaited);
+      const bool hears = destination->unconfirmed() > 0 || now < start + farewell;
+      const bool awaited =
+          destination->mayMissTooMany() || (!destination->knowsOfClosing() && hears);
+      mayArrive = mayArrive || (destination->link.present() && awaited);
     }
     if (!mayArrive || now >= end) {
       return missing;

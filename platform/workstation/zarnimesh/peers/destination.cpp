@@ -27,6 +27,7 @@ bool Destination::note(const FrameHeader& state, const StateBody& body) {
   arrived_ = std::max(settled_, std::min(state.sequence, numbered_));
   missing_ = std::min(state.extra, settled_ - lostBefore_);
   missingAhead_ = std::min(body.missingAhead, arrived_ - settled_);
+  missedBefore_ = body.missedBefore;
   grantedCalls_ = std::max<uint32_t>(1, state.count);
   grantedBytes_ = std::max<uint32_t>(1, state.bytes);
   return restarted;

@@ -37,9 +37,8 @@ class Destination {
   void noteSent(const FrameHeader& call);
   void takeBack() { unconfirmed_.pop_back(); }
 
-  // `extra` corrects what the receiver has counted as missed before the first call: the calls that
-  // were on their way to it knew less of what was confirmed. `count` names the receiver that it is
-  // for. Another one ignores it.
+  // `extra` corrects what the receiver `count` has counted as missed before the first call. Another
+  // one ignores it.
   FrameHeader sync(bool closing) const {
     return {.kind = Kind::Sync,
             .flags = closing ? closingFlag : uint8_t{0},
@@ -51,6 +50,12 @@ class Destination {
 
   // The receiver's answer. Returns whether another node answered before.
   bool note(const FrameHeader& state, const StateBody& body);
+
+  // Whether the receiver may miss calls that a predecessor confirmed: what was on its way to it
+  // knew less. It needs a sync().
+  bool mayMissTooMany() const {
+    return numbered_ > 0 && (!link.answered || missedBefore_ > lostAtRestart_);
+  }
 
   // MESH_PEER_HIGH_WATER or MESH_PEER_LOW_WATER, if it was reached since the last call.
   std::optional<mesh_peer_change> newWater();
@@ -80,6 +85,7 @@ class Destination {
     bool connected = false;   // as far as ZeroMQ's events tell
     bool silent = false;      // connected, but does not answer
     bool guessed = false;     // perhaps connected: its port is that of an unknown connection
+    bool answered = false;    // since it was connected
     std::optional<Clock::time_point> asked{};  // since the receiver was heard last
     bool toSync = false;                       // a Sync is to be sent
 
@@ -113,6 +119,7 @@ class Destination {
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
   uint64_t missing_ = 0;   // calls that this receiver misses, up to settled_
   uint64_t missingAhead_ = 0;  // and from there to arrived_
+  uint64_t missedBefore_ = 0;  // and before its first one, as it has told
   bool knowsOfClosing_ = false;
   uint64_t lostBefore_ = 0;     // calls that its predecessors missed or never confirmed
   uint64_t lostAtRestart_ = 0;  // the part of them that its latest predecessor never confirmed

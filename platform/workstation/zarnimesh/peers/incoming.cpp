@@ -262,7 +262,9 @@ bool Incoming::tell(Source& source) {
                 .count = settings_.receiveQueueCalls,
                 .bytes = settings_.queueBytes},
                message.data());
-  encodeStateBody({.first = source.first, .missingAhead = source.missingAhead()},
+  encodeStateBody({.first = source.first,
+                   .missingAhead = source.missingAhead(),
+                   .missedBefore = source.missedBeforeFirst},
                   message.data() + headerSize);
   handOver(message);
   drained_ = false;  // sending may take the announcement of a message that has just arrived

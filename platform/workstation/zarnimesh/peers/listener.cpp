@@ -55,24 +55,14 @@ mesh_result Listener::open(std::shared_ptr<Context> context, const Settings& set
   return openSocket(settings, address);
 }
 
-// Makes sure that no live node receives at the endpoint. For tcp zmq_bind does that.
+// Makes sure that no live node receives at the endpoint. For tcp zmq_bind does that, for inproc
+// bind().
 mesh_result Listener::claim() {
-  if (endpoint_.transport == Transport::Ipc) {
-    return lock_.acquire(lockOf(endpoint_.rest));
-  }
-  if (endpoint_.transport == Transport::Inproc) {
-    generation_ = InprocTable::instance().add(endpoint_.rest);
-    if (!generation_) {
-      return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",
-                  endpoint_.text().c_str());
-    }
-  }
-  return MESH_OK;
+  return endpoint_.transport == Transport::Ipc ? lock_.acquire(lockOf(endpoint_.rest)) : MESH_OK;
 }
 
 mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
-  const std::string endpoint =
-      generation_ ? InprocTable::boundEndpoint(endpoint_.rest, *generation_) : endpoint_.text();
+  const std::string endpoint = endpoint_.text();
   socket_ = Socket(zmq_socket(context_->handle(), ZMQ_ROUTER));
   // Credit bounds the queues, and the node takes what arrives even if nobody receives. ZeroMQ would
   // lose what the kernel still holds if a peer ended while its queue were full.
@@ -87,19 +77,31 @@ mesh_result Listener::openSocket(const Settings& settings, uint32_t address) {
       return result;
     }
   }
-  return bind(endpoint);
+  return bind();
 }
 
-mesh_result Listener::bind(const std::string& endpoint) {
+mesh_result Listener::bind() {
+  std::string endpoint = endpoint_.text();
+  uint64_t generation = 0;
   if (endpoint_.transport == Transport::Ipc) {
     if (const mesh_result result = listenOnIpc(); result != MESH_OK) {
       return result;
     }
+  } else if (endpoint_.transport == Transport::Inproc) {
+    generation = InprocTable::instance().newGeneration();
+    endpoint = InprocTable::boundEndpoint(endpoint_.rest, generation);
   }
   if (uninterrupted([&] { return zmq_bind(socket_.handle(), endpoint.c_str()); }) != 0) {
     return failFromTransport(endpoint.c_str());
   }
   bound_ = endpoint;
+  if (endpoint_.transport == Transport::Inproc) {
+    if (!InprocTable::instance().add(endpoint_.rest, generation)) {
+      return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",
+                  endpoint_.text().c_str());
+    }
+    isInTable_ = true;
+  }
   return MESH_OK;
 }
 
@@ -125,7 +127,7 @@ mesh_result Listener::listenAgain() {
     }
   }
   // The earlier listening socket stays: closing it would end its connections.
-  return isAt(endpoint_.rest, file_) ? MESH_OK : bind(endpoint_.text());
+  return isAt(endpoint_.rest, file_) ? MESH_OK : bind();
 }
 
 mesh_result Listener::requireKeys(const KeyRing& keys, uint32_t address) {
@@ -143,9 +145,8 @@ mesh_result Listener::requireKeys(const KeyRing& keys, uint32_t address) {
 
 void Listener::close() {
   // The order matters: the listening socket must be closed before the endpoint is released.
-  if (generation_) {
+  if (std::exchange(isInTable_, false)) {
     InprocTable::instance().remove(endpoint_.rest);
-    generation_.reset();
   }
   stopListening();
   socket_.close();

@@ -38,17 +38,17 @@ class Listener {
  private:
   [[nodiscard]] mesh_result claim();
   [[nodiscard]] mesh_result openSocket(const Settings& settings, uint32_t address);
-  [[nodiscard]] mesh_result bind(const std::string& endpoint);
+  [[nodiscard]] mesh_result bind();
   [[nodiscard]] mesh_result listenOnIpc();
   [[nodiscard]] mesh_result requireKeys(const KeyRing& keys, uint32_t address);
 
   std::shared_ptr<Context> context_;
   Endpoint endpoint_;
-  std::string bound_;                   // as passed to zmq_bind; empty when not bound
-  std::optional<uint64_t> generation_;  // inproc
-  AddressLock lock_;                    // ipc
-  SocketFile file_{};                   // ipc
-  std::string domain_;                  // tcp with keys: names the keys that may connect
+  std::string bound_;       // as passed to zmq_bind; empty when not bound
+  bool isInTable_ = false;  // inproc
+  AddressLock lock_;        // ipc
+  SocketFile file_{};       // ipc
+  std::string domain_;      // tcp with keys: names the keys that may connect
   Socket socket_;
 };
 

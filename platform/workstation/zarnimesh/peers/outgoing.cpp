@@ -1,10 +1,12 @@
 #include "zarnimesh/peers/outgoing.hpp"
 
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "zarnimesh/transport/address_lock.hpp"
@@ -20,6 +22,9 @@ constexpr int reconnectMs = 20;
 
 // A State, encrypted, or ZeroMQ's own words.
 constexpr int64_t largestAnswer = 1024;
+
+// ZeroMQ's own thread closes a receiver's socket. Only on a stalled system does that take longer.
+constexpr std::chrono::milliseconds endingTime{1000};
 
 constexpr int senderEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
 
@@ -94,8 +99,14 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
                       .resolved = std::move(resolved),
                       .generation = destination.link.generation,
                       .toSync = destination.link.toSync};
-  if (inproc) {
+  if (!inproc) {
+    return MESH_OK;
+  }
+  if (InprocTable::instance().find(destination.endpoint().rest) == destination.link.generation) {
     setLink(destination, true, false);
+  } else {
+    // It left meanwhile. ZeroMQ may wait for a socket at its name, and would never tell of an end.
+    disconnect(destination);
   }
   return MESH_OK;
 }
@@ -174,6 +185,17 @@ void Outgoing::disconnect(Destination& destination) {
   destination.link = {.toSync = destination.link.toSync};
 }
 
+void Outgoing::awaitEnd(const Destination& destination) {
+  // The receiver's last words are written, but perhaps not announced: one thread announces what
+  // several have written, and may be stopped.
+  const auto end = Destination::Clock::now() + endingTime;
+  MessagePart nothing;
+  while (sendTo(destination.link.route, nothing, socket_) && Destination::Clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+    takeStates();
+  }
+}
+
 void Outgoing::setToSync(Destination& destination) {
   destination.link.toSync = true;
   hasToSync_ = true;
@@ -191,6 +213,7 @@ void Outgoing::checkInproc() {
     }
     if (destination->link.route != 0 &&
         InprocTable::instance().find(endpoint.rest) != destination->link.generation) {
+      awaitEnd(*destination);
       disconnect(*destination);
     }
     if (destination->link.route == 0 && destination->unconfirmed() > 0 &&
@@ -231,6 +254,9 @@ void Outgoing::update() {
       Destination::Link& link = destination->link;
       if (link.connectedTo != name && link.resolved != name) {
         continue;
+      }
+      if (!succeeded) {
+        takeStates();  // its last words may have arrived before the event
       }
       known = true;
       link.connectedTo = name;
@@ -285,6 +311,7 @@ void Outgoing::askUnheard() {
 void Outgoing::setLink(Destination& destination, bool connected, bool silent) {
   Destination::Link& link = destination.link;
   const bool wasPresent = link.present();
+  link.answered = link.answered && connected;
   link.connected = connected;
   link.silent = silent;
   if (!silent) {
@@ -332,8 +359,11 @@ void Outgoing::takeState(uint64_t route, MessagePart& message) {
   noteHost(destination, message);
   const bool restarted = destination.note(*state, body);
   setLink(destination, destination.link.connected, false);
+  destination.link.answered = true;
   if (restarted) {
     peerEvents_.add(MESH_PEER_RESTARTED, destination.address());
+  }
+  if (destination.mayMissTooMany()) {
     setToSync(destination);
   }
   tellWater(destination);

@@ -48,7 +48,7 @@ class Outgoing {
   [[nodiscard]] bool push(Destination& destination, MessagePart& message);
 
   // Takes what receivers and ZeroMQ told since the last call. Destinations that were connected, or
-  // at which a new receiver answered, are to be sent a Sync.
+  // miss too many calls, are to be sent a Sync.
   void update();
 
   // Receivers that were not heard for the time of a heartbeat are to be sent a Sync. Those that did
@@ -91,6 +91,9 @@ class Outgoing {
   // destinations at the port: the right one answers.
   void askAt(uint16_t port);
   void disconnect(Destination& destination);
+  // Inproc: the receiver has left the table. Waits until ZeroMQ tells of its end, behind its last
+  // words.
+  void awaitEnd(const Destination& destination);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
 

@@ -2,12 +2,12 @@
 //
 //   header   56 bytes, below
 //   Call     index, 8 bytes for each table: identifier and length; then the tables, without gaps
-//   State    two u64, see StateBody
+//   State    three u64, see StateBody
 //
 // All integers are little-endian.
 //
 //   0  u32 magic "ZMSH"     16 u64 incarnation        40 u64 extra
-//   4  u16 version, 4       24 u64 sequence           48 u32 count
+//   4  u16 version, 5       24 u64 sequence           48 u32 count
 //   6  u8  kind             32 u64 confirmed          52 u32 bytes
 //   7  u8  flags            8  u32 source             12 u32 destination
 //
@@ -28,7 +28,7 @@ namespace zarnimesh {
 
 inline constexpr size_t headerSize = 56;
 inline constexpr size_t indexEntrySize = 8;
-inline constexpr size_t stateSize = headerSize + 2 * sizeof(uint64_t);
+inline constexpr size_t stateSize = headerSize + 3 * sizeof(uint64_t);
 
 enum class Kind : uint8_t {
   Call,
@@ -63,6 +63,8 @@ struct FrameHeader {
 struct StateBody {
   uint64_t first;         // sequence of the first call that this receiver knows of
   uint64_t missingAhead;  // calls that are missing, between `confirmed` and `sequence`
+  uint64_t missedBefore;  // calls before `first` that neither it nor its predecessors confirmed, as
+                          // far as the sender has told
 };
 
 struct IndexEntry {
@@ -73,7 +75,7 @@ struct IndexEntry {
 namespace frame {
 
 inline constexpr uint32_t magic = 0x48534D5A;
-inline constexpr uint16_t version = 4;
+inline constexpr uint16_t version = 5;
 
 // The compiler makes one load or store of it only if it is a copy, not byte by byte.
 template <std::unsigned_integral Integer>
@@ -123,7 +125,9 @@ inline void encodeIndexEntry(const IndexEntry& entry, uint8_t* to) {
 }
 
 inline void encodeStateBody(const StateBody& body, uint8_t* to) {
-  frame::put(frame::put(to, body.first), body.missingAhead);
+  to = frame::put(to, body.first);
+  to = frame::put(to, body.missingAhead);
+  frame::put(to, body.missedBefore);
 }
 
 // Nothing when the bytes do not begin with a header of this version.
@@ -157,7 +161,9 @@ inline IndexEntry decodeIndexEntry(const uint8_t* from) {
 }
 
 inline StateBody decodeStateBody(const uint8_t* from) {
-  return {.first = frame::get<uint64_t>(from), .missingAhead = frame::get<uint64_t>(from + 8)};
+  return {.first = frame::get<uint64_t>(from),
+          .missingAhead = frame::get<uint64_t>(from + 8),
+          .missedBefore = frame::get<uint64_t>(from + 16)};
 }
 
 // Whether a Call has the length that its header states, and its tables fill it.

@@ -8,14 +8,11 @@ InprocTable& InprocTable::instance() {
   return table;
 }
 
-std::optional<uint64_t> InprocTable::add(const std::string& name) {
+bool InprocTable::add(const std::string& name, uint64_t generation) {
   const std::lock_guard lock(mutex_);
-  if (!generations_.emplace(name, latest_ + 1).second) {
-    return std::nullopt;
-  }
-  ++latest_;
+  const bool isNew = generations_.emplace(name, generation).second;
   version_.fetch_add(1);
-  return latest_;
+  return isNew;
 }
 
 void InprocTable::remove(const std::string& name) {

@@ -16,8 +16,12 @@ class InprocTable {
   // The only one of the process.
   static InprocTable& instance();
 
-  // Adds a receiver at the name and returns its generation. Nothing when the name is in use.
-  std::optional<uint64_t> add(const std::string& name);
+  // For a new receiver.
+  uint64_t newGeneration() { return latest_.fetch_add(1) + 1; }
+
+  // Adds a receiver whose socket is bound, and stays so until it is removed. False when the name is
+  // in use.
+  [[nodiscard]] bool add(const std::string& name, uint64_t generation);
   void remove(const std::string& name);
 
   std::optional<uint64_t> find(const std::string& name);
@@ -30,10 +34,10 @@ class InprocTable {
   static std::string boundEndpoint(const std::string& name, uint64_t generation);
 
  private:
+  std::atomic<uint64_t> latest_ = 0;
   std::atomic<uint64_t> version_ = 0;
-  std::mutex mutex_;  // guards the members below
+  std::mutex mutex_;  // guards the member below
   std::unordered_map<std::string, uint64_t> generations_;
-  uint64_t latest_ = 0;
 };
 
 }  // namespace zarnimesh
