@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Builds, measures what every operation costs beside a plain copy of the record and beside other
 # serialisation libraries, and what the workstation's middleware costs beside raw ZeroMQ. Prints the
-# tables. Takes about eight minutes on a quiet machine.
+# tables. Takes about ten minutes on a quiet machine.
 #
 #   ./bench.sh [--quick] [--transport | --python] [--document] [FILTER]
 #
 #   --quick      a minute or two, good for a first look and not for conclusions
-#   --transport  only the middleware, three minutes
+#   --transport  only the middleware, five minutes
 #   --python     only the Python package, beside python3-protobuf and python3-msgpack, two minutes
 #   --document   also writes the plots in docs/ and the results of docs/transport-performance.md
 #   FILTER       a regular expression over the names of the operations' cases,
@@ -20,7 +20,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=9 transport_seconds=0.1
+runs=3 repetitions=3 seconds=0.03 loads=101 transport_runs=15 transport_seconds=0.1
 operations=true document=false python_alone=false
 while [[ ${1:-} == --* ]]; do
   case $1 in
