@@ -1,5 +1,8 @@
 // How a node handles malformed messages, sequence numbers and unknown identifiers.
+#include <chrono>
 #include <memory>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/node_fixture.hpp"
@@ -285,6 +288,49 @@ TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
   EXPECT_EQ(receiveNotes(node, 5).size(), 5u);
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 1u);
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u) << "call 2 was late";
+}
+
+// Its sender would count it as delivered.
+TEST_F(Node, TellsOfALateCallThatWaits) {
+  const OpenNode node = open(ownNode);
+  RawSender sender(endpoint());
+  RawHeader call = header(1);
+  call.flags = 1;
+  for (const uint64_t sequence : {1u, 3u, 2u}) {
+    call.sequence = sequence;
+    sender.sendNote(call, "a");
+  }
+  const auto expectState = [&](uint64_t confirmed, uint64_t missing) {
+    const std::string state = sender.receive();
+    EXPECT_EQ(state.substr(32, 16), littleEndian(confirmed, 8) + littleEndian(missing, 8));
+  };
+  expectState(0, 0);
+  const Deadline deadline;
+  while (statisticsOf(node).received_calls < 3 && !deadline.passed()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  for (const auto& [confirmed, missing] : {std::pair(1, 0), std::pair(3, 1), std::pair(3, 0)}) {
+    ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
+    expectState(confirmed, missing);
+  }
+  EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
+}
+
+// It comes from a connection that broke.
+TEST_F(Node, AnswersOverTheLatestConnectionAfterALateCall) {
+  const OpenNode node = open(ownNode);
+  RawSender earlier(endpoint());
+  earlier.sendNote(header(1), "a");
+  earlier.receive();
+  RawSender later(endpoint());
+  later.sendNote(header(3), "b");
+  ASSERT_EQ(receiveNotes(node, 2).size(), 2u);
+  RawHeader late = header(2);
+  late.flags = 1;
+  earlier.sendNote(late, "c");
+  ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
+  const std::string state = later.receive();
+  EXPECT_EQ(state.substr(32, 8), littleEndian(3, 8));
 }
 
 TEST_F(Node, RemembersSomeGapsOfASender) {

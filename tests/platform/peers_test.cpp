@@ -254,6 +254,64 @@ TEST_F(Peers, TellOfNoGapThatIsTakenBack) {
   EXPECT_EQ(peerOf(node, header.source).missed_before_first, 0u);
 }
 
+std::string stateBody(uint64_t first, uint64_t missingAhead, uint64_t missedBefore) {
+  return littleEndian(first, 8) + littleEndian(missingAhead, 8) + littleEndian(missedBefore, 8);
+}
+
+// A receiver that has forgotten a sender between two connections.
+TEST_F(Peers, CannotTakeLossesBack) {
+  RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
+  const OpenNode node = open(2);
+  for (int call = 1; call <= 3; ++call) {
+    ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
+  }
+  RawHeader state;
+  state.kind = 2;
+  state.source = 1;
+  state.destination = 2;
+  state.sequence = 3;
+  state.confirmed = 2;
+  state.extra = 1;
+  receiver.receive();
+  receiver.send({state.bytes() + stateBody(1, 0, 0)});
+  expectConfirmed(node, 1);
+  EXPECT_EQ(statisticsOf(node).undelivered_calls, 1u);
+  state.confirmed = 3;
+  state.extra = 0;
+  receiver.send({state.bytes() + stateBody(4, 0, 1)});
+  expectConfirmed(node, 0);
+  EXPECT_EQ(statisticsOf(node).undelivered_calls, 2u);
+}
+
+TEST_F(Peers, HearWhatTheirPredecessorsConfirmedFromASenderThatCloses) {
+  RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
+  OpenNode node = open(2);
+  RawHeader state;
+  state.kind = 2;
+  state.source = 1;
+  state.destination = 2;
+  state.sequence = 1;
+  state.confirmed = 1;
+  ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
+  receiver.receive();
+  receiver.send({state.bytes() + stateBody(1, 0, 0)});
+  expectConfirmed(node, 0);
+  const auto start = steady_clock::now();
+  std::thread closing([&] { EXPECT_EQ(node.close(), MESH_OK); });
+  receiver.receive();
+  state.flags = 1;
+  state.incarnation = 7;
+  // The second time it answers what was on its way.
+  for (int time = 0; time < 2; ++time) {
+    receiver.send({state.bytes() + stateBody(2, 0, 1)});
+    const std::string sync = receiver.receive();
+    EXPECT_EQ(sync.substr(40, 12), littleEndian(0, 8) + littleEndian(7, 4));
+  }
+  receiver.send({state.bytes() + stateBody(2, 0, 0)});
+  closing.join();
+  EXPECT_LT(since(start), milliseconds(1000));
+}
+
 TEST_F(Peers, CannotDenyMoreCallsThanThereWere) {
   RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
   mesh_node* node = nullptr;
@@ -271,8 +329,7 @@ TEST_F(Peers, CannotDenyMoreCallsThanThereWere) {
     ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
     receiver.receive();
     state.incarnation = call;
-    receiver.send(
-        {state.bytes() + littleEndian(call, 8) + littleEndian(UINT64_MAX, 8) + littleEndian(0, 8)});
+    receiver.send({state.bytes() + stateBody(call, UINT64_MAX, UINT64_MAX)});
     expectConfirmed(node, 0);
     EXPECT_EQ(statisticsOf(node).undelivered_calls, call);
   }

@@ -13,9 +13,9 @@
 //
 //   sent = delivered + undelivered at the senders + discarded at the receivers
 //
-// And when nodes end in the order of their starts: what the last of them and its predecessor say to
-// miss was sent there, and was neither delivered nor discarded. A receiver that ends before its
-// senders may miss more, until they have corrected it.
+// And when the nodes end in the order of their starts: what the last of them and its predecessor
+// say to miss was sent there, and was neither delivered nor discarded. A receiver that ends before
+// its senders may miss more, until they have corrected it.
 //
 // A killed process cannot tell what it had counted. The check then admits as missing what a killed
 // sender had sent in its last moments, what it had sent to nodes that ended too, and what a killed
@@ -482,7 +482,7 @@ class Scenario {
   uint32_t nodes_ = 0;
   uint32_t count_ = 0;
   uint32_t killed_ = 0;
-  bool oneByOne_ = false;             // closed at the end
+  bool oneByOne_ = false;             // nodes close in the order of their starts
   bool interrupted_[mostNodes] = {};  // a node of the address ended before the others
   std::vector<KilledSend> killedSends_;
   uint64_t mayMiss_ = 0;

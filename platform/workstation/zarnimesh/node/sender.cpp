@@ -26,8 +26,12 @@ constexpr milliseconds settling{50};
 // connection.
 constexpr milliseconds syncInterval{50};
 
-// How long closing waits for receivers that have confirmed everything to hear of it.
+// How long closing waits for receivers that have confirmed everything to hear of it,
 constexpr milliseconds farewell{50};
+// to hear what their predecessors have confirmed,
+constexpr milliseconds correction{1000};
+// and for connections that broke.
+constexpr milliseconds reconnection{100};
 
 // Checks the call against the limits. Sets `bytes` to the sum of the tables' lengths.
 [[nodiscard]] mesh_result checkCall(const Settings& settings, const mesh_msg_desc* descriptors,
@@ -69,6 +73,17 @@ void copyTables(std::span<const mesh_msg_desc> descriptors, uint8_t* index) {
       to += length;
     }
   }
+}
+
+// Whether a node that has been closing for this time expects something of the receiver.
+bool isAwaited(const Destination& destination, std::chrono::nanoseconds closing) {
+  const bool hasUnconfirmed = destination.unconfirmed() > 0;
+  if (destination.link.present()) {
+    return (!destination.knowsOfClosing() && (hasUnconfirmed || closing < farewell)) ||
+           (destination.mayMissTooMany() && closing < correction);
+  }
+  return hasUnconfirmed && closing < reconnection &&
+         (destination.endpoint().transport == Transport::Tcp || Outgoing::mayBePresent(destination));
 }
 
 }  // namespace
@@ -265,7 +280,10 @@ void Sender::tend() {
 }
 
 Sender::Files Sender::files() {
-  const Lock lock(mutex_);
+  const Lock lock(mutex_, std::try_to_lock);
+  if (!lock) {
+    return {.state = -1, .event = -1, .isBehind = true};
+  }
   return {.state = outgoing_.stateFile(),
           .event = outgoing_.eventFile(),
           .isBehind = behind_ || waiting_ > 0};
@@ -292,7 +310,7 @@ uint64_t Sender::waitForArrival(Lock& lock) {
   const Clock::time_point start = Clock::now();
   const Clock::time_point end = start + settings_.linger;
   for (const auto& [address, destination] : outgoing_.destinations()) {
-    if (destination->link.present()) {
+    if (destination->link.connected) {
       sync(*destination, true);
     }
   }
@@ -302,10 +320,7 @@ uint64_t Sender::waitForArrival(Lock& lock) {
     uint64_t missing = 0;
     for (const auto& [address, destination] : outgoing_.destinations()) {
       missing += destination->missing();
-      const bool hears = destination->unconfirmed() > 0 || now < start + farewell;
-      const bool awaited =
-          destination->mayMissTooMany() || (!destination->knowsOfClosing() && hears);
-      mayArrive = mayArrive || (destination->link.present() && awaited);
+      mayArrive = mayArrive || isAwaited(*destination, now - start);
     }
     if (!mayArrive || now >= end) {
       return missing;

@@ -7,8 +7,9 @@ namespace zarnimesh {
 bool Destination::note(const FrameHeader& state, const StateBody& body) {
   heardAt_ = Clock::now();
   const bool restarted = receiver_ != 0 && state.incarnation != receiver_;
-  if (state.incarnation != receiver_) {
+  if (state.incarnation != receiver_ || body.first > first_) {
     receiver_ = state.incarnation;
+    first_ = body.first;
     lostBefore_ += missing_;
     missing_ = 0;
     // What no predecessor confirmed was lost with it.

@@ -51,8 +51,8 @@ class Destination {
   // The receiver's answer. Returns whether another node answered before.
   bool note(const FrameHeader& state, const StateBody& body);
 
-  // Whether the receiver may miss calls that a predecessor confirmed: what was on its way to it
-  // knew less. It needs a sync().
+  // Whether the receiver may count calls as missed that a predecessor confirmed: it has said so, or
+  // has not answered over this connection. A sync() corrects it.
   bool mayMissTooMany() const {
     return numbered_ > 0 && (!link.answered || missedBefore_ > lostAtRestart_);
   }
@@ -67,10 +67,10 @@ class Destination {
   uint64_t lost() const { return lostBefore_ + missing_; }
   // Whether the receiver knows that no call follows. It then counts those that it does not deliver.
   bool knowsOfClosing() const { return knowsOfClosing_; }
-  // Calls that this node must count when it closes.
+  // Calls that this node must count when it closes. The receiver counts those that have arrived.
   uint64_t missing() const {
-    return lost() + (link.present() || knowsOfClosing_ ? missingAhead_ + numbered_ - arrived_
-                                                       : unconfirmed());
+    const bool counts = (link.connected && link.answered) || knowsOfClosing_;
+    return lost() + (counts ? missingAhead_ + numbered_ - arrived_ : unconfirmed());
   }
   uint64_t mostUnconfirmed() const { return mostUnconfirmed_; }
   Clock::time_point heardAt() const { return heardAt_; }
@@ -117,6 +117,7 @@ class Destination {
   uint64_t askedBytes_ = 0;
 
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
+  uint64_t first_ = 0;     // the first call that it knows of. It forgets who is not connected
   uint64_t missing_ = 0;   // calls that this receiver misses, up to settled_
   uint64_t missingAhead_ = 0;  // and from there to arrived_
   uint64_t missedBefore_ = 0;  // and before its first one, as it has told

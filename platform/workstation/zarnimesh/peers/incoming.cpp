@@ -165,6 +165,7 @@ bool Incoming::isFromItsSource(IncomingCall& call) {
 
 Source* Incoming::book(uint64_t route, IncomingCall& call) {
   const FrameHeader& header = call.header;
+  call.late = false;
   Source* source = sources_.find(header.source, header.incarnation);
   const bool isNew = source == nullptr;
   const bool isConnected = !isNew && source->route == route;
@@ -185,7 +186,8 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
   } else if (header.kind == Kind::Call && isBeyondCredit(*source, settings_)) {
     return nullptr;
   } else {
-    if (!isConnected) {
+    // A late call comes over a connection that broke.
+    if (!isConnected && header.sequence >= source->highest) {
       sources_.connect(*source, route);
     }
     const uint64_t highest = source->highest;
@@ -194,6 +196,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
       peerEvents_.add(MESH_PEER_GAP, header.source, highest + 1, highest + finding.lost);
       statistics_.lostCalls.add(finding.lost);
     }
+    call.late = finding.late;
     if (finding.late) {
       statistics_.lostCalls.subtract(1);
     }
@@ -216,7 +219,7 @@ Source* Incoming::book(uint64_t route, IncomingCall& call) {
 
 void Incoming::noteDelivered(const IncomingCall& call) {
   Source& source = *call.source;
-  Sources::noteDelivered(source, call.header);
+  Sources::noteDelivered(source, call.header, call.late);
   if ((call.header.flags & tellFlag) != 0) {
     tell(source);
   } else {
@@ -258,7 +261,7 @@ bool Incoming::tell(Source& source) {
                 .incarnation = incarnation_,
                 .sequence = source.highest,
                 .confirmed = source.settled,
-                .extra = source.missing - source.missingAhead(),
+                .extra = source.toldMissing() - source.missingAhead(),
                 .count = settings_.receiveQueueCalls,
                 .bytes = settings_.queueBytes},
                message.data());

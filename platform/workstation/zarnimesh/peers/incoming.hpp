@@ -22,6 +22,7 @@ struct IncomingCall {
   const uint8_t* bytes = nullptr;  // of the message
   Source* source = nullptr;
   bool afterGap = false;
+  bool late = false;  // its successors were read first
 };
 
 // For one thread at a time. `settings`, `statistics` and `events` must outlive it.

@@ -95,14 +95,12 @@ mesh_result Listener::bind() {
     return failFromTransport(endpoint.c_str());
   }
   bound_ = endpoint;
-  if (endpoint_.transport == Transport::Inproc) {
-    if (!InprocTable::instance().add(endpoint_.rest, generation)) {
-      return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",
-                  endpoint_.text().c_str());
-    }
-    isInTable_ = true;
+  isInTable_ = generation != 0 && InprocTable::instance().add(endpoint_.rest, generation);
+  if (isInTable_ == (generation != 0)) {
+    return MESH_OK;
   }
-  return MESH_OK;
+  return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",
+              endpoint_.text().c_str());
 }
 
 mesh_result Listener::listenOnIpc() {
@@ -116,7 +114,7 @@ mesh_result Listener::listenOnIpc() {
 }
 
 mesh_result Listener::listenAgain() {
-  if (endpoint_.transport != Transport::Ipc) {
+  if (endpoint_.transport != Transport::Ipc || !isOpen()) {
     return MESH_OK;
   }
   if (!lock_.isIntact(lockOf(endpoint_.rest))) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include "zarnimesh/configuration/settings.hpp"
 #include "zarnimesh/transport/address_lock.hpp"

@@ -23,7 +23,7 @@ constexpr int reconnectMs = 20;
 // A State, encrypted, or ZeroMQ's own words.
 constexpr int64_t largestAnswer = 1024;
 
-// ZeroMQ's own thread closes a receiver's socket. Only on a stalled system does that take longer.
+// A thread of ZeroMQ closes a receiver's socket. Only on a stalled system does that take longer.
 constexpr std::chrono::milliseconds endingTime{1000};
 
 constexpr int senderEvents = ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED;
@@ -104,6 +104,9 @@ mesh_result Outgoing::connectTo(Destination& destination, const std::string& end
   }
   if (InprocTable::instance().find(destination.endpoint().rest) == destination.link.generation) {
     setLink(destination, true, false);
+    if (destination.unconfirmed() > 0) {
+      setToSync(destination);
+    }
   } else {
     // It left meanwhile. ZeroMQ may wait for a socket at its name, and would never tell of an end.
     disconnect(destination);
@@ -185,10 +188,9 @@ void Outgoing::disconnect(Destination& destination) {
   destination.link = {.toSync = destination.link.toSync};
 }
 
-void Outgoing::awaitEnd(const Destination& destination) {
+void Outgoing::awaitEnd(const Destination& destination, Destination::Clock::time_point end) {
   // The receiver's last words are written, but perhaps not announced: one thread announces what
   // several have written, and may be stopped.
-  const auto end = Destination::Clock::now() + endingTime;
   MessagePart nothing;
   while (sendTo(destination.link.route, nothing, socket_) && Destination::Clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::microseconds(100));
@@ -206,6 +208,7 @@ void Outgoing::checkInproc() {
   if (inprocVersion_ == version) {
     return;
   }
+  const auto end = Destination::Clock::now() + endingTime;
   for (const auto& [address, destination] : destinations_) {
     const Endpoint& endpoint = destination->endpoint();
     if (endpoint.transport != Transport::Inproc) {
@@ -213,12 +216,11 @@ void Outgoing::checkInproc() {
     }
     if (destination->link.route != 0 &&
         InprocTable::instance().find(endpoint.rest) != destination->link.generation) {
-      awaitEnd(*destination);
+      awaitEnd(*destination, end);
       disconnect(*destination);
     }
-    if (destination->link.route == 0 && destination->unconfirmed() > 0 &&
-        connect(*destination) == MESH_OK && destination->link.present()) {
-      setToSync(*destination);
+    if (destination->link.route == 0 && destination->unconfirmed() > 0) {
+      static_cast<void>(connect(*destination));
     }
   }
   inprocVersion_ = version;

@@ -92,8 +92,8 @@ class Outgoing {
   void askAt(uint16_t port);
   void disconnect(Destination& destination);
   // Inproc: the receiver has left the table. Waits until ZeroMQ tells of its end, behind its last
-  // words.
-  void awaitEnd(const Destination& destination);
+  // words, but not longer than `end`.
+  void awaitEnd(const Destination& destination, Destination::Clock::time_point end);
   void setLink(Destination& destination, bool connected, bool silent);
   void tellWater(Destination& destination);
 

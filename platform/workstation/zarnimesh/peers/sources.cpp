@@ -81,6 +81,7 @@ Sources::Finding Sources::note(Source& source, const FrameHeader& header) {
     finding.late = fill(source.gaps, header.sequence);
     finding.duplicate = !finding.late;
     source.missing -= finding.late ? 1 : 0;
+    source.late += finding.late ? 1 : 0;
     return finding;
   }
   if (before > source.highest) {

@@ -33,6 +33,7 @@ struct Source {
   uint64_t told = 0;       // settled, as told to the sender
   uint64_t missing = 0;    // calls after `first` that did not arrive
   size_t undelivered = 0;  // calls that wait for delivery
+  size_t late = 0;         // those of them that were counted as missing
   uint64_t undeliveredBytes = 0;
   bool toBeTold = false;
   bool closed = false;
@@ -48,10 +49,12 @@ struct Source {
   // arrived over a connection that broke, and its successors were read first.
   std::vector<Gap> gaps;
 
-  // Calls after `settled` that are missing. Late calls may wait that were settled before.
+  // Calls that the sender must count as missing. One that has closed leaves late ones to this node.
+  uint64_t toldMissing() const { return missing + (closed ? 0 : late); }
+  // Those of them after `settled`.
   uint64_t missingAhead() const {
     const uint64_t ahead = highest - settled;
-    return std::min<uint64_t>(missing, ahead - std::min<uint64_t>(ahead, undelivered));
+    return std::min<uint64_t>(toldMissing(), ahead - std::min<uint64_t>(ahead, undelivered - late));
   }
 };
 
@@ -89,7 +92,7 @@ class Sources {
   static uint64_t noteFirst(Source& source, const FrameHeader& header);
 
   // A call of the source was delivered.
-  static void noteDelivered(Source& source, const FrameHeader& call);
+  static void noteDelivered(Source& source, const FrameHeader& call, bool late);
 
   // Forgets the senders that are gone, if the books have grown enough since this was done last.
   // `isGone` is called for sources without undelivered calls.
@@ -150,7 +153,8 @@ inline bool Sources::isPlausible(const FrameHeader& header, const Source* source
          (source == nullptr || header.confirmed <= source->settled);
 }
 
-inline void Sources::noteDelivered(Source& source, const FrameHeader& call) {
+inline void Sources::noteDelivered(Source& source, const FrameHeader& call, bool late) {
+  source.late -= late ? 1 : 0;
   --source.undelivered;
   source.undeliveredBytes -= call.bytes;
   source.settled =

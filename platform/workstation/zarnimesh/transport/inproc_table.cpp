@@ -10,9 +10,11 @@ InprocTable& InprocTable::instance() {
 
 bool InprocTable::add(const std::string& name, uint64_t generation) {
   const std::lock_guard lock(mutex_);
-  const bool isNew = generations_.emplace(name, generation).second;
+  if (!generations_.emplace(name, generation).second) {
+    return false;
+  }
   version_.fetch_add(1);
-  return isNew;
+  return true;
 }
 
 void InprocTable::remove(const std::string& name) {

@@ -19,8 +19,8 @@ class InprocTable {
   // For a new receiver.
   uint64_t newGeneration() { return latest_.fetch_add(1) + 1; }
 
-  // Adds a receiver whose socket is bound, and stays so until it is removed. False when the name is
-  // in use.
+  // Adds a receiver. Its socket must be bound before, and until it is removed. False when the name
+  // is in use.
   [[nodiscard]] bool add(const std::string& name, uint64_t generation);
   void remove(const std::string& name);
 
