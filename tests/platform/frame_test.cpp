@@ -309,7 +309,8 @@ TEST_F(Node, TellsOfALateCallThatWaits) {
   while (statisticsOf(node).received_calls < 3 && !deadline.passed()) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
-  for (const auto& [confirmed, missing] : {std::pair(1, 0), std::pair(3, 1), std::pair(3, 0)}) {
+  const std::pair<uint64_t, uint64_t> states[] = {{1, 0}, {3, 1}, {3, 0}};
+  for (const auto& [confirmed, missing] : states) {
     ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
     expectState(confirmed, missing);
   }
