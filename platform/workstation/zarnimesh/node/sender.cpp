@@ -83,8 +83,7 @@ bool isAwaited(const Destination& destination, std::chrono::nanoseconds closing)
            (destination.mayMissTooMany() && closing < correction);
   }
   return hasUnconfirmed && closing < reconnection &&
-         (destination.endpoint().transport == Transport::Tcp ||
-          Outgoing::mayBePresent(destination));
+         destination.endpoint().transport != Transport::Inproc;
 }
 
 }  // namespace
