@@ -201,9 +201,10 @@ void mesh_node_options_default(mesh_node_options* options);
 mesh_result mesh_node_open(uint32_t address, const mesh_node_options* options, mesh_node** out);
 
 /* Closes the node. Waits up to its linger time until connected receivers say that all calls have
- * arrived. Returns MESH_UNDELIVERED if some are missing or not confirmed then; the error text tells
- * how many. The node is closed in any case. Sends in progress return MESH_NOT_OPEN. Closing the
- * last node calls every registered clean hook once. */
+ * arrived, and up to 100 ms for a connection that broke. Returns MESH_UNDELIVERED if some are
+ * missing or not confirmed then; the error text tells how many. The node is closed in any case.
+ * Sends in progress return MESH_NOT_OPEN. Closing the last node calls every registered clean hook
+ * once. */
 mesh_result mesh_node_close(mesh_node* node);
 
 /* As mesh_node_close. Stores the node's final counters in `*last`, if it is not null. */
