@@ -316,22 +316,34 @@ TEST_F(Delivery, IsCountedOnceIfTheSenderClosesWhenItsConnectionBroke) {
     mesh_node_options options = defaults();
     options.payload_limit = 100;
     const OpenNode receiver = open(1, options);
-    OpenNode sender = open(2);
+    std::atomic<bool> broke = false;
+    options = defaults();
+    options.peer_user = &broke;
+    options.peer = [](const mesh_peer_event* event, void* user) {
+      if (event->change == MESH_PEER_DOWN) {
+        *static_cast<std::atomic<bool>*>(user) = true;
+      }
+    };
+    OpenNode sender = open(2, options);
     ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
     for (int call = 1; call <= 5; ++call) {
       ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK);
+    }
+    const Deadline deadline;
+    while (statisticsOf(receiver).received_calls < 5 && !deadline.passed()) {
+      std::this_thread::sleep_for(milliseconds(5));
     }
     ASSERT_EQ(sendNotes(1, {std::string(4 << 20, 'a')}), MESH_OK);
     mesh_peer_statistics peer;
     peer.connected = 1;
     uint32_t count = 0;
-    const Deadline deadline;
-    while (peer.connected != 0 && !deadline.passed()) {
-      ASSERT_EQ(mesh_node_peers(sender, &peer, 1, &count), MESH_OK);
+    while (peer.connected != 0 && !broke && !deadline.passed()) {
       static_cast<void>(statisticsOf(sender));
+      ASSERT_EQ(mesh_node_peers(sender, &peer, 1, &count), MESH_OK);
     }
     mesh_node_statistics last;
     EXPECT_EQ(mesh_node_close_counted(sender.release(), &last), MESH_UNDELIVERED);
+    EXPECT_TRUE(broke);
     EXPECT_EQ(last.undelivered_calls, 1u);
     EXPECT_EQ(receiveUntil(receiver, &mesh_node_statistics::received_records, 5), 5u);
     EXPECT_EQ(statisticsOf(receiver).lost_calls, 1u);

@@ -290,7 +290,7 @@ TEST_F(Node, DeliversAndCountsDuplicateAndLateCalls) {
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u) << "call 2 was late";
 }
 
-// Its sender would count it as delivered.
+// Otherwise its sender would count the call as delivered.
 TEST_F(Node, TellsOfALateCallThatWaits) {
   const OpenNode node = open(ownNode);
   RawSender sender(endpoint());
@@ -317,21 +317,24 @@ TEST_F(Node, TellsOfALateCallThatWaits) {
   EXPECT_EQ(statisticsOf(node).lost_calls, 0u);
 }
 
-// It comes from a connection that broke.
+// A late call comes from a connection that broke.
 TEST_F(Node, AnswersOverTheLatestConnectionAfterALateCall) {
   const OpenNode node = open(ownNode);
+  const auto deliver = [&](RawSender& sender, uint64_t sequence) {
+    RawHeader call = header(sequence);
+    call.flags = 1;
+    sender.sendNote(call, "a");
+    EXPECT_EQ(receiveNotes(node, 1).size(), 1u);
+  };
   RawSender earlier(endpoint());
-  earlier.sendNote(header(1), "a");
+  deliver(earlier, 1);
+  earlier.receive();
   earlier.receive();
   RawSender later(endpoint());
-  later.sendNote(header(3), "b");
-  ASSERT_EQ(receiveNotes(node, 2).size(), 2u);
-  RawHeader late = header(2);
-  late.flags = 1;
-  earlier.sendNote(late, "c");
-  ASSERT_EQ(receiveNotes(node, 1).size(), 1u);
-  const std::string state = later.receive();
-  EXPECT_EQ(state.substr(32, 8), littleEndian(3, 8));
+  deliver(later, 3);
+  later.receive();
+  deliver(earlier, 2);
+  EXPECT_EQ(later.receive().substr(32, 16), littleEndian(3, 8) + littleEndian(0, 8));
 }
 
 TEST_F(Node, RemembersSomeGapsOfASender) {
@@ -376,6 +379,25 @@ TEST_F(Node, AcceptsTheLargestSequenceNumber) {
   EXPECT_EQ(receiveNotes(node, 2).size(), 2u);
   EXPECT_EQ(statisticsOf(node).missed_before_first, 2u);
   EXPECT_EQ(statisticsOf(node).duplicate_calls, 1u);
+}
+
+TEST_F(Node, FillsAGapUpToTheLargestSequenceNumberOnce) {
+  const OpenNode node = open(ownNode);
+  RawSender sender(endpoint());
+  RawHeader call = header(UINT64_MAX - 10);
+  call.confirmed = call.sequence - 1;
+  sender.sendNote(call, "a");
+  call.sequence = UINT64_MAX;
+  RawHeader sync = call;
+  sync.kind = 1;
+  sender.send({sync.bytes()});
+  constexpr uint64_t late = 12;
+  for (uint64_t i = 0; i < late; ++i) {
+    sender.sendNote(call, "b");
+  }
+  EXPECT_EQ(receiveNotes(node, 1 + late).size(), 1 + late);
+  EXPECT_EQ(statisticsOf(node).lost_calls, 9u);
+  EXPECT_EQ(statisticsOf(node).duplicate_calls, late - 1);
 }
 
 TEST_F(Node, TracksEachIncarnationSeparately) {

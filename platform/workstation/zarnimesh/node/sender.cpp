@@ -26,11 +26,13 @@ constexpr milliseconds settling{50};
 // connection.
 constexpr milliseconds syncInterval{50};
 
-// How long closing waits for receivers that have confirmed everything to hear of it,
+// How long closing waits for receivers that have confirmed everything to hear of it.
 constexpr milliseconds farewell{50};
-// to hear what their predecessors have confirmed,
+
+// How long closing waits for receivers to hear what their predecessors have confirmed.
 constexpr milliseconds correction{1000};
-// and for connections that broke.
+
+// How long closing waits for connections that broke.
 constexpr milliseconds reconnection{100};
 
 // Checks the call against the limits. Sets `bytes` to the sum of the tables' lengths.
@@ -82,8 +84,8 @@ bool isAwaited(const Destination& destination, std::chrono::nanoseconds closing)
     return (!destination.knowsOfClosing() && (hasUnconfirmed || closing < farewell)) ||
            (destination.mayMissTooMany() && closing < correction);
   }
-  return hasUnconfirmed && closing < reconnection &&
-         destination.endpoint().transport != Transport::Inproc;
+  return hasUnconfirmed && closing < reconnection && !destination.knowsOfClosing() &&
+         !destination.givenUp && destination.endpoint().transport != Transport::Inproc;
 }
 
 }  // namespace

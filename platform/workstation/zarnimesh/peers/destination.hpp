@@ -117,7 +117,7 @@ class Destination {
   uint64_t askedBytes_ = 0;
 
   uint64_t receiver_ = 0;  // incarnation of the node that answered last; 0 before the first answer
-  uint64_t first_ = 0;     // the first call that it knows of. It forgets who is not connected
+  uint64_t first_ = 0;     // the first call that it knows of. Receivers forget unconnected senders
   uint64_t missing_ = 0;   // calls that this receiver misses, up to settled_
   uint64_t missingAhead_ = 0;  // and from there to arrived_
   uint64_t missedBefore_ = 0;  // and before its first one, as it has told

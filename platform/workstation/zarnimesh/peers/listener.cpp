@@ -96,7 +96,7 @@ mesh_result Listener::bind() {
   }
   bound_ = endpoint;
   isInTable_ = generation != 0 && InprocTable::instance().add(endpoint_.rest, generation);
-  if (isInTable_ == (generation != 0)) {
+  if (generation == 0 || isInTable_) {
     return MESH_OK;
   }
   return fail(MESH_ADDRESS_IN_USE, "%s: in use by a node of this process",

@@ -17,10 +17,11 @@ bool fill(std::vector<Source::Gap>& gaps, uint64_t sequence) {
   if (gap == gaps.end()) {
     return false;
   }
+  const bool hasRest = sequence < gap->to;
   const Source::Gap rest{.from = sequence + 1, .to = gap->to};
   gap->to = sequence - 1;
   const bool empty = gap->from > gap->to;
-  if (rest.from <= rest.to) {
+  if (hasRest) {
     if (empty) {
       *gap = rest;
     } else if (gaps.size() < mostGaps) {
