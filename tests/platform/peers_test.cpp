@@ -254,6 +254,17 @@ TEST_F(Peers, TellOfNoGapThatIsTakenBack) {
   EXPECT_EQ(peerOf(node, header.source).missed_before_first, 0u);
 }
 
+// Of a State of node 1 for node 2.
+RawHeader stateHeader(uint64_t sequence, uint64_t confirmed) {
+  RawHeader state;
+  state.kind = 2;
+  state.source = 1;
+  state.destination = 2;
+  state.sequence = sequence;
+  state.confirmed = confirmed;
+  return state;
+}
+
 std::string stateBody(uint64_t first, uint64_t missingAhead, uint64_t missedBefore) {
   return littleEndian(first, 8) + littleEndian(missingAhead, 8) + littleEndian(missedBefore, 8);
 }
@@ -265,12 +276,7 @@ TEST_F(Peers, CannotTakeLossesBack) {
   for (int call = 1; call <= 3; ++call) {
     ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
   }
-  RawHeader state;
-  state.kind = 2;
-  state.source = 1;
-  state.destination = 2;
-  state.sequence = 3;
-  state.confirmed = 2;
+  RawHeader state = stateHeader(3, 2);
   state.extra = 1;
   receiver.receive();
   receiver.send({state.bytes() + stateBody(1, 0, 0)});
@@ -286,12 +292,7 @@ TEST_F(Peers, CannotTakeLossesBack) {
 TEST_F(Peers, HearWhatTheirPredecessorsConfirmedFromASenderThatCloses) {
   RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
   OpenNode node = open(2);
-  RawHeader state;
-  state.kind = 2;
-  state.source = 1;
-  state.destination = 2;
-  state.sequence = 2;
-  state.confirmed = 1;
+  RawHeader state = stateHeader(2, 1);
   for (int call = 1; call <= 2; ++call) {
     ASSERT_EQ(sendNotes(1, {"a"}), MESH_OK) << mesh_node_last_error();
     receiver.receive();
@@ -319,12 +320,7 @@ TEST_F(Peers, CannotDenyMoreCallsThanThereWere) {
   RawSender receiver(RawSender::Listening{}, "ipc://" + directory() + "/1");
   mesh_node* node = nullptr;
   ASSERT_EQ(mesh_node_open(2, nullptr, &node), MESH_OK);
-  RawHeader state;
-  state.kind = 2;
-  state.source = 1;
-  state.destination = 2;
-  state.sequence = UINT64_MAX;
-  state.confirmed = UINT64_MAX;
+  RawHeader state = stateHeader(UINT64_MAX, UINT64_MAX);
   state.extra = UINT64_MAX;
   state.count = 100;
   state.payloadBytes = 1000;
