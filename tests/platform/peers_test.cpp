@@ -125,6 +125,7 @@ TEST_F(Peers, AreCountedApart) {
   EXPECT_EQ(from.waiting_calls, 3u);
   EXPECT_EQ(from.sent_calls, 0u);
   EXPECT_NE(from.incarnation, 0u);
+  EXPECT_LT(from.last_heard_ms, 10'000u);
   uint32_t count = 0;
   EXPECT_EQ(mesh_node_peers(one, nullptr, 0, &count), MESH_OK);
   EXPECT_EQ(count, 2u);
@@ -226,6 +227,22 @@ TEST_F(Peers, TellOfGaps) {
   EXPECT_EQ(seen.sequences, (std::vector<uint64_t>{1, 2, 5, 6}));
   EXPECT_EQ(seen.afterGap, (std::vector<uint64_t>{5}));
   EXPECT_TRUE(events.has(MESH_PEER_GAP, 99, 3, 4));
+}
+
+TEST_F(Peers, AreRestartedWhenTheirPredecessorHasNotClosed) {
+  Events events;
+  mesh_node_options options = defaults();
+  events.hear(options);
+  const OpenNode node = open(1, options);
+  RawHeader header;
+  header.destination = 1;
+  for (uint64_t incarnation = 1; incarnation <= 2; ++incarnation) {
+    header.incarnation = incarnation;
+    RawSender("ipc://" + directory() + "/1").sendNote(header, "a");
+    EXPECT_EQ(mesh_node_receive(node, 5000, nullptr, nullptr), 1);
+  }
+  EXPECT_TRUE(events.has(MESH_PEER_RESTARTED, 99));
+  EXPECT_EQ(events.changes(), (std::vector<uint32_t>{MESH_PEER_UP, MESH_PEER_RESTARTED}));
 }
 
 TEST_F(Peers, TellOfNoGapThatIsTakenBack) {
@@ -344,9 +361,12 @@ TEST_F(Peers, HaveHighAndLowWater) {
   events.hear(options);
   const OpenNode sender = open(1, options);
   const OpenNode receiver = open(2);
-  for (int call = 0; call < 6; ++call) {
+  for (int call = 0; call < 5; ++call) {
     ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
   }
+  std::this_thread::sleep_for(milliseconds(100));
+  EXPECT_FALSE(events.had(MESH_PEER_HIGH_WATER, 2));
+  ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
   EXPECT_TRUE(events.has(MESH_PEER_HIGH_WATER, 2)) << "at three quarters";
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
   ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
