@@ -556,6 +556,20 @@ TEST_F(Delivery, IsBoundedInBytesToo) {
   EXPECT_EQ(receiveNotes(receiver, 1).size(), 1u);
 }
 
+TEST_F(Delivery, IsBoundedByItsReceiverToo) {
+  const OpenNode sender = open(1);
+  mesh_node_options options = defaults();
+  options.receive_queue_calls = 1;
+  const OpenNode receiver = open(2, options);
+  ASSERT_EQ(mesh_node_attach(sender), MESH_OK);
+  ASSERT_EQ(sendNotes(2, {"a"}), MESH_OK);
+  ASSERT_EQ(receiveNotes(receiver, 1).size(), 1u);
+  awaitUnconfirmed(sender, 0);
+  const mesh_msg_desc empty{};
+  EXPECT_EQ(mesh_node_send(sender, 2, &empty, 1, 0, 0), MESH_OK);
+  EXPECT_EQ(mesh_node_send(sender, 2, &empty, 1, 0, 0), MESH_QUEUE_FULL);
+}
+
 TEST_F(Delivery, GoesOnAfterAHandlerThatThrows) {
   const OpenNode node = open(1);
   ASSERT_EQ(sendNotes(1, {"a", "b", "c", "d", "e"}), MESH_OK);
