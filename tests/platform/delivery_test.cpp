@@ -568,6 +568,7 @@ TEST_F(Delivery, IsBoundedByItsReceiverToo) {
   const mesh_msg_desc empty{};
   EXPECT_EQ(mesh_node_send(sender, 2, &empty, 1, 0, 0), MESH_OK);
   EXPECT_EQ(mesh_node_send(sender, 2, &empty, 1, 0, 0), MESH_QUEUE_FULL);
+  EXPECT_EQ(mesh_node_receive(receiver, 5000, nullptr, nullptr), 0) << "a call without a record";
 }
 
 TEST_F(Delivery, GoesOnAfterAHandlerThatThrows) {
