@@ -182,6 +182,24 @@ TEST_F(EndlessMessage, IsNotABacklogOfCalls) {
 
 // At a check some connections have delivered nothing since the last one, because ZeroMQ served the
 // others.
+// The node looks for endless messages while nothing arrives.
+TEST_F(EndlessMessage, IsNotALongRowOfCallsWithPauses) {
+  const OpenNode other = open(6, options_);
+  constexpr uint32_t calls = 10;
+  for (int pause = 0; pause < 4; ++pause) {
+    std::thread sending([&] {
+      EXPECT_EQ(mesh_node_attach(other), MESH_OK);
+      for (uint32_t call = 0; call < calls; ++call) {
+        EXPECT_EQ(sendNotes(ownNode, {std::string(payloadLimit, 'a')}), MESH_OK);
+      }
+    });
+    EXPECT_EQ(receiveNotes(node_, calls).size(), calls);
+    sending.join();
+    ASSERT_EQ(mesh_node_receive(node_, 100, nullptr, nullptr), 0);
+  }
+  EXPECT_EQ(statisticsOf(node_).malformed, 0u);
+}
+
 TEST_F(EndlessMessage, IsNotACallThatWaitsForItsTurn) {
   constexpr uint32_t senders = 3;
   constexpr uint32_t callsOfEach = 14;
